@@ -1,0 +1,50 @@
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "bindings/recording/recording.h"
+#include "platform/toru_dbg.h"
+
+namespace {
+
+std::string Format(const char* format, std::va_list arguments) {
+    std::array<char, 65536> text{};
+    (void)std::vsnprintf(text.data(), text.size(), format, arguments);
+    return text.data();
+}
+
+}  // namespace
+
+int toru_dbg_start(const char* programName) {
+    return recording::Play("toru_dbg_start", programName, {}, 0);
+}
+
+void toru_dbg_stop() {
+    recording::Play("toru_dbg_stop", "", {}, 0);
+}
+
+void toru_dbg_log(const char* module, int level, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::string line = "log " + std::to_string(level) + " " + Format(format, arguments);
+    va_end(arguments);
+    // The tag inside the line is the module's own in all but the lines that name it.
+    if (line.find("[" + std::string(module) + "]") == std::string::npos) {
+        line += " (module " + std::string(module) + ")";
+    }
+    recording::Record(std::move(line));
+}
+
+void toru_dbg_syslog(int priority, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    recording::Record("syslog " + std::to_string(priority) + " " + Format(format, arguments));
+    va_end(arguments);
+}
+
+const char* toru_dbg_get_level_name(int level) {
+    static constexpr std::array<const char*, 8> kNames = {"EMERG",   "ALERT",  "CRIT", "ERROR",
+                                                          "WARNING", "NOTICE", "INFO", "DEBUG"};
+    return level >= 0 && level < 8 ? kNames[static_cast<std::size_t>(level)] : "UNKNOWN";
+}

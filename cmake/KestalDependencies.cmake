@@ -1,0 +1,32 @@
+include(CheckIncludeFileCXX)
+
+find_path(FCGI_INCLUDE_DIR fcgiapp.h REQUIRED)
+find_library(FCGI_LIBRARY fcgi REQUIRED)
+find_library(FCGIXX_LIBRARY fcgi++ REQUIRED)
+add_library(kestal_fcgi INTERFACE)
+target_include_directories(kestal_fcgi SYSTEM INTERFACE ${FCGI_INCLUDE_DIR})
+target_link_libraries(kestal_fcgi INTERFACE ${FCGIXX_LIBRARY} ${FCGI_LIBRARY})
+
+find_path(CGICC_INCLUDE_DIR cgicc/Cgicc.h REQUIRED)
+find_library(CGICC_LIBRARY cgicc REQUIRED)
+add_library(kestal_cgicc INTERFACE)
+target_include_directories(kestal_cgicc SYSTEM INTERFACE ${CGICC_INCLUDE_DIR})
+target_link_libraries(kestal_cgicc INTERFACE ${CGICC_LIBRARY})
+
+# What Debian does not package is taken from compat/ unless it is installed.
+find_path(CTPP2_INCLUDE_DIR ctpp2/CDT.hpp)
+find_library(CTPP2_LIBRARY ctpp2)
+find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
+
+if(KESTAL_PLATFORM STREQUAL "simulator")
+    find_package(nlohmann_json 3.11 REQUIRED)
+    find_library(MD_LIBRARY md REQUIRED)
+elseif(NOT KESTAL_PLATFORM STREQUAL "vendor")
+    message(FATAL_ERROR "KESTAL_PLATFORM is '${KESTAL_PLATFORM}'; it must be simulator or vendor")
+endif()
+
+if(KESTAL_TESTS)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+    find_package(nlohmann_json 3.11 REQUIRED)
+endif()

@@ -1,0 +1,110 @@
+# Targets are made by these functions. With KESTAL_TESTS, each library and each unit test exists
+# twice: NAME, and NAME_san with address and undefined-behaviour sanitizers.
+
+add_library(kestal_options INTERFACE)
+target_compile_features(kestal_options INTERFACE cxx_std_20)
+target_include_directories(kestal_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(kestal_options INTERFACE
+    -Wall -Wextra -Werror -Wshadow -Wformat=2 -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef
+    # gcc 12 sees overlapping copies in every assignment of a literal to a std::string.
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
+
+if(KESTAL_SANITIZE)
+    target_compile_options(kestal_options INTERFACE
+        -fsanitize=${KESTAL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(kestal_options INTERFACE -fsanitize=${KESTAL_SANITIZE})
+endif()
+
+if(KESTAL_COVERAGE)
+    target_compile_options(kestal_options INTERFACE --coverage)
+    target_link_options(kestal_options INTERFACE --coverage)
+endif()
+
+# Hardening, wherever the compiler optimises.
+target_compile_options(kestal_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong -fstack-clash-protection -fPIE
+                        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>)
+target_link_options(kestal_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-pie -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed>)
+
+add_library(kestal_options_san INTERFACE)
+target_compile_options(kestal_options_san INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
+target_link_options(kestal_options_san INTERFACE -fsanitize=address,undefined)
+
+set(KESTAL_TWINS OFF)
+if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE)
+    set(KESTAL_TWINS ON)
+endif()
+
+if(KESTAL_LINT)
+    find_program(KESTAL_CLANG_TIDY NAMES clang-tidy clang-tidy-14 REQUIRED)
+endif()
+
+function(kestal_lint name)
+    if(KESTAL_LINT)
+        set_target_properties(${name} PROPERTIES CXX_CLANG_TIDY
+            "${KESTAL_CLANG_TIDY};--quiet;--extra-arg=-Wno-unknown-warning-option")
+    endif()
+endfunction()
+
+# Links LIBRARIES to the sanitized twin NAME_san: their own twins where they have some.
+function(kestal_link_twin name)
+    foreach(library ${ARGN})
+        if(TARGET ${library}_san)
+            set(library ${library}_san)
+        endif()
+        target_link_libraries(${name}_san PUBLIC ${library})
+    endforeach()
+endfunction()
+
+# kestal_add_library(NAME SOURCES ... [INCLUDES dir...] [LINKS library...])
+function(kestal_add_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;INCLUDES;LINKS")
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_include_directories(${name} PUBLIC ${arg_INCLUDES})
+    target_link_libraries(${name} PUBLIC kestal_options ${arg_LINKS})
+    kestal_lint(${name})
+    if(KESTAL_TWINS)
+        add_library(${name}_san STATIC EXCLUDE_FROM_ALL ${arg_SOURCES})
+        target_include_directories(${name}_san PUBLIC ${arg_INCLUDES})
+        target_link_libraries(${name}_san PUBLIC kestal_options kestal_options_san)
+        kestal_link_twin(${name} ${arg_LINKS})
+    endif()
+endfunction()
+
+# The recording binding goes in whole: in a static link it stands before the product libraries that
+# the ones under test bring along.
+function(kestal_link_test name twin)
+    foreach(library ${ARGN})
+        if(twin AND TARGET ${library}_san)
+            set(library ${library}_san)
+        endif()
+        if(library MATCHES "^kestal_recording")
+            set(library $<LINK_LIBRARY:WHOLE_ARCHIVE,${library}>)
+        endif()
+        target_link_libraries(${name} PRIVATE ${library})
+    endforeach()
+endfunction()
+
+# kestal_add_unit_test(NAME SOURCES ... [LINKS library...] [DEFINITIONS definition...])
+function(kestal_add_unit_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;DEFINITIONS")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE kestal_options GTest::gmock GTest::gtest_main)
+    kestal_link_test(${name} OFF ${arg_LINKS})
+    target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
+    kestal_lint(${name})
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60
+        PROPERTIES LABELS unit TIMEOUT 120)
+    if(KESTAL_TWINS)
+        add_executable(${name}_san ${arg_SOURCES})
+        target_link_libraries(${name}_san PRIVATE kestal_options kestal_options_san
+            GTest::gmock GTest::gtest_main)
+        kestal_link_test(${name}_san ON ${arg_LINKS})
+        target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
+        gtest_discover_tests(${name}_san TEST_PREFIX ${name}_san. DISCOVERY_TIMEOUT 60
+            PROPERTIES LABELS "unit;sanitized" TIMEOUT 120)
+    endif()
+endfunction()

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "include/ctpp2/CDT.hpp"
+
+namespace CTPP {
+
+/// The members of a node. Branches that are to be destroyed form a chain, so that the depth of a
+/// tree costs no stack.
+struct CDT::Branch {
+    Branch() = default;
+    Branch(const Branch&) = delete;
+    Branch& operator=(const Branch&) = delete;
+    virtual ~Branch() = default;
+    /// Moves the branches of all members to the front of the chain.
+    virtual void UnhookMembers(std::unique_ptr<Branch>& chain) noexcept = 0;
+
+    std::unique_ptr<Branch> next;
+};
+
+/// A deque, because references to elements outlive its growth (`c[9] = c[0]`).
+struct CDT::Array : Branch {
+    void UnhookMembers(std::unique_ptr<Branch>& chain) noexcept override {
+        for (CDT& element : elements) {
+            element.Unhook(chain);
+        }
+    }
+
+    std::deque<CDT> elements;
+};
+
+struct CDT::Hash : Branch {
+    void UnhookMembers(std::unique_ptr<Branch>& chain) noexcept override {
+        for (auto& [key, value] : members) {
+            value.Unhook(chain);
+        }
+    }
+
+    std::map<std::string, CDT> members;
+};
+
+}  // namespace CTPP

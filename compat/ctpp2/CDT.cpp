@@ -1,0 +1,238 @@
+#include "include/ctpp2/CDT.hpp"
+
+#include <array>
+#include <stdexcept>
+#include <type_traits>
+
+#include "Branches.hpp"
+
+namespace CTPP {
+namespace {
+
+std::string ToText(CCHAR_P value) {
+    if (value == nullptr) {
+        throw std::logic_error("CDT: null text");
+    }
+    return value;
+}
+
+}  // namespace
+
+CDT::Value CDT::MakeValue(eValType type) {
+    switch (type) {
+        case INT_VAL:
+            return INT_64{0};
+        case REAL_VAL:
+            return W_FLOAT{0};
+        case POINTER_VAL:
+            return static_cast<void*>(nullptr);
+        case STRING_VAL:
+            return Text{};
+        case STRING_INT_VAL:
+            return Text{.value = {}, .number = INT_64{0}};
+        case STRING_REAL_VAL:
+            return Text{.value = {}, .number = W_FLOAT{0}};
+        case ARRAY_VAL:
+            return std::make_unique<Array>();
+        case HASH_VAL:
+            return std::make_unique<Hash>();
+        case UNDEF:
+            break;
+    }
+    return std::monostate{};
+}
+
+CDT::CDT(const eValType& type) : content(MakeValue(type)) {}
+
+CDT::CDT(const CDT& other) {
+    Copies branches;
+    CopyShallow(other, branches);
+    while (!branches.empty()) {
+        const auto [from, to] = branches.back();
+        branches.pop_back();
+        if (const Array* array = from->GetArray()) {
+            auto copy = std::make_unique<Array>();
+            for (const CDT& element : array->elements) {
+                copy->elements.emplace_back().CopyShallow(element, branches);
+            }
+            to->content = std::move(copy);
+        } else if (const Hash* hash = from->GetHash()) {
+            auto copy = std::make_unique<Hash>();
+            for (const auto& [key, value] : hash->members) {
+                const auto member = copy->members.try_emplace(copy->members.end(), key);
+                member->second.CopyShallow(value, branches);
+            }
+            to->content = std::move(copy);
+        }
+    }
+}
+
+/// Copies a value without members; notes down an array or a hash.
+void CDT::CopyShallow(const CDT& other, Copies& branches) {
+    std::visit(
+        [&](const auto& value) {
+            using Alternative = std::decay_t<decltype(value)>;
+            if constexpr (std::is_copy_constructible_v<Alternative>) {
+                content = Value(value);
+            } else {
+                branches.emplace_back(&other, this);
+            }
+        },
+        other.content);
+}
+
+CDT::CDT(CDT&& other) noexcept : content(std::exchange(other.content, Value{})) {}
+CDT::CDT(INT_64 value) : content(value) {}
+CDT::CDT(UINT_64 value) : content(static_cast<INT_64>(value)) {}
+CDT::CDT(INT_32 value) : content(INT_64{value}) {}
+CDT::CDT(UINT_32 value) : content(INT_64{value}) {}
+CDT::CDT(W_FLOAT value) : content(value) {}
+CDT::CDT(const std::string& value) : content(Text{value}) {}
+CDT::CDT(CCHAR_P value) : content(Text{ToText(value)}) {}
+CDT::CDT(void* value) : content(value) {}
+
+CDT::~CDT() {
+    std::unique_ptr<Branch> chain;
+    Unhook(chain);
+    while (chain) {
+        const std::unique_ptr<Branch> branch = std::move(chain);
+        chain = std::move(branch->next);
+        branch->UnhookMembers(chain);
+    }
+}
+
+/// Moves the branch of an array or a hash to the front of the chain. The value is good for nothing
+/// but destruction afterwards.
+void CDT::Unhook(std::unique_ptr<Branch>& chain) noexcept {
+    std::unique_ptr<Branch> branch;
+    if (ArrayPtr* array = std::get_if<ArrayPtr>(&content)) {
+        branch = std::move(*array);
+    } else if (HashPtr* hash = std::get_if<HashPtr>(&content)) {
+        branch = std::move(*hash);
+    }
+    if (branch) {
+        branch->next = std::move(chain);
+        chain = std::move(branch);
+    }
+}
+
+CDT& CDT::operator=(const CDT& other) {
+    CDT copy(other);
+    Swap(copy);
+    return *this;
+}
+
+CDT& CDT::operator=(CDT&& other) noexcept {
+    CDT taken(std::move(other));
+    Swap(taken);
+    return *this;
+}
+
+CDT& CDT::operator=(INT_64 value) {
+    content.emplace<INT_64>(value);
+    return *this;
+}
+
+CDT& CDT::operator=(UINT_64 value) {
+    return *this = static_cast<INT_64>(value);
+}
+CDT& CDT::operator=(INT_32 value) {
+    return *this = INT_64{value};
+}
+CDT& CDT::operator=(UINT_32 value) {
+    return *this = INT_64{value};
+}
+
+CDT& CDT::operator=(W_FLOAT value) {
+    content.emplace<W_FLOAT>(value);
+    return *this;
+}
+
+CDT& CDT::operator=(const std::string& value) {
+    content = Text{value};
+    return *this;
+}
+
+CDT& CDT::operator=(CCHAR_P value) {
+    content = Text{ToText(value)};
+    return *this;
+}
+
+CDT& CDT::operator=(void* value) {
+    content.emplace<void*>(value);
+    return *this;
+}
+
+void CDT::Swap(CDT& other) noexcept {
+    content.swap(other.content);
+}
+
+const CDT& CDT::Undefined() {
+    static const CDT undefined;
+    return undefined;
+}
+
+CDT::eValType CDT::GetType() const {
+    if (const Text* text = std::get_if<Text>(&content)) {
+        constexpr std::array kTypes{STRING_VAL, STRING_INT_VAL, STRING_REAL_VAL};
+        return kTypes[text->number.index()];
+    }
+    constexpr std::array kTypes{UNDEF,      INT_VAL,   REAL_VAL, POINTER_VAL,
+                                STRING_VAL, ARRAY_VAL, HASH_VAL};
+    return kTypes[content.index()];
+}
+
+CCHAR_P CDT::PrintableType() const {
+    return PrintableType(GetType());
+}
+
+CCHAR_P CDT::PrintableType(eValType type) {
+    switch (type) {
+        case INT_VAL:
+            return "INTEGER";
+        case REAL_VAL:
+            return "REAL";
+        case POINTER_VAL:
+            return "POINTER";
+        case STRING_VAL:
+            return "STRING";
+        case STRING_INT_VAL:
+            return "STRING+INT";
+        case STRING_REAL_VAL:
+            return "STRING+REAL";
+        case ARRAY_VAL:
+            return "ARRAY";
+        case HASH_VAL:
+            return "HASH";
+        case UNDEF:
+            break;
+    }
+    return "*UNDEF*";
+}
+
+UINT_32 CDT::Size() const {
+    std::size_t size = 0;
+    if (const Text* text = std::get_if<Text>(&content)) {
+        size = text->value.size();
+    } else if (const Array* array = GetArray()) {
+        size = array->elements.size();
+    } else if (const Hash* hash = GetHash()) {
+        size = hash->members.size();
+    }
+    return static_cast<UINT_32>(size);
+}
+
+bool CDT::Nonzero() const {
+    if (const INT_64* integer = std::get_if<INT_64>(&content)) {
+        return *integer != 0;
+    }
+    if (const W_FLOAT* real = std::get_if<W_FLOAT>(&content)) {
+        return *real != 0;
+    }
+    if (void* const* pointer = std::get_if<void*>(&content)) {
+        return *pointer != nullptr;
+    }
+    return Size() > 0;
+}
+
+}  // namespace CTPP

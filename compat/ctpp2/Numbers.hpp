@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+
+// Conversions between numbers and text; none depends on the locale.
+namespace CTPP {
+
+void AppendInteger(std::int64_t value, std::string& out);
+
+/// As printf's "%.12G" writes it in the C locale.
+void AppendReal(double value, std::string& out);
+
+/// The value without its fraction; clamped to the range of the result, 0 for NaN.
+std::int64_t Truncate(double value);
+
+/// What a text is worth as a number. Digits with an optional sign, and nothing at all, are an
+/// integer, which is clamped. Everything else is a real, 0 unless the whole text is a decimal
+/// number. Text behind a complete exponent makes it neither.
+std::variant<std::monostate, std::int64_t, double> ParseNumber(std::string_view text);
+
+/// Tells whether the text may stand in JSON as a number.
+bool IsJSONNumber(std::string_view text);
+
+}  // namespace CTPP
