@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+
+/// Text of a fixed-size field of a platform record: up to its terminator or, without one, to the
+/// end of the field.
+template <std::size_t Size>
+std::string FixedText(const char (&field)[Size]) {
+    return {field, strnlen(field, Size)};
+}

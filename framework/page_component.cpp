@@ -1,0 +1,245 @@
+#include "framework/page_component.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "framework/fixed_text.h"
+#include "framework/log.h"
+#include "platform/webui.h"
+
+namespace {
+
+/// The list calls of the web UI configuration library are made twice: for the count, then with a
+/// buffer. Calls @p logCount between the two and @p store for every record that was read, never for
+/// more than there was room for. Returns the status of the last call.
+template <typename Record, typename Call, typename LogCount, typename Store>
+int ReadRecords(Call call, LogCount logCount, Store store) {
+    int count = 0;
+    const int sizeStatus = call(nullptr, &count);
+    if (sizeStatus != WEBUI_BUFFER_NEEDED) {
+        return sizeStatus;
+    }
+    logCount(count);
+    const int room = std::max(count, 0);
+    // One record at least: a missing buffer would ask for the size again.
+    const auto length = static_cast<std::size_t>(std::max(room, 1));
+    const std::unique_ptr<Record[]> buffer(new (std::nothrow) Record[length]());
+    if (buffer == nullptr) {
+        return sizeStatus;
+    }
+    count = room;
+    const int status = call(buffer.get(), &count);
+    if (status == WEBUI_SUCCESS) {
+        std::for_each_n(buffer.get(), std::clamp(count, 0, room), store);
+    }
+    return status;
+}
+
+}  // namespace
+
+int PageComponent::Hook0(CTPP::CDT& /*out*/, const CTPP::CDT& /*in*/) {
+    return 0;
+}
+
+PageError PageComponent::GetDynamicData(CTPP::CDT& /*out*/, const CTPP::CDT& /*in*/) {
+    return PAGE_ERROR_NONE;
+}
+
+int PageComponent::Hook2(CTPP::CDT& /*out*/, const CTPP::CDT& /*in*/) {
+    return 0;
+}
+
+void PageComponent::Hook3(CTPP::CDT& /*out*/, const CTPP::CDT& /*in*/) {}
+
+int PageComponent::ValidateFormData(const CTPP::CDT& /*in*/, CTPP::CDT& /*out*/) {
+    return 0;
+}
+
+int PageComponent::Hook5(CTPP::CDT& /*out*/, const CTPP::CDT& /*in*/, CTPP::CDT& /*errors*/) {
+    return 0;
+}
+
+PageError PageComponent::StoreData(const CTPP::CDT& /*in*/, CTPP::CDT& /*out*/) {
+    return PAGE_ERROR_NONE;
+}
+
+void PageComponent::Init(std::string applicationName) {
+    KESTAL_SIGNATURE("void PageComponent::Init(std::__cxx11::string)");
+    KESTAL_BEGIN();
+    appName = std::move(applicationName);
+    const int featuresStatus = GetFeatures();
+    if (featuresStatus != WEBUI_SUCCESS) {
+        KESTAL_FAILURE("[%s]:[%s] - %s Unable to read the app features, returned error code %d.",
+                       featuresStatus);
+    }
+    const int configurationsStatus = GetConfigurations();
+    if (configurationsStatus != WEBUI_SUCCESS) {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s Unable to read the app configurations, returned error code %d.",
+            configurationsStatus);
+    }
+    if (!appName.empty()) {
+        helpUri = GetURI((appName + "_help").c_str());
+    }
+    KESTAL_END();
+}
+
+int PageComponent::GetFeatures() {
+    KESTAL_SIGNATURE("int PageComponent::GetFeatures()");
+    KESTAL_BEGIN();
+    int status = WEBUI_SUCCESS;
+    if (useCommonFeatures != 0) {
+        status = ReadRecords<webui_feature_t>(
+            webui_get_common_features,
+            [](int count) {
+                KESTAL_LOG(TORU_DBG_INFO,
+                           "[%s]:[%s] - %s webui_get_common_features returned features_count: %d, "
+                           "allocate sufficient memory",
+                           count);
+            },
+            [this](const webui_feature_t& feature) {
+                const std::string name = FixedText(feature.name);
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG,
+                                 "[%s]:[%s] - [common] feature name - [%s] value - [%d]",
+                                 name.c_str(), feature.value);
+                features[name] = feature.value;
+            });
+        if (status != WEBUI_SUCCESS) {
+            KESTAL_FAILURE(
+                "[%s]:[%s] - %s webui_get_common_features failed, returned error code %d. Try "
+                "webui_cli get_common_features from command line.",
+                status);
+        }
+    }
+    if (!appName.empty()) {
+        status = ReadRecords<webui_feature_t>(
+            [this](webui_feature_t* buffer, int* count) {
+                return webui_get_app_features(appName.c_str(), buffer, count);
+            },
+            [](int count) {
+                KESTAL_LOG(TORU_DBG_INFO,
+                           "[%s]:[%s] - %s webui_get_app_features returned features_count%d, "
+                           "allocate sufficient memory",
+                           count);
+            },
+            [this](const webui_feature_t& feature) {
+                const std::string name = FixedText(feature.name);
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - feature name - [%s] value - [%d]",
+                                 name.c_str(), feature.value);
+                features[name] = feature.value;
+            });
+        if (status != WEBUI_SUCCESS) {
+            KESTAL_FAILURE(
+                "[%s]:[%s] - %s webui_get_app_features failed, returned error code %d. Try "
+                "webui_cli get_app_features from command line.",
+                status);
+        }
+    }
+    KESTAL_END_RETURNING(status);
+    return status;
+}
+
+int PageComponent::GetConfigurations() {
+    KESTAL_SIGNATURE("int PageComponent::GetConfigurations()");
+    KESTAL_BEGIN();
+    int status = WEBUI_SUCCESS;
+    if (useCommonConfigurations != 0) {
+        status = ReadRecords<webui_configuration_t>(
+            webui_get_common_configurations,
+            [](int count) {
+                KESTAL_LOG(TORU_DBG_INFO,
+                           "[%s]:[%s] - %s webui_get_common_configurations returned "
+                           "configurations_count: %d, allocate sufficient memory",
+                           count);
+            },
+            [this](const webui_configuration_t& configuration) {
+                const std::string name = FixedText(configuration.name);
+                const std::string value = FixedText(configuration.value);
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG,
+                                 "[%s]:[%s] - [common] configuration name - [%s] value - [%s]",
+                                 name.c_str(), value.c_str());
+                configurations[name] = value;
+            });
+        if (status != WEBUI_SUCCESS) {
+            KESTAL_FAILURE(
+                "[%s]:[%s] - %s webui_get_common_configurations failed, returned error code %d. "
+                "Try webui_cli get_common_configurations from command line.",
+                status);
+        }
+    }
+    if (!appName.empty()) {
+        status = ReadRecords<webui_configuration_t>(
+            [this](webui_configuration_t* buffer, int* count) {
+                return webui_get_app_configurations(appName.c_str(), buffer, count);
+            },
+            [](int count) {
+                KESTAL_LOG(TORU_DBG_INFO,
+                           "[%s]:[%s] - %s webui_get_app_configurations returned "
+                           "configurations_count: %d, allocate sufficient memory",
+                           count);
+            },
+            [this](const webui_configuration_t& configuration) {
+                const std::string name = FixedText(configuration.name);
+                const std::string value = FixedText(configuration.value);
+                KESTAL_LOG_PLAIN(TORU_DBG_INFO,
+                                 "[%s]:[%s] - configuration name - [%s] value - [%s]", name.c_str(),
+                                 value.c_str());
+                configurations[name] = value;
+            });
+        if (status != WEBUI_SUCCESS) {
+            KESTAL_FAILURE(
+                "[%s]:[%s] - %s webui_get_app_configurations failed, returned error code %d. Try "
+                "webui_cli get_app_configurations from command line.",
+                status);
+        }
+    }
+    KESTAL_END_RETURNING(status);
+    return status;
+}
+
+std::string PageComponent::GetURI(const char* uriId) const {
+    KESTAL_SIGNATURE("std::__cxx11::string PageComponent::GetURI(const char*) const");
+    KESTAL_BEGIN();
+    std::string uri;
+    webui_uri_data_t data{};
+    const int status = webui_get_uri_data(uriId, &data);
+    if (status == WEBUI_SUCCESS) {
+        uri = FixedText(data.address);
+        KESTAL_DEBUG("[%s]:[%s] - %s Friendly uri : %s for uri_id %s", uri.c_str(), uriId);
+    } else {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s webui_get_uri_data failed, returned error code %d. Try webui_cli "
+            "get_uri_data from command line.",
+            status);
+    }
+    KESTAL_DEBUG("[%s]:[%s] - %s - END returning %s", uri.c_str());
+    return uri;
+}
+
+std::string PageComponent::GetExternalURI(const char* uriId) const {
+    KESTAL_SIGNATURE("std::__cxx11::string PageComponent::GetExternalURI(const char*) const");
+    KESTAL_BEGIN();
+    std::string uri;
+    webui_external_uri_data_t data{};
+    const int status = webui_get_external_uri_data(uriId, &data);
+    if (status == WEBUI_SUCCESS) {
+        uri = FixedText(data.address);
+        KESTAL_DEBUG("[%s]:[%s] - %s Friendly uri : %s for uri_id %s\n", uri.c_str(), uriId);
+    } else {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s webui_get_external_uri_data failed, returned error code %d. Try "
+            "webui_cli get_external_uri_data from command line.\n",
+            status);
+    }
+    KESTAL_DEBUG("[%s]:[%s] - %s - END returning %s", uri.c_str());
+    return uri;
+}
+
+std::optional<INT_64> PageComponent::ConfigurationNumber(const std::string& name) const {
+    // CTPP::CDT::Exists throws on a tree that is still undefined because nothing was loaded.
+    bool exists = false;
+    const CTPP::CDT& value = configurations.GetExistedCDT(name, exists);
+    return exists ? std::optional<INT_64>(value.GetInt()) : std::nullopt;
+}

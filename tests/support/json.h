@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "framework/answer_tree.h"
+
+/// The tree as the client would see it.
+inline std::string ToJson(const CTPP::CDT& tree) {
+    std::string json;
+    CTPP::CDT2JSON(tree, json);
+    return json;
+}
