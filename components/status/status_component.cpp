@@ -1,0 +1,84 @@
+#include "components/status/status_component.h"
+
+#include "framework/log.h"
+#include "platform/sysint.h"
+
+namespace {
+
+/// Whether the switch that @p call reads is on. Its result code is not asked: a call that fails
+/// leaves the switch off unless it has written a value all the same.
+bool IsSwitchedOn(int (*call)(int*)) {
+    int enabled = 0;
+    (void)call(&enabled);
+    return enabled != 0;
+}
+
+}  // namespace
+
+StatusComponent::StatusComponent() {
+    KESTAL_SIGNATURE("StatusComponent::StatusComponent()");
+    KESTAL_BEGIN();
+    GetCapabilities();
+    useCommonFeatures = 1;
+    useCommonConfigurations = 1;
+    bandCombination = std::make_unique<BandCombination>();
+    KESTAL_DEBUG("[%s]:[%s] - %s - ENd");
+}
+
+StatusComponent::~StatusComponent() {
+    KESTAL_SIGNATURE("virtual StatusComponent::~StatusComponent()");
+    KESTAL_BEGIN();
+    bandCombination.reset();
+    KESTAL_DEBUG("[%s]:[%s] - %s - ENd");
+}
+
+void StatusComponent::GetCapabilities() {
+    KESTAL_SIGNATURE("void StatusComponent::GetCapabilities()");
+    KESTAL_BEGIN();
+    isSMBSupported = IsSwitchedOn(sys_getSambaCarrierEnabled);
+    isGPSSupported = IsSwitchedOn(sys_getGPSCarrierEnabled);
+    isMTSMSSupported = IsSwitchedOn(sys_getMTSMSCarrierEnabled);
+    isWifiSupported = IsSwitchedOn(sys_getWiFiCarrierEnabled);
+    isGuestWifiSupported = IsSwitchedOn(sys_getWiFiGuestCarrierEnabled);
+    isPCOSupported = IsSwitchedOn(sys_getPCOCarrierEnabled);
+    isNUASupported = IsSwitchedOn(sys_getNUACarrierEnabled);
+    isOMADMSupported = IsSwitchedOn(sys_getOmadmFumoCarrierEnabled);
+    isDualSIMSupported = IsSwitchedOn(sys_getMultiSimEnabled);
+    KESTAL_DEBUG(
+        "[%s]:[%s] - %s - IsSMBSupported is [%d], IsGPSSupported is [%d],IsMTSMSSupported is "
+        "[%d],IsWifiSupported is [%d],IsGuestWifiSupported is [%d],IsPCOSupported is "
+        "[%d],IsNUASupported is [%d],IsOMADMSupported is [%d], IsDualSIMSupported[%d]",
+        isSMBSupported, isGPSSupported, isMTSMSSupported, isWifiSupported, isGuestWifiSupported,
+        isPCOSupported, isNUASupported, isOMADMSupported, isDualSIMSupported);
+    KESTAL_DEBUG("[%s]:[%s] - %s - END ");
+}
+
+PageError StatusComponent::GetData(CTPP::CDT& out) {
+    KESTAL_SIGNATURE("PageError StatusComponent::GetData(CTPP::CDT&)");
+    KESTAL_BEGIN();
+    CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
+    GetBatteryStatus(statusData);
+    GetRouterStatus(statusData);
+    GetMobileDataEnabled(statusData);
+    GetEthernetPortEnabled(statusData);
+    GetFotaInstallStatus(statusData);
+    if (isWifiSupported) {
+        GetWifiStatus(statusData);
+    }
+    if (isGPSSupported) {
+        GetGpsStatus(statusData);
+    }
+    if (isMTSMSSupported) {
+        GetSmsStatus(statusData);
+    }
+    if (isSMBSupported) {
+        GetSmbStatus(statusData);
+    }
+    if (isGuestWifiSupported) {
+        GetGuestWifiStatus(statusData);
+    }
+    statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0;
+    out["statusData"] = statusData;
+    KESTAL_END();
+    return PAGE_ERROR_NONE;
+}

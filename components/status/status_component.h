@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "components/band/band_combination.h"
+#include "framework/answer_tree.h"
+#include "framework/page_component.h"
+#include "framework/page_error.h"
+
+/// Gathers the data set behind the status bar of the web UI. One object serves all requests: the
+/// carrier's switches are read once, when it is constructed, the data anew for each request.
+class StatusComponent : public PageComponent {
+  public:
+    StatusComponent();
+    ~StatusComponent() override;
+
+    /// Reads which functions the carrier and the device support. A switch that cannot be read
+    /// counts as off, unless the failed call has written a value.
+    void GetCapabilities();
+
+    /// Writes the status data set to "statusData" of @p out: one object with flat keys. What the
+    /// device does not tell is logged and left out, or given its fallback. Always returns
+    /// PAGE_ERROR_NONE.
+    PageError GetData(CTPP::CDT& out);
+
+    // The field groups. Each writes its "statusBar..." keys into the status data set and logs what
+    // the device does not tell.
+
+    /// Whether the user has switched cellular data on, 1 or 0.
+    void GetMobileDataEnabled(CTPP::CDT& statusData);
+    /// "connected", "enabled" or "disabled"; a state that cannot be read counts as the lesser one.
+    void GetEthernetPortEnabled(CTPP::CDT& statusData);
+    /// The platform's number for the firmware installation, -1 where there is nothing to install
+    /// to.
+    void GetFotaInstallStatus(CTPP::CDT& statusData);
+    void GetGpsStatus(CTPP::CDT& statusData);
+    void GetSmsStatus(CTPP::CDT& statusData);
+    /// Memory card and file sharing; space in the platform's unit.
+    void GetSmbStatus(CTPP::CDT& statusData);
+    /// How many clients are connected, by kind.
+    void GetRouterStatus(CTPP::CDT& statusData);
+    void GetWifiStatus(CTPP::CDT& statusData);
+    /// 1 when guest Wi-Fi is on in either frequency band, else 0.
+    void GetGuestWifiStatus(CTPP::CDT& statusData);
+    void GetBatteryStatus(CTPP::CDT& statusData);
+
+    bool IsGPSSupported() const { return isGPSSupported; }
+    /// Sharing of files from the memory card.
+    bool IsSMBSupported() const { return isSMBSupported; }
+    /// Mobile-terminated SMS.
+    bool IsMTSMSSupported() const { return isMTSMSSupported; }
+    bool IsWifiSupported() const { return isWifiSupported; }
+    bool IsGuestWifiSupported() const { return isGuestWifiSupported; }
+    /// Account status in protocol configuration options.
+    bool IsPCOSupported() const { return isPCOSupported; }
+    /// NUA software-update agent.
+    bool IsNUASupported() const { return isNUASupported; }
+    /// OMA-DM firmware update.
+    bool IsOMADMSupported() const { return isOMADMSupported; }
+    /// The device runs with more than one SIM.
+    bool IsDualSIMSupported() const { return isDualSIMSupported; }
+
+  private:
+    /// Slot number of the SIM in use, kept from one request to the next.
+    std::uint32_t activeSimSlot = 0;
+    std::string reservedTexts[2];
+    bool isGPSSupported = false;
+    bool isSMBSupported = false;
+    bool isMTSMSSupported = false;
+    bool isWifiSupported = false;
+    bool isGuestWifiSupported = false;
+    bool isPCOSupported = false;
+    bool isNUASupported = false;
+    bool isOMADMSupported = false;
+    bool isDualSIMSupported = false;
+    std::unique_ptr<BandCombination> bandCombination;
+};
