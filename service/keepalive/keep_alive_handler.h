@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include "platform/web_common.h"
+
+/// Keeps the device watchdog informed that this process, and the web server that started it, are
+/// alive: once per interval, and only while the web server is still the parent.
+class KeepAliveHandler : public MaintenanceThreadCallbackInterface {
+  public:
+    KeepAliveHandler();
+
+    /// Sends one keep-alive message when the web server is alive. Runs on the maintenance thread.
+    bool OnThreadNotify(unsigned int event) override;
+
+    ~KeepAliveHandler() override = default;
+
+    /// Remembers the parent process and registers with the watchdog. Returns 0.
+    int Initialize();
+
+    /// Starts the maintenance thread at the interval that the platform reports, or 60 seconds.
+    /// Returns 0.
+    int Run();
+
+    /// Unregisters from the watchdog and stops the thread; may be called again. Returns 0.
+    int Shutdown();
+
+  private:
+    MaintenanceThread thread;
+    pid_t parentProcessId = 0;
+};

@@ -1,0 +1,88 @@
+#include <arpa/inet.h>
+#include <cgicc/Cgicc.h>
+#include <cgicc/FCgiIO.h>
+
+#include <charconv>
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "framework/log.h"
+#include "service/request_loop.h"
+
+namespace {
+
+constexpr const char* kGetLoginStatus = "int GetLoginStatus(CgiHelper*, FCGX_Request&)";
+
+constexpr const char* kSessionCookie = "torusess";
+
+/// The service only asks for the session.
+constexpr int kSessionMode = 2;
+
+/// No operation has a body. cgicc makes room for a whole one before it looks at it, so an absurd
+/// length must not reach it.
+constexpr std::uint32_t kMaxBodySize = 1024 * 1024;
+
+bool HasAcceptableBody(const FCGX_Request& request) {
+    KESTAL_SIGNATURE(kGetLoginStatus);
+    const char* given = FCGX_GetParam("CONTENT_LENGTH", request.envp);
+    const std::string_view length = given == nullptr ? "" : given;
+    if (length.empty()) {
+        return true;
+    }
+    std::uint32_t size = 0;
+    const auto [end, error] = std::from_chars(length.data(), length.data() + length.size(), size);
+    if (error == std::errc() && end == length.data() + length.size() && size <= kMaxBodySize) {
+        return true;
+    }
+    KESTAL_FAILURE("[%s]:[%s] - %s - unacceptable length of request body: %s", given);
+    return false;
+}
+
+bool HasSession(const CgiHelper& helper, FCGX_Request& request) {
+    KESTAL_SIGNATURE(kGetLoginStatus);
+    cgicc::FCgiIO input(request);
+    const cgicc::Cgicc cgi(&input);
+    const cgicc::CgiEnvironment& environment = cgi.getEnvironment();
+
+    const std::string ip = helper.GetIp(environment);
+    int family = 0;
+    if (GetIPAddressFamily(ip, &family) != 0) {
+        KESTAL_FAILURE("[%s]:[%s] - %s Kestal.cgi: Unable to determine the family of ip(%s)",
+                       ip.c_str());
+        return false;
+    }
+    webui_addr_t address{};
+    address.family = static_cast<std::uint32_t>(family);
+    inet_pton(family, ip.c_str(), address.address);
+
+    const std::string sessionId = helper.GetCookie(environment, kSessionCookie, "");
+    KESTAL_DEBUG("[%s]:[%s] - %s - sessionId %s", sessionId.c_str());
+    const std::string userAgent = environment.getUserAgent();
+    AuthSession session;
+    bool loggedIn = false;
+    if (session.Init(sessionId, address, userAgent, kSessionMode) == 0) {
+        session.LoggedOn(loggedIn);
+    }
+    return loggedIn;
+}
+
+}  // namespace
+
+int GetLoginStatus(CgiHelper* helper, FCGX_Request& request) {
+    KESTAL_SIGNATURE(kGetLoginStatus);
+    KESTAL_BEGIN();
+    bool loggedIn = false;
+    try {
+        loggedIn = HasAcceptableBody(request) && HasSession(*helper, request);
+    } catch (const std::exception& error) {
+        // cgicc throws on a body that is shorter than announced.
+        KESTAL_FAILURE("[%s]:[%s] - %s - session check failed: %s", error.what());
+    } catch (...) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - session check failed");
+    }
+    KESTAL_DEBUG("[%s]:[%s] - %s - kestal admin %s logged in", loggedIn ? "is" : "not");
+    KESTAL_DEBUG("[%s]:[%s] - %s - END by returning [%d]", loggedIn ? 1 : 0);
+    return loggedIn ? 1 : 0;
+}

@@ -1,0 +1,33 @@
+#include <libgen.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include "framework/log.h"
+#include "framework/text_domain.h"
+#include "platform/web_common.h"
+#include "service/main_thread_signals.h"
+#include "service/process.h"
+#include "service/request_loop.h"
+#include "service/signal_handlers.h"
+
+int main(int /*argc*/, char** argv) {
+    int result = 0;
+    // Before any thread starts: one that took a termination would wait for its own end.
+    HoldBackMainThreadSignals();
+    gProgramName = basename(argv[0]);
+    toru_dbg_start(gProgramName);
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE,
+                        "[%s]:[%s] - %s Process Start with pthread ID:%lu, process ID:%d.",
+                        KESTAL_MODULE, pthread_self(), getpid());
+    InstallFatalSignalHandler();
+    LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
+    gKeepAliveHandler.Initialize();
+    gKeepAliveHandler.Run();
+    // Only now, so that a termination always finds something to unregister.
+    InstallTerminationHandler();
+    result = fastcgi_main_loop();
+    gKeepAliveHandler.Shutdown();
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "[%s]:[%s] - %s Server Terminating.", KESTAL_MODULE);
+    toru_dbg_stop();
+    return result;
+}

@@ -1,0 +1,5 @@
+#include "service/process.h"
+
+const char* gProgramName = "";
+
+KeepAliveHandler gKeepAliveHandler;

@@ -1,0 +1,58 @@
+#include "service/request_acceptor.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "service/main_thread_signals.h"
+
+namespace {
+
+bool IsSocket(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+}  // namespace
+
+RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
+    : request(fcgiRequest), listensOnSocket(IsSocket(request.listen_sock)) {
+    if (listensOnSocket) {
+        // libfcgi drops a connection that brings no request and goes on accepting: without this it
+        // would wait there, deaf to signals.
+        fcntl(request.listen_sock, F_SETFL, fcntl(request.listen_sock, F_GETFL) | O_NONBLOCK);
+    }
+}
+
+int RequestAcceptor::Accept() {
+    for (;;) {
+        // Where the web server has given no socket, accepting fails at once.
+        if (listensOnSocket && !Wait() && request.ipcFd >= 0) {
+            // A signal ends the waiting on a connection that the web server keeps open; libfcgi
+            // would read from it and look at nothing else.
+            FCGX_Free(&request, 1);
+        }
+        errno = 0;
+        const int result = FCGX_Accept_r(&request);
+        if (result != -EAGAIN) {
+            return result;
+        }
+    }
+}
+
+bool RequestAcceptor::Wait() const {
+    const sigset_t mask = MaskLettingMainThreadSignalsIn();
+    // ppoll lets no signal in while requests keep coming.
+    if (IsMainThreadSignalPending()) {
+        sigsuspend(&mask);
+        return false;
+    }
+    // A connection that the web server keeps open comes before new ones.
+    pollfd source{};
+    source.fd = request.ipcFd >= 0 ? request.ipcFd : request.listen_sock;
+    source.events = POLLIN;
+    return ppoll(&source, 1, nullptr, &mask) > 0;
+}

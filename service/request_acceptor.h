@@ -1,0 +1,21 @@
+#pragma once
+
+#include <fcgiapp.h>
+
+/// FCGX_Accept_r in which a termination can be answered at any time: until a request comes in, and
+/// only then, the signals of MainThreadSignals() are let in.
+class RequestAcceptor {
+  public:
+    /// @p fcgiRequest is initialised and outlives the acceptor.
+    explicit RequestAcceptor(FCGX_Request& fcgiRequest);
+
+    /// Waits for the next request. Returns what FCGX_Accept_r returns.
+    int Accept();
+
+  private:
+    /// Returns true when there is something to accept or read, false when a signal was handled.
+    bool Wait() const;
+
+    FCGX_Request& request;
+    bool listensOnSocket;
+};

@@ -1,0 +1,134 @@
+#include "service/request_loop.h"
+
+#include <clocale>
+#include <exception>
+#include <memory>
+#include <string>
+
+#include "components/systemservice/system_service_component.h"
+#include "framework/fixed_text.h"
+#include "framework/log.h"
+#include "platform/sysint.h"
+#include "platform/webui.h"
+#include "service/request_acceptor.h"
+#include "service/standard_output.h"
+
+namespace {
+
+constexpr const char* kFastcgiMainLoop = "int fastcgi_main_loop()";
+
+constexpr const char* kDefaultLanguage = "en_US";
+
+/// Runs one step of a request. What it throws is logged and goes no further: the steps behind it
+/// still run. Returns whether it threw nothing.
+template <typename Step>
+bool Attempt(Step step) {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    try {
+        step();
+        return true;
+    } catch (const std::exception& error) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - request failed: %s", error.what());
+    } catch (...) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - request failed");
+    }
+    return false;
+}
+
+void ApplyLanguage() {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    std::string language = kDefaultLanguage;
+    webui_i18n_settings_t settings{};
+    const int status = webui_get_i18n_settings(&settings);
+    if (status == WEBUI_SUCCESS) {
+        language = FixedText(settings.language);
+    } else {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s - webui_get_i18n_settings API failed returning [%d]. Try webui_cli "
+            "get_internationalization_settings on command line",
+            status);
+    }
+    KESTAL_DEBUG("[%s]:[%s] - %s - current language is %s", language.c_str());
+    std::setlocale(LC_MESSAGES, language.c_str());
+}
+
+/// Ready-made answers for when memory does not suffice to build one.
+const std::string kLoggedInAnswer = R"({"loginStatus":1})";
+const std::string kNotLoggedInAnswer = R"({"loginStatus":0})";
+const std::string kDisabledAnswer = "WebUI feature disabled";
+
+void AnswerEnabled(FCGX_Request& request, SystemServiceComponent& component, CgiHelper& helper,
+                   CTPP::CDT& answer, int loginStatus) {
+    Attempt(ApplyLanguage);
+    Attempt([&] { component.Dispatch(answer, get_service_api(request.envp)); });
+    std::string json;
+    const bool complete = Attempt([&] {
+        // Once more, in case there was no memory for it before.
+        answer["loginStatus"] = loginStatus;
+        CTPP::CDT2JSON(answer, json);
+    });
+    const std::string& fallback = loginStatus == 1 ? kLoggedInAnswer : kNotLoggedInAnswer;
+    Attempt([&] { helper.SendResponse(200, complete ? json : fallback); });
+}
+
+void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiHelper& helper) {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    const StandardOutputTo output(request.out);
+    CTPP::CDT answer;
+    const int loginStatus = GetLoginStatus(&helper, request);
+    Attempt([&] { answer["loginStatus"] = loginStatus; });
+    KESTAL_DEBUG("[%s]:[%s] - %s - Starting %s request", KESTAL_MODULE);
+    bool initialized = false;
+    Attempt([&] { initialized = InitializeSysinterface(); });
+    if (!initialized) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - sysinterface initialization failed by returning [%d]",
+                       initialized);
+    }
+    int enabled = 0;
+    Attempt([&] { sys_getWebUICarrierEnabled(&enabled); });
+    if (enabled == 0) {
+        Attempt([&] { helper.SendResponse(501, kDisabledAnswer); });
+    } else {
+        AnswerEnabled(request, component, helper, answer, loginStatus);
+    }
+    Attempt([] { UninitializeSysinterface(); });
+    KESTAL_DEBUG("[%s]:[%s] - %s - End %s request", KESTAL_MODULE);
+    FCGX_Finish_r(&request);
+}
+
+void ServeRequests(FCGX_Request& request) {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    SystemServiceComponent component;
+    const std::unique_ptr<CgiHelper> helper(CgiHelper::GetInstance());
+    if (helper == nullptr) {
+        KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed to create CgiHelper object");
+        return;
+    }
+    helper->SetHeader("Content-Type", "application/json");
+    RequestAcceptor acceptor(request);
+    while (acceptor.Accept() >= 0) {
+        ServeRequest(request, component, *helper);
+    }
+}
+
+}  // namespace
+
+int fastcgi_main_loop() {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    KESTAL_DEBUG("[%s]:[%s] - %s BEGIN");
+    FCGX_Request request{};
+    int status = FCGX_Init();
+    if (status != 0) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - Failed FCGX_Init - status = %d", status);
+    } else {
+        status = FCGX_InitRequest(&request, 0, 0);
+        if (status != 0) {
+            KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed FCGX_InitRequest - status = %d",
+                          status);
+        } else {
+            ServeRequests(request);
+        }
+    }
+    KESTAL_DEBUG("[%s]:[%s] - %s END returning %d", status);
+    return status;
+}

@@ -1,0 +1,24 @@
+// The request loop and its steps.
+#pragma once
+
+#include <fcgiapp.h>
+
+#include "platform/web_common.h"
+
+/// Serves requests one after another until the FastCGI library stops accepting. Returns 0 after a
+/// normal end, or the library's status when it could not be started.
+int fastcgi_main_loop();
+
+/// The ServiceApi that REQUEST_URI of @p envp names. Everything behind its first five characters
+/// ("/srv/") counts, the query string included.
+int get_service_api(FCGX_ParamArray envp);
+
+/// Returns 1 when session cookie, address and user agent of the caller belong to a logged-in web UI
+/// session, else 0.
+int GetLoginStatus(CgiHelper* helper, FCGX_Request& request);
+
+/// Opens the system-interface SDK for one request; false when that failed.
+bool InitializeSysinterface();
+
+/// Closes it; always true.
+bool UninitializeSysinterface();

@@ -1,0 +1,37 @@
+#include <gtest/gtest.h>
+
+#include "bindings/recording/recording.h"
+#include "components/systemservice/service_api.h"
+#include "components/systemservice/system_service_component.h"
+#include "platform/webui.h"
+
+namespace {
+
+TEST(GetStatus, ComponentIsBuiltOnFirstUseOnceAndAskedEveryTimeEvenWhenEverythingFails) {
+    SystemServiceComponent service;
+    recording::Reset();
+    CTPP::CDT first;
+    EXPECT_EQ(service.GetStatus(first), PAGE_ERROR_NONE);
+    EXPECT_EQ(recording::CallCount("sys_getSambaCarrierEnabled"), 1U);
+    EXPECT_EQ(recording::CallCount("webui_get_common_features"), 1U);
+    EXPECT_EQ(recording::CallCount("webui_get_common_configurations"), 1U);
+    EXPECT_EQ(recording::CallCount("webui_get_app_features"), 0U);
+    EXPECT_EQ(recording::CallCount("sys_getBatteryStatus"), 1U);
+    EXPECT_TRUE(first.Exists("statusData"));
+
+    const std::string signature = " - PageError SystemServiceComponent::GetStatus(CTPP::CDT&)";
+    EXPECT_EQ(recording::Transcript().front(), recording::Log(7, signature + " - BEGIN"));
+    EXPECT_EQ(recording::Transcript().back(), recording::Log(7, signature + " - END returning 0"));
+
+    SystemServiceComponent another;
+    recording::Reset();
+    CTPP::CDT second;
+    EXPECT_EQ(another.Dispatch(second, SERVICE_API_STATUS), PAGE_ERROR_NONE);
+    EXPECT_EQ(recording::CallCount("sys_getSambaCarrierEnabled"), 0U);
+    EXPECT_EQ(recording::CallCount("webui_get_common_features"), 0U);
+    EXPECT_EQ(recording::CallCount("webui_get_common_configurations"), 0U);
+    EXPECT_EQ(recording::CallCount("sys_getBatteryStatus"), 1U);
+    EXPECT_TRUE(second.Exists("statusData"));
+}
+
+}  // namespace

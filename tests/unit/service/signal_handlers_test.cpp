@@ -1,0 +1,193 @@
+#include "service/signal_handlers.h"
+
+#include <execinfo.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "bindings/recording/recording.h"
+#include "service/main_thread_signals.h"
+#include "service/process.h"
+
+namespace {
+
+enum class Symbols { come, neverCome, crash };
+Symbols gSymbols = Symbols::come;
+
+// Not to be inlined, and every frame is written to: the recursion must stay one.
+[[gnu::noinline]] std::size_t UseUpTheStack(std::size_t depth) {
+    volatile char frame[4096];
+    frame[0] = static_cast<char>(depth);
+    return depth == 0 ? 0 : UseUpTheStack(depth - 1) + static_cast<std::size_t>(frame[0]);
+}
+
+[[gnu::noinline]] int RaiseFrom(int depth, int signo) {
+    const int result = depth == 0 ? raise(signo) : RaiseFrom(depth - 1, signo);
+    return result + 1;
+}
+
+}  // namespace
+
+// Takes the place of the C library's, which needs the allocator.
+extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept {
+    while (gSymbols == Symbols::neverCome) {
+        pause();
+    }
+    if (gSymbols == Symbols::crash) {
+        (void)raise(SIGSEGV);
+    }
+    (void)std::fprintf(stderr, "%d frames\n", count);
+    auto** symbols =
+        static_cast<char**>(std::calloc(static_cast<std::size_t>(count), sizeof(char*)));
+    static char name[] = "frame";
+    for (int i = 0; i < count; ++i) {
+        symbols[i] = name;
+    }
+    return symbols;
+}
+
+namespace {
+
+const std::string kReceived = "log 3 .KESTAL_CGI.:.ERROR. - kestal.cgi received signal: ";
+
+class SignalHandlersDeathTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        testing::FLAGS_gtest_death_test_style = "threadsafe";
+        gProgramName = "kestal.cgi";
+        recording::Reset();
+    }
+
+    static void Prepare(Symbols symbols = Symbols::come) {
+        recording::Echo();
+        gSymbols = symbols;
+        InstallFatalSignalHandler();
+    }
+};
+
+TEST_F(SignalHandlersDeathTest, FatalSignalIsLoggedWithItsFramesAndBecomesTheExitStatus) {
+    for (const int signo : {SIGILL, SIGABRT, SIGSEGV}) {
+        const std::string received =
+            "kestal.cgi received signal: " + std::to_string(signo) + ", backtrace:\n";
+        EXPECT_EXIT(
+            {
+                Prepare();
+                (void)raise(signo);
+            },
+            testing::ExitedWithCode(signo),
+            "^[0-9]+ frames\nsyslog 138 .KESTAL_CGI.:.ERROR. - " + received +
+                "log 3 .KESTAL_CGI.:.ERROR. - " + received +
+                "syslog 138 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : frame\n"
+                "log 3 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : frame\n");
+    }
+}
+
+TEST_F(SignalHandlersDeathTest, AtMostFortyEightFramesAreLogged) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            std::exit(RaiseFrom(100, SIGABRT));
+        },
+        testing::ExitedWithCode(SIGABRT), "^48 frames\n");
+}
+
+TEST_F(SignalHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
+    EXPECT_EXIT(
+        {
+            Prepare(Symbols::neverCome);
+            (void)raise(SIGSEGV);
+        },
+        testing::ExitedWithCode(SIGSEGV), "^" + kReceived + "11, backtrace:\n$");
+}
+
+TEST_F(SignalHandlersDeathTest, HandlerThatCrashesItselfTellsTheDebugLogAndEnds) {
+    for (const int signo : {SIGABRT, SIGSEGV}) {
+        EXPECT_EXIT(
+            {
+                Prepare(Symbols::crash);
+                (void)raise(signo);
+            },
+            testing::ExitedWithCode(signo),
+            "^" + kReceived + std::to_string(signo) + ", backtrace:\n$");
+    }
+}
+
+TEST_F(SignalHandlersDeathTest, UsedUpStackStillGivesTheSignalAsExitStatus) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            std::exit(UseUpTheStack(SIZE_MAX) == 0 ? 0 : 1);
+        },
+        testing::ExitedWithCode(SIGSEGV), kReceived + "11, backtrace:");
+}
+
+TEST_F(SignalHandlersDeathTest, UsedUpStackOfTheKeepAliveThreadGivesTheSignalAsExitStatus) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            std::thread([] {
+                gKeepAliveHandler.OnThreadNotify(0);
+                std::exit(UseUpTheStack(SIZE_MAX) == 0 ? 0 : 1);
+            }).join();
+        },
+        testing::ExitedWithCode(SIGSEGV), kReceived + "11, backtrace:");
+}
+
+TEST_F(SignalHandlersDeathTest, FaultInAnExitHandlerKeepsTheFirstSignalAsExitStatus) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            (void)std::atexit([] { (void)raise(SIGSEGV); });
+            (void)raise(SIGABRT);
+        },
+        testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
+}
+
+TEST_F(SignalHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTakenAllTheSame) {
+    EXPECT_EXIT(
+        {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_BLOCK, &all, nullptr);
+            Prepare(Symbols::neverCome);
+            (void)raise(SIGABRT);
+        },
+        testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
+}
+
+TEST_F(SignalHandlersDeathTest, AlarmOfSomeoneElseIsNotTaken) {
+    InstallFatalSignalHandler();
+    struct sigaction action {};
+    sigaction(SIGALRM, nullptr, &action);
+    EXPECT_EQ(action.sa_handler, SIG_DFL);
+}
+
+TEST_F(SignalHandlersDeathTest, TerminationUnregistersAndEndsWithZero) {
+    EXPECT_EXIT(
+        {
+            recording::Echo();
+            HoldBackMainThreadSignals();
+            InstallTerminationHandler();
+            (void)raise(SIGTERM);
+            recording::Record("still running");
+            const sigset_t mask = MaskLettingMainThreadSignalsIn();
+            sigsuspend(&mask);
+        },
+        testing::ExitedWithCode(0),
+        "^still running\n"
+        "log 7 .KESTAL_CGI.:.DEBUG. - int KeepAliveHandler::Shutdown.. - BEGIN\n"
+        "log 7 .*Unregistering kestal.cgi with watchdog\n"
+        "watchdog_application_register.kestal.cgi, 0.\n"
+        "MaintenanceThread::Shutdown..\n"
+        "log 7 .* - END returning 0\n"
+        "syslog 138 .KESTAL_CGI.:.DEBUG. - KESTAL_CGI Server Terminating\n"
+        "log 7 .KESTAL_CGI.:.DEBUG. - KESTAL_CGI Server Terminating\n$");
+}
+
+}  // namespace
