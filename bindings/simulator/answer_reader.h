@@ -1,0 +1,36 @@
+// Reading what a call answers: a value, or the code that it fails with.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "bindings/simulator/device.h"
+#include "bindings/simulator/node.h"
+
+namespace simulator {
+
+/// The code of `{"error": N}`; 0 when @p node is something else. An object that names "error" must
+/// be exactly that.
+int ReadFailure(const Node& node);
+
+/// Reads an answer whose value is read by @p readValue(node, value).
+template <typename T, typename ReadValue>
+void ReadAnswer(Node node, Answer<T>& answer, ReadValue readValue) {
+    answer.named = true;
+    answer.error = ReadFailure(node);
+    if (answer.error == 0) {
+        node.AllowFailure();
+        readValue(std::as_const(node), answer.value);
+    }
+}
+
+/// Reads an object of answers.
+template <typename T, typename ReadValue>
+void ReadNamedAnswers(const Node& node, NamedAnswers<T>& answers, ReadValue readValue) {
+    node.MustBeObject();
+    for (const auto& item : node.Value().items()) {
+        ReadAnswer(node.Member(item.key()), answers[item.key()], readValue);
+    }
+}
+
+}  // namespace simulator

@@ -1,0 +1,41 @@
+// How calls answer from the snapshot.
+#pragma once
+
+#include <exception>
+#include <memory>
+
+#include "bindings/simulator/codes.h"
+#include "bindings/simulator/device.h"
+#include "bindings/simulator/log.h"
+#include "bindings/simulator/snapshot.h"
+
+namespace simulator {
+
+/// Runs @p call(), whose code it returns. @p codeBase is added to the simulator's own codes. No
+/// exception leaves.
+template <typename Call>
+int Guarded(int codeBase, Call call) noexcept {
+    try {
+        return call();
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "%s", error.what());
+        return codeBase + kSimulatorFailed;
+    }
+}
+
+/// Runs @p call(device) on the device in force, guarded.
+template <typename Call>
+int WithDevice(int codeBase, Call call) noexcept {
+    return Guarded(codeBase, [&] {
+        const std::shared_ptr<const Device> device = CurrentDevice();
+        return device ? call(*device) : codeBase + kNoDocument;
+    });
+}
+
+/// The code that @p answer fails with; 0 when it has a value.
+template <typename T>
+int FailureOf(const Answer<T>& answer, int codeBase) {
+    return answer.named ? answer.error : codeBase + kNotSimulated;
+}
+
+}  // namespace simulator

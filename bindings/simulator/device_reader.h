@@ -1,0 +1,20 @@
+// From document to device.
+#pragma once
+
+#include <string>
+
+#include "bindings/simulator/answer_reader.h"
+#include "bindings/simulator/device.h"
+
+namespace simulator {
+
+/// Compiles the document @p text. Throws std::runtime_error, whose text begins with @p file and the
+/// line, when anything in it is not as it must be.
+Device ReadDevice(const std::string& file, const std::string& text);
+
+/// Parts of ReadDevice: the objects "sys", "webui" and "msgbus".
+void ReadSys(const Node& node, Device& device);
+void ReadWebui(const Node& node, Device& device);
+void ReadMsgbus(const Node& node, Device& device);
+
+}  // namespace simulator

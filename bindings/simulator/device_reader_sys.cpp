@@ -1,0 +1,151 @@
+// The object "sys": what the system-interface SDK answers.
+#include <charconv>
+#include <string>
+
+#include "bindings/simulator/device_reader.h"
+
+namespace simulator {
+
+namespace {
+
+void ReadValue(const Node& node, std::int32_t& number) {
+    Read(node, number);
+}
+
+void ReadValue(const Node& node, std::uint32_t& number) {
+    Read(node, number);
+}
+
+void ReadValue(const Node& node, sys_wan_5g_mode_e& mode) {
+    std::int32_t number = 0;
+    Read(node, number);
+    mode = static_cast<sys_wan_5g_mode_e>(number);
+}
+
+void ReadValue(const Node& node, sys_cellular_service_stats_t& stats) {
+    Members(node)
+        .Field("technology", stats.technology)
+        .Field("roaming", stats.roaming)
+        .Field("signalBars", stats.signalBars)
+        .Field("sinr", stats.sinr)
+        .Field("pci", stats.pci)
+        .Field("snr", stats.snr)
+        .Field("networkName", stats.networkName)
+        .Field("networkId", stats.networkId)
+        .Field("femtoCell", stats.femtoCell)
+        .Field("fiveGType", stats.fiveGType)
+        .RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_sd_card_info_t& info) {
+    Members(node)
+        .Field("totalCapacity", info.totalCapacity)
+        .Field("freeSpace", info.freeSpace)
+        .RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_samba_share_info_t& info) {
+    Members(node).Field("cardInUse", info.cardInUse).RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_battery_status_t& status) {
+    Members(node)
+        .Field("chargePercent", status.chargePercent)
+        .Field("chargingState", status.chargingState)
+        .Field("detection", status.detection)
+        .Field("chargingSource", status.chargingSource)
+        .RejectOthers();
+}
+
+void ReadValue(const Node& node, Bands& bands) {
+    Members(node).Field("band", bands.band).Field("second", bands.second).RejectOthers();
+}
+
+void ReadValue(const Node& node, GroupId& gid) {
+    constexpr const char* kExpected = "a list of at most 255 bytes";
+    if (!node.Value().is_array()) {
+        node.Expected(kExpected);
+    }
+    if (node.Value().size() > gid.bytes.size()) {
+        node.Expected(kExpected, "one of " + std::to_string(node.Value().size()));
+    }
+    gid.length = static_cast<std::uint8_t>(node.Value().size());
+    for (std::size_t index = 0; index < gid.length; ++index) {
+        Read(node.Element(index), gid.bytes.at(index));
+    }
+}
+
+void ReadValue(const Node& node, std::vector<sys_connected_device_t>& devices) {
+    node.MustBeList();
+    devices.resize(node.Value().size());
+    for (std::size_t index = 0; index < devices.size(); ++index) {
+        Members(node.Element(index))
+            .Field("connectionKind", devices[index].connectionKind)
+            .RejectOthers();
+    }
+}
+
+/// One value for every index from 0 to @p largest, or an object of values by index.
+template <typename T>
+void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int largest) {
+    const auto readValue = [](const Node& from, T& value) { ReadValue(from, value); };
+    if (!node.Value().is_object() || ReadFailure(node) != 0) {
+        ReadAnswer(node, answer.every, readValue);
+        return;
+    }
+    for (const auto& item : node.Value().items()) {
+        const std::string& name = item.key();
+        int index = -1;
+        (void)std::from_chars(name.data(), name.data() + name.size(), index);
+        if (index < smallest || index > largest || std::to_string(index) != name) {
+            node.Member(name).Expected(
+                "an index from " + std::to_string(smallest) + " to " + std::to_string(largest),
+                "an unknown name");
+        }
+        ReadAnswer(node.Member(name), answer.byIndex[index], readValue);
+    }
+}
+
+/// The optional entry of a call without a result, which can only fail.
+int ReadAction(Members& sys, const std::string& name) {
+    const auto member = sys.Find(name);
+    if (!member) {
+        return 0;
+    }
+    const int code = ReadFailure(*member);
+    if (code == 0) {
+        member->Expected("{\"error\": N}");
+    }
+    return code;
+}
+
+}  // namespace
+
+void ReadSys(const Node& node, Device& device) {
+    Members sys(node);
+    device.sdkInitialize = ReadAction(sys, "sdkInitialize");
+    device.cellularDataConnect = ReadAction(sys, "cellularDataConnect");
+    device.cellularDataDisconnect = ReadAction(sys, "cellularDataDisconnect");
+
+    const auto query = [&sys](const std::string& name, auto& answer) {
+        if (const auto member = sys.Find(name)) {
+            ReadAnswer(*member, answer,
+                       [](const Node& from, auto& value) { ReadValue(from, value); });
+        }
+    };
+#define SIMULATOR_READ(Type, name) query(#name, device.name);
+    SIMULATOR_SYSINT_QUERIES(SIMULATOR_READ)
+#undef SIMULATOR_READ
+    query("getCellular5GBand", device.getCellular5GBand);
+    query("getConnectedDeviceList", device.getConnectedDeviceList);
+    if (const auto member = sys.Find("getSIMCarrierGID")) {
+        ReadIndexed(*member, device.getSIMCarrierGID, 0, UINT8_MAX);
+    }
+    if (const auto member = sys.Find("getWiFiGuestProfileEnabled")) {
+        ReadIndexed(*member, device.getWiFiGuestProfileEnabled, SYS_WIFI_GUEST_2_4_GHZ,
+                    SYS_WIFI_GUEST_5_GHZ);
+    }
+    sys.RejectOthers("the name of a call");
+}
+
+}  // namespace simulator

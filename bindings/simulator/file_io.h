@@ -1,0 +1,48 @@
+// Reading a whole file and recognising that it has changed.
+#pragma once
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+
+namespace simulator {
+
+/// Owns a file descriptor.
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int newNumber) : number(newNumber) {}
+    ~FileDescriptor();
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+    /// -1 when there is none.
+    int Number() const { return number; }
+
+  private:
+    int number;
+};
+
+/// What changes when a file changes.
+struct FileStamp {
+    int error = 0;  ///< errno when there is no file; the rest is 0 then
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::int64_t modified = 0;  ///< nanoseconds since the epoch
+    std::int64_t changed = 0;   ///< the same for permissions and the like
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+/// Stamp of the file at @p path.
+FileStamp StampOf(const std::string& path);
+
+/// Contents of a regular file; @p stamp is set to theirs. Throws std::system_error.
+std::string ReadFile(const std::string& path, FileStamp& stamp);
+
+/// An error of the last system call on @p what, to be thrown.
+[[noreturn]] void ThrowSystemError(const std::string& what);
+
+}  // namespace simulator

@@ -1,0 +1,56 @@
+// Actions of the system-interface SDK: they change the document for every process that reads it.
+#include <exception>
+#include <string>
+
+#include "bindings/simulator/calls.h"
+#include "bindings/simulator/device_reader.h"
+#include "bindings/simulator/file_update.h"
+#include "bindings/simulator/json_text.h"
+#include "platform/sysint.h"
+
+using simulator::Device;
+
+namespace {
+
+constexpr int kDisconnected = 0;
+constexpr int kConnected = 2;
+
+/// The document with another status of the data call. A status query that has been told to fail
+/// goes on failing.
+std::string WithStatus(const std::string& path, const std::string& document, int status) {
+    const Device device = simulator::ReadDevice(path, document);
+    if (device.getCellularDataConnectionStatus.error != 0) {
+        return document;
+    }
+    return simulator::WithMember(document, {"sys"}, "getCellularDataConnectionStatus",
+                                 std::to_string(status));
+}
+
+int SetStatus(int failure, int status) {
+    if (failure != SYS_SUCCESS) {
+        return failure;
+    }
+    try {
+        const std::string path = simulator::DevicePath();
+        simulator::UpdateFile(
+            path, simulator::MissingFile::fails,
+            [&](const std::string& document) { return WithStatus(path, document, status); });
+        return SYS_SUCCESS;
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "%s (not changed)", error.what());
+        return simulator::kNotChanged;
+    }
+}
+
+}  // namespace
+
+int sys_cellularDataConnect(int /*reserved*/) {
+    return simulator::WithDevice(
+        0, [](const Device& device) { return SetStatus(device.cellularDataConnect, kConnected); });
+}
+
+int sys_cellularDataDisconnect(int /*reserved*/) {
+    return simulator::WithDevice(0, [](const Device& device) {
+        return SetStatus(device.cellularDataDisconnect, kDisconnected);
+    });
+}

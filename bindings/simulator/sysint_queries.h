@@ -1,0 +1,38 @@
+// The queries of the system-interface SDK whose only parameter is their result. Device, reader and
+// calls are made from this list: QUERY(type of the result, name without "sys_").
+#pragma once
+
+#include "platform/sysint.h"
+
+#define SIMULATOR_SYSINT_QUERIES(QUERY)                          \
+    QUERY(int, getWebUICarrierEnabled)                           \
+    QUERY(int, getSambaCarrierEnabled)                           \
+    QUERY(int, getGPSCarrierEnabled)                             \
+    QUERY(int, getMTSMSCarrierEnabled)                           \
+    QUERY(int, getWiFiCarrierEnabled)                            \
+    QUERY(int, getWiFiGuestCarrierEnabled)                       \
+    QUERY(int, getPCOCarrierEnabled)                             \
+    QUERY(int, getNUACarrierEnabled)                             \
+    QUERY(int, getOmadmFumoCarrierEnabled)                       \
+    QUERY(int, getMultiSimEnabled)                               \
+    QUERY(int, getWatchdogInterval)                              \
+    QUERY(int, getCellularDataEnabled)                           \
+    QUERY(int, getCellularDataConnectionStatus)                  \
+    QUERY(sys_cellular_service_stats_t, getCellularServiceStats) \
+    QUERY(int, getSIMStatus)                                     \
+    QUERY(int, getCellular3GBand)                                \
+    QUERY(int, getCellularBand)                                  \
+    QUERY(sys_wan_5g_mode_e, getCellular5GMode)                  \
+    QUERY(int, getCABandWidth)                                   \
+    QUERY(int, get5GBandWidth)                                   \
+    QUERY(int, getEthernetEnabled)                               \
+    QUERY(int, getEthernetLinkStatus)                            \
+    QUERY(int, getFotaInstallStatus)                             \
+    QUERY(int, getGPSStatus)                                     \
+    QUERY(int, getSMSUnreadCount)                                \
+    QUERY(sys_sd_card_info_t, getSDCardInfo)                     \
+    QUERY(int, getSambaEnabled)                                  \
+    QUERY(sys_samba_share_info_t, getSambaShareInfo)             \
+    QUERY(int, getWiFiEnabled)                                   \
+    QUERY(unsigned int, getWiFiMaxClients)                       \
+    QUERY(sys_battery_status_t, getBatteryStatus)

@@ -1,0 +1,132 @@
+// The debug log: a line is one write, formatted on the stack, so that it works at any time, in
+// signal handlers too.
+#include "platform/toru_dbg.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "bindings/simulator/log_line.h"
+
+namespace {
+
+constexpr int kUnknown = -1;
+constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT", "ERROR",
+                                                    "WARNING", "NOTICE", "INFO", "DEBUG"};
+
+// Each is found out on first use: the product may log before it starts the log.
+std::atomic<int> threshold = kUnknown;
+std::atomic<int> destination = kUnknown;
+std::atomic<const char*> programName = nullptr;
+
+int ThresholdFromEnvironment() {
+    const char* text = std::getenv("KESTAL_LOG_LEVEL");
+    const std::string_view digits = text == nullptr ? "" : text;
+    int level = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), level);
+    const bool usable = error == std::errc() && end == digits.data() + digits.size() &&
+                        level >= 0 && level <= TORU_DBG_DEBUG;
+    return usable ? level : TORU_DBG_NOTICE;
+}
+
+int Threshold() {
+    int level = threshold.load(std::memory_order_relaxed);
+    if (level == kUnknown) {
+        level = ThresholdFromEnvironment();
+        threshold = level;
+    }
+    return level;
+}
+
+/// Never waits for the reader of a pipe, neither here nor in a write to what was opened.
+int OpenDestination() {
+    const char* path = std::getenv("KESTAL_LOG");
+    const int file =
+        path == nullptr || *path == '\0'
+            ? -1
+            : open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0640);
+    return file < 0 ? STDERR_FILENO : file;
+}
+
+void Close(int file) {
+    if (file > STDERR_FILENO) {
+        (void)close(file);
+    }
+}
+
+int Destination() {
+    int file = destination.load();
+    if (file == kUnknown) {
+        const int opened = OpenDestination();
+        if (destination.compare_exchange_strong(file, opened)) {
+            return opened;
+        }
+        Close(opened);
+    }
+    return file;
+}
+
+/// Whether a write to @p file would be done at once. The standard error stream is not ours and may
+/// be blocking; a pipe that is not full has room for a whole line. One whose reader is gone takes
+/// nothing.
+bool IsWritable(int file) {
+    pollfd state{.fd = file, .events = POLLOUT, .revents = 0};
+    return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
+}
+
+}  // namespace
+
+int toru_dbg_start(const char* newProgramName) {
+    programName = newProgramName;
+    threshold = ThresholdFromEnvironment();
+    Close(destination.exchange(OpenDestination()));
+    openlog(newProgramName, LOG_PID | LOG_NDELAY, LOG_LOCAL1);
+    return 0;
+}
+
+void toru_dbg_stop() {
+    closelog();
+    Close(destination.exchange(kUnknown));
+}
+
+void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
+    if (level > Threshold()) {
+        return;
+    }
+    const int callersError = errno;
+    const char* name = programName.load();
+    simulator::LogLine line(name == nullptr ? program_invocation_short_name : name);
+    std::va_list arguments;
+    va_start(arguments, format);
+    line.Append(format, arguments);
+    va_end(arguments);
+    const std::string_view text = line.Finish();
+    const int file = Destination();
+    if (file != STDERR_FILENO || IsWritable(file)) {
+        while (write(file, text.data(), text.size()) < 0 && errno == EINTR) {
+        }
+    }
+    errno = callersError;
+}
+
+void toru_dbg_syslog(int priority, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    vsyslog(priority, format, arguments);
+    va_end(arguments);
+}
+
+const char* toru_dbg_get_level_name(int level) {
+    return level >= 0 && level <= TORU_DBG_DEBUG ? kLevelNames.at(static_cast<std::size_t>(level))
+                                                 : "UNKNOWN";
+}

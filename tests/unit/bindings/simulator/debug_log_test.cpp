@@ -1,0 +1,299 @@
+// The debug log: one write per line, filtered by level, harmless whatever the message holds.
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <fstream>
+#include <regex>
+
+#include "bindings/simulator/file_io.h"
+#include "platform/toru_dbg.h"
+#include "tests/unit/bindings/simulator/scratch.h"
+
+namespace {
+
+/// What was last given to the system log.
+std::string theSyslogLine;
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::MatchesRegex;
+
+class DebugLog : public SimulatedDevice {
+  protected:
+    void Level(const std::string& level) {
+        environment.Set("KESTAL_LOG_LEVEL", level);
+        (void)toru_dbg_start("kestal.cgi");
+    }
+};
+
+/// Stands in for the standard error stream and keeps writes apart.
+class StandardError {
+  public:
+    StandardError() : original(dup(STDERR_FILENO)) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);
+        EXPECT_EQ(dup2(ends[1], STDERR_FILENO), STDERR_FILENO);
+        (void)close(ends[1]);
+        reader = ends[0];
+    }
+    ~StandardError() {
+        (void)dup2(original, STDERR_FILENO);
+        (void)close(original);
+        (void)close(reader);
+    }
+    StandardError(const StandardError&) = delete;
+    StandardError& operator=(const StandardError&) = delete;
+
+    /// What each write so far has written.
+    std::vector<std::string> Writes() const {
+        std::vector<std::string> writes;
+        std::array<char, 8192> bytes{};
+        ssize_t size = 0;
+        while ((size = recv(reader, bytes.data(), bytes.size(), MSG_DONTWAIT)) >= 0) {
+            writes.emplace_back(bytes.data(), static_cast<std::size_t>(size));
+        }
+        return writes;
+    }
+
+  private:
+    int original;
+    int reader = -1;
+};
+
+/// A pipe in place of the standard error stream, whose writers wait for the reader.
+class StandardErrorPipe {
+  public:
+    StandardErrorPipe() : original(dup(STDERR_FILENO)) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe(ends.data()), 0);
+        EXPECT_EQ(dup2(ends[1], STDERR_FILENO), STDERR_FILENO);
+        (void)close(ends[1]);
+        reader = ends[0];
+    }
+    ~StandardErrorPipe() {
+        (void)dup2(original, STDERR_FILENO);
+        (void)close(original);
+        CloseReader();
+    }
+    StandardErrorPipe(const StandardErrorPipe&) = delete;
+    StandardErrorPipe& operator=(const StandardErrorPipe&) = delete;
+
+    /// Writes as long as there is room.
+    static void Fill() {
+        const std::string piece(4096, '-');
+        pollfd state{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
+        while (poll(&state, 1, 0) == 1) {
+            ASSERT_GT(write(STDERR_FILENO, piece.data(), piece.size()), 0);
+        }
+    }
+
+    /// What is in the pipe, which is empty afterwards.
+    std::string Drain() const {
+        std::string contents;
+        std::array<char, 8192> bytes{};
+        pollfd state{.fd = reader, .events = POLLIN, .revents = 0};
+        while (poll(&state, 1, 0) == 1) {
+            const ssize_t size = read(reader, bytes.data(), bytes.size());
+            contents.append(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        }
+        return contents;
+    }
+
+    void CloseReader() {
+        if (reader >= 0) {
+            (void)close(reader);
+        }
+        reader = -1;
+    }
+
+  private:
+    int original;
+    int reader = -1;
+};
+
+TEST_F(DebugLog, LineHasTimeProgramAndProcess) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "[%s]:[%s] - %s", "M", "ERROR", "text");
+    const std::string line = ReadFile(directory / "log");
+    std::smatch parts;
+    ASSERT_TRUE(
+        std::regex_match(line, parts,
+                         std::regex("(\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d)\\.\\d{3}Z "
+                                    "kestal\\.cgi\\[(\\d+)\\] \\[M\\]:\\[ERROR\\] - text\n")))
+        << line;
+    EXPECT_EQ(parts[2], std::to_string(getpid()));
+    std::tm broken{};
+    ASSERT_NE(strptime(parts[1].str().c_str(), "%Y-%m-%dT%H:%M:%S", &broken), nullptr);
+    EXPECT_NEAR(static_cast<double>(timegm(&broken)), static_cast<double>(time(nullptr)), 120);
+}
+
+TEST_F(DebugLog, ShowsNoticesAndWorseUnlessToldOtherwise) {
+    toru_dbg_log("M", TORU_DBG_NOTICE, "shown");
+    toru_dbg_log("M", TORU_DBG_INFO, "hidden");
+    EXPECT_THAT(Log(), ElementsAre("shown"));
+}
+
+TEST_F(DebugLog, LevelComesFromTheEnvironment) {
+    Level("7");
+    toru_dbg_log("M", TORU_DBG_DEBUG, "debug");
+    Level("3");
+    toru_dbg_log("M", TORU_DBG_ERROR, "error");
+    toru_dbg_log("M", TORU_DBG_NOTICE, "notice");
+    Level("0");
+    toru_dbg_log("M", TORU_DBG_ERROR, "error");
+    EXPECT_THAT(Log(), ElementsAre("debug", "error"));
+}
+
+TEST_F(DebugLog, LevelThatIsNoneCountsAsFive) {
+    for (const std::string level : {"", "x", "8", "-1", "5x", " 7", "99999999999"}) {
+        Level(level);
+        toru_dbg_log("M", TORU_DBG_NOTICE, "shown");
+        toru_dbg_log("M", TORU_DBG_INFO, "hidden");
+    }
+    EXPECT_EQ(Log(), std::vector<std::string>(7, "shown"));
+}
+
+TEST_F(DebugLog, OneTrailingLineFeedIsDropped) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "one\n");
+    toru_dbg_log("M", TORU_DBG_ERROR, "two\n\n");
+    toru_dbg_log("M", TORU_DBG_ERROR, "\n");
+    EXPECT_THAT(Log(), ElementsAre("one", "two?", ""));
+}
+
+TEST_F(DebugLog, ControlCharactersAreMadeHarmless) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "a\nb\rc\td\033[1me\x7f g\xc3\xa9\xff");
+    EXPECT_THAT(Log(), ElementsAre("a?b?c?d?[1me? g\xc3\xa9\xff"));
+}
+
+TEST_F(DebugLog, LongLinesAreCutVisibly) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "%s", std::string(100'000, 'x').c_str());
+    const std::string line = ReadFile(directory / "log");
+    EXPECT_LE(line.size(), 4096U);
+    EXPECT_GT(line.size(), 4000U);
+    EXPECT_THAT(line, EndsWith("xxx...[cut]\n"));
+}
+
+TEST_F(DebugLog, EveryLengthAroundTheLimitIsComplete) {
+    for (std::size_t length = 3900; length < 4100; ++length) {
+        const std::string text = std::string(length, 'x') + "\n";
+        toru_dbg_log("M", TORU_DBG_ERROR, "%s", text.c_str());
+    }
+    for (const std::string& line : Log()) {
+        EXPECT_THAT(line, MatchesRegex("x+(\\.\\.\\.\\[cut\\])?"));
+    }
+    EXPECT_EQ(Log().size(), 200U);
+}
+
+TEST_F(DebugLog, CharactersAreNotCutInTheMiddle) {
+    for (std::size_t offset = 0; offset < 4; ++offset) {
+        std::string text(offset, 'x');
+        for (int count = 0; count < 2000; ++count) {
+            text += "\xe2\x82\xac";
+        }
+        toru_dbg_log("M", TORU_DBG_ERROR, "%s", text.c_str());
+    }
+    for (const std::string& line : Log()) {
+        EXPECT_THAT(line, MatchesRegex("x*(\xe2\x82\xac)+\\.\\.\\.\\[cut\\]"));
+    }
+}
+
+TEST_F(DebugLog, LineIsOneWrite) {
+    environment.Unset("KESTAL_LOG");
+    const StandardError standardError;
+    (void)toru_dbg_start("kestal.cgi");
+    toru_dbg_log("M", TORU_DBG_ERROR, "one %s", "two");
+    toru_dbg_log("M", TORU_DBG_ERROR, "three");
+    EXPECT_THAT(standardError.Writes(),
+                ElementsAre(EndsWith("] one two\n"), EndsWith("] three\n")));
+}
+
+TEST_F(DebugLog, WorksBeforeItIsStarted) {
+    environment.Unset("KESTAL_LOG");
+    const StandardError standardError;
+    toru_dbg_stop();
+    toru_dbg_log("M", TORU_DBG_ERROR, "early");
+    EXPECT_THAT(standardError.Writes(), ElementsAre(EndsWith("] early\n")));
+}
+
+TEST_F(DebugLog, GoesToTheStandardErrorStreamWhenTheFileIsUnusable) {
+    environment.Set("KESTAL_LOG", directory / "no" / "such" / "directory");
+    const StandardError standardError;
+    (void)toru_dbg_start("kestal.cgi");
+    toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    EXPECT_EQ(standardError.Writes().size(), 1U);
+}
+
+TEST_F(DebugLog, NeverWaitsForTheReaderOfTheStandardErrorStream) {
+    environment.Unset("KESTAL_LOG");
+    StandardErrorPipe pipe;
+    (void)toru_dbg_start("kestal.cgi");
+    pipe.Fill();
+    errno = 0;
+    toru_dbg_log("M", TORU_DBG_ERROR, "lost");
+    EXPECT_EQ(errno, 0);
+    pipe.Drain();
+    toru_dbg_log("M", TORU_DBG_ERROR, "%s", std::string(5000, 'x').c_str());
+    EXPECT_THAT(pipe.Drain(), MatchesRegex(".*\\] x+\\.\\.\\.\\[cut\\]\n"));
+}
+
+TEST_F(DebugLog, SurvivesTheReaderOfTheStandardErrorStream) {
+    environment.Unset("KESTAL_LOG");
+    StandardErrorPipe pipe;
+    (void)toru_dbg_start("kestal.cgi");
+    pipe.CloseReader();
+    toru_dbg_log("M", TORU_DBG_ERROR, "lost");
+}
+
+TEST_F(DebugLog, IsAppendedTo) {
+    std::ofstream(directory / "log") << "before\n";
+    (void)toru_dbg_start("kestal.cgi");
+    toru_dbg_log("M", TORU_DBG_ERROR, "after");
+    EXPECT_THAT(Log(), ElementsAre("before", "after"));
+}
+
+TEST_F(DebugLog, FullDiskLosesTheLineOnly) {
+    environment.Set("KESTAL_LOG", "/dev/full");
+    (void)toru_dbg_start("kestal.cgi");
+    errno = 0;
+    toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    EXPECT_EQ(errno, 0);
+}
+
+TEST_F(DebugLog, KeepsTheErrorNumberOfItsCaller) {
+    errno = ENOENT;
+    toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(DebugLog, LevelsHaveTheirSyslogNames) {
+    const std::vector<std::string> names = {"EMERG",   "ALERT",  "CRIT", "ERROR",
+                                            "WARNING", "NOTICE", "INFO", "DEBUG"};
+    for (int level = 0; level < 8; ++level) {
+        EXPECT_EQ(toru_dbg_get_level_name(level), names[static_cast<std::size_t>(level)]);
+    }
+    EXPECT_STREQ(toru_dbg_get_level_name(-1), "UNKNOWN");
+    EXPECT_STREQ(toru_dbg_get_level_name(8), "UNKNOWN");
+}
+
+TEST_F(DebugLog, SystemLogGetsEveryLineWithItsPriority) {
+    Level("0");
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "%s %d", "text", 5);
+    EXPECT_EQ(theSyslogLine, "138 text 5");
+    EXPECT_TRUE(Log().empty());
+}
+
+}  // namespace
+
+/// Takes the place of the library's.
+extern "C" void vsyslog(int priority, const char* format, va_list arguments) {
+    std::array<char, 256> text{};
+    (void)std::vsnprintf(text.data(), text.size(), format, arguments);
+    theSyslogLine = std::to_string(priority) + " " + text.data();
+}
