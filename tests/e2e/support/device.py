@@ -1,0 +1,35 @@
+"""The simulated device's document, as a user edits it."""
+
+import json
+import os
+import pathlib
+
+from support import paths
+
+
+class Device:
+    def __init__(self, path):
+        self.path = pathlib.Path(path)
+        self.write(paths.DEFAULT_DEVICE.read_bytes())
+
+    def write(self, contents):
+        """Replaces the whole file, as editors do."""
+        new = self.path.with_name(self.path.name + ".new")
+        new.write_bytes(contents)
+        os.replace(new, self.path)
+
+    def document(self):
+        return json.loads(self.path.read_text())
+
+    def get(self, call):
+        return self.document()["sys"].get(call)
+
+    def set(self, **calls):
+        """Sets what the named sys_ calls answer; None takes the call out of the document."""
+        document = self.document()
+        for call, answer in calls.items():
+            if answer is None:
+                document["sys"].pop(call, None)
+            else:
+                document["sys"][call] = answer
+        self.write(json.dumps(document, indent=2).encode())

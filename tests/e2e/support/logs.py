@@ -1,0 +1,36 @@
+"""The debug log of a service: one line per message, time and process in front."""
+
+import pathlib
+import re
+
+from support.waiting import DEADLINE, wait_until
+
+# Written when the service can be terminated and is about to serve.
+IN_LOOP = "int fastcgi_main_loop() BEGIN"
+
+LINE = re.compile(
+    r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z kestal\.cgi\[(?P<pid>\d+)\] (?P<message>.*)$", re.DOTALL
+)
+
+
+class Log:
+    def __init__(self, path):
+        self.path = pathlib.Path(path)
+
+    def text(self):
+        return self.path.read_text(errors="replace") if self.path.exists() else ""
+
+    def messages(self):
+        """Every line without time and process; fails on a line of another form."""
+        messages = []
+        for line in self.text().splitlines():
+            match = LINE.match(line)
+            assert match, f"not a log line: {line!r}"
+            messages.append(match["message"])
+        return messages
+
+    def count(self, text):
+        return sum(text in message for message in self.messages())
+
+    def wait_for(self, text, count=1, deadline=DEADLINE):
+        wait_until(lambda: self.text().count(text) >= count, f"{text!r} in the log", deadline)

@@ -1,0 +1,18 @@
+"""Where the things under test are; CTest passes them, the defaults serve a call by hand."""
+
+import os
+import pathlib
+
+ROOT = pathlib.Path(os.environ.get("KESTAL_ROOT", pathlib.Path(__file__).parents[3]))
+BUILD = pathlib.Path(os.environ.get("KESTAL_BUILD", ROOT / "build" / "debug"))
+SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", BUILD / "service" / "kestal.cgi"))
+SESSION_TOOL = pathlib.Path(
+    os.environ.get("KESTAL_SESSION_TOOL", BUILD / "bindings" / "simulator" / "kestal-session")
+)
+# The sanitizers the build has, if any.
+SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
+LAUNCHER = ROOT / "deploy" / "kestal-server"
+DEFAULT_DEVICE = ROOT / "devices" / "default.json"
+
+# What every process under test gets; nothing else of the caller's environment reaches it.
+CLEAN_ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin"}

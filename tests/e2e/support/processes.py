@@ -1,0 +1,44 @@
+"""What the kernel knows about processes."""
+
+import pathlib
+
+
+def field(pid, name):
+    """A field of the process's status; None when the process is gone."""
+    try:
+        for line in pathlib.Path(f"/proc/{pid}/status").read_text().splitlines():
+            key, _, value = line.partition(":")
+            if key == name:
+                return value.strip()
+    except OSError:
+        pass
+    return None
+
+
+def is_alive(pid):
+    state = field(pid, "State")
+    return state is not None and state[0] not in "ZX"
+
+
+def children(parent, name=None):
+    """Living children of a process, optionally of one name only."""
+    pids = [int(entry.name) for entry in pathlib.Path("/proc").iterdir() if entry.name.isdigit()]
+    return [
+        pid
+        for pid in pids
+        if field(pid, "PPid") == str(parent)
+        and is_alive(pid)
+        and (name is None or field(pid, "Name") == name)
+    ]
+
+
+def mentioning(text):
+    """Living processes whose command line contains a text."""
+    found = []
+    for entry in pathlib.Path("/proc").iterdir():
+        try:
+            if entry.name.isdigit() and text in (entry / "cmdline").read_text() and is_alive(entry.name):
+                found.append(int(entry.name))
+        except OSError:
+            continue
+    return found

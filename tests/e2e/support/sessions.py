@@ -1,0 +1,24 @@
+"""Web UI sessions, opened as the login page of the web UI would."""
+
+import subprocess
+
+from support import paths
+
+
+def session_tool(environment, *arguments):
+    run = subprocess.run(
+        [str(paths.SESSION_TOOL), *arguments],
+        env={**paths.CLEAN_ENVIRONMENT, **environment},
+        capture_output=True,
+        text=True,
+        timeout=20,
+    )
+    assert run.returncode == 0, run.stderr
+    return run.stdout.strip()
+
+
+def open_session(peer, address="127.0.0.1", agent="test", *options):
+    """Opens a session on the device of a Server or Responder; returns the cookie."""
+    return session_tool(
+        peer.environment, "open", "--address", address, "--user-agent", agent, *options
+    )

@@ -1,0 +1,177 @@
+"""What the shipped web server configuration lets through, and how the launcher checks its orders."""
+
+import json
+import re
+import stat
+
+import pytest
+
+from support import paths, web
+
+
+@pytest.mark.parametrize(
+    "target",
+    ["/", "/srv", "/srvx", "/status", "/x/srv/status", "/SRV/status", "/index.html", "/responder.sock-0",
+     "/server.pid", "http://127.0.0.1/status", "/%2fsrv/status", "/favicon.ico"],
+)
+def test_nothing_but_srv_is_routed_to_the_service(server, target):
+    assert server.ask(target).status in (400, 404)
+    assert server.log.count("request received") == 0
+
+
+@pytest.mark.parametrize("target", ["/srv/", "/srv/x/y", "/srv/status?x=1", "/%73rv/status", "/srv%2fstatus"])
+def test_everything_below_srv_is_routed_to_the_service(server, target):
+    answer = server.ask(target)
+    assert answer.status == 200
+    assert answer.json()["loginStatus"] == 0
+    assert server.log.count(f"kestal.cgi {target} request received") == 1
+
+
+@pytest.mark.parametrize(
+    "target",
+    ["/srv/../status", "/srv/./status", "/srv/connect/../status", "/srv/x/%2e%2e/status", "/srv//status",
+     "/srv/a%00b", b"/srv/\x80\xff", b"/srv/\x01", "srv/status", ""],
+)
+def test_a_malformed_target_is_refused(server, target):
+    assert server.ask(target).status == 400
+    assert server.log.count("request received") == 0
+    assert server.ask("/srv/status").status == 200
+
+
+def test_answers_of_the_service_are_not_stored_or_guessed_at(server):
+    for target in ("/srv/status", "/srv/x"):
+        headers = server.ask(target).headers
+        assert headers["cache-control"] == "no-store"
+        assert headers["x-content-type-options"] == "nosniff"
+        assert headers["content-type"] == "application/json"
+
+
+def test_no_answer_tells_the_version_of_the_web_server(server):
+    for target in ("/srv/status", "/nothing", "/srv//"):
+        answer = server.ask(target)
+        assert "server" not in answer.headers
+        assert b"lighttpd" not in answer.body.lower()
+
+
+def test_no_folder_is_listed(make_server, work):
+    files = work / "files"
+    (files / "folder").mkdir(parents=True)
+    (files / "folder" / "secret.txt").write_text("x")
+    server = make_server()
+    server.environment["KESTAL_DOCUMENT_ROOT"] = str(files)
+    server.start()
+    for target in ("/", "/folder/"):
+        answer = server.ask(target)
+        assert answer.status in (403, 404)
+        assert b"secret" not in answer.body
+    (files / "index.html").write_text("hello")
+    assert server.ask("/").body == b"hello"
+    assert server.ask("/srv/status").status == 200
+
+
+def test_a_large_body_is_refused(server):
+    assert server.ask("/srv/status", method="POST", body=b"a" * 65536).status == 200
+    assert server.ask("/srv/status", method="POST", body=b"a" * 65537).status == 413
+    headers = [("Content-Length", "99999999999")]
+    assert server.ask("/srv/status", headers, method="POST").status == 413
+    assert server.ask("/srv/status").status == 200
+
+
+def test_a_large_head_is_refused(server):
+    assert server.ask("/srv/" + "a" * 7000).status == 200
+    assert server.ask("/srv/" + "a" * 9000).status == 431
+    assert server.ask("/srv/status", [("X", "a" * 9000)]).status == 431
+    assert server.ask("/srv/status").status == 200
+
+
+def test_slow_clients_keep_nobody_waiting(server):
+    clients = [web.connect(server.port) for _ in range(50)]
+    for client in clients:
+        client.sendall(b"GET /srv/sta")
+    assert server.ask("/srv/status").status == 200
+    for client in clients:
+        client.close()
+
+
+def test_a_client_that_stops_sending_is_dropped(make_server, work):
+    server = make_server()
+    shipped = (paths.ROOT / "deploy" / "lighttpd.conf").read_text()
+    impatient, replaced = re.subn(r"(server.max-read-idle +=) \d+", r"\1 1", shipped)
+    assert replaced == 1
+    configuration = work / "lighttpd.conf"
+    configuration.write_text(impatient)
+    server.environment["KESTAL_CONFIGURATION"] = str(configuration)
+    server.start()
+    with web.connect(server.port) as client:
+        client.sendall(b"GET /srv/status HTTP/1.1\r\nHost: localh")
+        assert client.recv(1) == b""
+
+
+def test_the_run_directory_is_closed_to_other_users(server):
+    assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
+    assert list(server.run.glob("responder.sock*"))
+
+
+def test_an_existing_run_directory_is_closed_to_other_users(make_server):
+    server = make_server()
+    server.run.mkdir(mode=0o755)
+    server.start()
+    assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
+
+
+def test_the_device_may_be_named_relative_to_the_callers_folder(make_server, work, monkeypatch):
+    monkeypatch.chdir(work)
+    server = make_server()
+    server.environment["KESTAL_DEVICE"] = server.device.path.name
+    server.start()
+    assert json.loads(server.ask("/srv/status").body)["statusData"]
+
+
+def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
+    folder = work / "a folder"
+    folder.mkdir()
+    server = make_server()
+    (folder / "kestal.cgi").symlink_to(server.environment["KESTAL_RESPONDER"])
+    server.environment["KESTAL_RESPONDER"] = str(folder / "kestal.cgi")
+    assert server.start().ask("/srv/status").status == 200
+
+
+@pytest.mark.parametrize(
+    ("name", "value", "message"),
+    [
+        ("KESTAL_PORT", "http", "KESTAL_PORT is no number: 'http'"),
+        ("KESTAL_PORT", "-1", "KESTAL_PORT is no number: '-1'"),
+        ("KESTAL_PORT", "0", "KESTAL_PORT must lie between 1 and 65535: '0'"),
+        ("KESTAL_PORT", "65536", "KESTAL_PORT must lie between 1 and 65535: '65536'"),
+        ("KESTAL_PORT", "00080", "KESTAL_PORT must not begin with 0: '00080'"),
+        ("KESTAL_TIMEOUT", "soon", "KESTAL_TIMEOUT is no number: 'soon'"),
+        ("KESTAL_RESPONDER", "/nowhere/kestal.cgi", "no such program: /nowhere/kestal.cgi"),
+        ("KESTAL_RESPONDER", "/tmp", "no such program: /tmp"),
+        ("KESTAL_CONFIGURATION", "/nowhere", "no configuration: /nowhere"),
+        ("KESTAL_RUN_DIRECTORY", "/nowhere/run", "cannot make the run directory /nowhere/run"),
+    ],
+)
+def test_the_launcher_refuses_an_order_that_cannot_work(make_server, name, value, message):
+    server = make_server()
+    server.environment[name] = value
+    launcher = server.launch()
+    assert launcher.wait(20) == 1
+    assert f"kestal-server: {message}\n" in launcher.stderr.read().decode()
+    launcher.stderr.close()
+
+
+@pytest.mark.parametrize("name", ["a blank", "x" * 120])
+def test_the_launcher_refuses_a_run_directory_whose_name_cannot_work(make_server, work, name):
+    server = make_server()
+    server.environment["KESTAL_RUN_DIRECTORY"] = str(work / name)
+    launcher = server.launch()
+    assert launcher.wait(20) == 1
+    assert "the name of the run directory" in launcher.stderr.read().decode()
+    launcher.stderr.close()
+
+
+def test_the_launcher_knows_two_commands(make_server):
+    launcher = make_server().launch("stop")
+    assert launcher.wait(20) == 1
+    assert "unknown command 'stop'" in launcher.stderr.read().decode()
+    launcher.stderr.close()

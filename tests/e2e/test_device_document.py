@@ -1,0 +1,181 @@
+"""The device's file while the service runs: damaged, gone, replaced."""
+
+import json
+import os
+
+import pytest
+
+from support import fastcgi
+
+
+def percent(responder):
+    answer = responder.ask()
+    assert answer.complete and answer.status == 200
+    return json.loads(answer.body)["statusData"]["statusBarBatteryPercent"]
+
+
+def set_percent(responder, value):
+    battery = responder.device.get("getBatteryStatus") | {"chargePercent": value}
+    responder.device.set(getBatteryStatus=battery)
+
+
+def changed(responder, change):
+    """The document as text, after change(document)."""
+    document = responder.device.document()
+    change(document["sys"])
+    return json.dumps(document, indent=2).encode()
+
+
+def line_of(text, key):
+    return next(number for number, line in enumerate(text.split(b"\n"), 1) if key in line)
+
+
+DAMAGED = {
+    "empty": b"",
+    "blank": b" \n\t\n",
+    "truncated": b'{"sys": {"getBatteryStatus": {"chargePercent": 8',
+    "binary": bytes(range(256)) * 16,
+    "a list": b"[]",
+    "a number": b"1",
+    "no JSON": b"device",
+    "deeply nested": b"[" * 100_000,
+    "sys of another type": b'{"sys": 7}',
+    "a call named twice": b'{"sys": {"getSIMStatus": 1, "getSIMStatus": 2}}',
+}
+
+
+@pytest.mark.parametrize("contents", DAMAGED.values(), ids=DAMAGED.keys())
+def test_a_damaged_document_leaves_the_last_good_device_in_force(responder, contents):
+    set_percent(responder, 55)
+    assert percent(responder) == "55"
+    whole = responder.device.path.read_bytes()
+
+    responder.device.write(contents)
+    assert percent(responder) == "55"
+    responder.log.wait_for(f"[SIMULATOR]:[ERROR] - {responder.device.path}")
+
+    responder.device.write(whole)
+    set_percent(responder, 56)
+    assert percent(responder) == "56"
+
+
+WRONG = {
+    "a text for a number": ("getSMSUnreadCount", "many"),
+    "a number for a record": ("getBatteryStatus", 84),
+    "a fraction": ("getSMSUnreadCount", 1.5),
+    "beyond 32 bits": ("getSMSUnreadCount", 2**31),
+    "below 32 bits": ("getSMSUnreadCount", -(2**31) - 1),
+    "beyond 64 bits": ("getSMSUnreadCount", 2**70),
+    "negative where there is no sign": ("getWiFiMaxClients", -1),
+    "a list for a number": ("getGPSStatus", [2]),
+    "null": ("getGPSStatus", None),
+    "a failure that is no number": ("getGPSStatus", {"error": "x"}),
+    "an operator name that is too long": ("getCellularServiceStats", {"networkName": "n" * 65}),
+    "a list of something else": ("getConnectedDeviceList", [1]),
+}
+
+
+@pytest.mark.parametrize(("call", "value"), WRONG.values(), ids=WRONG.keys())
+def test_a_wrong_value_is_told_with_file_line_and_key(responder, call, value):
+    set_percent(responder, 55)
+    assert percent(responder) == "55"
+    text = changed(responder, lambda calls: calls.update({call: value}))
+    responder.device.write(text)
+    assert percent(responder) == "55"
+    told = [line for line in responder.log.messages() if line.startswith("[SIMULATOR]:[ERROR]")]
+    assert len(told) == 1
+    assert str(responder.device.path) in told[0] and f"sys.{call}" in told[0]
+    line = line_of(text, b'"%s"' % call.encode())
+    numbers = [int(part) for part in told[0].split(":") if part.isdigit()]
+    assert numbers and line <= numbers[0] <= line + 2
+
+
+def test_a_document_with_an_error_is_told_once_and_not_with_every_request(responder):
+    percent(responder)
+    responder.device.write(b"{")
+    for _ in range(5):
+        percent(responder)
+    assert responder.log.count("[SIMULATOR]:[ERROR]") == 1
+
+
+@pytest.mark.parametrize("contents", [b"", b"{}", b'{"sys": {}}', b"{", None])
+def test_a_service_started_without_a_usable_device_says_so_and_recovers(make_responder, contents):
+    responder = make_responder()
+    whole = responder.device.path.read_bytes()
+    if contents is None:
+        responder.device.path.unlink()
+    else:
+        responder.device.write(contents)
+    responder.start()
+    answer = responder.ask()
+    assert (answer.status, answer.body) == (501, b"WebUI feature disabled")
+
+    responder.device.write(whole)
+    assert responder.ask().status == 200
+
+
+def test_a_vanished_document_leaves_the_last_good_device_in_force(responder):
+    whole = responder.device.path.read_bytes()
+    set_percent(responder, 55)
+    assert percent(responder) == "55"
+    responder.device.path.unlink()
+    assert percent(responder) == "55"
+    assert responder.ask("/srv/connect").body == b'{"loginStatus":0}'
+    assert not responder.device.path.exists()
+    responder.log.wait_for("PerformConnectAction(const string&) -system interface API failed")
+
+    responder.device.write(whole)
+    assert percent(responder) == "84"
+
+
+def test_a_document_that_is_no_file_is_borne(responder):
+    percent(responder)
+    responder.device.path.unlink()
+    responder.device.path.mkdir()
+    assert percent(responder) == "84"
+    responder.device.path.rmdir()
+    os.mkfifo(responder.device.path)
+    assert percent(responder) == "84"
+
+
+def test_a_document_written_in_place_is_taken_like_a_replaced_one(responder):
+    for value in (1, 2, 3):
+        document = responder.device.document()
+        document["sys"]["getBatteryStatus"]["chargePercent"] = value
+        responder.device.path.write_text(json.dumps(document))
+        assert percent(responder) == str(value)
+
+
+def test_an_action_keeps_what_a_user_wrote_as_it_was_written(responder):
+    text = responder.device.path.read_text().replace('"sys"', '\n\n   "sys"', 1)
+    responder.device.path.write_text(text)
+    responder.ask("/srv/disconnect")
+    old = '"getCellularDataConnectionStatus": 2'
+    assert old in text
+    assert responder.device.path.read_text() == text.replace(old, old[:-1] + "0")
+
+
+def test_an_action_does_not_repair_a_damaged_document(responder):
+    percent(responder)
+    responder.device.write(b'{"sys": {')
+    responder.ask("/srv/connect")
+    assert responder.device.path.read_bytes() == b'{"sys": {'
+
+
+def test_services_that_share_a_device_lose_no_action(make_responder):
+    """The document is replaced hundreds of times by two writers; it is whole at every moment."""
+    first, second = make_responder("a"), make_responder("b")
+    second.environment["KESTAL_DEVICE"] = str(first.device.path)
+    first.start()
+    second.start()
+    for _ in range(50):
+        connections = [(fastcgi.Connection(peer.socket), uri) for peer, uri in
+                       ((first, "/srv/connect"), (second, "/srv/disconnect"))]
+        for connection, uri in connections:
+            connection.send(fastcgi.request({**fastcgi.STATUS, "REQUEST_URI": uri}))
+        for connection, _ in connections:
+            assert connection.receive().body == b'{"loginStatus":0}'
+            connection.socket.close()
+        assert first.device.get("getCellularDataConnectionStatus") in (0, 2)
+    for log in (first.log, second.log):
+        assert log.count("[ERROR]") == 0

@@ -1,0 +1,76 @@
+"""SIGSEGV, SIGABRT and SIGILL: a backtrace in the log, and the signal's number as exit status."""
+
+import re
+import signal
+
+import pytest
+
+from support import paths
+from support.load import Load
+from support.waiting import wait_until
+
+FATAL = [signal.SIGSEGV, signal.SIGABRT, signal.SIGILL]
+FRAME = re.compile(r"\[KESTAL_CGI\]:\[ERROR\] - 0x[0-9a-f]+ : .+")
+
+
+def assert_backtrace(messages, signo):
+    received = f"[KESTAL_CGI]:[ERROR] - kestal.cgi received signal: {int(signo)}, backtrace:"
+    assert messages.count(received) == 1
+    rest = messages[messages.index(received) + 1 :]
+    frames = [message for message in rest if FRAME.fullmatch(message)]
+    assert frames == rest[: len(frames)]
+    assert 1 <= len(frames) <= 48
+
+
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_leaves_a_backtrace(responder, signo):
+    responder.ask()
+    assert responder.end(signo) == signo
+    assert_backtrace(responder.log.messages(), signo)
+    assert responder.log.count("Server Terminating") == 0
+
+
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_does_not_unregister(make_responder, watchdog, signo):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.start()
+    assert responder.end(signo) == signo
+    assert [message.partition("\n")[0] for message in watchdog.waiting()] == ["READY=1"]
+
+
+def test_a_backtrace_is_logged_at_the_usual_level(make_responder):
+    responder = make_responder()
+    responder.environment["KESTAL_LOG_LEVEL"] = "3"
+    responder.start()
+    assert responder.end(signal.SIGSEGV) == signal.SIGSEGV
+    assert_backtrace(responder.log.messages(), signal.SIGSEGV)
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks of their own in a handler")
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_ends_a_busy_service_too(make_responder, signo):
+    """It may strike anywhere: in the allocator, while a line is logged, in the keep-alive thread."""
+    for number in range(15):
+        responder = make_responder()
+        responder.log.path.unlink(missing_ok=True)
+        responder.device.set(getWatchdogInterval=1)
+        responder.start()
+        with Load(responder) as load:
+            wait_until(lambda: len(load.answers) > number % 5, "answers")
+            assert responder.end(signo) == signo
+        assert responder.log.count(f"kestal.cgi received signal: {int(signo)}, backtrace:") == 1
+
+
+def test_a_second_fatal_signal_does_not_change_the_first(responder):
+    responder.process.send_signal(signal.SIGSEGV)
+    responder.process.send_signal(signal.SIGABRT)
+    assert responder.process.wait(20) in (signal.SIGSEGV, signal.SIGABRT)
+
+
+def test_an_end_by_a_fatal_signal_and_a_termination_at_once_is_one_of_the_two(make_responder):
+    for _ in range(20):
+        responder = make_responder().start()
+        responder.process.send_signal(signal.SIGTERM)
+        responder.process.send_signal(signal.SIGSEGV)
+        assert responder.process.wait(20) in (0, signal.SIGSEGV)

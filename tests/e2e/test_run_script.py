@@ -1,0 +1,256 @@
+"""scripts/run as a user meets it: one command, Ctrl-C, nothing left behind."""
+
+import fcntl
+import os
+import pty
+import re
+import signal
+import socket
+import subprocess
+import termios
+import threading
+
+import pytest
+
+from support import paths, processes, web
+from support.ports import Port
+from support.waiting import wait_until
+
+RUN = paths.ROOT / "scripts" / "run"
+
+
+class Run:
+    """scripts/run on a terminal of its own."""
+
+    def __init__(self, work, **environment):
+        self.temporary = work / "tmp"
+        self.temporary.mkdir()
+        self.claim = Port()
+        self.port = self.claim.number
+        self.output = ""
+        terminal, theirs = pty.openpty()
+        self.terminal = terminal
+        self.process = subprocess.Popen(
+            [str(RUN)],
+            stdin=theirs,
+            stdout=theirs,
+            stderr=theirs,
+            cwd=work,
+            env={
+                **paths.CLEAN_ENVIRONMENT,
+                "TMPDIR": str(self.temporary),
+                "KESTAL_BUILD": str(paths.BUILD),
+                "PORT": str(self.port),
+                **environment,
+            },
+            start_new_session=True,
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0),
+        )
+        os.close(theirs)
+        self.reader = threading.Thread(target=self._read)
+        self.reader.start()
+
+    def _read(self):
+        try:
+            while piece := os.read(self.terminal, 4096):
+                self.output += piece.decode(errors="replace").replace("\r\n", "\n")
+        except OSError:
+            # The terminal has no other end any more.
+            pass
+
+    def wait_for(self, text):
+        def is_there():
+            assert self.process.poll() is None or text in self.output, self.output
+            return text in self.output
+
+        wait_until(is_there, f"{text!r} on the terminal")
+
+    def press_control_c(self):
+        os.write(self.terminal, b"\x03")
+
+    def press_control_backslash(self):
+        os.write(self.terminal, b"\x1c")
+
+    def end(self):
+        status = self.process.wait(30)
+        self.reader.join(20)
+        return status
+
+    def left_behind(self):
+        """Files, and processes that work in or on them."""
+        files = [str(path) for path in self.temporary.rglob("*")]
+        return files, processes.mentioning(str(self.temporary))
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.terminate()
+        self.end()
+        os.close(self.terminal)
+        self.claim.close()
+
+
+@pytest.fixture
+def run(work):
+    runs = []
+
+    def start(**environment):
+        runs.append(Run(work, **environment))
+        return runs[-1]
+
+    yield start
+    for started in runs:
+        started.close()
+
+
+def fake_tools(work, **scripts):
+    """A PATH on which the named tools are replaced."""
+    folder = work / "bin"
+    folder.mkdir()
+    for name, script in scripts.items():
+        (folder / name).write_text(f"#!/bin/sh\n{script}\n")
+        (folder / name).chmod(0o755)
+    return f"{folder}:{paths.CLEAN_ENVIRONMENT['PATH']}"
+
+
+@pytest.mark.parametrize("stop", ["Ctrl-C", "Ctrl-\\", "SIGTERM"])
+def test_it_serves_until_it_is_stopped_and_leaves_nothing_behind(run, stop):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    assert web.ask(script.port, "/srv/status").json()["statusData"]
+    files, _ = script.left_behind()
+    server = next(path for path in files if path.endswith("server.pid"))
+    with open(server) as pid:
+        lighttpd = int(pid.read())
+    responders = processes.children(lighttpd)
+    assert processes.is_alive(lighttpd) and responders
+
+    if stop == "Ctrl-C":
+        script.press_control_c()
+    elif stop == "Ctrl-\\":
+        script.press_control_backslash()
+    else:
+        script.process.terminate()
+    assert script.end() == (131 if stop == "Ctrl-\\" else 0)
+    assert script.left_behind() == ([], [])
+    assert not any(processes.is_alive(pid) for pid in (lighttpd, *responders))
+
+
+def test_it_prints_what_to_try_and_each_line_works(run):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    url = f"http://127.0.0.1:{script.port}"
+    for name in ("status", "notification", "connect", "disconnect"):
+        assert f"curl {url}/srv/{name}\n" in script.output
+
+    device = re.search(r"^  (/.*\.json)$", script.output, re.MULTILINE)[1]
+    with open(device) as file:
+        text = file.read()
+    with open(device, "w") as file:
+        file.write(text.replace('"chargePercent": 84', '"chargePercent": 21'))
+    assert web.ask(script.port, "/srv/status").json()["statusData"]["statusBarBatteryPercent"] == "21"
+
+    session = re.search(r"^  (export KESTAL_SESSIONS=.*\n  curl .*)$", script.output, re.MULTILINE)[1]
+    answer = subprocess.run(["/bin/sh", "-c", session], capture_output=True, text=True, timeout=20)
+    assert answer.stdout.startswith('{"loginStatus":1,'), answer.stderr
+
+
+def test_a_users_own_device_is_used_in_place_and_stays_alone(run, work):
+    folder = work / "own"
+    folder.mkdir()
+    (folder / "mine.json").write_bytes(paths.DEFAULT_DEVICE.read_bytes())
+    script = run(KESTAL_DEVICE="own/mine.json")
+    script.wait_for("Ctrl-C stops it.")
+    assert web.ask(script.port, "/srv/disconnect").status == 200
+    script.press_control_c()
+    assert script.end() == 0
+    assert '"getCellularDataConnectionStatus": 0' in (folder / "mine.json").read_text()
+    assert [path.name for path in folder.iterdir()] == ["mine.json"]
+
+
+@pytest.mark.parametrize("store", ["{work}/own.sessions", "own.sessions"])
+def test_a_users_own_session_store_is_used_and_stays(run, work, store):
+    script = run(KESTAL_SESSIONS=store.format(work=work))
+    script.wait_for("Ctrl-C stops it.")
+    assert f"export KESTAL_SESSIONS={work}/own.sessions\n" in script.output
+    session = re.search(r"^  (export KESTAL_SESSIONS=.*\n  curl .*)$", script.output, re.MULTILINE)[1]
+    answer = subprocess.run(["/bin/sh", "-c", session], capture_output=True, text=True, timeout=20)
+    assert answer.stdout.startswith('{"loginStatus":1,'), answer.stderr
+    script.press_control_c()
+    assert script.end() == 0
+    assert (work / "own.sessions").exists()
+
+
+def test_a_port_that_is_taken_is_told(run):
+    with socket.socket() as other:
+        other.bind(("127.0.0.1", 0))
+        other.listen()
+        script = run(PORT=str(other.getsockname()[1]))
+        assert script.end() != 0
+    assert "Address already in use" in script.output
+    assert "PORT=... chooses another" in script.output
+    assert script.left_behind() == ([], [])
+
+
+@pytest.mark.parametrize(
+    ("variable", "value", "message"),
+    [
+        ("PORT", "web", "KESTAL_PORT is no number: 'web'"),
+        ("KESTAL_DEVICE", "/nowhere.json", "cannot read the device's file /nowhere.json"),
+        ("KESTAL_BUILD", "/nowhere", "no such program: /nowhere/service/kestal.cgi"),
+    ],
+)
+def test_an_order_that_cannot_work_is_told(run, variable, value, message):
+    script = run(**{variable: value})
+    assert script.end() != 0
+    assert message in script.output
+    assert script.left_behind() == ([], [])
+
+
+def test_a_web_server_that_dies_ends_it_with_an_error(run):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    files, _ = script.left_behind()
+    with open(next(path for path in files if path.endswith("server.pid"))) as pid:
+        os.kill(int(pid.read()), signal.SIGKILL)
+    assert script.end() != 0
+    assert "the web server has ended with status" in script.output
+    assert script.left_behind() == ([], [])
+
+
+def test_a_build_that_fails_is_told(run, work):
+    script = run(KESTAL_BUILD="", PATH=fake_tools(work, cmake="echo broken; exit 1"))
+    assert script.end() != 0
+    assert "scripts/run: the build failed" in script.output
+    assert script.left_behind() == ([], [])
+
+
+@pytest.mark.parametrize("stop", ["Ctrl-C", "SIGTERM"])
+def test_a_build_is_stopped_with_all_its_processes(run, work, stop):
+    # No other process on the machine sleeps for as long.
+    duration = f"600.{os.getpid()}"
+    path = fake_tools(work, cmake=f"echo building; exec sleep {duration} # {work}")
+    script = run(KESTAL_BUILD="", PATH=path)
+    script.wait_for("building")
+    builders = processes.mentioning(f"sleep\x00{duration}")
+    if stop == "Ctrl-C":
+        script.press_control_c()
+    else:
+        script.process.terminate()
+    assert script.end() == {"Ctrl-C": 130, "SIGTERM": 143}[stop]
+    assert builders and not any(processes.is_alive(pid) for pid in builders)
+    assert script.left_behind() == ([], [])
+
+
+@pytest.mark.parametrize("build", ["", str(paths.BUILD)], ids=["build", "server"])
+def test_a_stop_reaches_a_child_that_has_no_group_yet(run, work, build):
+    path = fake_tools(
+        work,
+        cmake=f"exec sleep 600 # {work}",
+        setsid='echo starting\nsleep 3\nexec /usr/bin/setsid "$@"',
+    )
+    script = run(KESTAL_BUILD=build, PATH=path)
+    script.wait_for("starting")
+    script.process.terminate()
+    assert script.end() == 143
+    assert script.left_behind() == ([], [])
+    assert not processes.mentioning(str(work / "bin"))

@@ -1,0 +1,96 @@
+"""scripts/setup installs what is missing and does nothing else."""
+
+import subprocess
+
+import pytest
+
+from support import paths
+
+SETUP = paths.ROOT / "scripts" / "setup"
+
+
+@pytest.fixture
+def machine(work):
+    """A machine on which packages, users and the installer are played."""
+    tools = work / "bin"
+    tools.mkdir()
+
+    def tool(name, script):
+        (tools / name).write_text(f"#!/bin/sh\n{script}\n")
+        (tools / name).chmod(0o755)
+
+    tool("apt-get", f'echo "apt-get $*" >> {work}/calls')
+    tool("sudo", f'echo sudo >> {work}/calls; exec "$@"')
+    tool("systemctl", f'echo "systemctl $*" >> {work}/calls')
+    tool("id", "echo 0")
+
+    def run(argument, missing=(), user="0", has_sudo=True, systemd="/nowhere"):
+        """Runs the script; returns its exit status, its errors and the installer's calls."""
+        absent = "|".join(["none", *missing])
+        tool("dpkg-query", f"""shift 3
+for package do case $package in {absent}) ;; *) echo "$package installed" ;; esac done
+exit 1""")
+        tool("id", f"echo {user}")
+        if not has_sudo:
+            (tools / "sudo").unlink()
+        path = str(tools)
+        for needed in ("env", "true", "sh"):
+            if not (tools / needed).exists():
+                (tools / needed).symlink_to(f"/usr/bin/{needed}")
+        done = subprocess.run(
+            ["/bin/sh", str(SETUP), argument],
+            env={"PATH": path, "SYSTEMD_DIRECTORY": str(systemd)},
+            capture_output=True,
+            text=True,
+            timeout=20,
+        )
+        calls = work / "calls"
+        return done.returncode, done.stderr, calls.read_text().splitlines() if calls.exists() else []
+
+    return run
+
+
+@pytest.mark.parametrize("kind", ["run", "test"])
+def test_nothing_is_installed_where_nothing_is_missing(machine, kind):
+    assert machine(kind) == (0, "", [])
+
+
+def test_what_is_missing_is_installed(machine):
+    status, _, calls = machine("run", missing=["lighttpd", "g++", "curl"])
+    assert status == 0
+    assert calls == ["apt-get update -q", "apt-get install -q -y --no-install-recommends g++ lighttpd curl"]
+
+
+def test_a_web_server_that_was_installed_does_not_stay_on_port_80(machine, work):
+    status, _, calls = machine("run", missing=["lighttpd"], user="1000", systemd=work)
+    assert status == 0
+    assert calls[-2:] == ["sudo", "systemctl disable -q --now lighttpd"]
+
+
+def test_a_web_server_that_was_there_before_is_left_alone(machine, work):
+    status, _, calls = machine("run", missing=["curl"], systemd=work)
+    assert status == 0
+    assert not [call for call in calls if call.startswith("systemctl")]
+
+
+def test_running_needs_no_package_of_the_tests(machine):
+    assert machine("run", missing=["libgtest-dev", "python3-pytest"]) == (0, "", [])
+    status, _, calls = machine("test", missing=["libgtest-dev", "python3-pytest"])
+    assert status == 0
+    assert calls[-1].endswith(" libgtest-dev python3-pytest")
+
+
+def test_a_user_who_is_not_root_installs_with_sudo(machine):
+    status, _, calls = machine("run", missing=["curl"], user="1000")
+    assert status == 0
+    assert calls[:2] == ["sudo", "apt-get update -q"]
+
+
+def test_a_user_who_cannot_install_is_told_what_is_missing(machine):
+    status, errors, calls = machine("run", missing=["curl"], user="1000", has_sudo=False)
+    assert (status, calls) == (1, [])
+    assert errors == "scripts/setup: these packages are missing and there is no sudo: curl\n"
+
+
+def test_another_argument_is_refused(machine):
+    assert machine("all") == (2, "usage: scripts/setup [run | test]\n", [])

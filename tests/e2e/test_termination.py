@@ -1,0 +1,137 @@
+"""SIGTERM, and the normal end of the loop."""
+
+import os
+import signal
+import time
+
+from support import fastcgi
+from support.load import Load
+from support.waiting import wait_until
+
+DEBUG = "[KESTAL_CGI]:[DEBUG] - "
+TERMINATION = [
+    f"{DEBUG}int KeepAliveHandler::Shutdown() - BEGIN",
+    f"{DEBUG}int KeepAliveHandler::Shutdown() - Unregistering kestal.cgi with watchdog",
+    "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi unregistered",
+    f"{DEBUG}int KeepAliveHandler::Shutdown() - END returning 0",
+    f"{DEBUG}KESTAL_CGI Server Terminating",
+]
+ROUNDS = 200
+
+
+def test_a_termination_unregisters_and_ends_with_status_0(responder):
+    responder.log.wait_for("SystemServiceComponent::SystemServiceComponent() - END")
+    before = len(responder.log.messages())
+    assert responder.end(signal.SIGTERM) == 0
+    assert responder.log.messages()[before:] == TERMINATION
+
+
+def test_a_termination_after_requests_says_the_same(responder):
+    for uri in ("/srv/status", "/srv/connect"):
+        responder.ask(uri)
+    responder.log.wait_for("End KESTAL_CGI request", 2)
+    before = len(responder.log.messages())
+    assert responder.end(signal.SIGTERM) == 0
+    messages = responder.log.messages()[before:]
+    assert messages[: len(TERMINATION)] == TERMINATION
+    assert responder.log.count("Server Terminating") == 1
+
+
+def test_a_termination_reaches_the_watchdog(make_responder, watchdog):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.start()
+    responder.end(signal.SIGTERM)
+    assert [message.partition("\n")[0] for message in watchdog.waiting()] == ["READY=1", "STOPPING=1"]
+
+
+def test_terminations_in_a_row_are_one(responder):
+    for _ in range(20):
+        responder.process.send_signal(signal.SIGTERM)
+    assert responder.process.wait(20) == 0
+    assert responder.log.count("Server Terminating") == 1
+
+
+def test_a_termination_during_a_request_waits_for_its_answer(responder):
+    with responder.connect() as connection:
+        whole = fastcgi.request(fastcgi.STATUS)
+        connection.send(whole[:30])
+        responder.process.send_signal(signal.SIGTERM)
+        wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is held back")
+        connection.send(whole[30:])
+        assert connection.receive().body.startswith(b'{"loginStatus":0,"statusData":{')
+    assert responder.process.wait(20) == 0
+
+
+def is_pending(pid, signo):
+    with open(f"/proc/{pid}/status") as status:
+        pending = next(line for line in status if line.startswith("ShdPnd:")).split()[1]
+    return bool(int(pending, 16) & 1 << (signo - 1))
+
+
+def test_a_termination_ends_a_service_whose_peer_keeps_its_connection(responder):
+    with responder.connect() as connection:
+        connection.send(fastcgi.request(fastcgi.STATUS, flags=fastcgi.KEEP_CONNECTION))
+        assert connection.receive().complete
+        assert responder.end(signal.SIGTERM) == 0
+
+
+def test_terminations_under_load_cut_no_request_short(make_responder, watchdog):
+    """Two hundred processes, each terminated while four callers ask without pause."""
+    slowest = 0.0
+    for number in range(ROUNDS):
+        responder = make_responder()
+        responder.log.path.unlink(missing_ok=True)
+        responder.environment["NOTIFY_SOCKET"] = watchdog.path
+        responder.start()
+        with Load(responder) as load:
+            wait_until(lambda: load.answers, "an answer")
+            # Another moment of a request each time.
+            wait_until(lambda: len(load.answers) > number % 7, "answers")
+            begin = time.monotonic()
+            assert responder.end(signal.SIGTERM) == 0
+            slowest = max(slowest, time.monotonic() - begin)
+        assert not load.cut_short()
+        log = responder.log
+        served = log.count("fastcgi_main_loop() - End KESTAL_CGI request")
+        assert load.complete() == served == log.count("fastcgi_main_loop() - Starting KESTAL_CGI request")
+        assert log.messages().count(f"{DEBUG}KESTAL_CGI Server Terminating") == 1
+        assert log.count("Server Terminating") == 1
+        assert [message.partition("\n")[0] for message in watchdog.waiting()] == ["READY=1", "STOPPING=1"]
+    assert slowest < 1.0
+
+
+def test_the_normal_end_shuts_down_in_reverse_order(responder):
+    responder.ask()
+    responder.log.wait_for("End KESTAL_CGI request")
+    before = len(responder.log.messages())
+    assert responder.end(signal.SIGUSR1) == 0
+    messages = responder.log.messages()[before:]
+    end = messages.index(f"{DEBUG}int fastcgi_main_loop() END returning 0")
+    assert messages[end + 1 : end + 5] == TERMINATION[:-1]
+    assert messages[end + 5] == "[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Server Terminating."
+    assert responder.log.count("Server Terminating") == 1
+
+
+def test_the_normal_end_under_load_cuts_no_request_short(make_responder):
+    for _ in range(20):
+        responder = make_responder()
+        responder.log.path.unlink(missing_ok=True)
+        responder.start()
+        with Load(responder) as load:
+            wait_until(lambda: load.answers, "an answer")
+            assert responder.end(signal.SIGUSR1) == 0
+        assert not load.cut_short()
+        assert load.complete() == responder.log.count("fastcgi_main_loop() - End KESTAL_CGI request")
+
+
+def test_other_signals_do_what_they_do_to_any_process(make_responder):
+    for signo in (signal.SIGINT, signal.SIGHUP, signal.SIGKILL):
+        responder = make_responder().start()
+        os.kill(responder.pid, signo)
+        assert responder.process.wait(20) == -signo
+
+
+def test_a_broken_pipe_does_not_end_the_service(responder):
+    responder.process.send_signal(signal.SIGPIPE)
+    assert responder.ask().status == 200

@@ -1,0 +1,86 @@
+"""Keep-alives: sent while the web server that started the service lives."""
+
+import os
+import signal
+
+from support import processes
+from support.waiting import wait_until
+
+NOTIFY = "virtual bool KeepAliveHandler::OnThreadNotify(unsigned int)"
+
+
+def test_the_service_registers_under_its_name_and_reports_in_every_interval(make_responder, watchdog):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    assert watchdog.next() == "READY=1\nSTATUS=kestal.cgi registered"
+    assert [watchdog.next(), watchdog.next()] == ["WATCHDOG=1", "WATCHDOG=1"]
+    responder.end()
+    assert watchdog.waiting()[-1] == "STOPPING=1"
+
+
+def test_without_a_service_manager_the_watchdog_shows_in_the_log(make_responder):
+    responder = make_responder()
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    responder.log.wait_for(f"{NOTIFY} - END returning 0")
+    messages = responder.log.messages()
+    begin = messages.index(f"[KESTAL_CGI]:[DEBUG] - {NOTIFY} - BEGIN")
+    assert messages[begin + 1 : begin + 4] == [
+        f"[KESTAL_CGI]:[INFO] - {NOTIFY} - Watchdog timer event. lighttpd alive ( and kicking ). "
+        "Sending keep alive message",
+        "[SIMULATOR]:[NOTICE] - watchdog: keep-alive from kestal.cgi",
+        f"[KESTAL_CGI]:[DEBUG] - {NOTIFY} - END returning 0",
+    ]
+
+
+def test_requests_are_served_while_keep_alives_go_out(make_responder, watchdog):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    watchdog.next()
+    wait_until(lambda: responder.ask().status == 200 and watchdog.waiting(), "a keep-alive")
+
+
+def test_a_service_without_requests_reports_as_well_as_a_busy_one(make_responder, watchdog):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    with responder.connect():
+        watchdog.next()
+        assert watchdog.next() == "WATCHDOG=1"
+
+
+def test_a_watchdog_that_is_not_there_does_not_keep_the_service_from_working(make_responder, work):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = str(work / "nobody.sock")
+    responder.start()
+    assert responder.ask().status == 200
+    assert responder.end() == 0
+
+
+def test_keep_alives_stop_silently_when_the_web_server_is_gone(make_server, watchdog):
+    server = make_server()
+    server.environment["NOTIFY_SOCKET"] = watchdog.path
+    server.device.set(getWatchdogInterval=1)
+    server.start()
+    responder = server.responder()
+    assert watchdog.next().startswith("READY=1")
+    assert watchdog.next() == "WATCHDOG=1"
+
+    os.kill(server.process.pid, signal.SIGKILL)
+    server.process.wait()
+    # One may be under way.
+    rounds = server.log.count(f"{NOTIFY} - END")
+    server.log.wait_for(f"{NOTIFY} - END", rounds + 1)
+    watchdog.waiting()
+    sent = server.log.count("Sending keep alive message")
+    server.log.wait_for(f"{NOTIFY} - END", rounds + 3)
+
+    assert watchdog.waiting() == []
+    assert server.log.count("Sending keep alive message") == sent
+    assert server.log.count("[ERROR]") == 0
+    assert processes.is_alive(responder)

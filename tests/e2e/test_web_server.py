@@ -1,0 +1,221 @@
+"""The web server and its responder: who starts, ends and restarts whom."""
+
+import fcntl
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import threading
+
+from support import paths, processes
+from support.waiting import wait_until
+
+
+def kill_web_server(server):
+    os.kill(server.process.pid, signal.SIGKILL)
+    server.process.wait()
+
+
+def test_one_responder_serves_everything(server):
+    assert len(processes.children(server.process.pid)) == 1
+    for _ in range(20):
+        assert server.ask("/srv/status").status == 200
+    assert len(processes.children(server.process.pid)) == 1
+
+
+def test_stopping_the_web_server_ends_the_responder(server):
+    responder = server.responder()
+    server.process.terminate()
+    assert server.process.wait(20) == 0
+    wait_until(lambda: not processes.is_alive(responder), "the responder has ended")
+    assert server.log.count("KESTAL_CGI Server Terminating") == 1
+    assert server.log.count("watchdog: kestal.cgi unregistered") == 1
+    assert not list(server.run.glob("responder.sock*"))
+
+
+def test_a_responder_that_dies_is_started_again(server):
+    for signo in (signal.SIGKILL, signal.SIGSEGV, signal.SIGTERM):
+        dead = server.responder()
+        os.kill(dead, signo)
+        wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+        assert server.responder() != dead
+
+
+def test_a_responder_whose_web_server_was_killed_goes_on_until_it_is_swept(server):
+    responder = server.responder()
+    kill_web_server(server)
+    assert processes.is_alive(responder)
+    subprocess.run([str(paths.LAUNCHER), "sweep"], env=server.environment, check=True)
+    assert not processes.is_alive(responder)
+    assert server.log.count("KESTAL_CGI Server Terminating") == 1
+    assert not list(server.run.glob("responder.sock*"))
+
+
+def test_a_new_web_server_ends_a_stray_responder_and_starts_its_own(server):
+    stray = server.responder()
+    kill_web_server(server)
+    server.start()
+    assert not processes.is_alive(stray)
+    own = server.responder()
+    assert server.ask("/srv/status").status == 200
+
+    # It is the new web server's own: it is started again when it dies.
+    os.kill(own, signal.SIGKILL)
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+
+
+def test_a_stray_responder_that_hangs_is_ended_too(server):
+    stray = server.responder()
+    kill_web_server(server)
+    os.kill(stray, signal.SIGSTOP)
+    server.start()
+    assert not processes.is_alive(stray)
+    assert server.ask("/srv/status").status == 200
+
+
+def test_stray_responders_of_other_servers_are_left_alone(make_server):
+    first, second = make_server("a").start(), make_server("b").start()
+    stray = second.responder()
+    kill_web_server(first)
+    kill_web_server(second)
+    first.start()
+    assert processes.is_alive(stray)
+    second.start()
+    assert not processes.is_alive(stray)
+
+
+def test_a_second_server_on_the_same_run_directory_is_refused(server):
+    responder = server.responder()
+    second = server.launch()
+    assert second.wait(20) == 1
+    assert f"in use by the web server with process id {server.process.pid}" in second.stderr.read().decode()
+    second.stderr.close()
+    assert server.responder() == responder
+    assert server.ask("/srv/status").status == 200
+
+
+def test_of_two_servers_that_start_at_once_on_one_run_directory_one_serves(make_server, work):
+    # Neither has a responder yet when the other one looks.
+    slow = work / "bin"
+    slow.mkdir()
+    (slow / "lighttpd").write_text('#!/bin/sh\nsleep 1\nexec /usr/sbin/lighttpd "$@"\n')
+    (slow / "lighttpd").chmod(0o755)
+    servers = [make_server(), make_server()]
+    for server in servers:
+        server.environment["PATH"] = f"{slow}:{paths.CLEAN_ENVIRONMENT['PATH']}"
+    for server in servers:
+        server.process = server.launch()
+    wait_until(lambda: any(server.process.poll() is not None for server in servers), "one has given up")
+    second, first = sorted(servers, key=lambda server: server.process.poll() is None)
+    assert second.process.returncode == 1
+    message = f"is in use by the web server with process id {first.process.pid}\n"
+    assert message in second.process.stderr.read().decode()
+    wait_until(first.is_up, "the other one serves")
+    assert first.ask("/srv/status").status == 200
+    second.process.stderr.close()
+    second.process = None
+
+
+def test_a_start_waits_for_another_one_and_gives_up_before_it_touches_anything(make_server):
+    server = make_server()
+    server.run.mkdir()
+    (server.run / "responder.sock-0").touch()
+    with open(server.run / "lock", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        launcher = server.launch()
+        assert launcher.wait(20) == 1
+        assert f"another kestal-server is starting or sweeping in {server.run}\n" in launcher.stderr.read().decode()
+        launcher.stderr.close()
+        assert (server.run / "responder.sock-0").exists()
+    assert server.start().ask("/srv/status").status == 200
+
+
+def test_a_sweep_leaves_a_web_server_alone_that_runs(server):
+    sweep = server.launch("sweep")
+    assert sweep.wait(20) == 1
+    assert f"in use by the web server with process id {server.process.pid}" in sweep.stderr.read().decode()
+    sweep.stderr.close()
+    assert server.ask("/srv/status").status == 200
+
+
+def test_a_process_that_has_got_the_id_of_a_dead_web_server_is_no_web_server(make_server):
+    server = make_server()
+    server.run.mkdir()
+    (server.run / "owner").write_text(f"{os.getpid()} 1\n")
+    assert server.start().ask("/srv/status").status == 200
+
+
+def test_neither_web_server_nor_responder_holds_the_lock(server):
+    for pid in (server.process.pid, server.responder()):
+        files = {os.path.realpath(file) for file in pathlib.Path(f"/proc/{pid}/fd").iterdir()}
+        assert str(server.run / "lock") not in files
+
+
+def test_without_flock_the_service_starts_and_says_so(make_server, work):
+    tools = work / "bin"
+    tools.mkdir()
+    for tool in ("cat", "chmod", "dirname", "lighttpd", "ln", "ls", "mkdir", "printenv", "rm", "sed", "sleep"):
+        (tools / tool).symlink_to(shutil.which(tool, path=paths.CLEAN_ENVIRONMENT["PATH"]))
+    server = make_server()
+    server.environment["PATH"] = str(tools)
+    assert server.start().ask("/srv/status").status == 200
+    second = server.launch()
+    assert second.wait(20) == 1
+    messages = second.stderr.read().decode()
+    second.stderr.close()
+    assert "flock is not installed" in messages
+    assert f"in use by the web server with process id {server.process.pid}" in messages
+
+
+def test_two_servers_do_not_disturb_each_other(make_server):
+    first, second = make_server("a").start(), make_server("b").start()
+    first.ask("/srv/disconnect")
+    assert first.device.get("getCellularDataConnectionStatus") == 0
+    assert second.device.get("getCellularDataConnectionStatus") == 2
+    first.stop()
+    assert second.ask("/srv/status").status == 200
+
+
+def test_a_device_that_hangs_gives_a_timeout_and_service_goes_on_afterwards(make_server):
+    server = make_server()
+    server.environment["KESTAL_TIMEOUT"] = "1"
+    server.start()
+    responder = server.responder()
+    os.kill(responder, signal.SIGSTOP)
+    assert server.ask("/srv/status").status == 504
+    os.kill(responder, signal.SIGCONT)
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service answers again")
+    assert server.responder() == responder
+
+
+def test_many_browsers_at_once_are_all_answered(server):
+    statuses = []
+
+    def browse():
+        for _ in range(25):
+            statuses.append(server.ask("/srv/status").status)
+
+    browsers = [threading.Thread(target=browse) for _ in range(16)]
+    for browser in browsers:
+        browser.start()
+    for browser in browsers:
+        browser.join()
+    assert statuses == [200] * 400
+
+
+def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(make_server, work):
+    server = make_server()
+    server.environment |= {"LANGUAGE": "de", "LC_ALL": "de_DE", "SECRET": "x", "KESTAL_LOCALEDIR": str(work)}
+    server.start()
+    with open(f"/proc/{server.responder()}/environ") as environ:
+        names = {entry.partition("=")[0] for entry in environ.read().split("\0") if entry}
+    assert names - {"PHP_FCGI_CHILDREN"} == {
+        "PATH",
+        "KESTAL_DEVICE",
+        "KESTAL_SESSIONS",
+        "KESTAL_LOG",
+        "KESTAL_LOG_LEVEL",
+        "KESTAL_LOCALEDIR",
+        "CGICC_MAX_CONTENTLENGTH",
+    }
