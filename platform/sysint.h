@@ -47,6 +47,28 @@ enum sys_technology_e : std::int32_t {
     SYS_TECHNOLOGY_5G = 17,
 };
 
+/// Roaming indicator.
+enum sys_roaming_e : std::int32_t {
+    SYS_ROAMING_NONE = 0,
+    SYS_ROAMING_DOMESTIC = 1,
+    SYS_ROAMING_INTERNATIONAL = 2,
+    SYS_ROAMING_FLASH = 3,
+};
+
+/// Kind of a 5G connection.
+enum sys_5g_type_e : std::int32_t {
+    SYS_5G_ULTRA_WIDEBAND = 1,
+    SYS_5G_OTHER = 2,
+};
+
+/// Direction of the traffic at the moment.
+enum sys_traffic_status_e : std::int32_t {
+    SYS_TRAFFIC_NONE = 0,
+    SYS_TRAFFIC_UPLINK = 1,
+    SYS_TRAFFIC_DOWNLINK = 2,
+    SYS_TRAFFIC_BOTH = 3,
+};
+
 /// How 5G is used; any other value means no 5G.
 enum sys_wan_5g_mode_e : std::int32_t {
     SYS_WAN_5G_NONE = 0,
@@ -145,6 +167,65 @@ static_assert(offsetof(sys_cellular_service_stats_t, networkId) == 117);
 static_assert(offsetof(sys_cellular_service_stats_t, femtoCell) == 216);
 static_assert(offsetof(sys_cellular_service_stats_t, fiveGType) == 232);
 
+/// Statistics of the cellular data connection. Each direction has two counters, which add up.
+struct sys_cellular_data_connection_stats_t {
+    std::int32_t trafficStatus;  ///< sys_traffic_status_e
+    std::int32_t reserved4;
+    std::uint64_t duration;
+    std::uint64_t bytesReceived1;
+    std::uint64_t bytesTransmitted1;
+    std::uint64_t reserved32[2];
+    std::uint64_t bytesReceived2;
+    std::uint64_t bytesTransmitted2;
+    std::uint64_t reserved64[22];
+};
+static_assert(sizeof(sys_cellular_data_connection_stats_t) == 240);
+static_assert(offsetof(sys_cellular_data_connection_stats_t, duration) == 8);
+static_assert(offsetof(sys_cellular_data_connection_stats_t, bytesReceived1) == 16);
+static_assert(offsetof(sys_cellular_data_connection_stats_t, bytesTransmitted1) == 24);
+static_assert(offsetof(sys_cellular_data_connection_stats_t, bytesReceived2) == 48);
+static_assert(offsetof(sys_cellular_data_connection_stats_t, bytesTransmitted2) == 56);
+
+/// The subscriber that the SIM identifies.
+struct sys_subscriber_info_t {
+    char identity[32];  ///< terminated text, or all of the field
+    std::uint8_t reserved32[100];
+};
+static_assert(sizeof(sys_subscriber_info_t) == 132);
+
+/// Network lock of the SIM in use.
+struct sys_network_sim_lock_t {
+    std::int32_t reserved0[3];
+    std::int32_t carrierBlocked;  ///< 1 when the carrier blocks the SIM, else 0
+    /// The platform may append to this record; nobody reads it here.
+    std::int32_t reserved16[12];
+};
+static_assert(offsetof(sys_network_sim_lock_t, carrierBlocked) == 12);
+
+/// One SIM slot.
+struct sys_sim_slot_t {
+    std::uint8_t reserved0[99];
+    char networkName[77];               ///< operator name, terminated text
+    std::int32_t active;                ///< 1 when this SIM is in use
+    std::int32_t simStatus;             ///< sys_sim_status_e
+    std::int32_t dataConnectionStatus;  ///< sys_data_connection_status_e
+    std::int32_t serviceStatus;         ///< sys_service_status_e
+};
+static_assert(sizeof(sys_sim_slot_t) == 192);
+static_assert(offsetof(sys_sim_slot_t, networkName) == 99);
+static_assert(offsetof(sys_sim_slot_t, active) == 176);
+static_assert(offsetof(sys_sim_slot_t, simStatus) == 180);
+static_assert(offsetof(sys_sim_slot_t, dataConnectionStatus) == 184);
+static_assert(offsetof(sys_sim_slot_t, serviceStatus) == 188);
+
+/// All SIM slots of the device.
+struct sys_all_sim_slots_t {
+    std::int32_t count;  ///< valid entries of slots
+    sys_sim_slot_t slots[2];
+};
+static_assert(sizeof(sys_all_sim_slots_t) == 388);
+static_assert(offsetof(sys_all_sim_slots_t, slots) == 4);
+
 /// Capacity of the memory card, in the platform's unit.
 struct sys_sd_card_info_t {
     std::uint64_t totalCapacity;
@@ -233,11 +314,33 @@ int sys_getCellularDataEnabled(int* enabled);
 /// 6 activation in progress, 7 unactivated.
 int sys_getCellularDataConnectionStatus(int* status);
 int sys_getCellularServiceStats(sys_cellular_service_stats_t* stats);
+int sys_getCellularDataConnectionStats(sys_cellular_data_connection_stats_t* stats);
+/// 1 with the radio on, 0 in airplane mode.
+int sys_getRadioEnabled(int* enabled);
+/// sys_service_status_e.
+int sys_getCellularServiceStatus(int* status);
+/// sys_account_status_e.
+int sys_getCellularDataAccountStatus(int* status);
+/// Set of radio technologies that the user has enabled, as a bit mask.
+int sys_getEnabledRadioTechnologies(int* technologies);
+/// Manual network selection: whether it is allowed, whether it is in use, state of the scan.
+int sys_getModemMnsInfo(int* allowed, int* selected, int* scanStatus);
+
+// SIM.
+
 /// sys_sim_status_e of the SIM in use.
 int sys_getSIMStatus(int* status);
 /// Copies group identifier number @p index of the SIM to @p gid, which has room for
 /// SYS_SIM_CARRIER_GID_SIZE bytes, and its length to @p length.
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index);
+int sys_getSubscriberInfo(sys_subscriber_info_t* info);
+int sys_getNetworkSIMLockStatus(sys_network_sim_lock_t* lock);
+/// Code of the network's last reject, 0 when there was none.
+int sys_getSIMNetworkRejectCode(int* code);
+/// Number of the slot whose SIM is in use, from 1.
+int sys_getActiveSimSlot(int* slot);
+int sys_getNumSims(int* count);
+int sys_getAllSimSlotsInfo(sys_all_sim_slots_t* slots);
 
 // Bands (by number) and bandwidths (in MHz) in use.
 

@@ -39,6 +39,17 @@ RECORDING_QUERY(sys_getGPSStatus, int)
 RECORDING_QUERY(sys_getSMSUnreadCount, int)
 RECORDING_QUERY(sys_getSambaEnabled, int)
 RECORDING_QUERY(sys_getWiFiEnabled, int)
+RECORDING_QUERY(sys_getRadioEnabled, int)
+RECORDING_QUERY(sys_getCellularServiceStatus, int)
+RECORDING_QUERY(sys_getCellularDataAccountStatus, int)
+RECORDING_QUERY(sys_getEnabledRadioTechnologies, int)
+RECORDING_QUERY(sys_getSIMNetworkRejectCode, int)
+RECORDING_QUERY(sys_getActiveSimSlot, int)
+RECORDING_QUERY(sys_getNumSims, int)
+RECORDING_QUERY(sys_getCellularDataConnectionStats, sys_cellular_data_connection_stats_t)
+RECORDING_QUERY(sys_getSubscriberInfo, sys_subscriber_info_t)
+RECORDING_QUERY(sys_getNetworkSIMLockStatus, sys_network_sim_lock_t)
+RECORDING_QUERY(sys_getAllSimSlotsInfo, sys_all_sim_slots_t)
 RECORDING_QUERY(sys_getCellularServiceStats, sys_cellular_service_stats_t)
 RECORDING_QUERY(sys_getCellular5GMode, sys_wan_5g_mode_e)
 RECORDING_QUERY(sys_getSDCardInfo, sys_sd_card_info_t)
@@ -60,6 +71,10 @@ int sys_cellularDataConnect(int reserved) {
 
 int sys_cellularDataDisconnect(int reserved) {
     return Play("sys_cellularDataDisconnect", std::to_string(reserved), {});
+}
+
+int sys_getModemMnsInfo(int* allowed, int* selected, int* scanStatus) {
+    return Play("sys_getModemMnsInfo", "", {Output(allowed), Output(selected), Output(scanStatus)});
 }
 
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index) {

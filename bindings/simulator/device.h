@@ -52,6 +52,13 @@ struct Bands {
     std::int32_t second = 0;
 };
 
+/// Manual network selection.
+struct MnsInfo {
+    std::int32_t allowed = 0;
+    std::int32_t selected = 0;
+    std::int32_t scanStatus = 0;
+};
+
 struct Device {
     /// Codes with which calls without a result fail; 0 when they work.
     int sdkInitialize = 0;
@@ -62,6 +69,7 @@ struct Device {
     SIMULATOR_SYSINT_QUERIES(SIMULATOR_ANSWER)
 #undef SIMULATOR_ANSWER
     IndexedAnswer<GroupId> getSIMCarrierGID;
+    Answer<MnsInfo> getModemMnsInfo;
     Answer<Bands> getCellular5GBand;
     Answer<std::vector<sys_connected_device_t>> getConnectedDeviceList;
     IndexedAnswer<std::int32_t> getWiFiGuestProfileEnabled;

@@ -1,5 +1,6 @@
 // The object "sys": what the system-interface SDK answers.
 #include <charconv>
+#include <iterator>
 #include <string>
 
 #include "bindings/simulator/device_reader.h"
@@ -34,6 +35,56 @@ void ReadValue(const Node& node, sys_cellular_service_stats_t& stats) {
         .Field("networkId", stats.networkId)
         .Field("femtoCell", stats.femtoCell)
         .Field("fiveGType", stats.fiveGType)
+        .RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_cellular_data_connection_stats_t& stats) {
+    Members(node)
+        .Field("trafficStatus", stats.trafficStatus)
+        .Field("duration", stats.duration)
+        .Field("bytesReceived1", stats.bytesReceived1)
+        .Field("bytesTransmitted1", stats.bytesTransmitted1)
+        .Field("bytesReceived2", stats.bytesReceived2)
+        .Field("bytesTransmitted2", stats.bytesTransmitted2)
+        .RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_subscriber_info_t& info) {
+    Members(node).Field("identity", info.identity).RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_network_sim_lock_t& lock) {
+    Members(node).Field("carrierBlocked", lock.carrierBlocked).RejectOthers();
+}
+
+void ReadValue(const Node& node, sys_all_sim_slots_t& all) {
+    Members members(node);
+    if (const auto slots = members.Find("slots")) {
+        slots->MustBeList();
+        const std::size_t count = slots->Value().size();
+        if (count > std::size(all.slots)) {
+            slots->Expected("a list of at most 2 slots", "one of " + std::to_string(count));
+        }
+        all.count = static_cast<std::int32_t>(count);
+        for (std::size_t index = 0; index < count; ++index) {
+            sys_sim_slot_t& slot = all.slots[index];
+            Members(slots->Element(index))
+                .Field("networkName", slot.networkName)
+                .Field("active", slot.active)
+                .Field("simStatus", slot.simStatus)
+                .Field("dataConnectionStatus", slot.dataConnectionStatus)
+                .Field("serviceStatus", slot.serviceStatus)
+                .RejectOthers();
+        }
+    }
+    members.Field("count", all.count).RejectOthers();
+}
+
+void ReadValue(const Node& node, MnsInfo& info) {
+    Members(node)
+        .Field("allowed", info.allowed)
+        .Field("selected", info.selected)
+        .Field("scanStatus", info.scanStatus)
         .RejectOthers();
 }
 
@@ -136,6 +187,7 @@ void ReadSys(const Node& node, Device& device) {
 #define SIMULATOR_READ(Type, name) query(#name, device.name);
     SIMULATOR_SYSINT_QUERIES(SIMULATOR_READ)
 #undef SIMULATOR_READ
+    query("getModemMnsInfo", device.getModemMnsInfo);
     query("getCellular5GBand", device.getCellular5GBand);
     query("getConnectedDeviceList", device.getConnectedDeviceList);
     if (const auto member = sys.Find("getSIMCarrierGID")) {

@@ -63,6 +63,19 @@ int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t i
     });
 }
 
+int sys_getModemMnsInfo(int* allowed, int* selected, int* scanStatus) {
+    return WithDevice(kCodeBase, [&](const Device& device) {
+        const auto& answer = device.getModemMnsInfo;
+        const int failure = FailureOf(answer, kCodeBase);
+        if (failure == SYS_SUCCESS) {
+            *allowed = answer.value.allowed;
+            *selected = answer.value.selected;
+            *scanStatus = answer.value.scanStatus;
+        }
+        return failure;
+    });
+}
+
 int sys_getCellular5GBand(int* band, int* second) {
     return WithDevice(kCodeBase, [&](const Device& device) {
         const auto& answer = device.getCellular5GBand;

@@ -4,35 +4,46 @@
 
 #include "platform/sysint.h"
 
-#define SIMULATOR_SYSINT_QUERIES(QUERY)                          \
-    QUERY(int, getWebUICarrierEnabled)                           \
-    QUERY(int, getSambaCarrierEnabled)                           \
-    QUERY(int, getGPSCarrierEnabled)                             \
-    QUERY(int, getMTSMSCarrierEnabled)                           \
-    QUERY(int, getWiFiCarrierEnabled)                            \
-    QUERY(int, getWiFiGuestCarrierEnabled)                       \
-    QUERY(int, getPCOCarrierEnabled)                             \
-    QUERY(int, getNUACarrierEnabled)                             \
-    QUERY(int, getOmadmFumoCarrierEnabled)                       \
-    QUERY(int, getMultiSimEnabled)                               \
-    QUERY(int, getWatchdogInterval)                              \
-    QUERY(int, getCellularDataEnabled)                           \
-    QUERY(int, getCellularDataConnectionStatus)                  \
-    QUERY(sys_cellular_service_stats_t, getCellularServiceStats) \
-    QUERY(int, getSIMStatus)                                     \
-    QUERY(int, getCellular3GBand)                                \
-    QUERY(int, getCellularBand)                                  \
-    QUERY(sys_wan_5g_mode_e, getCellular5GMode)                  \
-    QUERY(int, getCABandWidth)                                   \
-    QUERY(int, get5GBandWidth)                                   \
-    QUERY(int, getEthernetEnabled)                               \
-    QUERY(int, getEthernetLinkStatus)                            \
-    QUERY(int, getFotaInstallStatus)                             \
-    QUERY(int, getGPSStatus)                                     \
-    QUERY(int, getSMSUnreadCount)                                \
-    QUERY(sys_sd_card_info_t, getSDCardInfo)                     \
-    QUERY(int, getSambaEnabled)                                  \
-    QUERY(sys_samba_share_info_t, getSambaShareInfo)             \
-    QUERY(int, getWiFiEnabled)                                   \
-    QUERY(unsigned int, getWiFiMaxClients)                       \
+#define SIMULATOR_SYSINT_QUERIES(QUERY)                                         \
+    QUERY(int, getWebUICarrierEnabled)                                          \
+    QUERY(int, getSambaCarrierEnabled)                                          \
+    QUERY(int, getGPSCarrierEnabled)                                            \
+    QUERY(int, getMTSMSCarrierEnabled)                                          \
+    QUERY(int, getWiFiCarrierEnabled)                                           \
+    QUERY(int, getWiFiGuestCarrierEnabled)                                      \
+    QUERY(int, getPCOCarrierEnabled)                                            \
+    QUERY(int, getNUACarrierEnabled)                                            \
+    QUERY(int, getOmadmFumoCarrierEnabled)                                      \
+    QUERY(int, getMultiSimEnabled)                                              \
+    QUERY(int, getWatchdogInterval)                                             \
+    QUERY(int, getCellularDataEnabled)                                          \
+    QUERY(int, getCellularDataConnectionStatus)                                 \
+    QUERY(sys_cellular_service_stats_t, getCellularServiceStats)                \
+    QUERY(int, getRadioEnabled)                                                 \
+    QUERY(int, getCellularServiceStatus)                                        \
+    QUERY(int, getCellularDataAccountStatus)                                    \
+    QUERY(int, getEnabledRadioTechnologies)                                     \
+    QUERY(sys_cellular_data_connection_stats_t, getCellularDataConnectionStats) \
+    QUERY(sys_subscriber_info_t, getSubscriberInfo)                             \
+    QUERY(sys_network_sim_lock_t, getNetworkSIMLockStatus)                      \
+    QUERY(int, getSIMNetworkRejectCode)                                         \
+    QUERY(int, getActiveSimSlot)                                                \
+    QUERY(int, getNumSims)                                                      \
+    QUERY(sys_all_sim_slots_t, getAllSimSlotsInfo)                              \
+    QUERY(int, getSIMStatus)                                                    \
+    QUERY(int, getCellular3GBand)                                               \
+    QUERY(int, getCellularBand)                                                 \
+    QUERY(sys_wan_5g_mode_e, getCellular5GMode)                                 \
+    QUERY(int, getCABandWidth)                                                  \
+    QUERY(int, get5GBandWidth)                                                  \
+    QUERY(int, getEthernetEnabled)                                              \
+    QUERY(int, getEthernetLinkStatus)                                           \
+    QUERY(int, getFotaInstallStatus)                                            \
+    QUERY(int, getGPSStatus)                                                    \
+    QUERY(int, getSMSUnreadCount)                                               \
+    QUERY(sys_sd_card_info_t, getSDCardInfo)                                    \
+    QUERY(int, getSambaEnabled)                                                 \
+    QUERY(sys_samba_share_info_t, getSambaShareInfo)                            \
+    QUERY(int, getWiFiEnabled)                                                  \
+    QUERY(unsigned int, getWiFiMaxClients)                                      \
     QUERY(sys_battery_status_t, getBatteryStatus)

@@ -27,8 +27,9 @@ def test_everything_that_runs_is_installed(prefix):
         "lib/systemd/system/kestal.service",
         "libexec/kestal/kestal-server",
         "libexec/kestal/kestal.cgi",
-        "share/kestal/devices/default.json",
     }
+    devices = {name for name in files if name.startswith("share/kestal/devices/")}
+    assert devices == {f"share/kestal/devices/{path.name}" for path in paths.DEVICES.iterdir()}
     assert not [name for name in files if name.endswith((".a", ".h", ".hpp"))]
 
 

@@ -125,7 +125,8 @@ def test_a_start_waits_for_another_one_and_gives_up_before_it_touches_anything(m
         fcntl.flock(lock, fcntl.LOCK_EX)
         launcher = server.launch()
         assert launcher.wait(20) == 1
-        assert f"another kestal-server is starting or sweeping in {server.run}\n" in launcher.stderr.read().decode()
+        message = f"another kestal-server is starting or sweeping in {server.run}\n"
+        assert message in launcher.stderr.read().decode()
         launcher.stderr.close()
         assert (server.run / "responder.sock-0").exists()
     assert server.start().ask("/srv/status").status == 200
@@ -155,7 +156,7 @@ def test_neither_web_server_nor_responder_holds_the_lock(server):
 def test_without_flock_the_service_starts_and_says_so(make_server, work):
     tools = work / "bin"
     tools.mkdir()
-    for tool in ("cat", "chmod", "dirname", "lighttpd", "ln", "ls", "mkdir", "printenv", "rm", "sed", "sleep"):
+    for tool in "cat chmod dirname lighttpd ln ls mkdir printenv rm sed sleep".split():
         (tools / tool).symlink_to(shutil.which(tool, path=paths.CLEAN_ENVIRONMENT["PATH"]))
     server = make_server()
     server.environment["PATH"] = str(tools)

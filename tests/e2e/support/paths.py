@@ -12,7 +12,8 @@ SESSION_TOOL = pathlib.Path(
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
 LAUNCHER = ROOT / "deploy" / "kestal-server"
-DEFAULT_DEVICE = ROOT / "devices" / "default.json"
+DEVICES = ROOT / "devices"
+DEFAULT_DEVICE = DEVICES / "default.json"
 
 # What every process under test gets; nothing else of the caller's environment reaches it.
 CLEAN_ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin"}

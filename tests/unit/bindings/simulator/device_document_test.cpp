@@ -3,42 +3,14 @@
 
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
-#include "bindings/simulator/device_reader.h"
+#include "tests/unit/bindings/simulator/document_reading.h"
 
 namespace {
 
 using simulator::Device;
-
-Device Read(const std::string& text) {
-    return simulator::ReadDevice("device.json", text);
-}
-
-/// What is said about a document; empty when it is right.
-std::string Complaint(const std::string& text) {
-    try {
-        Read(text);
-        return "";
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-}
-
-/// What is said about the value @p text of the entry @p name of "sys", which stands in line 3.
-std::string SysComplaint(const std::string& name, const std::string& text) {
-    return Complaint("{\n\"sys\": {\n\"" + name + "\": " + text + "\n}\n}");
-}
-
-std::string WebuiComplaint(const std::string& name, const std::string& text) {
-    return Complaint("{\n\"webui\": {\n\"" + name + "\": " + text + "\n}\n}");
-}
-
-std::string ChannelComplaint(const std::string& text) {
-    return Complaint("{\n\"msgbus\": {\n\"a\": " + text + "\n}\n}");
-}
 
 TEST(DeviceDocument, MayBeEmpty) {
     EXPECT_EQ(Complaint("{}"), "");
@@ -47,12 +19,13 @@ TEST(DeviceDocument, MayBeEmpty) {
 }
 
 TEST(DeviceDocument, ShippedOneAnswersEveryQuery) {
-    std::ifstream file(KESTAL_SHIPPED_DEVICE);
+    std::ifstream file(KESTAL_SHIPPED_DEVICES "/default.json");
     const Device device = Read({std::istreambuf_iterator<char>(file), {}});
 #define EXPECT_ANSWER(Type, name) EXPECT_TRUE(device.name.named&& device.name.error == 0) << #name;
     SIMULATOR_SYSINT_QUERIES(EXPECT_ANSWER)
 #undef EXPECT_ANSWER
     EXPECT_TRUE(device.getSIMCarrierGID.At(1).named);
+    EXPECT_TRUE(device.getModemMnsInfo.named);
     EXPECT_TRUE(device.getCellular5GBand.named);
     EXPECT_EQ(device.getConnectedDeviceList.value.size(), 5U);
     EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ).named);

@@ -187,7 +187,7 @@ TEST_F(Msgbus, SharesTheSnapshotOfTheSession) {
 }
 
 TEST_F(Msgbus, ShippedDocumentHasTwoActiveNotifications) {
-    environment.Set("KESTAL_DEVICE", KESTAL_SHIPPED_DEVICE);
+    environment.Set("KESTAL_DEVICE", KESTAL_SHIPPED_DEVICES "/default.json");
     const std::vector<std::byte> block = Block();
     ASSERT_EQ(block.size(), ANS_NOTIFICATION_LIST_RECORDS + 2 * sizeof(AnsNotificationRecord));
     std::vector<AnsNotificationRecord> records(2);

@@ -68,8 +68,11 @@ TEST_F(Sysint, UnnamedQueriesFailAndWriteNothing) {
     int second = 9;
     EXPECT_EQ(sys_getCellular5GBand(&first, &second), kNotSimulated);
     EXPECT_EQ(sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_2_4_GHZ, &first), kNotSimulated);
+    int third = 9;
+    EXPECT_EQ(sys_getModemMnsInfo(&first, &second, &third), kNotSimulated);
     EXPECT_EQ(first, 9);
     EXPECT_EQ(second, 9);
+    EXPECT_EQ(third, 9);
     unsigned int count = 9;
     EXPECT_EQ(sys_getConnectedDeviceList(nullptr, &count), kNotSimulated);
     EXPECT_EQ(count, 9U);
@@ -84,7 +87,7 @@ TEST_F(Sysint, QueriesFailAsToldAndWriteNothing) {
 }
 
 TEST_F(Sysint, ShippedDocumentIsAWorkingHotspot) {
-    environment.Set("KESTAL_DEVICE", KESTAL_SHIPPED_DEVICE);
+    environment.Set("KESTAL_DEVICE", KESTAL_SHIPPED_DEVICES "/default.json");
     EXPECT_EQ(sys_sdkInitialize(), 0);
     sys_battery_status_t battery{};
     EXPECT_EQ(sys_getBatteryStatus(&battery), 0);
@@ -134,6 +137,31 @@ TEST_F(Sysint, NrBandComesWithTheSecond) {
     EXPECT_EQ(sys_getCellular5GBand(&band, &second), 0);
     EXPECT_EQ(band, 77);
     EXPECT_EQ(second, 41);
+}
+
+TEST_F(Sysint, NetworkSelectionHasThreeValues) {
+    Entry("getModemMnsInfo", R"({"allowed": 1, "selected": -2, "scanStatus": 3})");
+    int allowed = 0;
+    int selected = 0;
+    int scanStatus = 0;
+    EXPECT_EQ(sys_getModemMnsInfo(&allowed, &selected, &scanStatus), 0);
+    EXPECT_EQ(allowed, 1);
+    EXPECT_EQ(selected, -2);
+    EXPECT_EQ(scanStatus, 3);
+    Entry("getModemMnsInfo", "{\"error\": 5}");
+    EXPECT_EQ(sys_getModemMnsInfo(&allowed, &selected, &scanStatus), 5);
+    EXPECT_EQ(allowed, 1);
+}
+
+TEST_F(Sysint, SlotsComeWithTheirCount) {
+    Entry("getAllSimSlotsInfo",
+          R"({"slots": [{"networkName": "Orvane", "active": 1}, {"simStatus": 7}]})");
+    sys_all_sim_slots_t all{};
+    EXPECT_EQ(sys_getAllSimSlotsInfo(&all), 0);
+    EXPECT_EQ(all.count, 2);
+    EXPECT_STREQ(all.slots[0].networkName, "Orvane");
+    EXPECT_EQ(all.slots[0].active, 1);
+    EXPECT_EQ(all.slots[1].simStatus, SYS_SIM_READY);
 }
 
 TEST_F(Sysint, GuestProfilesAnswerEachForItself) {
