@@ -58,6 +58,8 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     KESTAL_BEGIN();
     CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
     GetBatteryStatus(statusData);
+    GetMnsStatus(statusData);
+    GetInternetStatus(statusData);
     GetRouterStatus(statusData);
     GetMobileDataEnabled(statusData);
     GetEthernetPortEnabled(statusData);
@@ -77,7 +79,14 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     if (isGuestWifiSupported) {
         GetGuestWifiStatus(statusData);
     }
-    statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0;
+    // After the internet group, which therefore shows a change of the active slot one request late.
+    if (isDualSIMSupported) {
+        statusData["isDualSimSupported"] = 1;
+        GetDualSimStatus(statusData);
+    } else {
+        statusData["isDualSimSupported"] = 0;
+        GetSimStatus(statusData);
+    }
     out["statusData"] = statusData;
     KESTAL_END();
     return PAGE_ERROR_NONE;

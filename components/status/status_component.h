@@ -28,6 +28,15 @@ class StatusComponent : public PageComponent {
     // The field groups. Each writes its "statusBar..." keys into the status data set and logs what
     // the device does not tell.
 
+    /// The cellular connection: network, technology, signal, bands, traffic. Nothing at all when
+    /// one of its sources fails.
+    void GetInternetStatus(CTPP::CDT& statusData);
+    /// Manual network selection, as the platform's numbers.
+    void GetMnsStatus(CTPP::CDT& statusData);
+    /// The SIM of a device with one SIM.
+    void GetSimStatus(CTPP::CDT& statusData);
+    /// Both slots of a device with two SIMs; remembers which is in use.
+    void GetDualSimStatus(CTPP::CDT& statusData);
     /// Whether the user has switched cellular data on, 1 or 0.
     void GetMobileDataEnabled(CTPP::CDT& statusData);
     /// "connected", "enabled" or "disabled"; a state that cannot be read counts as the lesser one.
@@ -63,6 +72,11 @@ class StatusComponent : public PageComponent {
     bool IsDualSIMSupported() const { return isDualSIMSupported; }
 
   private:
+    static constexpr std::uint32_t kSecondSimSlot = 2;
+
+    /// Whether the second SIM is in use, as far as the dual-SIM group last knew.
+    bool IsSecondSimActive() const { return activeSimSlot == kSecondSimSlot; }
+
     /// Slot number of the SIM in use, kept from one request to the next.
     std::uint32_t activeSimSlot = 0;
     std::string reservedTexts[2];

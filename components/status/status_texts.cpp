@@ -1,15 +1,9 @@
 #include "components/status/status_texts.h"
 
-#include <span>
-
+#include "components/status/value_text.h"
 #include "platform/sysint.h"
 
 namespace {
-
-struct ValueText {
-    std::int32_t value;
-    const char* text;
-};
 
 constexpr ValueText kDataConnectionStatusTexts[] = {
     {SYS_DATA_CONNECTION_READY, "Ready"},
@@ -55,16 +49,6 @@ constexpr ValueText kChargingSourceTexts[] = {
     {SYS_CHARGING_SOURCE_AC, "ChargingSourceAC"},
     {SYS_CHARGING_SOURCE_USB, "ChargingSourceUSB"},
 };
-
-int FindText(std::span<const ValueText> table, std::int32_t value, std::string& text) {
-    for (const ValueText& entry : table) {
-        if (entry.value == value) {
-            text = entry.text;
-            return kStatusTextSet;
-        }
-    }
-    return kStatusTextNone;
-}
 
 }  // namespace
 

@@ -1,17 +1,15 @@
-// Construction, capabilities, and the data set as a whole.
+// Construction and capabilities.
 #include "components/status/status_component.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "bindings/recording/recording.h"
 #include "platform/sysint.h"
 #include "platform/webui.h"
-#include "tests/support/json.h"
 #include "tests/support/records.h"
 #include "tests/support/transcript.h"
 
@@ -25,7 +23,6 @@ namespace {
 const std::string kConstructor = " - StatusComponent::StatusComponent()";
 const std::string kDestructor = " - virtual StatusComponent::~StatusComponent()";
 const std::string kCapabilities = " - void StatusComponent::GetCapabilities()";
-const std::string kGetData = " - PageError StatusComponent::GetData(CTPP::CDT&)";
 
 /// A carrier switch, the accessor of its flag, and the position of the flag in the log line.
 struct Capability {
@@ -55,43 +52,9 @@ Step CapabilitiesLine(const std::string& smb, const std::string& gps, const std:
                       "], IsDualSIMSupported[" + dual + "]");
 }
 
-std::string Group(const std::string& name) {
-    return " - void StatusComponent::" + name + "(CTPP::CDT&)";
-}
-
-/// Names of the groups that were called, in order.
-std::vector<std::string> CalledGroups() {
-    const std::string head = Log(7, " - void StatusComponent::");
-    const std::string tail = "(CTPP::CDT&) - BEGIN";
-    std::vector<std::string> groups;
-    for (const std::string& line : recording::Transcript()) {
-        if (line.starts_with(head) && line.ends_with(tail)) {
-            groups.push_back(line.substr(head.size(), line.size() - head.size() - tail.size()));
-        }
-    }
-    return groups;
-}
-
 class StatusComponentTest : public testing::Test {
   protected:
     void SetUp() override { recording::Reset(); }
-
-    /// A component of a carrier that enables @p calls.
-    static StatusComponent& Construct(std::optional<StatusComponent>& component,
-                                      const std::vector<std::string>& calls) {
-        recording::Reset();
-        for (const Capability& capability : kCapabilityList) {
-            const bool enabled =
-                std::find(calls.begin(), calls.end(), capability.call) != calls.end();
-            Given(capability.call).Writes(enabled ? 1 : 0);
-        }
-        component.emplace();
-        recording::Reset();
-        return *component;
-    }
-
-    std::optional<StatusComponent> storage;
-    CTPP::CDT out;
 };
 
 TEST_F(StatusComponentTest, ConstructionReadsTheCapabilitiesInOrderAndDestructionIsLogged) {
@@ -184,15 +147,18 @@ TEST_F(StatusComponentTest, SwitchThatFailsButWritesAValueFollowsTheValue) {
 }
 
 TEST_F(StatusComponentTest, CapabilitiesStayAsTheyWereAtConstruction) {
-    StatusComponent& component = Construct(storage, {});
+    StatusComponent component;
+    recording::Reset();
     Given("sys_getGPSCarrierEnabled").Writes(1);
+    CTPP::CDT out;
     component.GetData(out);
     EXPECT_FALSE(component.IsGPSSupported());
     EXPECT_EQ(CallCount("sys_getGPSCarrierEnabled"), 0U);
 }
 
 TEST_F(StatusComponentTest, InitLoadsDeviceWideFeaturesAndConfigurations) {
-    StatusComponent& component = Construct(storage, {});
+    StatusComponent component;
+    recording::Reset();
     const std::string configurations = "webui_get_common_configurations";
     Given("webui_get_common_features").Returns(WEBUI_SUCCESS);
     Given(configurations).Returns(WEBUI_BUFFER_NEEDED).WritesNothing().Writes(1);
@@ -205,141 +171,6 @@ TEST_F(StatusComponentTest, InitLoadsDeviceWideFeaturesAndConfigurations) {
                                                "webui_get_common_configurations(no buffer)",
                                                "webui_get_common_configurations(room for 1)"}));
     EXPECT_EQ(component.ConfigurationNumber("Answer"), 42);
-}
-
-TEST_F(StatusComponentTest, CarrierThatEnablesNothingGetsTheGroupsThatAlwaysRun) {
-    StatusComponent& component = Construct(storage, {});
-    Given("sys_getBatteryStatus").Writes(sys_battery_status_t{{}, 85, 0, 0, 2, 0});
-    Given("sys_getConnectedDeviceList").Returns(SYS_SUCCESS);
-    Given("sys_getCellularDataEnabled").Writes(1);
-    Given("sys_getEthernetEnabled").Writes(0);
-    EXPECT_EQ(component.GetData(out), PAGE_ERROR_NONE);
-    EXPECT_EQ(ToJson(out), R"({"statusData":{"isDualSimSupported":0,)"
-                           R"("statusBarBatteryChargingSource":"ChargingSourceNone",)"
-                           R"("statusBarBatteryChargingState":"false",)"
-                           R"("statusBarBatteryDetection":"Present",)"
-                           R"("statusBarBatteryPercent":"85",)"
-                           R"("statusBarClientListSize":"0",)"
-                           R"("statusBarEthernetPortEnabled":"disabled",)"
-                           R"("statusBarFotaInstallStatus":-1,)"
-                           R"("statusBarGuestClientListSize":"0",)"
-                           R"("statusBarMobileDataEnabled":1,)"
-                           R"("statusBarPrimaryClientListSize":"0",)"
-                           R"("statusBarWiFiClientListSize":"0"}})");
-}
-
-TEST_F(StatusComponentTest, GroupsThatAlwaysRunAreCalledInOrder) {
-    StatusComponent& component = Construct(storage, {});
-    Given("sys_getBatteryStatus").Writes(sys_battery_status_t{{}, 85, 0, 0, 2, 0});
-    Given("sys_getConnectedDeviceList").Returns(SYS_SUCCESS);
-    Given("sys_getCellularDataEnabled").Writes(1);
-    Given("sys_getEthernetEnabled").Writes(0);
-    component.GetData(out);
-    const std::string battery = Group("GetBatteryStatus");
-    const std::string router = Group("GetRouterStatus");
-    const std::string mobileData = Group("GetMobileDataEnabled");
-    const std::string ethernet = Group("GetEthernetPortEnabled");
-    const std::string fota = Group("GetFotaInstallStatus");
-    EXPECT_EQ(TranscriptText(),
-              Steps({Log(7, kGetData + " - BEGIN"),
-                     Log(7, battery + " - BEGIN"),
-                     "sys_getBatteryStatus()",
-                     Log(7, battery + " - battery percentage: 85 charging state: false battery "
-                                      "detection: Present charging source: ChargingSourceNone"),
-                     Log(7, battery + " - END"),
-                     Log(7, router + " - BEGIN"),
-                     "sys_getConnectedDeviceList(no buffer)",
-                     Log(7, router + " - END"),
-                     Log(7, mobileData + " - BEGIN"),
-                     "sys_getCellularDataEnabled()",
-                     Log(7, mobileData + " - cellular data enabled status [1]"),
-                     Log(7, mobileData + " - END"),
-                     Log(7, ethernet + " - BEGIN"),
-                     "sys_getEthernetEnabled()",
-                     Log(7, ethernet + " - ethernet enabled status [0]"),
-                     Log(7, ethernet + " - END"),
-                     Log(7, fota + " - BEGIN"),
-                     Log(7, fota + " - Final statusBarFotaInstallStatus is -1"),
-                     Log(7, fota + " - END"),
-                     Log(7, kGetData + " - END")}));
-}
-
-TEST_F(StatusComponentTest, AllGroupsAreCalledInOrder) {
-    StatusComponent& component = Construct(
-        storage,
-        {"sys_getSambaCarrierEnabled", "sys_getGPSCarrierEnabled", "sys_getMTSMSCarrierEnabled",
-         "sys_getWiFiCarrierEnabled", "sys_getWiFiGuestCarrierEnabled", "sys_getPCOCarrierEnabled",
-         "sys_getNUACarrierEnabled", "sys_getOmadmFumoCarrierEnabled", "sys_getMultiSimEnabled"});
-    component.GetData(out);
-    EXPECT_EQ(CalledGroups(),
-              (std::vector<std::string>{"GetBatteryStatus", "GetRouterStatus",
-                                        "GetMobileDataEnabled", "GetEthernetPortEnabled",
-                                        "GetFotaInstallStatus", "GetWifiStatus", "GetGpsStatus",
-                                        "GetSmsStatus", "GetSmbStatus", "GetGuestWifiStatus"}));
-}
-
-TEST_F(StatusComponentTest, EachCapabilityAddsItsOwnGroup) {
-    const std::vector<std::pair<std::string, std::string>> groups = {
-        {"sys_getWiFiCarrierEnabled", "GetWifiStatus"},
-        {"sys_getGPSCarrierEnabled", "GetGpsStatus"},
-        {"sys_getMTSMSCarrierEnabled", "GetSmsStatus"},
-        {"sys_getSambaCarrierEnabled", "GetSmbStatus"},
-        {"sys_getWiFiGuestCarrierEnabled", "GetGuestWifiStatus"},
-    };
-    for (const auto& [call, group] : groups) {
-        StatusComponent& component = Construct(storage, {call});
-        component.GetData(out);
-        EXPECT_EQ(CalledGroups(), (std::vector<std::string>{
-                                      "GetBatteryStatus", "GetRouterStatus", "GetMobileDataEnabled",
-                                      "GetEthernetPortEnabled", "GetFotaInstallStatus", group}))
-            << call;
-    }
-}
-
-TEST_F(StatusComponentTest, DataSetExistsWhenEveryCallFails) {
-    StatusComponent& component =
-        Construct(storage, {"sys_getSambaCarrierEnabled", "sys_getGPSCarrierEnabled",
-                            "sys_getMTSMSCarrierEnabled", "sys_getWiFiCarrierEnabled",
-                            "sys_getWiFiGuestCarrierEnabled"});
-    EXPECT_EQ(component.GetData(out), PAGE_ERROR_NONE);
-    EXPECT_EQ(ToJson(out), R"({"statusData":{"isDualSimSupported":0,)"
-                           R"("statusBarEthernetPortEnabled":"disabled",)"
-                           R"("statusBarFotaInstallStatus":-1,)"
-                           R"("statusBarGuestWifiEnabled":0,)"
-                           R"("statusBarSdCardStatus":""}})");
-}
-
-TEST_F(StatusComponentTest, DualSimSupportIsAnInteger) {
-    Construct(storage, {"sys_getMultiSimEnabled"}).GetData(out);
-    const CTPP::CDT& supported = out.GetCDT("statusData").GetCDT("isDualSimSupported");
-    EXPECT_EQ(supported.GetType(), CTPP::CDT::INT_VAL);
-    EXPECT_EQ(supported.GetInt(), 1);
-    Construct(storage, {}).GetData(out);
-    const CTPP::CDT& unsupported = out.GetCDT("statusData").GetCDT("isDualSimSupported");
-    EXPECT_EQ(unsupported.GetType(), CTPP::CDT::INT_VAL);
-    EXPECT_EQ(unsupported.GetInt(), 0);
-}
-
-TEST_F(StatusComponentTest, DataSetIsHungIntoTheAnswerBesideWhatItHolds) {
-    out["loginStatus"] = 1;
-    Construct(storage, {}).GetData(out);
-    EXPECT_EQ(ToJson(out),
-              R"({"loginStatus":1,"statusData":{"isDualSimSupported":0,)"
-              R"("statusBarEthernetPortEnabled":"disabled","statusBarFotaInstallStatus":-1}})");
-}
-
-TEST_F(StatusComponentTest, DataSetIsBuiltAfreshForEachRequest) {
-    StatusComponent& component = Construct(storage, {});
-    Given("sys_getCellularDataEnabled").Writes(1);
-    component.GetData(out);
-    EXPECT_EQ(ToJson(out),
-              R"({"statusData":{"isDualSimSupported":0,"statusBarEthernetPortEnabled":"disabled",)"
-              R"("statusBarFotaInstallStatus":-1,"statusBarMobileDataEnabled":1}})");
-    recording::Reset();
-    component.GetData(out);
-    EXPECT_EQ(ToJson(out),
-              R"({"statusData":{"isDualSimSupported":0,"statusBarEthernetPortEnabled":"disabled",)"
-              R"("statusBarFotaInstallStatus":-1}})");
 }
 
 }  // namespace

@@ -3,79 +3,58 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <map>
 #include <string>
+
+#include "tests/unit/components/status/status_text_table.h"
 
 namespace {
 
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
-using Converter = std::function<int(std::int32_t, std::string&)>;
-
-/// Exactly the values of @p texts have a text; every other leaves the string alone.
-void ExpectTexts(const Converter& convert, const std::map<std::int32_t, std::string>& texts) {
-    std::string text;
-    for (std::int32_t value = -3; value < 32; ++value) {
-        text = "untouched";
-        const auto expected = texts.find(value);
-        if (expected == texts.end()) {
-            EXPECT_EQ(convert(value, text), 200) << value;
-            EXPECT_EQ(text, "untouched") << value;
-        } else {
-            EXPECT_EQ(convert(value, text), 0) << value;
-            EXPECT_EQ(text, expected->second) << value;
-        }
-    }
-    for (const std::int32_t value : {kMin, kMax}) {
-        text = "untouched";
-        EXPECT_EQ(convert(value, text), 200) << value;
-        EXPECT_EQ(text, "untouched") << value;
-    }
-}
-
 TEST(StatusTexts, DataConnectionStatus) {
-    ExpectTexts(GetDataConnectionStatusText, {{0, "Ready"},
-                                              {1, "Dormant"},
-                                              {2, "Connected"},
-                                              {4, "Connecting"},
-                                              {5, "Disconnecting"},
-                                              {6, "Activation in progress"},
-                                              {7, "Unactivated"}});
+    ExpectStatusTexts(GetDataConnectionStatusText, {{0, "Ready"},
+                                                    {1, "Dormant"},
+                                                    {2, "Connected"},
+                                                    {4, "Connecting"},
+                                                    {5, "Disconnecting"},
+                                                    {6, "Activation in progress"},
+                                                    {7, "Unactivated"}});
 }
 
 TEST(StatusTexts, FemtoCell) {
-    ExpectTexts(GetFemtoCellText, {{0, "0"}, {1, "1"}});
+    ExpectStatusTexts(GetFemtoCellText, {{0, "0"}, {1, "1"}});
 }
 
 TEST(StatusTexts, Bool) {
-    ExpectTexts(GetBoolText, {{0, "false"}, {1, "true"}});
+    ExpectStatusTexts(GetBoolText, {{0, "false"}, {1, "true"}});
 }
 
 TEST(StatusTexts, BatteryDetection) {
-    ExpectTexts(GetBatteryDetectionText, {{0, "Invalid"}, {1, "Notpresent"}, {2, "Present"}});
+    ExpectStatusTexts(GetBatteryDetectionText, {{0, "Invalid"}, {1, "Notpresent"}, {2, "Present"}});
 }
 
 TEST(StatusTexts, GpsStatus) {
-    ExpectTexts(GetGpsStatusText, {{0, "GpsOff"}, {1, "Searching"}, {2, "GotFix"}});
+    ExpectStatusTexts(GetGpsStatusText, {{0, "GpsOff"}, {1, "Searching"}, {2, "GotFix"}});
 }
 
 TEST(StatusTexts, SimStatus) {
-    ExpectTexts(GetSimStatusText, {{0, "Not Found"},
-                                   {1, "SIM Locked"},
-                                   {2, "SIM Restricted"},
-                                   {3, "SIM Error"},
-                                   {4, "SIM Error"},
-                                   {5, "PUK Locked"},
-                                   {6, "PIN Locked"},
-                                   {7, "Ready"}});
+    ExpectStatusTexts(GetSimStatusText, {{0, "Not Found"},
+                                         {1, "SIM Locked"},
+                                         {2, "SIM Restricted"},
+                                         {3, "SIM Error"},
+                                         {4, "SIM Error"},
+                                         {5, "PUK Locked"},
+                                         {6, "PIN Locked"},
+                                         {7, "Ready"}});
 }
 
 TEST(StatusTexts, ChargingSource) {
-    ExpectTexts(GetChargingSourceText,
-                {{0, "ChargingSourceNone"}, {1, "ChargingSourceAC"}, {2, "ChargingSourceUSB"}});
+    ExpectStatusTexts(
+        GetChargingSourceText,
+        {{0, "ChargingSourceNone"}, {1, "ChargingSourceAC"}, {2, "ChargingSourceUSB"}});
 }
 
 /// What a connection state becomes; a state without text keeps "untouched".
