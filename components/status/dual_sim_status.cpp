@@ -88,7 +88,8 @@ void StatusComponent::GetDualSimStatus(CTPP::CDT& statusData) {
                     statusData["statusBarSim2MMCode"] = texts.rejectCode;
                     statusData["statusBarSim2CarrierBlockedStatus"] = texts.carrierBlocked;
                 } else {
-                    // Of two slots only the second, when it is in use, shows its codes.
+                    // With two slots, the first one's codes are blanked unless the second is in
+                    // use.
                     statusData["statusBarSimMMCode"] = "";
                     statusData["statusBarSimCarrierBlockedStatus"] = "";
                 }

@@ -29,7 +29,7 @@ class StatusComponent : public PageComponent {
     // the device does not tell.
 
     /// The cellular connection: network, technology, signal, bands, traffic. Nothing at all when
-    /// one of its sources fails.
+    /// one of the five readings of service, connection and radio fails.
     void GetInternetStatus(CTPP::CDT& statusData);
     /// Manual network selection, as the platform's numbers.
     void GetMnsStatus(CTPP::CDT& statusData);

@@ -65,9 +65,10 @@ TEST(ShippedDevices, EachDocumentIsRightAndNamesEveryCall) {
     }
     EXPECT_EQ(names, (std::set<std::string>{"3g-old-sim.json", "airplane-mode.json", "default.json",
                                             "dual-sim-empty-slot.json", "dual-sim-slot-2.json",
-                                            "everything-failing.json", "lte-plus-one-sim.json",
-                                            "no-service.json", "no-sim.json", "out-of-credit.json",
-                                            "pin-locked.json", "puk-locked.json", "roaming.json"}));
+                                            "every-group-failing.json", "everything-failing.json",
+                                            "lte-plus-one-sim.json", "no-service.json",
+                                            "no-sim.json", "out-of-credit.json", "pin-locked.json",
+                                            "puk-locked.json", "roaming.json"}));
 }
 
 TEST(ShippedDevices, EverythingFailsWithACodeOfItsOwnButTheSwitchOfTheWebUi) {

@@ -197,6 +197,41 @@ TEST_F(DualSimStatus, EmptySlotBesideTheOneInUseLeavesTheCodesToTheUsableSim) {
     EXPECT_EQ(Value("statusBarSim2CarrierBlockedStatus"), "0");
 }
 
+TEST_F(DualSimStatus, EmptySecondSlotTakesNothingOverFromTheFirst) {
+    sys_sim_slot_t empty{};
+    empty.simStatus = SYS_SIM_NOT_FOUND;
+    GivenSlots(2, 1, {ReadySlot("Orvane", 0), empty});
+    GivenLock(1, 33);
+    Json();
+    EXPECT_EQ(Value("statusBarSimMMCode"), "33");
+    EXPECT_EQ(Value("statusBarSimCarrierBlockedStatus"), "1");
+    EXPECT_EQ(Value("statusBarSim2MMCode"), "");
+    EXPECT_EQ(Value("statusBarSim2CarrierBlockedStatus"), "");
+}
+
+TEST_F(DualSimStatus, SecondSlotThatCannotBeReadTakesNothingOverFromTheFirst) {
+    for (const std::string call : {"sys_getNetworkSIMLockStatus", "sys_getSIMNetworkRejectCode"}) {
+        Restart();
+        GivenSlots(2, 2, {ReadySlot("Orvane", 0), ReadySlot("Velta Mobil", 1)});
+        GivenLock(1, 33);
+        Given(call).Returns(5);
+        Json();
+        EXPECT_EQ(Value("statusBarSimMMCode"), "33") << call;
+        EXPECT_EQ(Value("statusBarSim2MMCode"), "") << call;
+    }
+}
+
+TEST_F(DualSimStatus, SecondSlotOfUnknownStatusShowsEmptyTexts) {
+    sys_sim_slot_t unknown = ReadySlot("Velta Mobil", 0);
+    unknown.simStatus = 99;
+    GivenSlots(1, 2, {ReadySlot("Orvane", 1), unknown});
+    GivenLock(0, 0);
+    Json();
+    EXPECT_EQ(Value("statusBarSimStatus"), "Ready");
+    EXPECT_EQ(Value("statusBarSim2Status"), "");
+    EXPECT_EQ(Value("statusBarSim2ConnectionState"), "");
+}
+
 TEST_F(DualSimStatus, FailedLockLeavesBothCodesEmpty) {
     GivenSlots(1, 1, {ReadySlot("Orvane", 1)}, 1);
     Given("sys_getNetworkSIMLockStatus").Returns(12);

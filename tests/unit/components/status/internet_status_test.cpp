@@ -108,6 +108,18 @@ TEST_F(InternetStatus, ValuesThatAreNotWrittenKeepTheirPresets) {
               R"("statusBarTrafficStatus":"None"})");
 }
 
+TEST_F(InternetStatus, DataConnectionThatIsNotWrittenIsReady) {
+    Given("sys_getCellularDataConnectionStatus").Returns(SYS_SUCCESS);
+    EXPECT_EQ(ValueOf("statusBarConnectionState"), "Ready");
+}
+
+TEST_F(InternetStatus, RestrictedAccountWithADormantConnectionHasAnEmptyState) {
+    Construct({"sys_getPCOCarrierEnabled"});
+    accountStatus = SYS_ACCOUNT_RESTRICTED;
+    dataConnectionStatus = SYS_DATA_CONNECTION_DORMANT;
+    EXPECT_EQ(ValueOf("statusBarConnectionState"), "");
+}
+
 TEST_F(InternetStatus, ValuesWithoutATextAreEmptyTexts) {
     Configure("ShowRoamingIndicator", "1");
     service.technology = 18;
@@ -331,6 +343,13 @@ TEST_F(InternetStatus, PreferredTechnologyIsShownWhereOthersThanTheCarriersAreNo
 TEST_F(InternetStatus, PreferredTechnologyThatCannotBeReadIsGlobalWhateverTheCallWrote) {
     Configure("ShowNonOrvaneTechnologies", "0");
     Given("sys_getEnabledRadioTechnologies").Returns(9).Writes(16);
+    EXPECT_EQ(ValueOf("statusBarPreferredTechnology"),
+              "wwan_settings_preferred_network_global_text");
+}
+
+TEST_F(InternetStatus, PreferredTechnologyThatIsNotWrittenIsGlobal) {
+    Configure("ShowNonOrvaneTechnologies", "0");
+    Given("sys_getEnabledRadioTechnologies").Returns(SYS_SUCCESS);
     EXPECT_EQ(ValueOf("statusBarPreferredTechnology"),
               "wwan_settings_preferred_network_global_text");
 }
