@@ -15,18 +15,26 @@
 /// depend on the compiler.
 #define KESTAL_SIGNATURE(text) static constexpr const char* kSignature = text
 
-/// One line without signature: the format begins with "[%s]:[%s] - ".
-#define KESTAL_LOG_PLAIN(level, format, ...)                    \
-    toru_dbg_log(KESTAL_MODULE, (level), format, KESTAL_MODULE, \
+/// One line of the module @p module without signature: the format begins with "[%s]:[%s] - ".
+#define KESTAL_MODULE_LOG(module, level, format, ...) \
+    toru_dbg_log((module), (level), format, (module), \
                  toru_dbg_get_level_name(level) __VA_OPT__(, ) __VA_ARGS__)
 
 /// The same, first to the system log.
-#define KESTAL_SYSLOG_PLAIN(level, format, ...)                                     \
+#define KESTAL_MODULE_SYSLOG(module, level, format, ...)                            \
     do {                                                                            \
-        toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, format, KESTAL_MODULE,            \
+        toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, format, (module),                 \
                         toru_dbg_get_level_name(level) __VA_OPT__(, ) __VA_ARGS__); \
-        KESTAL_LOG_PLAIN(level, format __VA_OPT__(, ) __VA_ARGS__);                 \
+        KESTAL_MODULE_LOG(module, level, format __VA_OPT__(, ) __VA_ARGS__);        \
     } while (false)
+
+/// One line without signature.
+#define KESTAL_LOG_PLAIN(level, format, ...) \
+    KESTAL_MODULE_LOG(KESTAL_MODULE, level, format __VA_OPT__(, ) __VA_ARGS__)
+
+/// The same, first to the system log.
+#define KESTAL_SYSLOG_PLAIN(level, format, ...) \
+    KESTAL_MODULE_SYSLOG(KESTAL_MODULE, level, format __VA_OPT__(, ) __VA_ARGS__)
 
 /// One line of a function that has a KESTAL_SIGNATURE: the format begins with "[%s]:[%s] - %s".
 #define KESTAL_LOG(level, format, ...) \

@@ -50,6 +50,29 @@ class PageComponent {
     /// was not loaded.
     std::optional<INT_64> ConfigurationNumber(const std::string& name) const;
 
+    /// Stores the translation of @p value under @p key of @p tree; the value itself when the
+    /// catalogue has none.
+    static void SetData(CTPP::CDT& tree, const std::string& key, const std::string& value);
+    /// The same; null is the empty text.
+    static void SetData(CTPP::CDT& tree, const std::string& key, const char* value);
+    /// The same for the decimal text of @p value, which goes through the catalogue as well.
+    static void SetData(CTPP::CDT& tree, const std::string& key, int value);
+    /// Stores 1 or 0.
+    static void SetData(CTPP::CDT& tree, const std::string& key, bool value);
+
+    /// Whether @p text is "true", "on" or "1" and not "false", "off" or "0". Any other text is
+    /// logged and counts as @p defaultValue.
+    static bool IsTrue(const std::string& text, bool defaultValue);
+
+    /// Logs the result of the platform call @p callName unless it is 0, the success of the
+    /// system-interface SDK. Returns PAGE_ERROR_NONE for 0, PAGE_ERROR_FAILED otherwise. @p hint is
+    /// not used.
+    static PageError nativeChecker(int result, std::string callName, std::string hint);
+
+    /// Name of the data unit @p unit in the user's language: "b", "Kb", "Mb", "Gb" for bits, "B",
+    /// "KB", "MB", "GB" for bytes. Any other unit is logged and returned as it is.
+    static std::string ConvertUnitToLanguage(std::string unit);
+
   protected:
     std::string appName;
     std::uint32_t reserved[2] = {0, 0};

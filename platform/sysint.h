@@ -266,6 +266,19 @@ static_assert(offsetof(sys_battery_status_t, chargingState) == 12);
 static_assert(offsetof(sys_battery_status_t, detection) == 20);
 static_assert(offsetof(sys_battery_status_t, chargingSource) == 24);
 
+/// What the user calls a general-purpose pin and its two states. Terminated texts, empty when the
+/// user has not named them.
+struct GpioCustomSettings {
+    char name[64];
+    char lowState[64];
+    char highState[64];
+    std::uint8_t reserved192[64];
+};
+static_assert(sizeof(GpioCustomSettings) == 256);
+static_assert(offsetof(GpioCustomSettings, name) == 0);
+static_assert(offsetof(GpioCustomSettings, lowState) == 64);
+static_assert(offsetof(GpioCustomSettings, highState) == 128);
+
 /// Room that callers of sys_getSIMCarrierGID provide, in bytes.
 constexpr std::size_t SYS_SIM_CARRIER_GID_SIZE = 256;
 
@@ -296,6 +309,23 @@ int sys_getNUACarrierEnabled(int* enabled);
 int sys_getOmadmFumoCarrierEnabled(int* enabled);
 /// Whether the device runs with more than one SIM.
 int sys_getMultiSimEnabled(int* enabled);
+/// WDCP agent, one of the two through which the carrier restricts fields and applications of the
+/// web UI.
+int sys_getWDCPCarrierEnabled(int* enabled);
+/// Halyard agent, the other one.
+int sys_getHalyardAgentCarrierEnabled(int* enabled);
+
+// What the carrier allows in the web UI. Which fields and applications there are and what the
+// numbers of an application mean is the platform's.
+
+/// Whether the input field @p field is shown.
+int sys_getUIFieldShowEnabled(const char* field, int* show);
+/// Whether the input field @p field is read-only.
+int sys_getUIFieldLockEnabled(const char* field, int* locked);
+/// Display setting of the application @p app.
+int sys_getUIAppDisplayEnabled(const char* app, int* display);
+/// Write setting of the application @p app.
+int sys_getUIAppWriteEnabled(const char* app, int* write);
 
 // Watchdog.
 
@@ -364,6 +394,10 @@ int sys_getFotaInstallStatus(int* status);
 /// 0 off, 1 searching, 2 position found.
 int sys_getGPSStatus(int* status);
 int sys_getSMSUnreadCount(int* count);
+/// The user's names for general-purpose pin 1.
+int sys_getGpioPin1CustomSettings(GpioCustomSettings* settings);
+/// The same for pin 2.
+int sys_getGpioPin2CustomSettings(GpioCustomSettings* settings);
 
 // Storage, clients, Wi-Fi and battery.
 

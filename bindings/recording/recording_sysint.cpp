@@ -24,6 +24,8 @@ RECORDING_QUERY(sys_getPCOCarrierEnabled, int)
 RECORDING_QUERY(sys_getNUACarrierEnabled, int)
 RECORDING_QUERY(sys_getOmadmFumoCarrierEnabled, int)
 RECORDING_QUERY(sys_getMultiSimEnabled, int)
+RECORDING_QUERY(sys_getWDCPCarrierEnabled, int)
+RECORDING_QUERY(sys_getHalyardAgentCarrierEnabled, int)
 RECORDING_QUERY(sys_getWatchdogInterval, int)
 RECORDING_QUERY(sys_getCellularDataEnabled, int)
 RECORDING_QUERY(sys_getCellularDataConnectionStatus, int)
@@ -37,6 +39,8 @@ RECORDING_QUERY(sys_getEthernetLinkStatus, int)
 RECORDING_QUERY(sys_getFotaInstallStatus, int)
 RECORDING_QUERY(sys_getGPSStatus, int)
 RECORDING_QUERY(sys_getSMSUnreadCount, int)
+RECORDING_QUERY(sys_getGpioPin1CustomSettings, GpioCustomSettings)
+RECORDING_QUERY(sys_getGpioPin2CustomSettings, GpioCustomSettings)
 RECORDING_QUERY(sys_getSambaEnabled, int)
 RECORDING_QUERY(sys_getWiFiEnabled, int)
 RECORDING_QUERY(sys_getRadioEnabled, int)
@@ -56,6 +60,17 @@ RECORDING_QUERY(sys_getSDCardInfo, sys_sd_card_info_t)
 RECORDING_QUERY(sys_getSambaShareInfo, sys_samba_share_info_t)
 RECORDING_QUERY(sys_getWiFiMaxClients, unsigned int)
 RECORDING_QUERY(sys_getBatteryStatus, sys_battery_status_t)
+
+/// A call whose only parameter beside its result is the name of a field or an application.
+#define RECORDING_QUERY_BY_NAME(call)                                            \
+    int call(const char* name, int* value) {                                     \
+        return Play(#call, name == nullptr ? "no name" : name, {Output(value)}); \
+    }
+
+RECORDING_QUERY_BY_NAME(sys_getUIFieldShowEnabled)
+RECORDING_QUERY_BY_NAME(sys_getUIFieldLockEnabled)
+RECORDING_QUERY_BY_NAME(sys_getUIAppDisplayEnabled)
+RECORDING_QUERY_BY_NAME(sys_getUIAppWriteEnabled)
 
 int sys_sdkInitialize() {
     return Play("sys_sdkInitialize", "", {}, 0);

@@ -1,7 +1,5 @@
 #include "components/band/band_combination.h"
 
-#include <libintl.h>
-
 #include <cstdlib>
 #include <optional>
 
@@ -49,7 +47,7 @@ bool NamesBand(const std::string& band) {
 }
 
 std::string InMegahertz(int bandwidth) {
-    return std::to_string(bandwidth) + " " + dgettext(kTextDomain, "webui_app_megahertz_text");
+    return std::to_string(bandwidth) + " " + Translated("webui_app_megahertz_text");
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "components/status/internet_texts.h"
 
-#include <libintl.h>
-
 #include "components/status/status_texts.h"
 #include "components/status/subscriber_cache.h"
 #include "components/status/value_text.h"
@@ -106,6 +104,6 @@ int GetPreferredNetworkText(std::int32_t enabledTechnologies, std::string& text)
             id = "wwan_settings_preferred_network_global_text";
             break;
     }
-    text = dgettext(kTextDomain, id);
+    text = Translated(id);
     return kStatusTextSet;
 }
