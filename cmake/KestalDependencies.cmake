@@ -13,6 +13,8 @@ add_library(kestal_cgicc INTERFACE)
 target_include_directories(kestal_cgicc SYSTEM INTERFACE ${CGICC_INCLUDE_DIR})
 target_link_libraries(kestal_cgicc INTERFACE ${CGICC_LIBRARY})
 
+find_program(KESTAL_MSGFMT msgfmt REQUIRED)
+
 # What Debian does not package is taken from compat/ unless it is installed.
 find_path(CTPP2_INCLUDE_DIR ctpp2/CDT.hpp)
 find_library(CTPP2_LIBRARY ctpp2)
@@ -21,6 +23,8 @@ find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 if(KESTAL_PLATFORM STREQUAL "simulator")
     find_package(nlohmann_json 3.11 REQUIRED)
     find_library(MD_LIBRARY md REQUIRED)
+    find_program(KESTAL_LOCALEDEF localedef REQUIRED)
+    find_path(KESTAL_LOCALE_SOURCES de_DE PATHS /usr/share/i18n/locales REQUIRED)
 elseif(NOT KESTAL_PLATFORM STREQUAL "vendor")
     message(FATAL_ERROR "KESTAL_PLATFORM is '${KESTAL_PLATFORM}'; it must be simulator or vendor")
 endif()

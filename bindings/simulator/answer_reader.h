@@ -33,4 +33,12 @@ void ReadNamedAnswers(const Node& node, NamedAnswers<T>& answers, ReadValue read
     }
 }
 
+/// The same, in place of which there may be one failure for all.
+template <typename T, typename ReadValue>
+void ReadNamedAnswers(const Node& node, Answer<NamedAnswers<T>>& answers, ReadValue readValue) {
+    ReadAnswer(node, answers, [&](const Node& object, NamedAnswers<T>& named) {
+        ReadNamedAnswers(object, named, readValue);
+    });
+}
+
 }  // namespace simulator

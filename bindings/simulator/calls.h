@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <memory>
+#include <string_view>
 
 #include "bindings/simulator/codes.h"
 #include "bindings/simulator/device.h"
@@ -36,6 +37,19 @@ int WithDevice(int codeBase, Call call) noexcept {
 template <typename T>
 int FailureOf(const Answer<T>& answer, int codeBase) {
     return answer.named ? answer.error : codeBase + kNotSimulated;
+}
+
+/// Runs @p deliver on what @p answers say about @p name. Nothing is simulated for a null name.
+template <typename T, typename DeliverOne>
+int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, int codeBase,
+                 DeliverOne deliver) {
+    const int failure = FailureOf(answers, codeBase);
+    if (failure != 0) {
+        return failure;
+    }
+    const auto found =
+        name == nullptr ? answers.value.end() : answers.value.find(std::string_view(name));
+    return found == answers.value.end() ? codeBase + kNotSimulated : deliver(found->second);
 }
 
 }  // namespace simulator

@@ -9,8 +9,8 @@ namespace simulator {
 /// What the sys_ calls and MsgbusHandler return; a webui_ call returns kWebuiCodeBase plus the
 /// code.
 enum Code : int {
-    /// The document does not name the call, or not this index, application, page, language or
-    /// channel.
+    /// The document does not name the call, or not this index, field, application, page, language
+    /// or channel.
     kNotSimulated = 9001,
     /// There has never been a usable document.
     kNoDocument = 9002,

@@ -35,9 +35,11 @@ struct IndexedAnswer {
     }
 };
 
-/// What a call for an application or a page answers, by its name.
+/// What a call for a field, an application, a page or a language answers, by its name.
 template <typename T>
 using NamedAnswers = std::map<std::string, Answer<T>, std::less<>>;
+
+using NamedNumbers = NamedAnswers<std::int32_t>;
 
 /// One group identifier of the SIM.
 struct GroupId {
@@ -73,6 +75,9 @@ struct Device {
     Answer<Bands> getCellular5GBand;
     Answer<std::vector<sys_connected_device_t>> getConnectedDeviceList;
     IndexedAnswer<std::int32_t> getWiFiGuestProfileEnabled;
+#define SIMULATOR_NAMED_ANSWERS(name) Answer<NamedNumbers> name;
+    SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_NAMED_ANSWERS)
+#undef SIMULATOR_NAMED_ANSWERS
 
     Answer<std::vector<webui_feature_t>> commonFeatures;
     Answer<NamedAnswers<std::vector<webui_feature_t>>> appFeatures;

@@ -108,6 +108,14 @@ void ReadValue(const Node& node, sys_battery_status_t& status) {
         .RejectOthers();
 }
 
+void ReadValue(const Node& node, GpioCustomSettings& settings) {
+    Members(node)
+        .Field("name", settings.name)
+        .Field("lowState", settings.lowState)
+        .Field("highState", settings.highState)
+        .RejectOthers();
+}
+
 void ReadValue(const Node& node, Bands& bands) {
     Members(node).Field("band", bands.band).Field("second", bands.second).RejectOthers();
 }
@@ -197,6 +205,15 @@ void ReadSys(const Node& node, Device& device) {
         ReadIndexed(*member, device.getWiFiGuestProfileEnabled, SYS_WIFI_GUEST_2_4_GHZ,
                     SYS_WIFI_GUEST_5_GHZ);
     }
+    const auto namedQuery = [&sys](const std::string& name, auto& answers) {
+        if (const auto member = sys.Find(name)) {
+            ReadNamedAnswers(*member, answers,
+                             [](const Node& from, std::int32_t& value) { ReadValue(from, value); });
+        }
+    };
+#define SIMULATOR_READ_NAMED(name) namedQuery(#name, device.name);
+    SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_READ_NAMED)
+#undef SIMULATOR_READ_NAMED
     sys.RejectOthers("the name of a call");
 }
 

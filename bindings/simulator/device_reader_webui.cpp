@@ -40,9 +40,7 @@ template <typename T, typename ReadValue>
 void ReadNamed(Members& webui, const std::string& name, Answer<NamedAnswers<T>>& answer,
                ReadValue readValue) {
     if (const auto member = webui.Find(name)) {
-        ReadAnswer(*member, answer, [&](const Node& node, NamedAnswers<T>& answers) {
-            ReadNamedAnswers(node, answers, readValue);
-        });
+        ReadNamedAnswers(*member, answer, readValue);
     }
 }
 

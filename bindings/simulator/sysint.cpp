@@ -6,6 +6,7 @@
 #include "bindings/simulator/calls.h"
 
 using simulator::Answer;
+using simulator::DeliverNamed;
 using simulator::Device;
 using simulator::FailureOf;
 using simulator::WithDevice;
@@ -50,6 +51,16 @@ int sys_sdkShutdown() {
     }
 SIMULATOR_SYSINT_QUERIES(SIMULATOR_QUERY)
 #undef SIMULATOR_QUERY
+
+#define SIMULATOR_NAMED_QUERY(call)                                                    \
+    int sys_##call(const char* name, int* value) {                                     \
+        return WithDevice(kCodeBase, [&](const Device& device) {                       \
+            return DeliverNamed(device.call, name, kCodeBase,                          \
+                                [&](const auto& one) { return Deliver(one, value); }); \
+        });                                                                            \
+    }
+SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_NAMED_QUERY)
+#undef SIMULATOR_NAMED_QUERY
 
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index) {
     return WithDevice(kCodeBase, [&](const Device& device) {

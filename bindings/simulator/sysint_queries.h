@@ -1,9 +1,9 @@
-// The queries of the system-interface SDK whose only parameter is their result. Device, reader and
-// calls are made from this list: QUERY(type of the result, name without "sys_").
+// Queries of the system-interface SDK. Device, reader and calls are made from these lists.
 #pragma once
 
 #include "platform/sysint.h"
 
+/// Those whose only parameter is their result: QUERY(type of the result, name without "sys_").
 #define SIMULATOR_SYSINT_QUERIES(QUERY)                                         \
     QUERY(int, getWebUICarrierEnabled)                                          \
     QUERY(int, getSambaCarrierEnabled)                                          \
@@ -15,6 +15,8 @@
     QUERY(int, getNUACarrierEnabled)                                            \
     QUERY(int, getOmadmFumoCarrierEnabled)                                      \
     QUERY(int, getMultiSimEnabled)                                              \
+    QUERY(int, getWDCPCarrierEnabled)                                           \
+    QUERY(int, getHalyardAgentCarrierEnabled)                                   \
     QUERY(int, getWatchdogInterval)                                             \
     QUERY(int, getCellularDataEnabled)                                          \
     QUERY(int, getCellularDataConnectionStatus)                                 \
@@ -41,9 +43,19 @@
     QUERY(int, getFotaInstallStatus)                                            \
     QUERY(int, getGPSStatus)                                                    \
     QUERY(int, getSMSUnreadCount)                                               \
+    QUERY(GpioCustomSettings, getGpioPin1CustomSettings)                        \
+    QUERY(GpioCustomSettings, getGpioPin2CustomSettings)                        \
     QUERY(sys_sd_card_info_t, getSDCardInfo)                                    \
     QUERY(int, getSambaEnabled)                                                 \
     QUERY(sys_samba_share_info_t, getSambaShareInfo)                            \
     QUERY(int, getWiFiEnabled)                                                  \
     QUERY(unsigned int, getWiFiMaxClients)                                      \
     QUERY(sys_battery_status_t, getBatteryStatus)
+
+/// Those that answer a number for a field or an application of the web UI, which they are given by
+/// name: QUERY(name without "sys_").
+#define SIMULATOR_SYSINT_NAMED_QUERIES(QUERY) \
+    QUERY(getUIFieldShowEnabled)              \
+    QUERY(getUIFieldLockEnabled)              \
+    QUERY(getUIAppDisplayEnabled)             \
+    QUERY(getUIAppWriteEnabled)

@@ -2,7 +2,6 @@
 #include "platform/webui.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "bindings/simulator/calls.h"
 
@@ -42,15 +41,8 @@ int DeliverList(const Answer<std::vector<Record>>& answer, Record* buffer, int* 
 
 /// Runs @p deliver on what @p answers say about @p name.
 template <typename T, typename DeliverOne>
-int DeliverNamed(const Answer<NamedAnswers<T>>& answers, std::string_view name,
-                 DeliverOne deliver) {
-    const int failure = FailureOf(answers, kWebuiCodeBase);
-    if (failure != 0) {
-        return failure;
-    }
-    const auto found = answers.value.find(name);
-    return found == answers.value.end() ? kWebuiCodeBase + simulator::kNotSimulated
-                                        : deliver(found->second);
+int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, DeliverOne deliver) {
+    return simulator::DeliverNamed(answers, name, kWebuiCodeBase, deliver);
 }
 
 }  // namespace

@@ -67,6 +67,7 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     if (isWifiSupported) {
         GetWifiStatus(statusData);
     }
+    GetNotificationFlagStatus(statusData);
     if (isGPSSupported) {
         GetGpsStatus(statusData);
     }
@@ -78,6 +79,9 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     }
     if (isGuestWifiSupported) {
         GetGuestWifiStatus(statusData);
+    }
+    if (isNUASupported || isOMADMSupported) {
+        GetSoftwareUpdateStatus(statusData);
     }
     // After the internet group, which therefore shows a change of the active slot one request late.
     if (isDualSIMSupported) {

@@ -54,6 +54,11 @@ class StatusComponent : public PageComponent {
     /// 1 when guest Wi-Fi is on in either frequency band, else 0.
     void GetGuestWifiStatus(CTPP::CDT& statusData);
     void GetBatteryStatus(CTPP::CDT& statusData);
+    /// "1" when any notification is active, else "0".
+    void GetNotificationFlagStatus(CTPP::CDT& statusData);
+    /// State of the software update and, in the states in which the page shows them, the carrier's
+    /// messages in the user's language.
+    void GetSoftwareUpdateStatus(CTPP::CDT& statusData);
 
     bool IsGPSSupported() const { return isGPSSupported; }
     /// Sharing of files from the memory card.

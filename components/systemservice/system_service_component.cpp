@@ -1,7 +1,5 @@
 #include "components/systemservice/system_service_component.h"
 
-#include <libintl.h>
-
 #include "components/status/status_component.h"
 #include "components/systemservice/service_api.h"
 #include "framework/log.h"
@@ -30,6 +28,9 @@ PageError SystemServiceComponent::Dispatch(CTPP::CDT& out, int api) {
     KESTAL_BEGIN();
     PageError result = PAGE_ERROR_FAILED;
     switch (api) {
+        case SERVICE_API_NOTIFICATION:
+            result = GetNotificationStatus(out);
+            break;
         case SERVICE_API_STATUS:
             result = GetStatus(out);
             break;
@@ -72,7 +73,7 @@ int SystemServiceComponent::ValidateFormData(const CTPP::CDT& in, CTPP::CDT& out
     if (apiName != "connect" && apiName != "disconnect" && apiName != "passcoderecovery") {
         errors = 1;
         KESTAL_FAILURE("[%s]:[%s] - %s - system service unsupported operation");
-        out["errorDesc"] = dgettext(kTextDomain, "system_service_unsupport_operation_error_text");
+        out["errorDesc"] = Translated("system_service_unsupport_operation_error_text");
     }
     KESTAL_END_RETURNING(errors);
     return errors;
@@ -92,7 +93,7 @@ PageError SystemServiceComponent::StoreData(const CTPP::CDT& /*in*/, CTPP::CDT& 
         result = PerformConnectAction(kDisconnectAction);
     }
     if (result != PAGE_ERROR_NONE) {
-        out["errorDesc"] = dgettext(kTextDomain, "system_service_failed_operation_error_text");
+        out["errorDesc"] = Translated("system_service_failed_operation_error_text");
     }
     KESTAL_END_RETURNING(result);
     return result;

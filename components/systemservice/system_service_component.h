@@ -1,8 +1,12 @@
 #pragma once
 
+#include <span>
 #include <string>
 
+#include "components/systemservice/custom_message_cache.h"
 #include "framework/page_component.h"
+#include "platform/notification.h"
+#include "platform/web_common.h"
 
 /// Answers the operations of the system-service API.
 class SystemServiceComponent : public PageComponent {
@@ -33,7 +37,29 @@ class SystemServiceComponent : public PageComponent {
     /// Writes the status data set to "statusData" of @p out; always PAGE_ERROR_NONE.
     PageError GetStatus(CTPP::CDT& out);
 
+    /// Writes the active notifications to "notificationsList" of @p out, texts translated and
+    /// filled, in the order in which they are published. What fails is logged and leaves the list
+    /// shorter or empty; always PAGE_ERROR_NONE.
+    PageError GetNotificationStatus(CTPP::CDT& out);
+
+    /// Appends to @p out, as HTML, the link to the page on which the user deals with a notification
+    /// of the type @p type and the sentence behind it; nothing when there is no such page.
+    void GetSupplementaryTextForNotification(const std::string& type, std::string& out);
+
+    /// Looks up address and translated title of the page @p pageId; both stay as they are when it
+    /// is unknown.
+    void GetPageUrlData(const std::string& pageId, std::string& url, std::string& title);
+
   private:
+    /// The active notifications that are published on @p bus; an empty array when they cannot be
+    /// read.
+    CTPP::CDT ReadNotificationList(MsgbusHandler& bus);
+
+    /// An array of the active ones among @p records.
+    CTPP::CDT BuildNotificationList(std::span<const AnsNotificationRecord> records);
+
+    /// The carrier's texts about software updates, kept from one request to the next.
+    CustomMessageCache customMessages;
     /// Name of the operation that GetDynamicData or ValidateFormData was last asked for.
     std::string apiName;
 };

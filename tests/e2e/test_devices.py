@@ -1,6 +1,7 @@
-"""What the service says of each shipped device: the whole answer, compared with the stored one.
+"""What the service says of each shipped device: the whole status, compared with the stored one, and
+the active notifications.
 
-answers/NAME.json holds the answers that a fresh service gives one after the other for
+answers/NAME.json holds the status answers that a fresh service gives one after the other for
 devices/NAME.json.
 """
 
@@ -24,12 +25,18 @@ def parse(text):
     return json.loads(text, object_pairs_hook=unique)
 
 
-def ask(responder):
-    answer = responder.ask()
+def ask(responder, uri="/srv/status"):
+    answer = responder.ask(uri)
     assert answer.complete
     assert answer.status == 200
     assert answer.header["content-type"] == "application/json"
     return parse(answer.body)
+
+
+def start(make_responder, name):
+    responder = make_responder()
+    responder.device.write((paths.DEVICES / f"{name}.json").read_bytes())
+    return responder.start()
 
 
 def test_each_device_has_its_answers():
@@ -38,9 +45,7 @@ def test_each_device_has_its_answers():
 
 @pytest.mark.parametrize("name", DEVICES)
 def test_the_answers_for_a_shipped_device(make_responder, name):
-    responder = make_responder()
-    responder.device.write((paths.DEVICES / f"{name}.json").read_bytes())
-    responder.start()
+    responder = start(make_responder, name)
     stored = parse((ANSWERS / f"{name}.json").read_text())
     assert len(stored) >= 2
     for expected in stored:
@@ -56,9 +61,7 @@ def test_the_answers_for_a_shipped_device(make_responder, name):
 
 
 def test_a_sim_that_becomes_active_shows_in_technology_and_signal_one_request_late(make_responder):
-    responder = make_responder()
-    responder.device.write((paths.DEVICES / "dual-sim-slot-2.json").read_bytes())
-    responder.start()
+    responder = start(make_responder, "dual-sim-slot-2")
     early, late = ask(responder)["statusData"], ask(responder)["statusData"]
     assert early["statusBarActiveSimSlot"] == late["statusBarActiveSimSlot"] == 2
     assert {key for key in late if early[key] != late[key]} == {
@@ -67,3 +70,76 @@ def test_a_sim_that_becomes_active_shows_in_technology_and_signal_one_request_la
         "statusBarSim2Technology",
         "statusBarTechnology",
     }
+
+
+@pytest.mark.parametrize("name", DEVICES)
+def test_the_notifications_of_a_shipped_device(make_responder, name):
+    document = json.loads((paths.DEVICES / f"{name}.json").read_text())
+    published = document["msgbus"]["zelt.ans.notifications"]
+    failing = published == {"error": 151}
+    active = [] if failing else [entry for entry in published if entry.get("active", True)]
+    listed = ask(start(make_responder, name), "/srv/notification")["notificationsList"]
+    assert [[shown[key] for key in ("id", "category", "severity")] for shown in listed] == [
+        [entry[key] for key in ("id", "category", "severity")] for entry in active
+    ]
+    for shown in listed:
+        for key in ("title", "text", "label"):
+            assert shown[key].strip() and "notification_" not in shown[key]
+            assert "%" not in shown["text"].replace("90%", "")
+
+
+@pytest.mark.parametrize(
+    ("name", "texts"),
+    [
+        (
+            "gpio-unnamed",
+            [
+                "GPIO pin 1 has changed to low. ",
+                "GPIO pin 1 has changed to high. ",
+                "GPIO pin 2 has changed to low. ",
+                "GPIO pin 2 has changed to high. ",
+            ],
+        ),
+        (
+            "gpio-named",
+            [
+                "Door has changed to low. ",
+                "Door has changed to high. ",
+                "GPIO pin 2 has changed to Off. ",
+                "GPIO pin 2 has changed to On. ",
+            ],
+        ),
+        ("all-notifications", ["Door Closed. ", "Door Open. ", "Lamp Off. ", "Lamp On. "]),
+    ],
+)
+def test_pins_are_called_what_the_user_calls_them(make_responder, name, texts):
+    listed = ask(start(make_responder, name), "/srv/notification")["notificationsList"]
+    assert [shown["text"] for shown in listed[-4:]] == texts
+
+
+@pytest.mark.parametrize(
+    ("name", "key"),
+    [
+        ("software-update-4", "description"),
+        ("software-update-5", "description"),
+        ("software-update-6", "description"),
+        ("software-update-8", "installSuccess"),
+        ("software-update-9-2", "installFail"),
+    ],
+)
+def test_a_notification_of_an_update_shows_what_the_carrier_says(make_responder, name, key):
+    responder = start(make_responder, name)
+    languages = responder.device.document()["webui"]["softwareUpdateCustomMsgs"]
+    for language, messages in languages.items():
+        responder.device.speak(language)
+        shown = ask(responder, "/srv/notification")["notificationsList"][-1]
+        assert messages[key] and shown["text"].startswith(messages[key])
+        assert "<a " in shown["text"] or shown["text"] == messages[key]
+
+
+def test_a_notification_of_an_update_without_words_of_the_carrier_has_a_text_of_its_own(
+    make_responder,
+):
+    responder = start(make_responder, "software-update-10")
+    (shown,) = ask(responder, "/srv/notification")["notificationsList"]
+    assert shown["text"] == "The software of Orvane Hotspot (OH-5) could not be updated. "

@@ -1,43 +1,62 @@
 """The installed files, as a package would hold them."""
 
+import json
+import os
+import pathlib
 import subprocess
 
 import pytest
 
 from support import paths
 
+LANGUAGES = {path.stem for path in (paths.ROOT / "catalogue").glob("*.po")}
+
 
 @pytest.fixture
-def prefix(work):
-    folder = work / "prefix"
+def image(work):
+    """The root of the device's file system, as far as it is ours."""
+    folder = work / "image"
     subprocess.run(
-        ["cmake", "--install", str(paths.BUILD), "--prefix", str(folder)],
+        ["cmake", "--install", str(paths.BUILD)],
         check=True,
         capture_output=True,
         timeout=60,
+        env={**os.environ, "DESTDIR": str(folder)},
     )
     return folder
 
 
-def test_everything_that_runs_is_installed(prefix):
+@pytest.fixture
+def prefix(image):
+    return image / paths.PREFIX.lstrip("/")
+
+
+@pytest.fixture
+def configuration(image):
+    return image / paths.SYSCONFDIR.lstrip("/") / "kestal" / "lighttpd.conf"
+
+
+def test_everything_that_runs_is_installed(prefix, configuration):
+    assert configuration.is_file()
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
         "bin/kestal-session",
-        "etc/kestal/lighttpd.conf",
         "lib/systemd/system/kestal.service",
         "libexec/kestal/kestal-server",
         "libexec/kestal/kestal.cgi",
     }
+    texts = {name for name in files if name.startswith("share/locale/")}
+    assert texts == {f"share/locale/{language}/LC_MESSAGES/webui.mo" for language in LANGUAGES}
     devices = {name for name in files if name.startswith("share/kestal/devices/")}
     assert devices == {f"share/kestal/devices/{path.name}" for path in paths.DEVICES.iterdir()}
     assert not [name for name in files if name.endswith((".a", ".h", ".hpp"))]
 
 
-def test_the_installed_service_serves(prefix, make_server):
+def test_the_installed_service_serves(prefix, configuration, make_server):
     server = make_server()
     server.launcher = prefix / "libexec" / "kestal" / "kestal-server"
     del server.environment["KESTAL_RESPONDER"]
-    server.environment["KESTAL_CONFIGURATION"] = str(prefix / "etc" / "kestal" / "lighttpd.conf")
+    server.environment["KESTAL_CONFIGURATION"] = str(configuration)
     server.environment["KESTAL_DEVICE"] = str(prefix / "share" / "kestal" / "devices" / "default.json")
     assert server.start().ask("/srv/status").json()["statusData"]
 
@@ -45,5 +64,23 @@ def test_the_installed_service_serves(prefix, make_server):
 def test_the_unit_names_the_folders_of_the_build(prefix):
     unit = (prefix / "lib" / "systemd" / "system" / "kestal.service").read_text()
     assert "@CMAKE" not in unit
-    assert "libexec/kestal/kestal-server\n" in unit
-    assert "etc/kestal/lighttpd.conf\n" in unit
+    assert f"={paths.PREFIX}/libexec/kestal/kestal-server\n" in unit
+    assert f"={paths.SYSCONFDIR}/kestal/lighttpd.conf\n" in unit
+
+
+def test_a_build_goes_where_the_service_looks_for_its_texts(work):
+    """Unless its user wants it elsewhere."""
+    for order, prefix, configuration in (
+        ([], "/usr", "/etc"),
+        (["-DCMAKE_INSTALL_PREFIX=/usr/local"], "/usr/local", "/usr/local/etc"),
+    ):
+        build = work / pathlib.Path(prefix).name
+        subprocess.run(
+            ["cmake", "-S", str(paths.ROOT), "-B", str(build), "-G", "Ninja", *order],
+            check=True,
+            capture_output=True,
+            timeout=120,
+        )
+        unit = (build / "deploy" / "kestal.service").read_text()
+        assert f"ExecStart={prefix}/libexec/kestal/kestal-server\n" in unit
+        assert f"KESTAL_CONFIGURATION={configuration}/kestal/lighttpd.conf\n" in unit

@@ -13,6 +13,7 @@ import threading
 import pytest
 
 from support import paths, processes, web
+from support.device import Device
 from support.ports import Port
 from support.waiting import wait_until
 
@@ -112,15 +113,19 @@ def fake_tools(work, **scripts):
     return f"{folder}:{paths.CLEAN_ENVIRONMENT['PATH']}"
 
 
+def server_of(script):
+    """Process id of the web server."""
+    files, _ = script.left_behind()
+    with open(next(path for path in files if path.endswith("server.pid"))) as pid:
+        return int(pid.read())
+
+
 @pytest.mark.parametrize("stop", ["Ctrl-C", "Ctrl-\\", "SIGTERM"])
 def test_it_serves_until_it_is_stopped_and_leaves_nothing_behind(run, stop):
     script = run()
     script.wait_for("Ctrl-C stops it.")
     assert web.ask(script.port, "/srv/status").json()["statusData"]
-    files, _ = script.left_behind()
-    server = next(path for path in files if path.endswith("server.pid"))
-    with open(server) as pid:
-        lighttpd = int(pid.read())
+    lighttpd = server_of(script)
     responders = processes.children(lighttpd)
     assert processes.is_alive(lighttpd) and responders
 
@@ -152,6 +157,34 @@ def test_it_prints_what_to_try_and_each_line_works(run):
     session = re.search(r"^  (export KESTAL_SESSIONS=.*\n  curl .*)$", script.output, re.MULTILINE)[1]
     answer = subprocess.run(["/bin/sh", "-c", session], capture_output=True, text=True, timeout=20)
     assert answer.stdout.startswith('{"loginStatus":1,'), answer.stderr
+
+
+@pytest.mark.parametrize("build", ["absolute", "relative"])
+def test_it_answers_in_the_language_of_the_device_whatever_the_machine_knows(run, work, build):
+    device = Device(work / "device.json")
+    path = os.path.relpath(paths.BUILD, work) if build == "relative" else str(paths.BUILD)
+    script = run(KESTAL_DEVICE=str(device.path), KESTAL_BUILD=path)
+    script.wait_for("Ctrl-C stops it.")
+    device.change(
+        webui={"i18nSettings": {"language": "de_DE"}},
+        msgbus={"zelt.ans.notifications": [{"id": "PCO5", "textId": "notification_pco_5_text"}]},
+    )
+    (shown,) = web.ask(script.port, "/srv/notification").json()["notificationsList"]
+    assert shown["text"].startswith("Ihr Konto ist nicht aktiv. <a ")
+    (service,) = processes.children(server_of(script), "kestal.cgi")
+    environment = processes.environment(service)
+    assert environment["LOCPATH"].startswith("/") and environment["KESTAL_LOCALEDIR"].startswith("/")
+    assert os.path.samefile(environment["LOCPATH"], paths.LOCALES)
+    assert os.path.samefile(environment["KESTAL_LOCALEDIR"], paths.CATALOGUE)
+
+
+def test_a_users_own_texts_are_used(run, work):
+    device = Device(work / "device.json")
+    device.change(msgbus={"zelt.ans.notifications": [{"id": "PCO5", "titleId": "notification_pco_5_title"}]})
+    script = run(KESTAL_DEVICE=str(device.path), KESTAL_LOCALEDIR=str(work / "none"))
+    script.wait_for("Ctrl-C stops it.")
+    (shown,) = web.ask(script.port, "/srv/notification").json()["notificationsList"]
+    assert shown["title"] == "notification_pco_5_title"
 
 
 def test_a_users_own_device_is_used_in_place_and_stays_alone(run, work):
@@ -209,9 +242,7 @@ def test_an_order_that_cannot_work_is_told(run, variable, value, message):
 def test_a_web_server_that_dies_ends_it_with_an_error(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
-    files, _ = script.left_behind()
-    with open(next(path for path in files if path.endswith("server.pid"))) as pid:
-        os.kill(int(pid.read()), signal.SIGKILL)
+    os.kill(server_of(script), signal.SIGKILL)
     assert script.end() != 0
     assert "the web server has ended with status" in script.output
     assert script.left_behind() == ([], [])

@@ -55,6 +55,12 @@ def test_nothing_is_installed_where_nothing_is_missing(machine, kind):
     assert machine(kind) == (0, "", [])
 
 
+def test_texts_and_their_languages_need_two_packages(machine):
+    status, _, calls = machine("run", missing=["gettext", "locales"])
+    assert status == 0
+    assert calls[-1].endswith(" gettext locales")
+
+
 def test_what_is_missing_is_installed(machine):
     status, _, calls = machine("run", missing=["lighttpd", "g++", "curl"])
     assert status == 0

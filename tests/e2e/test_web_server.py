@@ -209,14 +209,23 @@ def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(ma
     server = make_server()
     server.environment |= {"LANGUAGE": "de", "LC_ALL": "de_DE", "SECRET": "x", "KESTAL_LOCALEDIR": str(work)}
     server.start()
-    with open(f"/proc/{server.responder()}/environ") as environ:
-        names = {entry.partition("=")[0] for entry in environ.read().split("\0") if entry}
-    assert names - {"PHP_FCGI_CHILDREN"} == {
+    environment = processes.environment(server.responder())
+    assert environment["LOCPATH"] == str(paths.LOCALES)
+    assert environment.keys() - {"PHP_FCGI_CHILDREN"} == {
         "PATH",
         "KESTAL_DEVICE",
         "KESTAL_SESSIONS",
         "KESTAL_LOG",
         "KESTAL_LOG_LEVEL",
         "KESTAL_LOCALEDIR",
+        "LOCPATH",
         "CGICC_MAX_CONTENTLENGTH",
     }
+
+
+def test_the_machines_own_locales_serve_where_no_others_are_named(make_server):
+    server = make_server()
+    del server.environment["LOCPATH"], server.environment["KESTAL_LOCALEDIR"]
+    server.start()
+    assert not processes.environment(server.responder()).keys() & {"LOCPATH", "KESTAL_LOCALEDIR"}
+    assert server.ask("/srv/status").status == 200

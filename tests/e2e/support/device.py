@@ -33,3 +33,14 @@ class Device:
             else:
                 document["sys"][call] = answer
         self.write(json.dumps(document, indent=2).encode())
+
+    def speak(self, language):
+        """Sets the language of the user interface."""
+        self.change(webui={"i18nSettings": {"language": language}})
+
+    def change(self, **groups):
+        """Sets entries of the groups of the document, as in change(msgbus={channel: value})."""
+        document = self.document()
+        for group, entries in groups.items():
+            document.setdefault(group, {}).update(entries)
+        self.write(json.dumps(document, indent=2).encode())

@@ -9,6 +9,12 @@ SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", BUILD / "service" / "kes
 SESSION_TOOL = pathlib.Path(
     os.environ.get("KESTAL_SESSION_TOOL", BUILD / "bindings" / "simulator" / "kestal-session")
 )
+# Texts, and locales that the machine itself may lack.
+CATALOGUE = BUILD / "catalogue"
+LOCALES = BUILD / "locales"
+# Where the build is to be installed.
+PREFIX = os.environ.get("KESTAL_PREFIX", "/usr")
+SYSCONFDIR = os.environ.get("KESTAL_SYSCONFDIR", "/etc")
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
 LAUNCHER = ROOT / "deploy" / "kestal-server"

@@ -15,6 +15,12 @@ def field(pid, name):
     return None
 
 
+def environment(pid):
+    """What a process was started with."""
+    entries = pathlib.Path(f"/proc/{pid}/environ").read_text().split("\0")
+    return dict(entry.split("=", 1) for entry in entries if entry)
+
+
 def is_alive(pid):
     state = field(pid, "State")
     return state is not None and state[0] not in "ZX"

@@ -22,6 +22,8 @@ class Responder:
             "KESTAL_SESSIONS": str(self.sessions),
             "KESTAL_LOG": str(self.log.path),
             "KESTAL_LOG_LEVEL": "7",
+            "KESTAL_LOCALEDIR": str(paths.CATALOGUE),
+            "LOCPATH": str(paths.LOCALES),
         }
         self.process = None
 

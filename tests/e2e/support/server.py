@@ -28,6 +28,8 @@ class Server:
             "KESTAL_SESSIONS": str(self.sessions),
             "KESTAL_LOG": str(self.log.path),
             "KESTAL_LOG_LEVEL": "7",
+            "KESTAL_LOCALEDIR": str(paths.CATALOGUE),
+            "LOCPATH": str(paths.LOCALES),
             "KESTAL_RUN_DIRECTORY": str(self.run),
             "KESTAL_PORT": str(self.port),
             "KESTAL_RESPONDER": str(paths.SERVICE),

@@ -30,6 +30,9 @@ TEST(DeviceDocument, ShippedOneAnswersEveryQuery) {
     EXPECT_EQ(device.getConnectedDeviceList.value.size(), 5U);
     EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ).named);
     EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_5_GHZ).named);
+#define EXPECT_ANSWERS(name) EXPECT_TRUE(device.name.named&& device.name.error == 0) << #name;
+    SIMULATOR_SYSINT_NAMED_QUERIES(EXPECT_ANSWERS)
+#undef EXPECT_ANSWERS
     EXPECT_TRUE(device.commonFeatures.named);
     EXPECT_TRUE(device.appFeatures.named);
     EXPECT_TRUE(device.commonConfigurations.named);
@@ -286,6 +289,29 @@ TEST(DeviceDocument, GuestProfilesAreTogetherOrSingle) {
     EXPECT_EQ(SysComplaint("getWiFiGuestProfileEnabled", "{\"2\": \"on\"}"),
               "device.json:3: sys.getWiFiGuestProfileEnabled.2: expected a 32-bit integer or "
               "{\"error\": N}, found a text");
+}
+
+TEST(DeviceDocument, GpioPinsHaveThreeTextsOf63Bytes) {
+    for (const std::string call : {"getGpioPin1CustomSettings", "getGpioPin2CustomSettings"}) {
+        for (const std::string field : {"name", "lowState", "highState"}) {
+            const auto with = [&field](std::size_t size) {
+                return "{\"" + field + "\": \"" + std::string(size, 'x') + "\"}";
+            };
+            EXPECT_EQ(SysComplaint(call, with(63)), "");
+            EXPECT_EQ(SysComplaint(call, with(64)),
+                      "device.json:3: sys." + call + "." + field +
+                          ": expected a text of at most 63 bytes, found one of 64 bytes");
+            EXPECT_EQ(SysComplaint(call, "{\"" + field + "\": 1}"),
+                      "device.json:3: sys." + call + "." + field +
+                          ": expected a text of at most 63 bytes, found 1");
+        }
+        EXPECT_EQ(
+            SysComplaint(call, "\"Door\""),
+            "device.json:3: sys." + call + ": expected an object or {\"error\": N}, found a text");
+        EXPECT_EQ(SysComplaint(call, "{\n\"state\": \"Open\"}"),
+                  "device.json:4: sys." + call +
+                      ".state: expected one of name, lowState, highState, found an unknown name");
+    }
 }
 
 TEST(DeviceDocument, NrBandsAreTwo) {

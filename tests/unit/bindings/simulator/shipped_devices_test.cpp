@@ -39,6 +39,9 @@ std::vector<int> Codes(const Device& device) {
     add(device.getSIMCarrierGID.At(1));
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ));
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_5_GHZ));
+#define ADD_CODES(name) add(device.name);
+    SIMULATOR_SYSINT_NAMED_QUERIES(ADD_CODES)
+#undef ADD_CODES
     add(device.commonFeatures);
     add(device.appFeatures);
     add(device.commonConfigurations);
@@ -63,12 +66,31 @@ TEST(ShippedDevices, EachDocumentIsRightAndNamesEveryCall) {
         const std::vector<int> codes = Codes(Read(text));
         EXPECT_EQ(std::count(codes.begin(), codes.end(), -1), 0);
     }
-    EXPECT_EQ(names, (std::set<std::string>{"3g-old-sim.json", "airplane-mode.json", "default.json",
-                                            "dual-sim-empty-slot.json", "dual-sim-slot-2.json",
-                                            "every-group-failing.json", "everything-failing.json",
-                                            "lte-plus-one-sim.json", "no-service.json",
-                                            "no-sim.json", "out-of-credit.json", "pin-locked.json",
-                                            "puk-locked.json", "roaming.json"}));
+    EXPECT_EQ(names, (std::set<std::string>{
+                         "3g-old-sim.json",
+                         "airplane-mode.json",
+                         "all-notifications.json",
+                         "default.json",
+                         "dual-sim-empty-slot.json",
+                         "dual-sim-slot-2.json",
+                         "every-group-failing.json",
+                         "everything-failing.json",
+                         "gpio-named.json",
+                         "gpio-unnamed.json",
+                         "lte-plus-one-sim.json",
+                         "no-service.json",
+                         "no-sim.json",
+                         "out-of-credit.json",
+                         "pin-locked.json",
+                         "puk-locked.json",
+                         "roaming.json",
+                         "software-update-10.json",
+                         "software-update-4.json",
+                         "software-update-5.json",
+                         "software-update-6.json",
+                         "software-update-8.json",
+                         "software-update-9-2.json",
+                     }));
 }
 
 TEST(ShippedDevices, EverythingFailsWithACodeOfItsOwnButTheSwitchOfTheWebUi) {

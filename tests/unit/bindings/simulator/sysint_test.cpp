@@ -164,6 +164,21 @@ TEST_F(Sysint, SlotsComeWithTheirCount) {
     EXPECT_EQ(all.slots[1].simStatus, SYS_SIM_READY);
 }
 
+TEST_F(Sysint, GpioPinsHaveNamesEachForItself) {
+    Document(R"({"sys": {
+        "getGpioPin1CustomSettings": {"name": "Door", "lowState": "Closed", "highState": "Open"},
+        "getGpioPin2CustomSettings": {"highState": "On"}}})");
+    GpioCustomSettings settings{};
+    EXPECT_EQ(sys_getGpioPin1CustomSettings(&settings), 0);
+    EXPECT_STREQ(settings.name, "Door");
+    EXPECT_STREQ(settings.lowState, "Closed");
+    EXPECT_STREQ(settings.highState, "Open");
+    EXPECT_EQ(sys_getGpioPin2CustomSettings(&settings), 0);
+    EXPECT_STREQ(settings.name, "");
+    EXPECT_STREQ(settings.lowState, "");
+    EXPECT_STREQ(settings.highState, "On");
+}
+
 TEST_F(Sysint, GuestProfilesAnswerEachForItself) {
     Entry("getWiFiGuestProfileEnabled", R"({"1": {"error": 5}, "2": 1})");
     int enabled = 9;

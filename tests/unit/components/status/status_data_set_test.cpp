@@ -127,7 +127,8 @@ TEST_F(StatusDataSetTest, CarrierThatEnablesNothingGetsTheGroupsThatAlwaysRun) {
                       R"("statusBarFotaInstallStatus":-1,"statusBarGuestClientListSize":"0",)"
                       R"("statusBarMnsAvailable":1,"statusBarMnsInUse":0,"statusBarMnsScan":0,)"
                       R"("statusBarMobileDataEnabled":1,"statusBarNetwork":"Orvane",)"
-                      R"("statusBarNetworkID":"311480","statusBarPCI":"211",)"
+                      R"("statusBarNetworkID":"311480","statusBarNotificationFlag":"0",)"
+                      R"("statusBarPCI":"211",)"
                       R"("statusBarPrimaryClientListSize":"0","statusBarSNR":"17",)"
                       R"("statusBarSignalBars":"4","statusBarSimCarrierBlockedStatus":"0",)"
                       R"("statusBarSimMMCode":"0","statusBarSimStatus":"Ready",)"
@@ -145,6 +146,7 @@ TEST_F(StatusDataSetTest, GroupsThatAlwaysRunAreCalledInOrder) {
     const std::string mobileData = Group("GetMobileDataEnabled");
     const std::string ethernet = Group("GetEthernetPortEnabled");
     const std::string fota = Group("GetFotaInstallStatus");
+    const std::string notification = Group("GetNotificationFlagStatus");
     const std::string sim = Group("GetSimStatus");
     EXPECT_EQ(
         TranscriptText(),
@@ -186,6 +188,13 @@ TEST_F(StatusDataSetTest, GroupsThatAlwaysRunAreCalledInOrder) {
                Log(7, fota + " - BEGIN"),
                Log(7, fota + " - Final statusBarFotaInstallStatus is -1"),
                Log(7, fota + " - END"),
+               Log(7, notification + " - BEGIN"),
+               "MsgbusHandler::MsgbusHandler(no callback)",
+               "MsgbusHandler::Initialize()",
+               "MsgbusHandler::GetData(zelt.ans.notifications, no buffer)",
+               Failure(notification + ": msgbus.GetData for zelt.ans.notifications channel failed"),
+               "MsgbusHandler::Uninitialize()",
+               Log(7, notification + " - END"),
                Log(7, sim + " - BEGIN"),
                "sys_getSIMStatus()",
                Failure(sim + " sys_getSIMStatus failed, returned error code [90001]. Try sysintcli "
@@ -197,12 +206,13 @@ TEST_F(StatusDataSetTest, GroupsThatAlwaysRunAreCalledInOrder) {
 TEST_F(StatusDataSetTest, AllGroupsAreCalledInOrder) {
     Construct(kEverySwitch);
     Json();
-    EXPECT_EQ(CalledGroups(),
-              (std::vector<std::string>{"GetBatteryStatus", "GetMnsStatus", "GetInternetStatus",
-                                        "GetRouterStatus", "GetMobileDataEnabled",
-                                        "GetEthernetPortEnabled", "GetFotaInstallStatus",
-                                        "GetWifiStatus", "GetGpsStatus", "GetSmsStatus",
-                                        "GetSmbStatus", "GetGuestWifiStatus", "GetDualSimStatus"}));
+    EXPECT_EQ(
+        CalledGroups(),
+        (std::vector<std::string>{
+            "GetBatteryStatus", "GetMnsStatus", "GetInternetStatus", "GetRouterStatus",
+            "GetMobileDataEnabled", "GetEthernetPortEnabled", "GetFotaInstallStatus",
+            "GetWifiStatus", "GetNotificationFlagStatus", "GetGpsStatus", "GetSmsStatus",
+            "GetSmbStatus", "GetGuestWifiStatus", "GetSoftwareUpdateStatus", "GetDualSimStatus"}));
 }
 
 TEST_F(StatusDataSetTest, PlatformIsAskedInOrderWhenEverythingIsThere) {
@@ -257,11 +267,12 @@ TEST_F(StatusDataSetTest, PlatformIsAskedInOrderWhenEverythingIsThere) {
 
 TEST_F(StatusDataSetTest, EachCapabilityAddsItsOwnGroup) {
     const std::vector<std::pair<std::string, std::string>> groups = {
-        {"sys_getWiFiCarrierEnabled", "GetWifiStatus"},
         {"sys_getGPSCarrierEnabled", "GetGpsStatus"},
         {"sys_getMTSMSCarrierEnabled", "GetSmsStatus"},
         {"sys_getSambaCarrierEnabled", "GetSmbStatus"},
         {"sys_getWiFiGuestCarrierEnabled", "GetGuestWifiStatus"},
+        {"sys_getNUACarrierEnabled", "GetSoftwareUpdateStatus"},
+        {"sys_getOmadmFumoCarrierEnabled", "GetSoftwareUpdateStatus"},
     };
     for (const auto& [call, group] : groups) {
         Construct({call});
@@ -269,9 +280,43 @@ TEST_F(StatusDataSetTest, EachCapabilityAddsItsOwnGroup) {
         EXPECT_EQ(CalledGroups(),
                   (std::vector<std::string>{"GetBatteryStatus", "GetMnsStatus", "GetInternetStatus",
                                             "GetRouterStatus", "GetMobileDataEnabled",
-                                            "GetEthernetPortEnabled", "GetFotaInstallStatus", group,
-                                            "GetSimStatus"}))
+                                            "GetEthernetPortEnabled", "GetFotaInstallStatus",
+                                            "GetNotificationFlagStatus", group, "GetSimStatus"}))
             << call;
+    }
+}
+
+TEST_F(StatusDataSetTest, WifiStandsBeforeTheNotificationFlag) {
+    Construct({"sys_getWiFiCarrierEnabled"});
+    Json();
+    EXPECT_EQ(CalledGroups(),
+              (std::vector<std::string>{
+                  "GetBatteryStatus", "GetMnsStatus", "GetInternetStatus", "GetRouterStatus",
+                  "GetMobileDataEnabled", "GetEthernetPortEnabled", "GetFotaInstallStatus",
+                  "GetWifiStatus", "GetNotificationFlagStatus", "GetSimStatus"}));
+}
+
+TEST_F(StatusDataSetTest, SoftwareUpdateIsShownOnlyWithAnAgentForIt) {
+    for (const std::string agent :
+         {"", "sys_getNUACarrierEnabled", "sys_getOmadmFumoCarrierEnabled"}) {
+        Construct({agent});
+        Json();
+        const std::string status = agent.empty() ? "(absent)" : "0";
+        const std::string text = agent.empty() ? "(absent)" : "";
+        for (const char* key : {"StatusBarSoftwareUpdateStatus", "StatusBarSoftwareUpdateValue",
+                                "StatusBarSoftwareUpdateUserInitiated",
+                                "StatusBarSoftwareUpdateInstallationDuration"}) {
+            EXPECT_EQ(DataValue(key), status) << agent << " " << key;
+        }
+        for (const char* key :
+             {"StatusBarSoftwareUpdateVersion", "StatusBarSoftwareUpdateCustomDesc",
+              "StatusBarSoftwareUpdateCustomDownloadMsg",
+              "StatusBarSoftwareUpdateCustomReadyToInstallMsg",
+              "StatusBarSoftwareUpdateCustomInstallSuccessMsg",
+              "StatusBarSoftwareUpdateCustomInstallFailMsg"}) {
+            EXPECT_EQ(DataValue(key), text) << agent << " " << key;
+        }
+        EXPECT_EQ(CallCount("webui_get_software_update_status"), agent.empty() ? 0U : 1U);
     }
 }
 
@@ -282,7 +327,7 @@ TEST_F(StatusDataSetTest, DualSimSupportTakesTheDualSimGroupInPlaceOfTheSingle) 
               (std::vector<std::string>{"GetBatteryStatus", "GetMnsStatus", "GetInternetStatus",
                                         "GetRouterStatus", "GetMobileDataEnabled",
                                         "GetEthernetPortEnabled", "GetFotaInstallStatus",
-                                        "GetDualSimStatus"}));
+                                        "GetNotificationFlagStatus", "GetDualSimStatus"}));
 }
 
 TEST_F(StatusDataSetTest, DataSetExistsWhenEveryCallFails) {
@@ -293,6 +338,7 @@ TEST_F(StatusDataSetTest, DataSetExistsWhenEveryCallFails) {
                       R"("statusBarEthernetPortEnabled":"disabled",)"
                       R"("statusBarFotaInstallStatus":-1,)"
                       R"("statusBarGuestWifiEnabled":0,)"
+                      R"("statusBarNotificationFlag":"0",)"
                       R"("statusBarSdCardStatus":""}})");
 }
 
@@ -300,7 +346,8 @@ TEST_F(StatusDataSetTest, DualSimDataSetExistsWhenEveryCallFails) {
     Construct({"sys_getMultiSimEnabled"});
     EXPECT_EQ(Json(), R"({"statusData":{"isDualSimSupported":1,)"
                       R"("statusBarEthernetPortEnabled":"disabled",)"
-                      R"("statusBarFotaInstallStatus":-1,"statusBarSimSlotsCount":0}})");
+                      R"("statusBarFotaInstallStatus":-1,"statusBarNotificationFlag":"0",)"
+                      R"("statusBarSimSlotsCount":0}})");
 }
 
 TEST_F(StatusDataSetTest, DualSimSupportIsAnInteger) {
@@ -398,18 +445,20 @@ TEST_F(StatusDataSetTest, DataSetIsHungIntoTheAnswerBesideWhatItHolds) {
     out["loginStatus"] = 1;
     EXPECT_EQ(Json(),
               R"({"loginStatus":1,"statusData":{"isDualSimSupported":0,)"
-              R"("statusBarEthernetPortEnabled":"disabled","statusBarFotaInstallStatus":-1}})");
+              R"("statusBarEthernetPortEnabled":"disabled","statusBarFotaInstallStatus":-1,)"
+              R"("statusBarNotificationFlag":"0"}})");
 }
 
 TEST_F(StatusDataSetTest, DataSetIsBuiltAfreshForEachRequest) {
     Given("sys_getCellularDataEnabled").Writes(1);
     EXPECT_EQ(Json(),
               R"({"statusData":{"isDualSimSupported":0,"statusBarEthernetPortEnabled":"disabled",)"
-              R"("statusBarFotaInstallStatus":-1,"statusBarMobileDataEnabled":1}})");
+              R"("statusBarFotaInstallStatus":-1,"statusBarMobileDataEnabled":1,)"
+              R"("statusBarNotificationFlag":"0"}})");
     recording::Reset();
     EXPECT_EQ(Json(),
               R"({"statusData":{"isDualSimSupported":0,"statusBarEthernetPortEnabled":"disabled",)"
-              R"("statusBarFotaInstallStatus":-1}})");
+              R"("statusBarFotaInstallStatus":-1,"statusBarNotificationFlag":"0"}})");
 }
 
 }  // namespace

@@ -1,0 +1,59 @@
+#include "components/notification/notification_block.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "framework/log.h"
+
+NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
+    KESTAL_SIGNATURE("NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&)");
+    bytes.reset();
+    size = 0;
+    unsigned int needed = 0;
+    if (bus.GetData(kNotificationChannel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
+        return ReadResult::kFailed;
+    }
+    bytes.reset(new (std::nothrow) std::byte[needed]);
+    if (bytes == nullptr) {
+        return ReadResult::kNoMemory;
+    }
+    unsigned int received = needed;
+    if (bus.GetData(kNotificationChannel, bytes.get(), received) != MSGBUS_SUCCESS) {
+        bytes.reset();
+        return ReadResult::kFailed;
+    }
+    size = std::min(received, needed);
+    if (size < ANS_NOTIFICATION_LIST_RECORDS ||
+        std::cmp_not_equal(AnnouncedCount(), Records().size())) {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s - malformed notification list, [%d] announced, [%zu] received in [%zu] "
+            "bytes",
+            AnnouncedCount(), Records().size(), size);
+    }
+    return ReadResult::kRead;
+}
+
+std::int32_t NotificationBlock::AnnouncedCount() const {
+    std::int32_t count = 0;
+    if (size >= sizeof(count)) {
+        std::memcpy(&count, bytes.get(), sizeof(count));
+    }
+    return count;
+}
+
+std::span<const AnsNotificationRecord> NotificationBlock::Records() const {
+    const std::int32_t announced = AnnouncedCount();
+    if (announced <= 0) {
+        return {};
+    }
+    const std::size_t received =
+        (size - ANS_NOTIFICATION_LIST_RECORDS) / sizeof(AnsNotificationRecord);
+    // The block is walked where it lies: it may hold thousands of records. Memory for bytes is
+    // aligned for anything, and the offset of the records suits them.
+    static_assert(ANS_NOTIFICATION_LIST_RECORDS % alignof(AnsNotificationRecord) == 0);
+    const auto* records =
+        reinterpret_cast<const AnsNotificationRecord*>(bytes.get() + ANS_NOTIFICATION_LIST_RECORDS);
+    return {records, std::min(static_cast<std::size_t>(announced), received)};
+}

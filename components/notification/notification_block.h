@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "platform/notification.h"
+#include "platform/web_common.h"
+
+/// Channel of the message bus on which the device's notification service publishes its list.
+constexpr const char* kNotificationChannel = "zelt.ans.notifications";
+
+/// The published notifications, read as one block. What a malformed block announces beyond the
+/// bytes that were received is logged and not there.
+class NotificationBlock {
+  public:
+    enum class ReadResult {
+        kRead,
+        /// The channel did not answer as it must.
+        kFailed,
+        /// There is no memory for a block of the size that the channel announced.
+        kNoMemory,
+    };
+
+    /// Reads the block anew over @p bus, which has been joined. When it cannot be read, the block
+    /// is empty.
+    ReadResult Read(MsgbusHandler& bus);
+
+    /// How many records the block claims to hold; 0 when it is too short to say so. Any number can
+    /// stand there.
+    std::int32_t AnnouncedCount() const;
+
+    /// The records that the block claims to hold and of which every byte was received. They live as
+    /// long as the block and until the next Read.
+    std::span<const AnsNotificationRecord> Records() const;
+
+  private:
+    std::unique_ptr<std::byte[]> bytes;
+    std::size_t size = 0;
+};
+
+/// Whether @p record is to be shown.
+constexpr bool IsActive(const AnsNotificationRecord& record) {
+    return (record.flags & ANS_NOTIFICATION_ACTIVE) != 0;
+}

@@ -1,0 +1,138 @@
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "components/notification/notification_block.h"
+#include "components/status/value_text.h"
+#include "components/systemservice/gpio_text.h"
+#include "components/systemservice/notification_list_signature.h"
+#include "components/systemservice/system_service_component.h"
+#include "framework/fixed_text.h"
+#include "framework/log.h"
+#include "framework/po_string.h"
+#include "framework/text_domain.h"
+#include "platform/sysint.h"
+
+namespace {
+
+KESTAL_SIGNATURE(kNotificationListSignature);
+
+/// What the placeholders of the texts stand for, in their order.
+struct TextArguments {
+    std::string productName;
+    std::string productNumber;
+    std::string unreadCount;
+    std::string gpioText;
+};
+
+constexpr ValueText kSeverityTexts[] = {
+    {ANS_SEVERITY_INFO, "info"},
+    {ANS_SEVERITY_WARNING, "warning"},
+    {ANS_SEVERITY_ALERT, "alert"},
+    {ANS_SEVERITY_CRITICAL, "critical"},
+};
+
+/// Empty for a severity that is not known.
+std::string SeverityText(std::uint32_t severity) {
+    std::string text;
+    (void)FindText(kSeverityTexts, static_cast<std::int32_t>(severity), text);
+    return text;
+}
+
+/// Decimal number of unread messages; what the call has left there when it fails.
+std::string ReadUnreadCount() {
+    int count = 0;
+    const int result = sys_getSMSUnreadCount(&count);
+    if (result == SYS_SUCCESS) {
+        KESTAL_DEBUG("[%s]:[%s] - %s - sms unread count %d", count);
+    } else {
+        KESTAL_FAILURE(
+            "[%s]:[%s] - %s sys_getSMSUnreadCount failed, returned error code [%d]. Try sysintcli "
+            "getSMSUnreadCount from command line.",
+            result);
+    }
+    return std::to_string(count);
+}
+
+/// Text of a message id that stands in a fixed-size field.
+template <std::size_t Size>
+std::string TranslatedField(const char (&id)[Size]) {
+    return Translated(FixedText(id).c_str());
+}
+
+/// The catalogue's text for @p record.
+std::string CatalogueText(const AnsNotificationRecord& record, const TextArguments& arguments) {
+    std::string text = TranslatedField(record.textId);
+    if (text == " ") {
+        KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR,
+                             "[%s]:[%s] - po string is empty or no arguments passed");
+        return text;
+    }
+    return FormatPoString(4, text, arguments.productName.c_str(), arguments.productNumber.c_str(),
+                          arguments.unreadCount.c_str(), arguments.gpioText.c_str());
+}
+
+}  // namespace
+
+PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT& out) {
+    KESTAL_BEGIN();
+    MsgbusHandler bus(nullptr);
+    (void)bus.Initialize();
+    const CTPP::CDT list = ReadNotificationList(bus);
+    (void)bus.Uninitialize();
+    out["notificationsList"] = list;
+    KESTAL_END_RETURNING(PAGE_ERROR_NONE);
+    return PAGE_ERROR_NONE;
+}
+
+CTPP::CDT SystemServiceComponent::ReadNotificationList(MsgbusHandler& bus) {
+    NotificationBlock block;
+    switch (block.Read(bus)) {
+        case NotificationBlock::ReadResult::kRead:
+            KESTAL_DEBUG("[%s]:[%s] - %s - [%d] notifications received on msgbus",
+                         block.AnnouncedCount());
+            return BuildNotificationList(block.Records());
+        case NotificationBlock::ReadResult::kFailed:
+            KESTAL_FAILURE(
+                "[%s]:[%s] - %s - msgbus failed to read notification data. Try msgbus_cli "
+                "MsgBusGet %s",
+                kNotificationChannel);
+            break;
+        case NotificationBlock::ReadResult::kNoMemory:
+            KESTAL_FAILURE("[%s]:[%s] - %s - Failed to allocate memory for notification list");
+            break;
+    }
+    return CTPP::CDT(CTPP::CDT::ARRAY_VAL);
+}
+
+CTPP::CDT SystemServiceComponent::BuildNotificationList(
+    std::span<const AnsNotificationRecord> records) {
+    CTPP::CDT list(CTPP::CDT::ARRAY_VAL);
+    TextArguments arguments;
+    arguments.productName = Translated("webui_product_name");
+    arguments.productNumber = Translated("webui_product_number");
+    for (const AnsNotificationRecord& record : records) {
+        if (!IsActive(record)) {
+            continue;
+        }
+        const std::string type = FixedText(record.id);
+        arguments.gpioText = ReadGpioText(type);
+        arguments.unreadCount = ReadUnreadCount();
+        CTPP::CDT notification;
+        notification["id"] = type;
+        notification["category"] = FixedText(record.category);
+        notification["severity"] = SeverityText(record.severity);
+        notification["title"] = TranslatedField(record.titleId);
+        std::string text = customMessages.Text(type);
+        if (text.empty()) {
+            text = CatalogueText(record, arguments);
+        }
+        std::string link;
+        GetSupplementaryTextForNotification(type, link);
+        notification["text"] = text + link;
+        notification["label"] = TranslatedField(record.labelId);
+        list.PushBack(notification);
+    }
+    return list;
+}
