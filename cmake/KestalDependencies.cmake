@@ -20,8 +20,11 @@ find_path(CTPP2_INCLUDE_DIR ctpp2/CDT.hpp)
 find_library(CTPP2_LIBRARY ctpp2)
 find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 
+# The tools.
+find_package(CLI11 2.1 REQUIRED)
+find_package(nlohmann_json 3.11 REQUIRED)
+
 if(KESTAL_PLATFORM STREQUAL "simulator")
-    find_package(nlohmann_json 3.11 REQUIRED)
     find_library(MD_LIBRARY md REQUIRED)
     find_program(KESTAL_LOCALEDEF localedef REQUIRED)
     find_path(KESTAL_LOCALE_SOURCES de_DE PATHS /usr/share/i18n/locales REQUIRED)
@@ -32,5 +35,4 @@ endif()
 if(KESTAL_TESTS)
     find_package(GTest REQUIRED)
     include(GoogleTest)
-    find_package(nlohmann_json 3.11 REQUIRED)
 endif()

@@ -1,6 +1,7 @@
 // Reading what a call answers: a value, or the code that it fails with.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -9,15 +10,22 @@
 
 namespace simulator {
 
+/// Member beside "error" that keeps what the call answers when it is healed; null when the document
+/// did not name it.
+constexpr const char* kHealedName = "healed";
+
 /// The code of `{"error": N}`; 0 when @p node is something else. An object that names "error" must
-/// be exactly that.
-int ReadFailure(const Node& node);
+/// be exactly that, but for what it keeps, which @p checkHealed(node) reads.
+int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed);
 
 /// Reads an answer whose value is read by @p readValue(node, value).
 template <typename T, typename ReadValue>
 void ReadAnswer(Node node, Answer<T>& answer, ReadValue readValue) {
     answer.named = true;
-    answer.error = ReadFailure(node);
+    answer.error = ReadFailure(node, [&](const Node& healed) {
+        Answer<T> ignored;
+        ReadAnswer(healed, ignored, readValue);
+    });
     if (answer.error == 0) {
         node.AllowFailure();
         readValue(std::as_const(node), answer.value);

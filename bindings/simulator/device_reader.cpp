@@ -1,14 +1,10 @@
 #include "bindings/simulator/device_reader.h"
 
-#include <stdexcept>
-
-#include "bindings/simulator/json_text.h"
+#include "bindings/simulator/read_document.h"
 
 namespace simulator {
 
-namespace {
-
-Device Compile(const nlohmann::ordered_json& document) {
+Device CompileDevice(const nlohmann::ordered_json& document) {
     Device device;
     const Node root(document);
     Members members(root);
@@ -25,14 +21,16 @@ Device Compile(const nlohmann::ordered_json& document) {
     return device;
 }
 
-}  // namespace
-
-int ReadFailure(const Node& node) {
+int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed) {
     if (!node.Value().is_object() || !node.Value().contains("error")) {
         return 0;
     }
-    if (node.Value().size() != 1) {
+    const bool keeps = node.Value().contains(kHealedName);
+    if (node.Value().size() != (keeps ? 2U : 1U)) {
         node.Expected("{\"error\": N} alone", "other names beside \"error\"");
+    }
+    if (keeps && !node.Value().at(kHealedName).is_null()) {
+        checkHealed(node.Member(kHealedName));
     }
     const Node code = node.Member("error");
     const auto number = NumberOf<int>(code.Value());
@@ -43,15 +41,7 @@ int ReadFailure(const Node& node) {
 }
 
 Device ReadDevice(const std::string& file, const std::string& text) {
-    try {
-        return Compile(ParseStrictly(text));
-    } catch (const SyntaxError& error) {
-        throw std::runtime_error(file + ":" + error.Place() + ": " + error.what());
-    } catch (const ValueError& error) {
-        const auto place = FindValue(text, error.Path());
-        throw std::runtime_error(file + ":" + std::to_string(place ? place->line : 1) + ": " +
-                                 error.what());
-    }
+    return ReadDocument(file, text, CompileDevice);
 }
 
 }  // namespace simulator

@@ -1,6 +1,7 @@
 // From document to device.
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "bindings/simulator/answer_reader.h"
@@ -12,7 +13,10 @@ namespace simulator {
 /// line, when anything in it is not as it must be.
 Device ReadDevice(const std::string& file, const std::string& text);
 
-/// Parts of ReadDevice: the objects "sys", "webui" and "msgbus".
+/// Compiles a parsed document. Throws ValueError.
+Device CompileDevice(const nlohmann::ordered_json& document);
+
+/// Parts of CompileDevice: the objects "sys", "webui" and "msgbus".
 void ReadSys(const Node& node, Device& device);
 void ReadWebui(const Node& node, Device& device);
 void ReadMsgbus(const Node& node, Device& device);

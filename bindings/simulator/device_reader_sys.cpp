@@ -148,7 +148,16 @@ void ReadValue(const Node& node, std::vector<sys_connected_device_t>& devices) {
 template <typename T>
 void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int largest) {
     const auto readValue = [](const Node& from, T& value) { ReadValue(from, value); };
-    if (!node.Value().is_object() || ReadFailure(node) != 0) {
+    const int failure = ReadFailure(node, [&](const Node& healed) {
+        IndexedAnswer<T> ignored;
+        ReadIndexed(healed, ignored, smallest, largest);
+    });
+    if (failure != 0) {
+        answer.every.named = true;
+        answer.every.error = failure;
+        return;
+    }
+    if (!node.Value().is_object()) {
         ReadAnswer(node, answer.every, readValue);
         return;
     }
@@ -165,17 +174,19 @@ void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int l
     }
 }
 
-/// The optional entry of a call without a result, which can only fail.
-int ReadAction(Members& sys, const std::string& name) {
-    const auto member = sys.Find(name);
-    if (!member) {
-        return 0;
-    }
-    const int code = ReadFailure(*member);
+/// The entry of a call without a result, which can only fail.
+int ReadFailureOnly(const Node& node) {
+    const int code = ReadFailure(node, ReadFailureOnly);
     if (code == 0) {
-        member->Expected("{\"error\": N}");
+        node.Expected("{\"error\": N}");
     }
     return code;
+}
+
+/// The optional entry of such a call.
+int ReadAction(Members& sys, const std::string& name) {
+    const auto member = sys.Find(name);
+    return member ? ReadFailureOnly(*member) : 0;
 }
 
 }  // namespace

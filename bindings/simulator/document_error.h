@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -38,6 +39,19 @@ class ValueError : public std::runtime_error {
 
   private:
     KeyPath path;
+};
+
+/// A member's name is none of those that its object may have.
+class UnknownName : public ValueError {
+  public:
+    UnknownName(KeyPath newPath, const std::string& what, std::vector<std::string> newKnown)
+        : ValueError(std::move(newPath), what), known(std::move(newKnown)) {}
+
+    /// The names that the object may have.
+    const std::vector<std::string>& Known() const { return known; }
+
+  private:
+    std::vector<std::string> known;
 };
 
 }  // namespace simulator

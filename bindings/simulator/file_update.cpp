@@ -80,6 +80,16 @@ class Replacement {
         }
     }
 
+    /// Gives the file the mode of any other that this process would create.
+    void BeUsual() const {
+        // The mask can only be read by setting it; meanwhile it is the strictest.
+        const mode_t mask = umask(0777);
+        (void)umask(mask);
+        if (fchmod(file.Number(), 0666U & ~mask) != 0) {
+            ThrowSystemError(name);
+        }
+    }
+
     void TakePlace() {
         if (fsync(file.Number()) != 0 || rename(name.c_str(), target.c_str()) != 0) {
             ThrowSystemError(target);
@@ -117,6 +127,8 @@ void UpdateFile(const std::string& path, MissingFile missing,
     replacement.Write(after);
     if (exists) {
         replacement.Resemble(original);
+    } else if (missing == MissingFile::createdForAll) {
+        replacement.BeUsual();
     }
     replacement.TakePlace();
     directory.Synchronise();

@@ -11,6 +11,8 @@ enum class MissingFile {
     fails,
     /// It counts as empty and is created, readable by its owner only.
     created,
+    /// The same, readable by whom the mask of the process permits.
+    createdForAll,
 };
 
 /// Replaces the contents of the file at @p path by @p change of them, atomically: whoever reads the

@@ -45,9 +45,13 @@ void Node::Expected(const std::string& expected) const {
 }
 
 void Node::Expected(const std::string& expected, const std::string& found) const {
+    throw ValueError(Path(), Complaint(expected, found));
+}
+
+std::string Node::Complaint(const std::string& expected, const std::string& found) const {
     const std::string path = PathText(Path());
-    throw ValueError(Path(), (path.empty() ? "" : path + ": ") + "expected " + expected +
-                                 (mayFail ? " or {\"error\": N}" : "") + ", found " + found);
+    return (path.empty() ? "" : path + ": ") + "expected " + expected +
+           (mayFail ? " or {\"error\": N}" : "") + ", found " + found;
 }
 
 void Node::MustBeObject() const {
@@ -111,7 +115,8 @@ std::optional<Node> Members::Find(const std::string& name) {
 void Members::RejectOthers(const std::string& what) const {
     for (const auto& item : object.Value().items()) {
         if (std::find(names.begin(), names.end(), item.key()) == names.end()) {
-            object.Member(item.key()).Expected(what, "an unknown name");
+            const Node member = object.Member(item.key());
+            throw UnknownName(member.Path(), member.Complaint(what, "an unknown name"), names);
         }
     }
 }

@@ -42,9 +42,13 @@ class Node {
     void MustBeList() const;
 
   private:
+    friend class Members;
+
     Node(const nlohmann::ordered_json& newValue, const Node* newParent,
          std::variant<std::string, std::size_t> newStep)
         : value(newValue), parent(newParent), step(std::move(newStep)) {}
+
+    std::string Complaint(const std::string& expected, const std::string& found) const;
 
     const nlohmann::ordered_json& value;
     const Node* parent = nullptr;

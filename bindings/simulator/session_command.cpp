@@ -1,10 +1,5 @@
 // kestal-session: opens, renews, closes and lists web UI sessions of the simulated device.
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/random.h>
-
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -13,11 +8,10 @@
 #include <map>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "bindings/simulator/session_login.h"
 #include "bindings/simulator/session_store.h"
-#include "platform/web_common.h"
 
 namespace {
 
@@ -37,38 +31,13 @@ constexpr const char* kUsage =
     "(KESTAL_DEVICE), in a file with \".sessions\" added to its name.\n";
 
 /// The command line is wrong.
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
+class UsageError : public std::invalid_argument {
+    using std::invalid_argument::invalid_argument;
 };
 
 using Arguments = std::vector<std::string>;
 
-std::string NewIdentifier() {
-    std::array<std::uint8_t, 32> bytes{};
-    if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
-        throw std::runtime_error("no random bytes");
-    }
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        constexpr std::string_view kDigits = "0123456789abcdef";
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 15U];
-    }
-    return text;
-}
-
-std::string CanonicalAddress(const std::string& text) {
-    webui_addr_t address{};
-    int family = 0;
-    if (GetIPAddressFamily(text, &family) != 0 ||
-        inet_pton(family, text.c_str(), address.address) != 1) {
-        throw UsageError("'" + text + "' is not an IP address");
-    }
-    address.family = static_cast<std::uint32_t>(family);
-    return simulator::AddressText(address);
-}
-
-std::int64_t IdleSeconds(const std::string& text) {
+std::uint32_t IdleSeconds(const std::string& text) {
     std::uint32_t seconds = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
     if (error != std::errc() || end != text.data() + text.size() || seconds == 0) {
@@ -87,44 +56,24 @@ void Open(const Arguments& arguments) {
         }
         option->second = arguments[index + 1];
     }
-    const std::string identifier = NewIdentifier();
-    const std::int64_t now = simulator::Now();
-    const Session session{.digest = simulator::DigestOf(identifier),
-                          .address = CanonicalAddress(options["--address"]),
-                          .userAgentDigest = simulator::DigestOf(options["--user-agent"]),
-                          .opened = now,
-                          .renewed = now,
-                          .idleSeconds = IdleSeconds(options["--idle"])};
-    simulator::UpdateSessions([&](std::vector<Session>& sessions) { sessions.push_back(session); });
-    std::printf("torusess=%s\n", identifier.c_str());
+    const std::string cookie = simulator::OpenSession(options["--address"], options["--user-agent"],
+                                                      IdleSeconds(options["--idle"]));
+    std::printf("%s\n", cookie.c_str());
 }
 
-/// Runs @p change on the session that the only argument names.
-void ChangeOne(
-    const Arguments& arguments,
-    const std::function<void(std::vector<Session>&, std::vector<Session>::iterator)>& change) {
+const std::string& OnlyIdentifier(const Arguments& arguments) {
     if (arguments.size() != 1) {
         throw UsageError("expected one session identifier");
     }
-    const std::string digest = simulator::DigestOf(arguments.front());
-    simulator::UpdateSessions([&](std::vector<Session>& sessions) {
-        const auto found = std::find_if(
-            sessions.begin(), sessions.end(),
-            [&](const Session& session) { return simulator::SameDigest(session.digest, digest); });
-        if (found == sessions.end()) {
-            throw std::runtime_error("no such session");
-        }
-        change(sessions, found);
-    });
+    return arguments.front();
 }
 
 void Renew(const Arguments& arguments) {
-    ChangeOne(arguments,
-              [](auto& /*sessions*/, auto session) { session->renewed = simulator::Now(); });
+    simulator::RenewSession(OnlyIdentifier(arguments));
 }
 
 void Close(const Arguments& arguments) {
-    ChangeOne(arguments, [](auto& sessions, auto session) { sessions.erase(session); });
+    simulator::CloseSession(OnlyIdentifier(arguments));
 }
 
 void List(const Arguments& arguments) {
@@ -160,7 +109,7 @@ int main(int argc, char** argv) {
         }
         RunCommand(arguments);
         return std::fflush(stdout) == 0 ? 0 : 1;
-    } catch (const UsageError& error) {
+    } catch (const std::invalid_argument& error) {
         (void)std::fprintf(stderr, "kestal-session: %s\n%s", error.what(), kUsage);
         return 2;
     } catch (const std::exception& error) {

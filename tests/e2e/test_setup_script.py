@@ -24,13 +24,15 @@ def machine(work):
     tool("systemctl", f'echo "systemctl $*" >> {work}/calls')
     tool("id", "echo 0")
 
-    def run(argument, missing=(), user="0", has_sudo=True, systemd="/nowhere"):
+    def run(argument, missing=(), user="0", has_sudo=True, systemd="/nowhere", programs=("node", "npm")):
         """Runs the script; returns its exit status, its errors and the installer's calls."""
         absent = "|".join(["none", *missing])
         tool("dpkg-query", f"""shift 3
 for package do case $package in {absent}) ;; *) echo "$package installed" ;; esac done
 exit 1""")
         tool("id", f"echo {user}")
+        for name in programs:
+            tool(name, "exit 1")
         if not has_sudo:
             (tools / "sudo").unlink()
         path = str(tools)
@@ -84,6 +86,18 @@ def test_running_needs_no_package_of_the_tests(machine):
     status, _, calls = machine("test", missing=["libgtest-dev", "python3-pytest"])
     assert status == 0
     assert calls[-1].endswith(" libgtest-dev python3-pytest")
+
+
+def test_programs_are_installed_only_where_there_are_none(machine):
+    """They may come from elsewhere than Debian, whose packages would be in conflict with them."""
+    assert machine("test", missing=["nodejs", "npm"]) == (0, "", [])
+
+
+def test_programs_that_are_missing_are_installed(machine):
+    status, _, calls = machine("test", programs=["node"])
+    assert status == 0
+    assert calls[-1].endswith("--no-install-recommends npm")
+    assert machine("run", programs=[])[0] == 0
 
 
 def test_a_user_who_is_not_root_installs_with_sudo(machine):

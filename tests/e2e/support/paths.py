@@ -15,10 +15,14 @@ LOCALES = BUILD / "locales"
 # Where the build is to be installed.
 PREFIX = os.environ.get("KESTAL_PREFIX", "/usr")
 SYSCONFDIR = os.environ.get("KESTAL_SYSCONFDIR", "/etc")
+SIM = pathlib.Path(
+    os.environ.get("KESTAL_SIM", BUILD / "bindings" / "simulator" / "sim" / "kestal-sim")
+)
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
 LAUNCHER = ROOT / "deploy" / "kestal-server"
 DEVICES = ROOT / "devices"
+SCENARIOS = ROOT / "scenarios"
 DEFAULT_DEVICE = DEVICES / "default.json"
 
 # What every process under test gets; nothing else of the caller's environment reaches it.

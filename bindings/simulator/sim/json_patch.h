@@ -1,0 +1,21 @@
+// Writing a changed document so that people can still read it.
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace simulator {
+
+/// @p value as text: on one line where that fits, otherwise with one member or element a line,
+/// indented by four blanks a level. It begins at column @p column of a line whose own indentation
+/// is that of @p level.
+std::string Formatted(const nlohmann::ordered_json& value, std::size_t level = 0,
+                      std::size_t column = 0);
+
+/// The text @p text of the document @p before, changed to that of @p after. Only what differs is
+/// written anew.
+std::string Patched(const std::string& text, const nlohmann::ordered_json& before,
+                    const nlohmann::ordered_json& after);
+
+}  // namespace simulator

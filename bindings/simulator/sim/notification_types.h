@@ -1,0 +1,28 @@
+// The types of notification that the device has.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+/// The names of all known types.
+std::vector<std::string> NotificationTypeNames();
+
+/// What differs from what is usual for a type.
+struct NotificationFields {
+    std::optional<std::string> category;
+    std::optional<nlohmann::ordered_json> severity;  ///< a name, or a number
+    std::optional<std::string> labelId;
+    std::optional<std::string> titleId;
+    std::optional<std::string> textId;
+    bool active = true;
+};
+
+/// A notification of the type @p type. Throws std::runtime_error for an unknown type, unless
+/// @p fields names everything.
+nlohmann::ordered_json MakeNotification(const std::string& type, const NotificationFields& fields);
+
+}  // namespace simulator

@@ -1,0 +1,26 @@
+# What belongs to a command besides its program.
+
+find_program(KESTAL_SCDOC scdoc REQUIRED)
+add_custom_target(kestal_man_pages ALL)
+
+# kestal_add_man_page(NAME): builds docs/man/NAME.1.scd and installs it.
+function(kestal_add_man_page name)
+    set(source ${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd)
+    set(folder ${PROJECT_BINARY_DIR}/man/man1)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(OUTPUT ${folder}/${name}.1
+        COMMAND ${KESTAL_SCDOC} < ${source} > ${folder}/${name}.1
+        DEPENDS ${source}
+        COMMENT "Building the man page ${name}(1)"
+        VERBATIM)
+    add_custom_target(${name}_man_page DEPENDS ${folder}/${name}.1)
+    add_dependencies(kestal_man_pages ${name}_man_page)
+    install(FILES ${folder}/${name}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endfunction()
+
+# kestal_add_completion(NAME): installs tools/completion/NAME.bash, which completes NAME in bash.
+function(kestal_add_completion name)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/completion/${name}.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME ${name})
+endfunction()

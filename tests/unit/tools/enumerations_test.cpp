@@ -1,0 +1,124 @@
+// The names of numbers are those of the platform's headers.
+#include "tools/enumerations.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Enumerators = std::vector<std::pair<std::string, std::int64_t>>;
+
+std::string Content(const std::string& header) {
+    std::ifstream file(std::string(KESTAL_PLATFORM_HEADERS) + "/" + header);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+/// The enumerations of @p header by name.
+std::map<std::string, Enumerators> EnumerationsOf(const std::string& header) {
+    const std::string content = Content(header);
+    const std::regex enumeration(R"(enum (\w+) : [\w:]+ \{([^}]*)\})");
+    const std::regex enumerator(R"((\w+) = (\w+),)");
+    std::map<std::string, Enumerators> found;
+    for (std::sregex_iterator one(content.begin(), content.end(), enumeration), end; one != end;
+         ++one) {
+        const std::string body = (*one)[2];
+        for (std::sregex_iterator line(body.begin(), body.end(), enumerator); line != end; ++line) {
+            found[(*one)[1]].emplace_back((*line)[1], std::stoll((*line)[2], nullptr, 0));
+        }
+    }
+    return found;
+}
+
+/// What all names begin with, up to an underscore.
+std::string CommonBeginning(const Enumerators& enumerators) {
+    std::string common = enumerators.front().first;
+    for (const auto& [name, value] : enumerators) {
+        while (name.compare(0, common.size(), common) != 0) {
+            common.pop_back();
+        }
+    }
+    return common.substr(0, common.rfind('_') + 1);
+}
+
+Enumerators NamesOf(Enumeration names) {
+    Enumerators found;
+    for (const EnumerationName& one : names) {
+        found.emplace_back(one.name, one.value);
+    }
+    return found;
+}
+
+Enumerators Shortened(const Enumerators& enumerators) {
+    const std::size_t common = CommonBeginning(enumerators).size();
+    Enumerators names;
+    for (const auto& [name, value] : enumerators) {
+        std::string shortened = name.substr(common);
+        for (char& letter : shortened) {
+            letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+        }
+        names.emplace_back(shortened, value);
+    }
+    return names;
+}
+
+void ExpectNames(const std::map<std::string, Enumerators>& declared,
+                 const std::map<std::string, Enumeration>& tables) {
+    for (const auto& [name, enumerators] : declared) {
+        const auto table = tables.find(name);
+        ASSERT_NE(table, tables.end()) << name;
+        EXPECT_EQ(NamesOf(table->second), Shortened(enumerators)) << name;
+    }
+    EXPECT_EQ(declared.size(), tables.size());
+}
+
+TEST(Enumerations, OfTheSystemInterfaceAreComplete) {
+    auto declared = EnumerationsOf("sysint.h");
+    // Only ever given, as an argument.
+    EXPECT_EQ(declared.erase("sys_wifi_guest_profile_e"), 1U);
+    ExpectNames(declared, {{"sys_result_e", kSysResult},
+                           {"sys_sim_status_e", kSimStatus},
+                           {"sys_technology_e", kTechnology},
+                           {"sys_roaming_e", kRoaming},
+                           {"sys_5g_type_e", kFiveGType},
+                           {"sys_traffic_status_e", kTrafficStatus},
+                           {"sys_wan_5g_mode_e", kWanFiveGMode},
+                           {"sys_service_status_e", kServiceStatus},
+                           {"sys_data_connection_status_e", kDataConnectionStatus},
+                           {"sys_account_status_e", kAccountStatus},
+                           {"sys_gps_status_e", kGpsStatus},
+                           {"sys_connection_kind_e", kConnectionKind},
+                           {"sys_battery_detection_e", kBatteryDetection},
+                           {"sys_charging_source_e", kChargingSource}});
+}
+
+TEST(Enumerations, OfTheWebUiLibraryAreComplete) {
+    ExpectNames(EnumerationsOf("webui.h"), {{"webui_status_e", kWebuiStatus}});
+}
+
+TEST(Enumerations, OfTheMessageBusAreComplete) {
+    ExpectNames(EnumerationsOf("web_common.h"), {{"msgbus_result_e", kMsgbusResult}});
+}
+
+TEST(Enumerations, OfTheNotificationsAreComplete) {
+    auto declared = EnumerationsOf("notification.h");
+    // A place and a bit, not meanings of a number.
+    EXPECT_EQ(declared.erase("ans_notification_flag_e"), 1U);
+    declared.erase("ans_notification_list_e");
+    ExpectNames(declared, {{"ans_severity_e", kSeverity}});
+}
+
+TEST(Enumerations, AValueWithoutANameHasNone) {
+    EXPECT_STREQ(NameOf(7, kSimStatus), "ready");
+    EXPECT_EQ(NameOf(8, kSimStatus), nullptr);
+    EXPECT_EQ(NameOf(-1, kSimStatus), nullptr);
+}
+
+}  // namespace

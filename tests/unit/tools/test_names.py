@@ -1,0 +1,95 @@
+"""The tools have the commands that the log, the platform and the man pages speak of."""
+
+import re
+
+import pytest
+
+import surroundings
+
+# Comments and characters are passed over; adjacent literals are one text.
+TOKEN = re.compile(
+    r"""//[^\n]* | /\*.*?\*/ | '(?:[^'\\\n]|\\.)' | (?P<text>(?:"(?:[^"\\\n]|\\.)*"\s*)+)""",
+    re.VERBOSE | re.DOTALL,
+)
+MENTION = re.compile(r"\b(\w+cli) (\w+)")
+
+
+def texts(source):
+    for token in TOKEN.finditer(source):
+        if token["text"] is not None:
+            yield "".join(re.findall(r'"((?:[^"\\\n]|\\.)*)"', token["text"]))
+
+
+def log_lines():
+    """All texts of the product that send the reader to a tool."""
+    found = []
+    for folder in ("framework", "components", "service"):
+        for file in sorted((surroundings.ROOT / folder).rglob("*")):
+            if file.suffix in (".cpp", ".h"):
+                found += [
+                    text
+                    for text in texts(file.read_text())
+                    if re.search(r"\btry \w+cli|command line", text, re.IGNORECASE)
+                ]
+    return found
+
+
+def test_texts_are_read_across_lines_and_not_from_comments():
+    source = """
+        Log("a \\"b\\" "
+            "c", '"', "d");  // "e"
+        /* "f" */ "g"
+    """
+    assert list(texts(source)) == ['a \\"b\\" c', "d", "g"]
+
+
+def test_there_are_log_lines_to_hold_the_tools_against():
+    assert len(log_lines()) > 40
+
+
+@pytest.mark.parametrize("line", log_lines())
+def test_what_the_log_says_works(line):
+    mentions = MENTION.findall(line)
+    assert mentions, "it names no tool"
+    for tool, command in mentions:
+        assert tool in surroundings.NAMES
+        assert command in surroundings.commands(tool)
+        outcome = surroundings.run(tool, command, "--help")
+        assert (outcome.returncode, outcome.stderr) == (0, b"")
+
+
+@pytest.mark.parametrize("tool", surroundings.NAMES)
+def test_the_log_speaks_of_each_tool(tool):
+    assert tool in {mention[0] for line in log_lines() for mention in MENTION.findall(line)}
+
+
+@pytest.mark.parametrize(
+    "tool, header, call",
+    [
+        ("sysintcli", "sysint.h", r"^int sys_((?:get|cellular)\w+)\("),
+        ("webui_cli", "webui.h", r"^int webui_(\w+)\("),
+    ],
+)
+def test_each_call_of_the_platform_has_a_command(tool, header, call):
+    declared = re.findall(call, (surroundings.ROOT / "platform" / header).read_text(), re.MULTILINE)
+    assert len(declared) >= 10
+    assert set(declared) <= set(surroundings.commands(tool))
+
+
+@pytest.mark.parametrize("tool", ["sysintcli", "webui_cli", "msgbus_cli"])
+def test_the_man_page_tells_each_command(tool):
+    page = (surroundings.ROOT / "docs" / "man" / f"{tool}.1.scd").read_text()
+    section = page.partition("\n# COMMANDS\n")[2].partition("\n# ")[0]
+    described = []
+    for line in section.splitlines():
+        if line.startswith("*"):
+            described += re.findall(r"\*(\w+)\*", line)
+    assert sorted(described) == sorted(surroundings.commands(tool))
+
+
+@pytest.mark.parametrize("tool", ["sysintcli", "webui_cli", "msgbus_cli"])
+def test_the_man_page_is_built(tool):
+    page = (surroundings.MAN_PAGES / f"{tool}.1").read_text()
+    assert f'.TH "{tool}" "1"' in page
+    for name in surroundings.commands(tool):
+        assert name.replace("-", "\\-") in page

@@ -1,0 +1,186 @@
+// What the tools have in common: help, list of commands, wrong usage, exit codes.
+#include "tools/tool.h"
+
+#include <gmock/gmock.h>
+
+#include <ostream>
+#include <set>
+#include <streambuf>
+
+#include "bindings/recording/recording.h"
+#include "tests/unit/tools/transcript.h"
+#include "tools/msgbus_commands.h"
+#include "tools/sysint_commands.h"
+#include "tools/webui_commands.h"
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+Tool Example() {
+    return {.name = "example",
+            .description = "Serves as an example.",
+            .codes = {},
+            .commands = {{.names = {"say", "tell"},
+                          .description = "Say something",
+                          .parameters = {{"WHAT", "What to say"}, {"TIMES", "How often", {{1, 3}}}},
+                          .run =
+                              [](const Arguments& arguments, std::ostream& out) {
+                                  for (int time = 0; time < arguments.Number(1); ++time) {
+                                      out << arguments.Text(0) << (arguments.option ? "!" : ".");
+                                  }
+                              },
+                          .option = "--loud",
+                          .optionDescription = "Say it loud"},
+                         {.names = {"fail"},
+                          .description = "Fail",
+                          .parameters = {},
+                          .run = [](const Arguments& /*arguments*/, std::ostream& /*out*/) {
+                              throw CallFailed("the_call", 3);
+                          }}}};
+}
+
+TEST(Tool, RunsACommandByAnyOfItsNames) {
+    EXPECT_EQ(Shown(Example(), {"say", "so", "2"}), "so.so.");
+    EXPECT_EQ(Shown(Example(), {"tell", "so", "1"}), "so.");
+}
+
+TEST(Tool, TheOptionStandsAnywhereBehindTheCommand) {
+    EXPECT_EQ(Shown(Example(), {"say", "--loud", "so", "1"}), "so!");
+    EXPECT_EQ(Shown(Example(), {"say", "so", "1", "--loud"}), "so!");
+}
+
+TEST(Tool, ArgumentsMayBeAnyText) {
+    EXPECT_EQ(Shown(Example(), {"say", "", "1"}), ".");
+    EXPECT_EQ(Shown(Example(), {"say", "fail", "1"}), "fail.");
+    EXPECT_EQ(Shown(Example(), {"say", "\"a b\" [c]", "1"}), "\"a b\" [c].");
+    EXPECT_EQ(Shown(Example(), {"say", "--", "--loud", "1"}), "--loud.");
+}
+
+TEST(Tool, HelpTellsTheCommands) {
+    EXPECT_EQ(Shown(Example(), {"--help"}),
+              "Serves as an example.\n"
+              "Usage: example [OPTIONS] COMMAND\n"
+              "\n"
+              "Options:\n"
+              "  -h,--help                                 Print this help message and exit\n"
+              "  --commands                                Print the names of all commands, one a "
+              "line, and exit\n"
+              "\n"
+              "Commands:\n"
+              "  say, tell                                 Say something\n"
+              "  fail                                      Fail\n"
+              "\n"
+              "'example COMMAND --help' tells what a command takes.\n");
+    EXPECT_EQ(Shown(Example(), {"-h"}), Shown(Example(), {"--help"}));
+}
+
+TEST(Tool, HelpOfACommandTellsWhatItTakes) {
+    const std::string expected =
+        "Say something\n"
+        "Usage: example say [OPTIONS] WHAT TIMES\n"
+        "\n"
+        "Arguments:\n"
+        "  WHAT REQUIRED                             What to say\n"
+        "  TIMES REQUIRED                            How often\n"
+        "\n"
+        "Options:\n"
+        "  -h,--help                                 Print this help message and exit\n"
+        "  --loud                                    Say it loud\n"
+        "\n";
+    EXPECT_EQ(Shown(Example(), {"say", "--help"}), expected);
+    EXPECT_EQ(Shown(Example(), {"tell", "so", "--help"}), expected);
+}
+
+TEST(Tool, TheNamesOfTheCommandsCanBeListed) {
+    EXPECT_EQ(Shown(Example(), {"--commands"}), "say\ntell\nfail\n");
+}
+
+TEST(Tool, WrongUsageIsSaid) {
+    const std::string hint = "\nTry 'example --help'.\n[2]\n";
+    EXPECT_EQ(Shown(Example(), {}), "example: a command is expected" + hint);
+    EXPECT_EQ(Shown(Example(), {"shout"}), "example: 'shout' is no command and no option" + hint);
+    EXPECT_EQ(Shown(Example(), {"Say"}), "example: 'Say' is no command and no option" + hint);
+    EXPECT_EQ(Shown(Example(), {"--loud"}), "example: '--loud' is no command and no option" + hint);
+    EXPECT_EQ(Shown(Example(), {"shout", "--help"}),
+              "example: 'shout' is no command and no option" + hint);
+    EXPECT_EQ(Shown(Example(), {"say", "so"}), "example: TIMES is required" + hint);
+    EXPECT_EQ(Shown(Example(), {"say", "so", "4"}),
+              "example: TIMES: '4' is no number from 1 to 3" + hint);
+    EXPECT_EQ(Shown(Example(), {"say", "so", "1", "more"}),
+              "example: The following argument was not expected: more" + hint);
+    EXPECT_EQ(Shown(Example(), {"fail", "--loud"}),
+              "example: The following argument was not expected: --loud" + hint);
+}
+
+TEST(Tool, ACallThatFailsIsSaid) {
+    EXPECT_EQ(Shown(Example(), {"fail"}), "example: the_call failed, returned error code 3\n[1]\n");
+}
+
+/// Takes nothing.
+class FullDisk : public std::streambuf {};
+
+TEST(Tool, AnAnswerThatCannotBeWrittenIsAFailure) {
+    FullDisk disk;
+    std::ostream out(&disk);
+    std::ostringstream errors;
+    EXPECT_EQ(RunTool(Example(), {"say", "so", "1"}, out, errors), ExitCode::kFailed);
+    EXPECT_EQ(errors.str(), "example: the output cannot be written\n");
+}
+
+class EveryTool : public testing::TestWithParam<Tool (*)()> {};
+
+TEST_P(EveryTool, HasHelpForEachNameOfACommandWithoutCallingThePlatform) {
+    recording::Reset();
+    const Tool tool = GetParam()();
+    for (const Command& command : tool.commands) {
+        for (const std::string& name : command.names) {
+            const std::string help = Shown(tool, {name, "--help"});
+            EXPECT_THAT(help, HasSubstr("Usage: " + tool.name + " " + command.names.front()));
+            EXPECT_THAT(help, Not(HasSubstr("[2]")));
+        }
+    }
+    EXPECT_EQ(recording::TranscriptText(), "");
+}
+
+TEST_P(EveryTool, HasEachNameOnce) {
+    std::set<std::string> names;
+    const Tool tool = GetParam()();
+    for (const Command& command : tool.commands) {
+        for (const std::string& name : command.names) {
+            EXPECT_TRUE(names.insert(name).second) << name;
+        }
+    }
+}
+
+TEST_P(EveryTool, RefusesACommandWithoutItsArguments) {
+    recording::Reset();
+    const Tool tool = GetParam()();
+    for (const Command& command : tool.commands) {
+        if (!command.parameters.empty()) {
+            EXPECT_EQ(Shown(tool, {command.names.front()}),
+                      tool.name + ": " + command.parameters.front().name + " is required\nTry '" +
+                          tool.name + " --help'.\n[2]\n");
+        }
+    }
+    EXPECT_EQ(recording::TranscriptText(), "");
+}
+
+TEST_P(EveryTool, RefusesASurplusArgument) {
+    recording::Reset();
+    const Tool tool = GetParam()();
+    for (const Command& command : tool.commands) {
+        std::vector<std::string> arguments = Acceptable(command);
+        arguments.emplace_back("surplus");
+        EXPECT_EQ(Shown(tool, arguments), tool.name +
+                                              ": The following argument was not expected: "
+                                              "surplus\nTry '" +
+                                              tool.name + " --help'.\n[2]\n");
+    }
+    EXPECT_EQ(recording::TranscriptText(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Tools, EveryTool, testing::Values(SysintTool, WebuiTool, MsgbusTool));
+
+}  // namespace

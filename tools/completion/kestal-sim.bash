@@ -1,0 +1,77 @@
+# shellcheck shell=bash
+# Completes kestal-sim.
+
+# Adds what begins with the word to the answers, quoted: names in a device's document may hold
+# anything, and compgen -W would run what they say.
+_kestal_sim_offer() {
+    local word=$1 candidate quoted
+    shift
+    for candidate in "$@"; do
+        printf -v quoted %q "$candidate"
+        if [[ $candidate == "$word"* || $quoted == "$word"* ]]; then
+            COMPREPLY+=("$quoted")
+        fi
+    done
+}
+
+# The same for files; a tilde at the beginning stays the home directory.
+_kestal_sim_offer_files() {
+    local file quoted
+    while IFS= read -r file; do
+        printf -v quoted %q "$file"
+        [[ $file != '~'* ]] || quoted=${quoted#\\}
+        COMPREPLY+=("$quoted")
+    done < <(compgen -f -- "$1")
+}
+
+_kestal_sim() {
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local commands='show set fail heal load notify login logout play'
+    local command='' device=() index words='' names=()
+    for ((index = 1; index < COMP_CWORD; ++index)); do
+        if [ "${COMP_WORDS[index]}" = --device ]; then
+            device=(--device "${COMP_WORDS[++index]}")
+        elif [[ ${COMP_WORDS[index]} != -* ]]; then
+            command=${COMP_WORDS[index]}
+            break
+        fi
+    done
+    COMPREPLY=()
+    if [ "$previous" = --device ]; then
+        _kestal_sim_offer_files "$word"
+        return
+    fi
+    case $command in
+        '') words="--device --help $commands" ;;
+        show | set | fail | heal)
+            words=--help
+            if [ "$command" = show ]; then
+                words='--paths --help'
+            fi
+            mapfile -t names < <("$1" "${device[@]}" show --paths 2>/dev/null)
+            ;;
+        load)
+            words=--help
+            _kestal_sim_offer_files "$word"
+            ;;
+        notify)
+            if [ "$previous" = --severity ]; then
+                words='info warning alert critical'
+            else
+                words='--clear --types --severity --category --label --title --text --inactive --help'
+                mapfile -t names < <("$1" notify --types 2>/dev/null)
+            fi
+            ;;
+        login) words='--address --user-agent --idle --help' ;;
+        logout) words=--help ;;
+        play)
+            words='--speed --loop --quiet --check --help'
+            _kestal_sim_offer_files "$word"
+            ;;
+    esac
+    local matches
+    mapfile -t matches < <(compgen -W "$words" -- "$word")
+    COMPREPLY+=("${matches[@]}")
+    _kestal_sim_offer "$word" "${names[@]}"
+}
+complete -F _kestal_sim kestal-sim

@@ -1,0 +1,24 @@
+#include "tools/json_output.h"
+
+#include <ostream>
+#include <string_view>
+
+void WriteJson(std::ostream& out, const Json& value) {
+    constexpr int kIndent = 4;
+    out << value.dump(kIndent, ' ', false, Json::error_handler_t::replace) << "\n";
+}
+
+Json Named(std::int64_t value, Enumeration names) {
+    const char* const name = NameOf(value, names);
+    return Json::object({{"value", value}, {"name", name == nullptr ? Json() : Json(name)}});
+}
+
+std::string HexText(std::span<const std::uint8_t> bytes) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        text += kDigits[byte >> 4U];
+        text += kDigits[byte & 15U];
+    }
+    return text;
+}

@@ -1,0 +1,5 @@
+#include "tools/sysint_commands.h"
+
+int main(int argc, char** argv) {
+    return RunTool(SysintTool(), argc, argv);
+}

@@ -1,0 +1,173 @@
+#include "tools/webui_commands.h"
+
+#include "platform/webui.h"
+#include "tools/json_output.h"
+#include "tools/list_reading.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+using Parameters = std::vector<Parameter>;
+
+std::string CallName(const Names& names) {
+    return "webui_" + names.front();
+}
+
+Json Describe(const webui_feature_t& feature) {
+    return Json::object({{"name", FieldText(feature.name)}, {"value", feature.value}});
+}
+
+Json Describe(const webui_configuration_t& configuration) {
+    return Json::object(
+        {{"name", FieldText(configuration.name)}, {"value", FieldText(configuration.value)}});
+}
+
+Json Describe(const webui_uri_data_t& data) {
+    return Json::object(
+        {{"address", FieldText(data.address)}, {"titleId", FieldText(data.titleId)}});
+}
+
+Json Describe(const webui_external_uri_data_t& data) {
+    return Json::object({{"address", FieldText(data.address)}});
+}
+
+Json Describe(const webui_i18n_settings_t& settings) {
+    return Json::object({{"language", FieldText(settings.language)}});
+}
+
+Json Describe(const webui_software_update_status_t& status) {
+    return Json::object({{"status", status.status},
+                         {"userInitiated", status.userInitiated},
+                         {"value", status.value},
+                         {"version", FieldText(status.version)}});
+}
+
+Json Describe(const SoftwareUpdateCustomMessages& messages) {
+    return Json::object({{"description", FieldText(messages.description)},
+                         {"download", FieldText(messages.download)},
+                         {"readyToInstall", FieldText(messages.readyToInstall)},
+                         {"installSuccess", FieldText(messages.installSuccess)},
+                         {"installFail", FieldText(messages.installFail)}});
+}
+
+/// The call of a command: it fills the answer and returns its code.
+using Call = std::function<int(const Arguments&, Json&)>;
+
+/// A command around @p call, whose name is the command's first one behind "webui_".
+Command Calling(Names names, std::string description, Parameters parameters, Call call) {
+    const std::string callName = CallName(names);
+    return {
+        .names = std::move(names),
+        .description = std::move(description),
+        .parameters = std::move(parameters),
+        .run = [callName, call = std::move(call)](const Arguments& arguments, std::ostream& out) {
+            Json answer;
+            Check(callName, call(arguments, answer), WEBUI_SUCCESS);
+            WriteJson(out, answer);
+        }};
+}
+
+/// A query whose only parameter is its result.
+template <typename Record>
+Command Query(Names names, std::string description, int (*call)(Record*)) {
+    return Calling(std::move(names), std::move(description), {},
+                   [call](const Arguments& /*arguments*/, Json& answer) {
+                       Record record{};
+                       const int code = call(&record);
+                       answer = Describe(record);
+                       return code;
+                   });
+}
+
+/// A query by the name of something.
+template <typename Record>
+Command Query(Names names, std::string description, Parameter parameter,
+              int (*call)(const char*, Record*)) {
+    return Calling(std::move(names), std::move(description), {parameter},
+                   [call](const Arguments& arguments, Json& answer) {
+                       Record record{};
+                       const int code = call(arguments.Text(0), &record);
+                       answer = Describe(record);
+                       return code;
+                   });
+}
+
+/// Reads a list with @p read(buffer, count), the call @p callName, and describes it as @p field.
+template <typename Record, typename Read>
+int List(const std::string& callName, const char* field, Read read, Json& answer) {
+    Json list = Json::array();
+    for (const Record& record :
+         ReadList<Record, int>(callName, WEBUI_SUCCESS, WEBUI_BUFFER_NEEDED, read)) {
+        list.push_back(Describe(record));
+    }
+    answer = Json::object({{field, list}});
+    return WEBUI_SUCCESS;
+}
+
+template <typename Record>
+Command QueryList(Names names, std::string description, const char* field,
+                  int (*call)(Record*, int*)) {
+    const std::string callName = CallName(names);
+    return Calling(std::move(names), std::move(description), {},
+                   [=](const Arguments& /*arguments*/, Json& answer) {
+                       return List<Record>(callName, field, call, answer);
+                   });
+}
+
+template <typename Record>
+Command QueryList(Names names, std::string description, const char* field, Parameter parameter,
+                  int (*call)(const char*, Record*, int*)) {
+    const std::string callName = CallName(names);
+    return Calling(std::move(names), std::move(description), {parameter},
+                   [=](const Arguments& arguments, Json& answer) {
+                       const auto read = [&](Record* buffer, int* count) {
+                           return call(arguments.Text(0), buffer, count);
+                       };
+                       return List<Record>(callName, field, read, answer);
+                   });
+}
+
+constexpr Parameter kApp = {"APP", "Name of an application of the web UI"};
+constexpr Parameter kPage = {"ID", "Identifier of a page"};
+constexpr Parameter kLanguage = {"LANGUAGE", "Language code such as en_US"};
+
+std::vector<Command> Commands() {
+    return {
+        QueryList({"get_common_features"}, "Device-wide features", "features",
+                  webui_get_common_features),
+        QueryList({"get_app_features"}, "Features of an application", "features", kApp,
+                  webui_get_app_features),
+        QueryList({"get_common_configurations"}, "Device-wide configurations", "configurations",
+                  webui_get_common_configurations),
+        QueryList({"get_app_configurations"}, "Configurations of an application", "configurations",
+                  kApp, webui_get_app_configurations),
+        Query({"get_uri_data"}, "Address and title of a page of the web UI", kPage,
+              webui_get_uri_data),
+        Query({"get_external_uri_data"}, "Address of a page outside the web UI", kPage,
+              webui_get_external_uri_data),
+        Query({"get_i18n_settings", "get_internationalization_settings"},
+              "Language that the user has chosen", webui_get_i18n_settings),
+        Query({"get_software_update_status"}, "State of the software update",
+              webui_get_software_update_status),
+        Calling({"get_software_installation_duration", "software_installation_duration"},
+                "How long the installation of an update is expected to take", {},
+                [](const Arguments& /*arguments*/, Json& answer) {
+                    int duration = 0;
+                    const int code = webui_get_software_installation_duration(&duration);
+                    answer = Json::object({{"duration", duration}});
+                    return code;
+                }),
+        Query({"get_software_update_custom_msgs"}, "The carrier's texts about software updates",
+              kLanguage, webui_get_software_update_custom_msgs),
+    };
+}
+
+}  // namespace
+
+Tool WebuiTool() {
+    return {
+        .name = "webui_cli",
+        .description = "Makes a call of the web UI's configuration library and prints its answer.",
+        .codes = kWebuiStatus,
+        .commands = Commands()};
+}
