@@ -69,6 +69,26 @@ def test_no_folder_is_listed(make_server, work):
     assert server.ask("/srv/status").status == 200
 
 
+def test_a_page_loads_nothing_from_elsewhere_and_is_shown_in_no_other(make_server):
+    server = make_server()
+    server.environment["KESTAL_DOCUMENT_ROOT"] = str(paths.ROOT / "demo")
+    server.start()
+    for target in ("/", "/app.js", "/style.css", "/favicon.svg", "/nothing"):
+        headers = server.ask(target).headers
+        directives = dict(part.split(" ", 1) for part in headers["content-security-policy"].split("; "))
+        assert directives.pop("default-src") == "'none'"
+        assert {name for name, value in directives.items() if value == "'none'"} == {
+            "base-uri", "form-action", "frame-ancestors"
+        }
+        assert {name for name, value in directives.items() if value == "'self'"} == {
+            "script-src", "style-src", "img-src", "connect-src"
+        }
+        assert len(directives) == 7
+        assert headers["x-content-type-options"] == "nosniff"
+        # Anything stricter would hide from the guard where a GET of our own page comes from.
+        assert headers["referrer-policy"] == "same-origin"
+
+
 def test_a_large_body_is_refused(server):
     assert server.ask("/srv/status", method="POST", body=b"a" * 65536).status == 200
     assert server.ask("/srv/status", method="POST", body=b"a" * 65537).status == 413
@@ -148,6 +168,7 @@ def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
         ("KESTAL_RESPONDER", "/nowhere/kestal.cgi", "no such program: /nowhere/kestal.cgi"),
         ("KESTAL_RESPONDER", "/tmp", "no such program: /tmp"),
         ("KESTAL_CONFIGURATION", "/nowhere", "no configuration: /nowhere"),
+        ("KESTAL_DOCUMENT_ROOT", "/nowhere", "no folder of static files: /nowhere"),
         ("KESTAL_RUN_DIRECTORY", "/nowhere/run", "cannot make the run directory /nowhere/run"),
     ],
 )

@@ -41,14 +41,24 @@ def test_everything_that_runs_is_installed(prefix, configuration):
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
         "bin/kestal-session",
+        "bin/kestal-sim",
+        "bin/msgbus_cli",
+        "bin/sysinicli",
+        "bin/sysintcli",
+        "bin/webui_cli",
         "lib/systemd/system/kestal.service",
         "libexec/kestal/kestal-server",
         "libexec/kestal/kestal.cgi",
+        "share/doc/kestal/api/openapi.yaml",
     }
     texts = {name for name in files if name.startswith("share/locale/")}
     assert texts == {f"share/locale/{language}/LC_MESSAGES/webui.mo" for language in LANGUAGES}
+    page = {name for name in files if name.startswith("share/kestal/demo/")}
+    assert page == {f"share/kestal/demo/{path.name}" for path in (paths.ROOT / "demo").iterdir()}
     devices = {name for name in files if name.startswith("share/kestal/devices/")}
     assert devices == {f"share/kestal/devices/{path.name}" for path in paths.DEVICES.iterdir()}
+    scenarios = {name for name in files if name.startswith("share/kestal/scenarios/")}
+    assert scenarios == {f"share/kestal/scenarios/{path.name}" for path in paths.SCENARIOS.iterdir()}
     assert not [name for name in files if name.endswith((".a", ".h", ".hpp"))]
 
 
@@ -59,6 +69,7 @@ def test_the_installed_service_serves(prefix, configuration, make_server):
     server.environment["KESTAL_CONFIGURATION"] = str(configuration)
     server.environment["KESTAL_DEVICE"] = str(prefix / "share" / "kestal" / "devices" / "default.json")
     assert server.start().ask("/srv/status").json()["statusData"]
+    assert server.ask("/").body == (paths.ROOT / "demo" / "index.html").read_bytes()
 
 
 def test_the_unit_names_the_folders_of_the_build(prefix):

@@ -141,9 +141,12 @@ def test_it_serves_until_it_is_stopped_and_leaves_nothing_behind(run, stop):
 
 
 def test_it_prints_what_to_try_and_each_line_works(run):
-    script = run()
+    script = run(KESTAL_SCENARIO="none")
     script.wait_for("Ctrl-C stops it.")
     url = f"http://127.0.0.1:{script.port}"
+    assert f"\n  {url}/\n" in script.output
+    page = web.ask(script.port, "/")
+    assert (page.status, page.headers["content-type"]) == (200, "text/html; charset=utf-8")
     for name in ("status", "notification", "connect", "disconnect"):
         assert f"curl {url}/srv/{name}\n" in script.output
 
@@ -157,6 +160,77 @@ def test_it_prints_what_to_try_and_each_line_works(run):
     session = re.search(r"^  (export KESTAL_SESSIONS=.*\n  curl .*)$", script.output, re.MULTILINE)[1]
     answer = subprocess.run(["/bin/sh", "-c", session], capture_output=True, text=True, timeout=20)
     assert answer.stdout.startswith('{"loginStatus":1,'), answer.stderr
+
+    changes = re.search(
+        r"^  (export KESTAL_DEVICE=.*\n(?:  .*/kestal-sim .*\n)+)", script.output, re.MULTILINE
+    )[1]
+    quick = changes.replace(" play ", " play --quiet --speed 1000000 ")
+    assert quick != changes
+    subprocess.run(["/bin/sh", "-ec", quick], check=True, timeout=60)
+    assert web.ask(script.port, "/srv/status").json()["statusData"]["statusBarBatteryPercent"] == "9"
+
+
+def players(device):
+    return [pid for pid in processes.mentioning(device) if processes.field(pid, "Name") == "kestal-sim"]
+
+
+def device_of(script):
+    return re.search(r"^  (/.*\.json)$", script.output, re.MULTILINE)[1]
+
+
+def test_the_device_lives_until_it_is_stopped(run):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    (player,) = players(device_of(script))
+    before = web.ask(script.port, "/srv/status").json()["statusData"]
+    wait_until(
+        lambda: web.ask(script.port, "/srv/status").json()["statusData"] != before,
+        "the status changes by itself",
+    )
+    script.press_control_c()
+    assert script.end() == 0
+    assert not processes.is_alive(player)
+    assert script.left_behind() == ([], [])
+
+
+def test_a_player_that_dies_leaves_the_service(run):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    (player,) = players(device_of(script))
+    os.kill(player, signal.SIGKILL)
+    wait_until(lambda: not processes.is_alive(player), "the player is gone")
+    assert web.ask(script.port, "/srv/status").json()["statusData"]
+    script.press_control_c()
+    assert script.end() == 0
+    assert script.left_behind() == ([], [])
+
+
+@pytest.mark.parametrize("own_device", [False, True])
+def test_the_scenario_can_be_chosen(run, work, own_device):
+    (work / "quick.json").write_text(
+        '{"duration": 100, "events": [{"at": 0, "say": "a", "set": '
+        '{"sys.getBatteryStatus.chargePercent": 33}}]}'
+    )
+    (work / "mine.json").write_bytes(paths.DEFAULT_DEVICE.read_bytes())
+    script = run(
+        KESTAL_SCENARIO="quick.json", **({"KESTAL_DEVICE": "mine.json"} if own_device else {})
+    )
+    script.wait_for("Ctrl-C stops it.")
+    wait_until(
+        lambda: web.ask(script.port, "/srv/status").json()["statusData"]["statusBarBatteryPercent"]
+        == "33",
+        "the scenario is played",
+    )
+
+
+def test_a_device_of_ones_own_stays_as_it_is_unless_asked(run, work):
+    (work / "mine.json").write_bytes(paths.DEFAULT_DEVICE.read_bytes())
+    script = run(KESTAL_DEVICE="mine.json")
+    script.wait_for("Ctrl-C stops it.")
+    assert players(str(work / "mine.json")) == []
+    script.press_control_c()
+    assert script.end() == 0
+    assert (work / "mine.json").read_bytes() == paths.DEFAULT_DEVICE.read_bytes()
 
 
 @pytest.mark.parametrize("build", ["absolute", "relative"])
@@ -227,6 +301,7 @@ def test_a_port_that_is_taken_is_told(run):
 @pytest.mark.parametrize(
     ("variable", "value", "message"),
     [
+        ("KESTAL_SCENARIO", "nowhere", "the device cannot play nowhere"),
         ("PORT", "web", "KESTAL_PORT is no number: 'web'"),
         ("KESTAL_DEVICE", "/nowhere.json", "cannot read the device's file /nowhere.json"),
         ("KESTAL_BUILD", "/nowhere", "no such program: /nowhere/service/kestal.cgi"),

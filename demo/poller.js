@@ -1,0 +1,86 @@
+// When to ask: one request at a time, seldom while nobody looks, ever more seldom while there is no
+// answer, soon after something was done.
+
+const PERIOD = 3_000;
+const HIDDEN_PERIOD = 60_000;
+const FIRST_RETRY = 1_000;
+const LAST_RETRY = 15_000;
+/** Pauses before the first questions after an action, which takes effect behind its answer. */
+const SOON = [100, 300, 600, 1_000, 1_500, 2_500];
+
+export class Poller {
+    #ask;
+    #timer = null;
+    #running = null;
+    #retry = FIRST_RETRY;
+    #soon = [];
+
+    /** @param ask asks once; tells whether there was an answer, and throws nothing */
+    constructor(ask) {
+        this.#ask = ask;
+    }
+
+    start() {
+        document.addEventListener("visibilitychange", () => {
+            if (document.hidden) {
+                this.#plan();
+            } else {
+                this.now();
+            }
+        });
+        window.addEventListener("online", () => this.now());
+        return this.now();
+    }
+
+    /** Asks at once, or waits for the answer that is under way. */
+    now() {
+        clearTimeout(this.#timer);
+        this.#timer = null;
+        this.#running ??= this.#round();
+        return this.#running;
+    }
+
+    /** Asks several times in short order. */
+    soon() {
+        this.#soon = [...SOON];
+        this.#plan();
+    }
+
+    /** Whether more questions of a soon() are to come. */
+    get isWaitingForEffect() {
+        return this.#soon.length > 0;
+    }
+
+    settle() {
+        this.#soon = [];
+    }
+
+    async #round() {
+        let answered = false;
+        try {
+            answered = await this.#ask();
+        } finally {
+            this.#running = null;
+            this.#retry = answered ? FIRST_RETRY : Math.min(this.#retry * 2, LAST_RETRY);
+            this.#plan(answered);
+        }
+    }
+
+    #plan(answered = true) {
+        if (this.#running !== null) {
+            return;
+        }
+        clearTimeout(this.#timer);
+        this.#timer = setTimeout(() => this.now(), this.#pause(answered));
+    }
+
+    #pause(answered) {
+        if (this.#soon.length > 0) {
+            return this.#soon.shift();
+        }
+        if (document.hidden) {
+            return HIDDEN_PERIOD;
+        }
+        return answered ? PERIOD : this.#retry;
+    }
+}

@@ -1,0 +1,229 @@
+// How the page presents itself: widths, themes, directions, and to those who do not see it.
+
+import assert from "node:assert/strict";
+import { mkdirSync, readFileSync } from "node:fs";
+import path from "node:path";
+import { test } from "node:test";
+
+import { assertQuiet, DESKTOP, PHONE, shows, until } from "./support/browser.js";
+import { load } from "./support/paths.js";
+import { device } from "./support/server.js";
+import { suite } from "./support/suite.js";
+
+const { serve, visit } = suite();
+
+const AXE = readFileSync(load.resolve("axe-core/axe.min.js"), "utf8");
+
+async function complaintsOfAxe(page) {
+    // Through the debugger: the page's policy lets no script of others in.
+    await page.evaluate(AXE);
+    const { violations } = await page.evaluate(() => globalThis.axe.run(document));
+    return violations.flatMap(({ id, nodes }) =>
+        nodes.map((node) => `${id}: ${node.html} ${node.failureSummary}`),
+    );
+}
+
+function luminance(color) {
+    const [red, green, blue] = color.match(/[\d.]+/g).map(Number);
+    return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+}
+
+for (const name of ["default", "dual-sim-slot-2", "no-service", "everything-failing"]) {
+    test(`nothing is wider than a phone (${name})`, async (t) => {
+        const page = await visit(t, await serve(t, device(name)), {
+            viewport: { width: 320, height: 640 },
+        });
+        const widths = await page.evaluate(() => [
+            document.documentElement.scrollWidth,
+            document.body.scrollWidth,
+        ]);
+        assert.deepEqual(widths, [320, 320]);
+        const wide = await page
+            .locator("body *:not(.hidden-text, .hidden-text *, .skip)")
+            .evaluateAll((nodes) =>
+                nodes
+                    .filter((node) => node.getBoundingClientRect().right > innerWidth + 0.5)
+                    .map((node) => node.outerHTML.slice(0, 80)),
+            );
+        assert.deepEqual(wide, []);
+    });
+}
+
+test("a long text without blanks does not widen the page", async (t) => {
+    const document = device("default");
+    document.sys.getCellularServiceStats.networkName = "N".repeat(64);
+    document.msgbus["zelt.ans.notifications"] = [
+        { id: "test", titleId: "T".repeat(49), textId: "x".repeat(280) },
+    ];
+    const page = await visit(t, await serve(t, document), { viewport: PHONE });
+    assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), PHONE.width);
+});
+
+for (const colorScheme of ["light", "dark"]) {
+    test(`the page follows the theme of the user and can be read in it (${colorScheme})`, async (t) => {
+        const page = await visit(t, await serve(t), { colorScheme });
+        const [ink, ground] = await page.evaluate(() => {
+            const style = getComputedStyle(document.body);
+            return [style.color, style.backgroundColor];
+        });
+        const dark = luminance(ground) < luminance(ink);
+        assert.equal(dark, colorScheme === "dark");
+        assert.deepEqual(await complaintsOfAxe(page), []);
+        await assertQuiet(page);
+    });
+}
+
+for (const name of ["dual-sim-slot-2", "pin-locked", "out-of-credit", "everything-failing"]) {
+    test(`the page is fit for everyone (${name})`, async (t) => {
+        const page = await visit(t, await serve(t, device(name)), { viewport: PHONE });
+        assert.deepEqual(await complaintsOfAxe(page), []);
+    });
+}
+
+test("the page is fit for everyone while the service is away", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server);
+    await server.stop();
+    await shows(page, "#trouble", "does not answer");
+    assert.deepEqual(await complaintsOfAxe(page), []);
+});
+
+test("landmarks and headings tell the structure", async (t) => {
+    const page = await visit(t, await serve(t));
+    for (const role of ["banner", "main", "contentinfo"]) {
+        assert.equal(await page.getByRole(role).count(), 1, role);
+    }
+    for (const name of ["Network", "Traffic", "Notifications", "Signal", "SIM card", "Battery"]) {
+        assert.equal(await page.getByRole("region", { name }).count(), 1, name);
+    }
+    const levels = await page
+        .locator("h1, h2, h3, h4")
+        .evaluateAll((nodes) => nodes.map((node) => Number(node.tagName[1])));
+    assert.equal(levels[0], 1);
+    levels.forEach((level, i) =>
+        assert.ok(i === 0 || level <= levels[i - 1] + 1, `heading ${i}: ${levels}`),
+    );
+    assert.equal(
+        await page.locator("[aria-live], [role=status], [role=alert], [role=log]").count(),
+        1,
+    );
+    const spoken = await page.locator("#status-items li").allTextContents();
+    assert.ok(spoken.includes("5G UWB Signal 4 of 5 bars"), String(spoken));
+    assert.ok(spoken.includes("84% battery, charging"), String(spoken));
+});
+
+test("every stop of the keyboard shows that it is one", async (t) => {
+    const page = await visit(t, await serve(t));
+    const stops = [];
+    for (;;) {
+        await page.keyboard.press("Tab");
+        const stop = await page.evaluate(() => {
+            const node = document.activeElement;
+            const style = getComputedStyle(node);
+            return node === document.body
+                ? null
+                : [node.textContent, style.outlineStyle, parseFloat(style.outlineWidth)];
+        });
+        if (stop === null || stops.some(([name]) => name === stop[0])) {
+            break;
+        }
+        stops.push(stop);
+    }
+    assert.deepEqual(
+        stops.map(([name]) => name),
+        ["Skip to the content", "Disconnect", "View messages.", "Install now."],
+    );
+    for (const [name, line, width] of stops) {
+        assert.ok(line === "solid" && width >= 2, `${name}: ${line} ${width}`);
+    }
+});
+
+test("an Arabic device turns the page round", async (t) => {
+    const document = device("default");
+    document.webui.i18nSettings.language = "ar";
+    const page = await visit(t, await serve(t, document));
+    await until(page, () => document.documentElement.dir === "rtl");
+    await shows(page, "#notifications h3", /\p{Script=Arabic}/u);
+    const [network, traffic] = await page.evaluate(() =>
+        ["#connection", "#traffic"].map(
+            (id) => document.querySelector(id).getBoundingClientRect().left,
+        ),
+    );
+    assert.ok(network > traffic, "the first card is on the right");
+    assert.equal(
+        await page
+            .locator("#notifications .text")
+            .first()
+            .evaluate((node) => getComputedStyle(node).direction),
+        "rtl",
+    );
+    // What is written from left to right stays so.
+    const order = await page
+        .locator("#traffic .received .amount")
+        .evaluate((node) => getComputedStyle(node).direction);
+    assert.equal(order, "ltr");
+    assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), DESKTOP.width);
+    assert.deepEqual(await complaintsOfAxe(page), []);
+    await assertQuiet(page);
+});
+
+test("a German device does not", async (t) => {
+    const document = device("default");
+    document.webui.i18nSettings.language = "de";
+    const page = await visit(t, await serve(t, document));
+    await shows(page, "#notifications", "Neue Nachricht");
+    assert.equal(await page.evaluate(() => document.documentElement.dir), "ltr");
+});
+
+/** Lets minutes of traffic pass on the page's clock. */
+async function letTrafficPass(server, page, answers) {
+    const stats = server.document().sys.getCellularDataConnectionStats;
+    let [received, sent] = [stats.bytesReceived1, stats.bytesTransmitted1];
+    for (let i = 0; i < answers; i += 1) {
+        const wave = Math.sin(i / 6) + Math.sin(i / 2.3) / 2;
+        received += Math.round(3_000_000 * (1.6 + wave) * (i % 17 === 0 ? 2 : 1));
+        sent += Math.round(500_000 * (1.7 - wave));
+        server.set({
+            getCellularDataConnectionStats: {
+                ...stats,
+                bytesReceived1: received,
+                bytesTransmitted1: sent,
+                duration: stats.duration + 3 * i,
+            },
+        });
+        const shown = await page.locator("#updated").innerText();
+        await page.clock.runFor(3000);
+        await until(
+            page,
+            (before) => document.querySelector("#updated").innerText !== before,
+            shown,
+        );
+    }
+}
+
+test(
+    "pictures for the documentation",
+    { skip: process.env.KESTAL_PICTURES === undefined },
+    async (t) => {
+        const folder = process.env.KESTAL_PICTURES;
+        mkdirSync(folder, { recursive: true });
+        const server = await serve(t);
+        const take = async (name, options, answers) => {
+            const page = await visit(t, server, { ...options, answered: false });
+            await page.clock.install({ time: new Date("2026-11-21T12:00:00") });
+            await page.reload();
+            await shows(page, "#updated", "Updated");
+            await letTrafficPass(server, page, answers);
+            await page.screenshot({
+                path: path.join(folder, name),
+                fullPage: options.whole ?? true,
+            });
+        };
+        await take("page.png", { viewport: DESKTOP, colorScheme: "light" }, 100);
+        await take(
+            "page-phone-dark.png",
+            { viewport: PHONE, colorScheme: "dark", whole: false, deviceScaleFactor: 2 },
+            100,
+        );
+    },
+);

@@ -1,0 +1,162 @@
+// The page while the service is away, and how often it asks.
+
+import assert from "node:assert/strict";
+import { test } from "node:test";
+
+import { shows, until } from "./support/browser.js";
+import { device } from "./support/server.js";
+import { suite } from "./support/suite.js";
+
+const { serve, visit } = suite();
+
+const GONE = /does not answer/;
+
+function isWell(page) {
+    return until(page, () => document.querySelector("#trouble").hidden);
+}
+
+/** Everything that the page had at hand is done. */
+function settled(page) {
+    return page.evaluate(() => fetch("/favicon.svg").then((answer) => answer.text()));
+}
+
+/** Waits for the answer that something brings about; it must tell another second. */
+async function answers(page, action) {
+    const shown = await page.locator("#updated").innerText();
+    await action();
+    await until(page, (before) => document.querySelector("#updated").innerText !== before, shown);
+    await settled(page);
+}
+
+/** From here on the page's time passes by hand only. */
+async function stopClock(page) {
+    await page.clock.install({ time: new Date("2026-11-21T12:00:00") });
+    await page.reload();
+    await shows(page, "#updated", "Updated");
+    await settled(page);
+    await answers(page, () => page.clock.pauseAt(new Date("2026-11-21T13:00:00")));
+}
+
+test("a server that goes and comes back", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server);
+    await server.stop();
+    await shows(page, "#trouble", GONE);
+    await shows(page, "#trouble", "What you see is from");
+    await shows(page, "#connection .network", "Orvane");
+    assert.match(await page.getByRole("status").innerText(), GONE);
+    server.set({ getSMSUnreadCount: 9 });
+    await server.restart();
+    await isWell(page);
+    await shows(page, "#sms .headline", "9 unread messages");
+    await until(page, () =>
+        document.querySelector("[role=status]").textContent.includes("answers again"),
+    );
+});
+
+test("an order that nobody takes is over", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server);
+    await server.stop();
+    await shows(page, "#trouble", GONE);
+    await page.getByRole("button", { name: "Disconnect", exact: true }).click();
+    await until(page, () => {
+        const button = document.querySelector("#connection button");
+        return (
+            button.textContent === "Disconnect" && button.getAttribute("aria-disabled") === "false"
+        );
+    });
+    await server.restart();
+    await isWell(page);
+    await shows(page, "#connection .state", /^Connected$/);
+});
+
+test("the user need not wait for the next attempt", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server, { answered: false });
+    await stopClock(page);
+    await server.stop();
+    await page.clock.runFor(3_000);
+    await shows(page, "#trouble", GONE);
+    await server.restart();
+    await page.getByRole("button", { name: "Try again" }).press("Enter");
+    await isWell(page);
+    assert.equal(await page.evaluate(() => document.activeElement.id), "main");
+});
+
+test("a service that dies is replaced, and the page goes on", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server);
+    await server.killService();
+    server.set({ getSMSUnreadCount: 8 });
+    await shows(page, "#sms .headline", "8 unread messages");
+    await isWell(page);
+});
+
+test("a service that hangs", async (t) => {
+    const server = await serve(t, device("default"), { KESTAL_TIMEOUT: "1" });
+    const page = await visit(t, server);
+    await server.hangService();
+    await shows(page, "#trouble", GONE);
+    await server.resumeService();
+    await isWell(page);
+});
+
+test("a web interface that the carrier has switched off", async (t) => {
+    const document = device("default");
+    document.sys.getWebUICarrierEnabled = 0;
+    const server = await serve(t, document);
+    const page = await visit(t, server, { answered: false });
+    await shows(page, "#trouble", "The web interface is switched off.");
+    server.set({ getWebUICarrierEnabled: 1 });
+    await isWell(page);
+    await shows(page, "#connection .network", "Orvane");
+});
+
+test("a page that is looked at asks every three seconds, a hidden one every minute", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server, { answered: false });
+    await stopClock(page);
+    let asked = 0;
+    page.on("request", (request) => {
+        asked += request.url().endsWith("/srv/status") ? 1 : 0;
+    });
+    const hide = (hidden) =>
+        page.evaluate((value) => {
+            Object.defineProperty(document, "hidden", { configurable: true, get: () => value });
+            document.dispatchEvent(new Event("visibilitychange"));
+        }, hidden);
+    const asksAfter = async (seconds) => {
+        const before = asked;
+        await page.clock.runFor(seconds * 1000 - 100);
+        await settled(page);
+        assert.equal(asked, before, `asked before ${seconds} s had passed`);
+        await answers(page, () => page.clock.runFor(100));
+        assert.equal(asked, before + 1);
+    };
+    await asksAfter(3);
+    await asksAfter(3);
+    await hide(true);
+    await asksAfter(60);
+    await asksAfter(60);
+    await page.clock.runFor(1000);
+    await answers(page, () => hide(false));
+    await asksAfter(3);
+});
+
+test("an empty list of notifications is not asked for", async (t) => {
+    const document = device("default");
+    document.msgbus["zelt.ans.notifications"] = [];
+    const server = await serve(t, document);
+    const asked = [];
+    const page = await visit(t, server, { answered: false });
+    page.on("request", (request) => asked.push(new URL(request.url()).pathname));
+    await shows(page, "#notifications", "Nothing needs your attention.");
+    await until(
+        page,
+        (shown) => document.querySelector("#updated").textContent !== shown,
+        await page.locator("#updated").innerText(),
+    );
+    assert.ok(asked.includes("/srv/status"));
+    assert.ok(!asked.includes("/srv/notification"), String(asked));
+});

@@ -1,0 +1,52 @@
+"""A scenario that happens one event after the other, whenever it is told to go on.
+
+kestal-sim tells of an event on its error stream and then makes it happen. Here that stream is a
+pipe that holds one message: while nobody takes it, kestal-sim waits before the next event, however
+late that is. Only the ramps between two events go by the clock.
+"""
+
+import fcntl
+import os
+import select
+import subprocess
+
+from support import paths
+
+# Ramps are seen on their way; the longest pause of a scenario takes a second or two.
+SPEED = "100"
+PATIENCE = 20
+ONE_PAGE = 1
+
+
+class Player:
+    """The first event happens at once."""
+
+    def __init__(self, scenario, environment):
+        # Each message is kept by itself, on a page of its own.
+        self.messages, theirs = os.pipe2(os.O_DIRECT | os.O_CLOEXEC)
+        fcntl.fcntl(theirs, fcntl.F_SETPIPE_SZ, ONE_PAGE)
+        self.process = subprocess.Popen(
+            [str(paths.SIM), "play", "--speed", SPEED, str(paths.SCENARIOS / scenario)],
+            stdin=subprocess.DEVNULL,
+            stderr=theirs,
+            env=environment,
+            start_new_session=True,
+        )
+        os.close(theirs)
+
+    def proceed(self):
+        """Takes what was told of the event that has happened, so that the next one happens."""
+        if not select.select([self.messages], [], [], PATIENCE)[0]:
+            raise TimeoutError("nothing more happens")
+        return os.read(self.messages, select.PIPE_BUF).decode()
+
+    def end(self):
+        """Waits until kestal-sim has ended. Returns its exit code."""
+        if rest := self.proceed():
+            raise RuntimeError(f"not at the end: {rest}")
+        return self.process.wait(PATIENCE)
+
+    def close(self):
+        # Nobody listens any more: kestal-sim ends wherever it is.
+        os.close(self.messages)
+        self.process.wait(PATIENCE)

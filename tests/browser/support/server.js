@@ -1,0 +1,117 @@
+// Web server and service as they are deployed, on a port and a device document of their own.
+
+import { spawn } from "node:child_process";
+import { readFileSync, renameSync, writeFileSync } from "node:fs";
+import path from "node:path";
+import { createInterface } from "node:readline";
+
+import { DEVICES, PYTHON, STAND } from "./paths.js";
+
+/** The document of a shipped device. */
+export function device(name) {
+    return JSON.parse(readFileSync(path.join(DEVICES, `${name}.json`), "utf8"));
+}
+
+export class Server {
+    #process;
+    #answers;
+    #file;
+
+    /** Starts both on a device document and waits until they serve. */
+    static async start(document = device("default"), environment = {}) {
+        const server = new Server();
+        try {
+            server.#file = (await server.#order("place")).device;
+            server.write(document);
+            const { port } = await server.#order("start", { environment });
+            server.port = port;
+            server.origin = `http://127.0.0.1:${port}`;
+        } catch (error) {
+            await server.close();
+            throw error;
+        }
+        return server;
+    }
+
+    constructor() {
+        this.#process = spawn(PYTHON, [STAND], { stdio: ["pipe", "pipe", "inherit"] });
+        this.#answers = createInterface({ input: this.#process.stdout })[Symbol.asyncIterator]();
+    }
+
+    async #order(name, values = {}) {
+        this.#process.stdin.write(`${JSON.stringify({ do: name, ...values })}\n`);
+        const { value, done } = await this.#answers.next();
+        if (done) {
+            throw new Error("the stand has ended");
+        }
+        const answer = JSON.parse(value);
+        if (answer.error !== undefined) {
+            throw new Error(answer.error);
+        }
+        return answer.result;
+    }
+
+    /** The device document as it is now; the service changes it, too. */
+    document() {
+        return JSON.parse(readFileSync(this.#file, "utf8"));
+    }
+
+    /** Replaces the device document in one step. */
+    write(document) {
+        writeFileSync(`${this.#file}.next`, JSON.stringify(document, null, 2));
+        renameSync(`${this.#file}.next`, this.#file);
+    }
+
+    /** Changes what sys_ calls answer. */
+    set(calls) {
+        const document = this.document();
+        Object.assign(document.sys, calls);
+        this.write(document);
+    }
+
+    stop() {
+        return this.#order("stop");
+    }
+
+    restart() {
+        return this.#order("start");
+    }
+
+    killService() {
+        return this.#order("kill_service");
+    }
+
+    hangService() {
+        return this.#order("hang_service");
+    }
+
+    resumeService() {
+        return this.#order("resume_service");
+    }
+
+    /** Begins a shipped scenario: its first event happens. */
+    play(scenario) {
+        return this.#order("play", { scenario });
+    }
+
+    /** Lets the next event happen. Returns what was told of the one before it. */
+    proceed() {
+        return this.#order("proceed");
+    }
+
+    /** After the last event. Returns the exit code. */
+    endPlay() {
+        return this.#order("end_play");
+    }
+
+    /** Logs a browser in; returns the cookie's value. */
+    async openSession(agent) {
+        return (await this.#order("open_session", { agent })).replace(/^torusess=/, "");
+    }
+
+    async close() {
+        const ended = new Promise((resolve) => this.#process.once("exit", resolve));
+        this.#process.stdin.end();
+        await ended;
+    }
+}

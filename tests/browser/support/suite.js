@@ -1,0 +1,32 @@
+// What every test file begins with: one browser for the file, servers and pages for each test.
+
+import { after, before } from "node:test";
+
+import { launch, open, shows } from "./browser.js";
+import { device, Server } from "./server.js";
+
+export function suite() {
+    let browser = null;
+    before(async () => {
+        browser = await launch();
+    });
+    after(() => browser.close());
+
+    async function serve(t, document = device("default"), environment = {}) {
+        const server = await Server.start(document, environment);
+        t.after(() => server.close());
+        return server;
+    }
+
+    /** The page as a user finds it: opened and answered. */
+    async function visit(t, server, options = {}) {
+        const page = await open(browser, options.origin ?? server.origin, options);
+        t.after(() => page.context().close());
+        if (options.answered ?? true) {
+            await shows(page, "#updated", "Updated");
+        }
+        return page;
+    }
+
+    return { serve, visit };
+}
