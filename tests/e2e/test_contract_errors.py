@@ -1,0 +1,99 @@
+"""The errors of the contract, docs/api/openapi.yaml, as the web server gives them."""
+
+import concurrent.futures
+import os
+import pathlib
+import signal
+
+from support.contract import CONTRACT, operations, resolve, validator, violations
+from support.sessions import open_session
+from support.waiting import wait_until
+
+OTHER_SITE = ("Sec-Fetch-Site", "cross-site")
+
+
+class WebServer:
+    def __init__(self, server):
+        self.server = server
+        self.given = {(path, method): set() for path, method, _ in operations()}
+
+    def ask(self, path, method, *headers, target=None, body=b""):
+        """Asks as an operation is asked, and holds the answer against the contract."""
+        headers = [*headers, *([("Content-Length", "0")] if method == "post" and not body else [])]
+        answer = self.server.ask(target or path, headers, method=method.upper(), body=body)
+        self.check(path, method, answer)
+        return answer.status
+
+    def check(self, path, method, answer):
+        self.given[path, method].add(str(answer.status))
+        response = resolve(CONTRACT["paths"][path][method]["responses"][str(answer.status)])
+        (content_type, media_type), = response["content"].items()
+        assert answer.headers["content-type"] == content_type
+        for name, header in response.get("headers", {}).items():
+            assert validator(resolve(header)["schema"]).is_valid(answer.headers[name.lower()])
+        if answer.status == 200:
+            assert not violations(validator(media_type["schema"]), answer.json())
+        elif "schema" in media_type:
+            assert validator(media_type["schema"]).is_valid(answer.body.decode())
+
+    def all(self, *headers, **arguments):
+        return {self.ask(path, method, *headers, **arguments) for path, method in self.given}
+
+    def all_at_once(self, then):
+        """Asks for everything, acts meanwhile, and returns the status codes."""
+        with concurrent.futures.ThreadPoolExecutor(len(self.given)) as pool:
+            asked = [pool.submit(self.ask, *operation) for operation in self.given]
+            then()
+            return {answer.result() for answer in asked}
+
+    def all_while_the_service_dies(self):
+        responder = self.server.responder()
+        os.kill(responder, signal.SIGSTOP)
+
+        def die():
+            wait_until(lambda: self.connections() >= len(self.given), "all requests are on their way")
+            os.kill(responder, signal.SIGKILL)
+
+        return self.all_at_once(then=die)
+
+    def connections(self):
+        """How many connections to the service there are that it has not ended."""
+        sockets = pathlib.Path("/proc/net/unix").read_text().splitlines()
+        return sum(line.endswith(f" {self.server.run}/responder.sock-0") for line in sockets) - 1
+
+
+def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_server):
+    server = make_server()
+    server.environment["KESTAL_TIMEOUT"] = "1"
+    server.start()
+    web = WebServer(server)
+
+    assert web.all() == {200}
+    assert web.all(("Cookie", open_session(server)), ("User-Agent", "test")) == {200}
+    assert {web.ask(path, method, target=f"{path}/../x") for path, method in web.given} == {400}
+    for path, method in web.given:
+        expected = 403 if "connect" in path else 200
+        assert web.ask(path, method, OTHER_SITE) == expected
+    for path, method in web.given:
+        assert web.ask(path, method, body=b"a" * 65537) == (413 if method == "post" else 400)
+    assert web.all(("X", "a" * 9000)) == {431}
+
+    server.device.set(getWebUICarrierEnabled=0)
+    assert web.all() == {501}
+    server.device.set(getWebUICarrierEnabled=1)
+
+    responder = server.responder()
+    os.kill(responder, signal.SIGSTOP)
+    assert web.all_at_once(then=lambda: None) == {504}
+    os.kill(responder, signal.SIGCONT)
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service answers again")
+
+    # A request that has not reached the service when it dies is served by the next one.
+    wait_until(lambda: web.all_while_the_service_dies() == {500}, "all requests die with the service")
+    (server.run / "kestal.cgi").unlink()
+    os.kill(server.responder(), signal.SIGKILL)
+    wait_until(lambda: server.ask("/srv/status").status == 503, "the web server knows that it is gone")
+    assert web.all() == {503}
+
+    documented = {(path, method): set(operation["responses"]) for path, method, operation in operations()}
+    assert web.given == documented
