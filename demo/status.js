@@ -255,7 +255,9 @@ function batteryCard(data) {
         };
     }
     const low = state.percent <= 20 && !state.charging;
-    const full = state.charging && state.percent >= 100;
+    const rest = source === null ? "On battery" : "Not charging";
+    // A full battery is not charged any more, but not used either.
+    const full = (state.charging || source !== null) && state.percent >= 100;
     return {
         id: "battery",
         title: "Battery",
@@ -263,7 +265,7 @@ function batteryCard(data) {
         headline: `${state.percent}%`,
         tone: low ? (state.percent <= 10 ? "alert" : "warning") : "plain",
         rows: rows(
-            ["State", full ? "Charged" : state.charging ? "Charging" : low ? "Low" : "On battery"],
+            ["State", full ? "Charged" : state.charging ? "Charging" : low ? "Low" : rest],
             ["Powered by", source ?? (state.charging ? null : "Battery")],
         ),
     };

@@ -27,6 +27,9 @@ test("the battery is unplugged, runs low and is charged again", async (t) => {
     assert.equal(await row(page, "battery", "State"), "Charging");
     assert.equal(await row(page, "battery", "Powered by"), "Charger");
     assert.equal(await page.locator("#battery .bolt").count(), 1);
+    server.set(batteryIs(50, 0, 1));
+    await shows(page, "#battery .headline", "50%");
+    assert.equal(await row(page, "battery", "State"), "Not charging");
 });
 
 test("a battery that is taken out", async (t) => {

@@ -119,7 +119,11 @@ const EXPECTED = {
             ],
             [
                 "The battery is full",
-                { [PERCENT]: /^100%$/, [BATTERY]: /Powered by\s+Charger/, [BOLT]: null },
+                {
+                    [PERCENT]: /^100%$/,
+                    [BATTERY]: /State\s+Charged\s+Powered by\s+Charger/,
+                    [BOLT]: null,
+                },
             ],
         ],
     },
