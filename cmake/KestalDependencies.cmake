@@ -13,6 +13,10 @@ add_library(kestal_cgicc INTERFACE)
 target_include_directories(kestal_cgicc SYSTEM INTERFACE ${CGICC_INCLUDE_DIR})
 target_link_libraries(kestal_cgicc INTERFACE ${CGICC_LIBRARY})
 
+find_path(UTF8_INCLUDE_DIR utf8.h REQUIRED)
+add_library(kestal_utf8 INTERFACE)
+target_include_directories(kestal_utf8 SYSTEM INTERFACE ${UTF8_INCLUDE_DIR})
+
 find_program(KESTAL_MSGFMT msgfmt REQUIRED)
 
 # What Debian does not package is taken from compat/ unless it is installed.

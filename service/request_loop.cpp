@@ -10,6 +10,7 @@
 #include "framework/log.h"
 #include "platform/sysint.h"
 #include "platform/webui.h"
+#include "service/answer_encoding.h"
 #include "service/request_acceptor.h"
 #include "service/standard_output.h"
 
@@ -52,6 +53,16 @@ void ApplyLanguage() {
     std::setlocale(LC_MESSAGES, language.c_str());
 }
 
+std::string Json(CTPP::CDT& answer) {
+    KESTAL_SIGNATURE(kFastcgiMainLoop);
+    std::string json;
+    CTPP::CDT2JSON(answer, json);
+    if (ReplaceInvalidUtf8(json)) {
+        KESTAL_FAILURE("[%s]:[%s] - %s - the device has text that is no UTF-8, answered as U+FFFD");
+    }
+    return json;
+}
+
 /// Ready-made answers for when memory does not suffice to build one.
 const std::string kLoggedInAnswer = R"({"loginStatus":1})";
 const std::string kNotLoggedInAnswer = R"({"loginStatus":0})";
@@ -65,7 +76,7 @@ void AnswerEnabled(FCGX_Request& request, SystemServiceComponent& component, Cgi
     const bool complete = Attempt([&] {
         // Once more, in case there was no memory for it before.
         answer["loginStatus"] = loginStatus;
-        CTPP::CDT2JSON(answer, json);
+        json = Json(answer);
     });
     const std::string& fallback = loginStatus == 1 ? kLoggedInAnswer : kNotLoggedInAnswer;
     Attempt([&] { helper.SendResponse(200, complete ? json : fallback); });

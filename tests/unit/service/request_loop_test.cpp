@@ -164,6 +164,27 @@ TEST_F(RequestLoopTest, AnswerGoesToTheRequestsOwnStreamAndStandardOutputIsResto
     EXPECT_EQ(std::cout.rdbuf(), before);
 }
 
+TEST_F(RequestLoopTest, DeviceTextThatIsNoUtf8LeavesTheAnswerValidAndIsLogged) {
+    sys_cellular_service_stats_t service{};
+    SetText(service.networkName, "Caf\xE9");
+    Given("sys_getCellularServiceStats").Returns(0).Writes(service);
+    for (const char* call :
+         {"sys_getCellularDataConnectionStats", "sys_getRadioEnabled",
+          "sys_getCellularServiceStatus", "sys_getCellularDataConnectionStatus"}) {
+        Given(call).Returns(0);
+    }
+    fake_fcgi::Queue(Get("/srv/status"));
+    fastcgi_main_loop();
+    EXPECT_NE(fake_fcgi::Answer(0).find(R"("statusBarNetwork":"Caf)"
+                                        "\xEF\xBF\xBD\""),
+              std::string::npos)
+        << fake_fcgi::Answer(0);
+    const auto& lines = recording::Transcript();
+    const std::vector<std::string> failure =
+        Failure(kLoop + " - the device has text that is no UTF-8, answered as U+FFFD");
+    EXPECT_NE(std::search(lines.begin(), lines.end(), failure.begin(), failure.end()), lines.end());
+}
+
 TEST_F(RequestLoopTest, LoggedInCallerSeesLoginStatusOne) {
     Given("AuthSession::Init").Returns(0);
     Given("AuthSession::LoggedOn").Returns(0).Writes(true);
