@@ -88,6 +88,7 @@ CDT::CDT(INT_32 value) : content(INT_64{value}) {}
 CDT::CDT(UINT_32 value) : content(INT_64{value}) {}
 CDT::CDT(W_FLOAT value) : content(value) {}
 CDT::CDT(const std::string& value) : content(Text{value}) {}
+CDT::CDT(std::string&& value) : content(Text{std::move(value)}) {}
 CDT::CDT(CCHAR_P value) : content(Text{ToText(value)}) {}
 CDT::CDT(void* value) : content(value) {}
 
@@ -150,6 +151,11 @@ CDT& CDT::operator=(W_FLOAT value) {
 
 CDT& CDT::operator=(const std::string& value) {
     content = Text{value};
+    return *this;
+}
+
+CDT& CDT::operator=(std::string&& value) {
+    content = Text{std::move(value)};
     return *this;
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string_view>
@@ -31,16 +32,18 @@ constexpr std::array<char, 256> kEscapes = [] {
 
 void AppendQuoted(std::string_view text, std::string& out) {
     constexpr std::string_view kHexDigits = "0123456789abcdef";
+    const auto isEscaped = [](unsigned char byte) { return kEscapes[byte] != 0; };
     out += '"';
-    std::size_t written = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const char escape = kEscapes[byte];
-        if (escape == 0) {
-            continue;
+    auto plain = text.begin();
+    for (;;) {
+        const auto found = std::find_if(plain, text.end(), isEscaped);
+        out.append(plain, found);
+        if (found == text.end()) {
+            break;
         }
-        out.append(text, written, i - written);
-        written = i + 1;
+        plain = found + 1;
+        const auto byte = static_cast<unsigned char>(*found);
+        const char escape = kEscapes[byte];
         out += '\\';
         out += escape;
         if (escape == 'u') {
@@ -49,7 +52,6 @@ void AppendQuoted(std::string_view text, std::string& out) {
             out += kHexDigits[byte & 0xFU];
         }
     }
-    out.append(text, written);
     out += '"';
 }
 

@@ -58,6 +58,10 @@ CDT& CDT::operator[](const std::string& key) {
     return MakeHash().members[key];
 }
 
+CDT& CDT::operator[](std::string&& key) {
+    return MakeHash().members[std::move(key)];
+}
+
 const CDT& CDT::operator[](UINT_32 index) const {
     const Array* array = GetArray();
     if (array == nullptr) {

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "components/notification/notification_block.h"
 #include "components/status/value_text.h"
@@ -79,9 +80,9 @@ PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT& out) {
     KESTAL_BEGIN();
     MsgbusHandler bus(nullptr);
     (void)bus.Initialize();
-    const CTPP::CDT list = ReadNotificationList(bus);
+    CTPP::CDT list = ReadNotificationList(bus);
     (void)bus.Uninitialize();
-    out["notificationsList"] = list;
+    out["notificationsList"] = std::move(list);
     KESTAL_END_RETURNING(PAGE_ERROR_NONE);
     return PAGE_ERROR_NONE;
 }
@@ -132,7 +133,7 @@ CTPP::CDT SystemServiceComponent::BuildNotificationList(
         GetSupplementaryTextForNotification(type, link);
         notification["text"] = text + link;
         notification["label"] = TranslatedField(record.labelId);
-        list.PushBack(notification);
+        list.PushBack(std::move(notification));
     }
     return list;
 }

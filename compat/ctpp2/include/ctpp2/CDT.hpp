@@ -61,6 +61,7 @@ class CDT {
     CDT(UINT_32 value);
     CDT(W_FLOAT value);
     CDT(const std::string& value);
+    CDT(std::string&& value);
     /// Throws std::logic_error for a null pointer.
     CDT(CCHAR_P value);
     CDT(void* value);
@@ -75,6 +76,7 @@ class CDT {
     CDT& operator=(UINT_32 value);
     CDT& operator=(W_FLOAT value);
     CDT& operator=(const std::string& value);
+    CDT& operator=(std::string&& value);
     /// Throws std::logic_error for a null pointer and leaves the value as it was.
     CDT& operator=(CCHAR_P value);
     CDT& operator=(void* value);
@@ -85,6 +87,7 @@ class CDT {
     /// The member, inserted if missing; UNDEF becomes a hash. Throws CDTAccessException for any
     /// other type.
     CDT& operator[](const std::string& key);
+    CDT& operator[](std::string&& key);
     /// The element, or UNDEF if this is no array. Throws CDTRangeException past the end.
     const CDT& operator[](UINT_32 index) const;
     /// The member, or UNDEF if it is missing or this is no hash.

@@ -129,4 +129,29 @@ TEST(CDTMoves, LeaveUndefinedBehind) {
     EXPECT_EQ(constructed["array"].GetType(), CDT::UNDEF);
 }
 
+TEST(CDTMoves, TextsAndKeysOfAnyLengthArriveAndExistingMembersStay) {
+    const std::string longText(100, 'l');
+    std::string key = longText;
+    std::string text = longText;
+    CDT tree;
+    tree["short"] = std::string("s");
+    tree[std::move(key)] = std::move(text);
+    EXPECT_EQ(tree.At(longText).GetString(), longText);
+    EXPECT_EQ(tree["short"].GetString(), "s");
+    tree[std::string(longText)].Append("!");
+    EXPECT_EQ(tree.Size(), 2U);
+    EXPECT_EQ(tree.At(longText).GetString(), longText + "!");
+    EXPECT_EQ(CDT(std::string("7")).GetType(), CDT::STRING_VAL);
+}
+
+TEST(CDTMoves, AMovedTextReplacesWhateverWasThere) {
+    std::string text(100, 't');
+    CDT tree;
+    tree["k"] = 1;
+    tree = std::move(text);
+    EXPECT_EQ(tree.GetString(), std::string(100, 't'));
+    tree = std::string();
+    EXPECT_EQ(ToJSON(tree), "\"\"");
+}
+
 }  // namespace
