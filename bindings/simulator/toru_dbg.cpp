@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include <array>
@@ -17,6 +16,7 @@
 #include <string_view>
 
 #include "bindings/simulator/log_line.h"
+#include "bindings/simulator/system_log.h"
 
 namespace {
 
@@ -28,6 +28,11 @@ constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT",
 std::atomic<int> threshold = kUnknown;
 std::atomic<int> destination = kUnknown;
 std::atomic<const char*> programName = nullptr;
+
+const char* ProgramName() {
+    const char* name = programName.load();
+    return name == nullptr ? program_invocation_short_name : name;
+}
 
 int ThresholdFromEnvironment() {
     const char* text = std::getenv("KESTAL_LOG_LEVEL");
@@ -90,12 +95,10 @@ int toru_dbg_start(const char* newProgramName) {
     programName = newProgramName;
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
-    openlog(newProgramName, LOG_PID | LOG_NDELAY, LOG_LOCAL1);
     return 0;
 }
 
 void toru_dbg_stop() {
-    closelog();
     Close(destination.exchange(kUnknown));
 }
 
@@ -104,8 +107,7 @@ void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
         return;
     }
     const int callersError = errno;
-    const char* name = programName.load();
-    simulator::LogLine line(name == nullptr ? program_invocation_short_name : name);
+    simulator::LogLine line(ProgramName());
     std::va_list arguments;
     va_start(arguments, format);
     line.Append(format, arguments);
@@ -122,7 +124,7 @@ void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
 void toru_dbg_syslog(int priority, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    vsyslog(priority, format, arguments);
+    simulator::SendToSystemLog(ProgramName(), priority, format, arguments);
     va_end(arguments);
 }
 

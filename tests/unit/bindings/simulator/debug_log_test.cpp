@@ -2,14 +2,11 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdarg>
-#include <cstdio>
 #include <fstream>
 #include <regex>
 
@@ -18,9 +15,6 @@
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {
-
-/// What was last given to the system log.
-std::string theSyslogLine;
 
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
@@ -282,18 +276,4 @@ TEST_F(DebugLog, LevelsHaveTheirSyslogNames) {
     EXPECT_STREQ(toru_dbg_get_level_name(8), "UNKNOWN");
 }
 
-TEST_F(DebugLog, SystemLogGetsEveryLineWithItsPriority) {
-    Level("0");
-    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "%s %d", "text", 5);
-    EXPECT_EQ(theSyslogLine, "138 text 5");
-    EXPECT_TRUE(Log().empty());
-}
-
 }  // namespace
-
-/// Takes the place of the library's.
-extern "C" void vsyslog(int priority, const char* format, va_list arguments) {
-    std::array<char, 256> text{};
-    (void)std::vsnprintf(text.data(), text.size(), format, arguments);
-    theSyslogLine = std::to_string(priority) + " " + text.data();
-}
