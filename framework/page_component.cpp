@@ -7,13 +7,18 @@
 
 #include "framework/fixed_text.h"
 #include "framework/log.h"
+#include "framework/nothrow_array.h"
 #include "platform/webui.h"
 
 namespace {
 
+/// No device has more features or configurations than that.
+constexpr std::size_t kUsualRecords = 10000;
+
 /// The list calls of the web UI configuration library are made twice: for the count, then with a
 /// buffer. Calls @p logCount between the two and @p store for every record that was read, never for
-/// more than there was room for. Returns the status of the last call.
+/// more than there was room for. Returns the status of the last call; throws std::bad_alloc when
+/// there is no memory for a list of usual length.
 template <typename Record, typename Call, typename LogCount, typename Store>
 int ReadRecords(Call call, LogCount logCount, Store store) {
     int count = 0;
@@ -25,8 +30,13 @@ int ReadRecords(Call call, LogCount logCount, Store store) {
     const int room = std::max(count, 0);
     // One record at least: a missing buffer would ask for the size again.
     const auto length = static_cast<std::size_t>(std::max(room, 1));
-    const std::unique_ptr<Record[]> buffer(new (std::nothrow) Record[length]());
+    const std::unique_ptr<Record[]> buffer = NothrowArray<Record>(length);
     if (buffer == nullptr) {
+        // The records are read once per process: where a list of this size is only short of memory
+        // at the moment, the next request tries again.
+        if (length <= kUsualRecords) {
+            throw std::bad_alloc();
+        }
         return sizeStatus;
     }
     count = room;

@@ -39,6 +39,7 @@ bool PageComponent::IsTrue(const std::string& text, bool defaultValue) {
 }
 
 // The components of the family call it with texts by value.
+// cppcheck-suppress passedByValue
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 PageError PageComponent::nativeChecker(int result, std::string callName, std::string /*hint*/) {
     KESTAL_SIGNATURE(

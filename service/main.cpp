@@ -2,6 +2,9 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <csignal>
+
+#include "framework/attempt.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
 #include "platform/web_common.h"
@@ -14,13 +17,17 @@ int main(int /*argc*/, char** argv) {
     int result = 0;
     // Before any thread starts: one that took a termination would wait for its own end.
     HoldBackMainThreadSignals();
+    // A log that has reached its size limit loses lines; it must not end the service.
+    (void)std::signal(SIGXFSZ, SIG_IGN);
     gProgramName = basename(argv[0]);
     toru_dbg_start(gProgramName);
     KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE,
                         "[%s]:[%s] - %s Process Start with pthread ID:%lu, process ID:%d.",
                         KESTAL_MODULE, pthread_self(), getpid());
     InstallFatalSignalHandler();
-    LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
+    Attempt("int main(int, char**)", "text domain", [] {
+        LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
+    });
     gKeepAliveHandler.Initialize();
     gKeepAliveHandler.Run();
     // Only now, so that a termination always finds something to unregister.

@@ -1,17 +1,18 @@
 #include "service/request_loop.h"
 
 #include <clocale>
-#include <exception>
 #include <memory>
 #include <string>
 
 #include "components/systemservice/system_service_component.h"
+#include "framework/attempt.h"
 #include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "platform/sysint.h"
 #include "platform/webui.h"
 #include "service/answer_encoding.h"
 #include "service/request_acceptor.h"
+#include "service/signal_handlers.h"
 #include "service/standard_output.h"
 
 namespace {
@@ -20,20 +21,10 @@ constexpr const char* kFastcgiMainLoop = "int fastcgi_main_loop()";
 
 constexpr const char* kDefaultLanguage = "en_US";
 
-/// Runs one step of a request. What it throws is logged and goes no further: the steps behind it
-/// still run. Returns whether it threw nothing.
+/// One step of the loop.
 template <typename Step>
 bool Attempt(Step step) {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
-    try {
-        step();
-        return true;
-    } catch (const std::exception& error) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - request failed: %s", error.what());
-    } catch (...) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - request failed");
-    }
-    return false;
+    return ::Attempt(kFastcgiMainLoop, "request", step);
 }
 
 void ApplyLanguage() {
@@ -50,10 +41,10 @@ void ApplyLanguage() {
             status);
     }
     KESTAL_DEBUG("[%s]:[%s] - %s - current language is %s", language.c_str());
-    std::setlocale(LC_MESSAGES, language.c_str());
+    (void)std::setlocale(LC_MESSAGES, language.c_str());
 }
 
-std::string Json(CTPP::CDT& answer) {
+std::string Json(const CTPP::CDT& answer) {
     KESTAL_SIGNATURE(kFastcgiMainLoop);
     std::string json;
     CTPP::CDT2JSON(answer, json);
@@ -68,8 +59,8 @@ const std::string kLoggedInAnswer = R"({"loginStatus":1})";
 const std::string kNotLoggedInAnswer = R"({"loginStatus":0})";
 const std::string kDisabledAnswer = "WebUI feature disabled";
 
-void AnswerEnabled(FCGX_Request& request, SystemServiceComponent& component, CgiHelper& helper,
-                   CTPP::CDT& answer, int loginStatus) {
+void AnswerEnabled(const FCGX_Request& request, SystemServiceComponent& component,
+                   CgiHelper& helper, CTPP::CDT& answer, int loginStatus) {
     Attempt(ApplyLanguage);
     Attempt([&] { component.Dispatch(answer, get_service_api(request.envp)); });
     std::string json;
@@ -104,20 +95,25 @@ void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiH
     }
     Attempt([] { UninitializeSysinterface(); });
     KESTAL_DEBUG("[%s]:[%s] - %s - End %s request", KESTAL_MODULE);
+    WaitIfEndingByFatalSignal();
     FCGX_Finish_r(&request);
 }
 
 void ServeRequests(FCGX_Request& request) {
     KESTAL_SIGNATURE(kFastcgiMainLoop);
     SystemServiceComponent component;
-    const std::unique_ptr<CgiHelper> helper(CgiHelper::GetInstance());
+    std::unique_ptr<CgiHelper> helper;
+    Attempt([&] { helper.reset(CgiHelper::GetInstance()); });
     if (helper == nullptr) {
         KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed to create CgiHelper object");
         return;
     }
-    helper->SetHeader("Content-Type", "application/json");
+    const auto setType = [&] { helper->SetHeader("Content-Type", "application/json"); };
+    bool typed = Attempt(setType);
     RequestAcceptor acceptor(request);
     while (acceptor.Accept() >= 0) {
+        // Once more, in case there was no memory for it before.
+        typed = typed || Attempt(setType);
         ServeRequest(request, component, *helper);
     }
 }

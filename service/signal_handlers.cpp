@@ -82,6 +82,7 @@ void fatalSignalHandler(int signo) {
                             frames[static_cast<std::size_t>(i)],
                             symbols == nullptr ? "" : symbols[i]);
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the C library allocated them
     std::free(static_cast<void*>(symbols));
     std::exit(signo);
 }
@@ -118,4 +119,10 @@ void InstallFatalSignalHandler() {
 
 void InstallTerminationHandler() {
     Install(SIGTERM, terminationHandler, 0);
+}
+
+void WaitIfEndingByFatalSignal() {
+    if (gFatalSignal != 0) {
+        WaitForEnd();
+    }
 }

@@ -7,3 +7,7 @@ void InstallFatalSignalHandler();
 /// From now on SIGTERM unregisters from the watchdog, stops the keep-alive thread and ends the
 /// process with exit status 0, wherever it is let in.
 void InstallTerminationHandler();
+
+/// Does not return once a fatal signal has come, in the other thread that is: its handler takes the
+/// standard output away, and an answer that lost something by that must not be finished.
+void WaitIfEndingByFatalSignal();

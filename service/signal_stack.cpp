@@ -25,16 +25,25 @@ SignalStack::SignalStack()
     // Stacks grow downwards.
     mprotect(memory, GuardSize(), PROT_NONE);
     stack_t stack{};
-    stack.ss_sp = static_cast<std::byte*>(memory) + GuardSize();
+    stack.ss_sp = Start();
     stack.ss_size = kStackSize;
     sigaltstack(&stack, nullptr);
 }
 
 SignalStack::~SignalStack() {
     stack_t stack{};
+    sigaltstack(nullptr, &stack);
+    // The thread that runs the exit handlers may be another one: the stack stays with its own.
+    if (memory == MAP_FAILED || stack.ss_sp != Start()) {
+        return;
+    }
     stack.ss_flags = SS_DISABLE;
     // Refused to a handler that is running on it, whose memory must then stay.
-    if (memory != MAP_FAILED && sigaltstack(&stack, nullptr) == 0) {
+    if (sigaltstack(&stack, nullptr) == 0) {
         munmap(memory, GuardSize() + kStackSize);
     }
+}
+
+void* SignalStack::Start() const {
+    return static_cast<std::byte*>(memory) + GuardSize();
 }

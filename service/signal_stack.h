@@ -13,5 +13,7 @@ class SignalStack {
     SignalStack& operator=(const SignalStack&) = delete;
 
   private:
+    void* Start() const;
+
     void* memory;
 };

@@ -20,7 +20,10 @@ struct State {
     std::map<std::string, std::deque<Answer>> script;
     std::vector<std::string> transcript;
     bool echo = false;
+    Director* director = nullptr;
 };
+
+thread_local int gPlatformDepth = 0;
 
 /// Built on first use: static objects of the product call the platform before main.
 State& TheState() {
@@ -43,6 +46,22 @@ Answer& Answer::WritesBytes(std::span<const std::byte> bytes) {
 Answer& Given(const std::string& call) {
     const std::scoped_lock lock(TheState().mutex);
     return TheState().script[call].emplace_back();
+}
+
+void Direct(Director* director) {
+    TheState().director = director;
+}
+
+bool IsInsidePlatform() {
+    return gPlatformDepth > 0;
+}
+
+InsidePlatform::InsidePlatform() {
+    ++gPlatformDepth;
+}
+
+InsidePlatform::~InsidePlatform() {
+    --gPlatformDepth;
 }
 
 void Reset() {
@@ -100,6 +119,10 @@ std::size_t CallCount(const std::string& call) {
 
 void Record(std::string line) {
     const std::scoped_lock lock(TheState().mutex);
+    if (TheState().director != nullptr) {
+        TheState().director->See(line);
+        return;
+    }
     if (TheState().echo) {
         (void)std::fprintf(stderr, "%s\n", line.c_str());
     }
@@ -109,6 +132,10 @@ void Record(std::string line) {
 int Play(const std::string& call, const std::string& arguments,
          std::initializer_list<std::span<std::byte>> outputs, int unscripted) {
     const std::scoped_lock lock(TheState().mutex);
+    if (Director* const director = TheState().director; director != nullptr) {
+        return director->Answer(
+            {call, arguments, std::span(outputs.begin(), outputs.size()), unscripted});
+    }
     Record(call + "(" + arguments + ")");
     const auto found = TheState().script.find(call);
     if (found == TheState().script.end()) {
@@ -133,6 +160,12 @@ int Play(const std::string& call, const std::string& arguments,
         ++output;
     }
     return answer.result;
+}
+
+int PlayUnrecorded(const std::string& call) {
+    const std::scoped_lock lock(TheState().mutex);
+    Director* const director = TheState().director;
+    return director == nullptr ? 0 : director->Answer({call, "", {}, 0});
 }
 
 }  // namespace recording

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -29,6 +30,7 @@ class Answer {
     template <typename T>
     Answer& Writes(const T& value) {
         static_assert(std::is_trivially_copyable_v<T>);
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): any record, as bytes
         return WritesBytes({reinterpret_cast<const std::byte*>(&value), sizeof(T)});
     }
 
@@ -89,8 +91,47 @@ std::string Log(int level, const std::string& text);
 /// How often @p call stands in the transcript.
 std::size_t CallCount(const std::string& call);
 
+/// One call of the product.
+struct Call {
+    const std::string& name;
+    const std::string& arguments;
+    /// Output parameters in their order; no bytes for a null pointer.
+    std::span<const std::span<std::byte>> outputs;
+    /// What the call returns when nobody says anything about it.
+    int unscripted;
+};
+
+/// A test that plays a whole device instead of writing a script: it answers every call and sees
+/// every line, of which none is kept.
+class Director {
+  public:
+    virtual ~Director() = default;
+    /// Writes to the outputs and returns the result; may throw.
+    virtual int Answer(const Call& call) = 0;
+    /// A line that a transcript would hold, log lines among them; not the calls.
+    virtual void See(const std::string& line) = 0;
+};
+
+/// From now on @p director plays; null goes back to script and transcript.
+void Direct(Director* director);
+
+/// Whether the calling thread is inside the platform: what happens there is not the product's.
+bool IsInsidePlatform();
+
+/// The calling thread is inside the platform for the lifetime of this.
+class InsidePlatform {
+  public:
+    InsidePlatform();
+    ~InsidePlatform();
+    InsidePlatform(const InsidePlatform&) = delete;
+    InsidePlatform& operator=(const InsidePlatform&) = delete;
+};
+
 /// Adds a line to the transcript.
 void Record(std::string line);
+
+/// Lets a director answer a call that is not recorded; returns 0 without one.
+int PlayUnrecorded(const std::string& call);
 
 /// Records `call(arguments)` and plays its next answer into @p outputs; an output that does not fit
 /// its scripted bytes is a fault of the test and ends it. Returns the scripted result, or

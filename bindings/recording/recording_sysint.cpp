@@ -3,6 +3,7 @@
 #include "bindings/recording/recording.h"
 #include "platform/sysint.h"
 
+using recording::InsidePlatform;
 using recording::Output;
 using recording::Play;
 
@@ -10,6 +11,7 @@ using recording::Play;
 // NOLINTBEGIN(bugprone-macro-parentheses): a type takes no parentheses here
 #define RECORDING_QUERY(call, Type)              \
     int call(Type* value) {                      \
+        const InsidePlatform inside;             \
         return Play(#call, "", {Output(value)}); \
     }
 // NOLINTEND(bugprone-macro-parentheses)
@@ -64,6 +66,7 @@ RECORDING_QUERY(sys_getBatteryStatus, sys_battery_status_t)
 /// A call whose only parameter beside its result is the name of a field or an application.
 #define RECORDING_QUERY_BY_NAME(call)                                            \
     int call(const char* name, int* value) {                                     \
+        const InsidePlatform inside;                                             \
         return Play(#call, name == nullptr ? "no name" : name, {Output(value)}); \
     }
 
@@ -73,41 +76,50 @@ RECORDING_QUERY_BY_NAME(sys_getUIAppDisplayEnabled)
 RECORDING_QUERY_BY_NAME(sys_getUIAppWriteEnabled)
 
 int sys_sdkInitialize() {
+    const InsidePlatform inside;
     return Play("sys_sdkInitialize", "", {}, 0);
 }
 
 int sys_sdkShutdown() {
+    const InsidePlatform inside;
     return Play("sys_sdkShutdown", "", {}, 0);
 }
 
 int sys_cellularDataConnect(int reserved) {
+    const InsidePlatform inside;
     return Play("sys_cellularDataConnect", std::to_string(reserved), {});
 }
 
 int sys_cellularDataDisconnect(int reserved) {
+    const InsidePlatform inside;
     return Play("sys_cellularDataDisconnect", std::to_string(reserved), {});
 }
 
 int sys_getModemMnsInfo(int* allowed, int* selected, int* scanStatus) {
+    const InsidePlatform inside;
     return Play("sys_getModemMnsInfo", "", {Output(allowed), Output(selected), Output(scanStatus)});
 }
 
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index) {
+    const InsidePlatform inside;
     return Play("sys_getSIMCarrierGID", "index " + std::to_string(index),
                 {Output(gid, SYS_SIM_CARRIER_GID_SIZE), Output(length)});
 }
 
 int sys_getCellular5GBand(int* band, int* second) {
+    const InsidePlatform inside;
     return Play("sys_getCellular5GBand", "", {Output(band), Output(second)});
 }
 
 int sys_getConnectedDeviceList(sys_connected_device_t* devices, unsigned int* count) {
+    const InsidePlatform inside;
     return Play("sys_getConnectedDeviceList",
                 devices == nullptr ? "no buffer" : "room for " + std::to_string(*count),
                 {Output(devices, *count), Output(count)});
 }
 
 int sys_getWiFiGuestProfileEnabled(int profile, int* enabled) {
+    const InsidePlatform inside;
     return Play("sys_getWiFiGuestProfileEnabled", "profile " + std::to_string(profile),
                 {Output(enabled)});
 }

@@ -9,6 +9,7 @@
 #include "bindings/recording/recording.h"
 #include "platform/web_common.h"
 
+using recording::InsidePlatform;
 using recording::Output;
 using recording::Play;
 
@@ -17,29 +18,35 @@ struct CgiHelper::State {};
 CgiHelper::CgiHelper() = default;
 
 CgiHelper::~CgiHelper() {
+    const InsidePlatform inside;
     recording::Record("~CgiHelper()");
 }
 
 CgiHelper* CgiHelper::GetInstance() {
+    const InsidePlatform inside;
     return Play("CgiHelper::GetInstance", "", {}, 0) == 0 ? new CgiHelper : nullptr;
 }
 
 void CgiHelper::SetHeader(const std::string& name, const std::string& value) {
+    const InsidePlatform inside;
     Play("CgiHelper::SetHeader", name + ", " + value, {}, 0);
 }
 
 void CgiHelper::SendResponse(int status, const std::string& body) {
+    const InsidePlatform inside;
     Play("CgiHelper::SendResponse", std::to_string(status) + ", " + body, {}, 0);
     std::cout << body;
 }
 
 std::string CgiHelper::GetIp(const cgicc::CgiEnvironment& environment) const {
+    const InsidePlatform inside;
     Play("CgiHelper::GetIp", "", {}, 0);
     return environment.getRemoteAddr();
 }
 
 std::string CgiHelper::GetCookie(const cgicc::CgiEnvironment& environment, const std::string& name,
                                  const std::string& defaultValue) const {
+    const InsidePlatform inside;
     Play("CgiHelper::GetCookie", name + ", \"" + defaultValue + "\"", {}, 0);
     for (const cgicc::HTTPCookie& cookie : environment.getCookieList()) {
         if (cookie.getName() == name) {
@@ -50,6 +57,7 @@ std::string CgiHelper::GetCookie(const cgicc::CgiEnvironment& environment, const
 }
 
 int GetIPAddressFamily(const std::string& ip, int* family) {
+    const InsidePlatform inside;
     std::array<std::byte, 16> address{};
     int parsed = 1;
     if (inet_pton(AF_INET, ip.c_str(), address.data()) == 1) {
@@ -64,12 +72,16 @@ int GetIPAddressFamily(const std::string& ip, int* family) {
 
 struct AuthSession::State {};
 
-AuthSession::AuthSession() = default;
+AuthSession::AuthSession() {
+    const InsidePlatform inside;
+    recording::PlayUnrecorded("AuthSession::AuthSession");
+}
 
 AuthSession::~AuthSession() = default;
 
 int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
                       const std::string& userAgent, int mode) {
+    const InsidePlatform inside;
     std::string text;
     for (const std::uint8_t byte : address.address) {
         std::array<char, 3> hex{};
@@ -83,17 +95,20 @@ int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
 }
 
 int AuthSession::LoggedOn(bool& loggedOn) {
+    const InsidePlatform inside;
     return Play("AuthSession::LoggedOn", "", {Output(&loggedOn)});
 }
 
 void LanguageSupport::SetTextDomainProperties(const std::string& textDomain,
                                               const std::string& codeSet,
                                               const std::string& localeDirectory) {
+    const InsidePlatform inside;
     Play("LanguageSupport::SetTextDomainProperties",
          textDomain + ", " + codeSet + ", " + localeDirectory, {}, 0);
 }
 
 bool MaintenanceThreadCallbackInterface::OnThreadNotify(unsigned int /*event*/) {
+    const InsidePlatform inside;
     return false;
 }
 
@@ -104,6 +119,7 @@ struct MaintenanceThread::State {};
 MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCallback,
                                      unsigned int newInterval, unsigned int reserved)
     : callback(newCallback), interval(newInterval) {
+    const InsidePlatform inside;
     Play("MaintenanceThread::MaintenanceThread",
          std::string(callback == nullptr ? "no callback" : "callback") + ", " +
              std::to_string(interval) + ", " + std::to_string(reserved),
@@ -113,35 +129,43 @@ MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCall
 MaintenanceThread::~MaintenanceThread() = default;
 
 int MaintenanceThread::Initialize() {
+    const InsidePlatform inside;
     return Play("MaintenanceThread::Initialize", "", {}, 0);
 }
 
 int MaintenanceThread::Run() {
+    const InsidePlatform inside;
     return Play("MaintenanceThread::Run", "interval " + std::to_string(interval), {}, 0);
 }
 
 int MaintenanceThread::Shutdown() {
+    const InsidePlatform inside;
     return Play("MaintenanceThread::Shutdown", "", {}, 0);
 }
 
 struct MsgbusHandler::State {};
 
+// cppcheck-suppress constParameter ; the platform declares it so
 MsgbusHandler::MsgbusHandler(MsgbusCallbackInterface* callback) {
+    const InsidePlatform inside;
     Play("MsgbusHandler::MsgbusHandler", callback == nullptr ? "no callback" : "callback", {}, 0);
 }
 
 MsgbusHandler::~MsgbusHandler() = default;
 
 int MsgbusHandler::Initialize() {
+    const InsidePlatform inside;
     return Play("MsgbusHandler::Initialize", "", {}, 0);
 }
 
 int MsgbusHandler::GetData(const std::string& channel, void* buffer, unsigned int& size) {
+    const InsidePlatform inside;
     const std::string room = buffer == nullptr ? "no buffer" : "room for " + std::to_string(size);
     return Play("MsgbusHandler::GetData", channel + ", " + room,
                 {Output(static_cast<std::byte*>(buffer), size), Output(&size)});
 }
 
 int MsgbusHandler::Uninitialize() {
+    const InsidePlatform inside;
     return Play("MsgbusHandler::Uninitialize", "", {}, 0);
 }

@@ -1,12 +1,11 @@
 #include <algorithm>
 #include <cstddef>
-#include <memory>
-#include <new>
 #include <span>
 #include <string>
 
 #include "components/status/status_component.h"
 #include "framework/log.h"
+#include "framework/nothrow_array.h"
 #include "platform/sysint.h"
 
 namespace {
@@ -42,12 +41,6 @@ void WriteClientCounts(CTPP::CDT& statusData, unsigned int all, unsigned int wif
     statusData["statusBarPrimaryClientListSize"] = std::to_string(counts.primary);
 }
 
-/// Room for @p count devices, cleared; null when there is no memory for so many.
-std::unique_ptr<sys_connected_device_t[]> AllocateDevices(unsigned int count) {
-    return std::unique_ptr<sys_connected_device_t[]>(new (std::nothrow)
-                                                         sys_connected_device_t[count]());
-}
-
 }  // namespace
 
 void StatusComponent::GetRouterStatus(CTPP::CDT& statusData) {
@@ -59,7 +52,7 @@ void StatusComponent::GetRouterStatus(CTPP::CDT& statusData) {
         WriteClientCounts(statusData, 0, 0, {});
     } else if (sizeResult == SYS_ERROR_BUFFER_NEEDED && count != 0) {
         const std::size_t room = count;
-        const std::unique_ptr<sys_connected_device_t[]> devices = AllocateDevices(count);
+        const auto devices = NothrowArray<sys_connected_device_t>(count);
         if (devices != nullptr) {
             const int result = sys_getConnectedDeviceList(devices.get(), &count);
             if (result == SYS_SUCCESS) {

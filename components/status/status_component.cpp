@@ -1,5 +1,8 @@
 #include "components/status/status_component.h"
 
+#include <utility>
+
+#include "framework/attempt.h"
 #include "framework/log.h"
 #include "platform/sysint.h"
 
@@ -57,41 +60,45 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     KESTAL_SIGNATURE("PageError StatusComponent::GetData(CTPP::CDT&)");
     KESTAL_BEGIN();
     CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
-    GetBatteryStatus(statusData);
-    GetMnsStatus(statusData);
-    GetInternetStatus(statusData);
-    GetRouterStatus(statusData);
-    GetMobileDataEnabled(statusData);
-    GetEthernetPortEnabled(statusData);
-    GetFotaInstallStatus(statusData);
+    // One group that cannot be had must not cost the others.
+    const auto attempt = [](auto step) { Attempt(kSignature, "group of the status", step); };
+    const auto gather = [&](void (StatusComponent::*group)(CTPP::CDT&)) {
+        attempt([&] { (this->*group)(statusData); });
+    };
+    gather(&StatusComponent::GetBatteryStatus);
+    gather(&StatusComponent::GetMnsStatus);
+    gather(&StatusComponent::GetInternetStatus);
+    gather(&StatusComponent::GetRouterStatus);
+    gather(&StatusComponent::GetMobileDataEnabled);
+    gather(&StatusComponent::GetEthernetPortEnabled);
+    gather(&StatusComponent::GetFotaInstallStatus);
     if (isWifiSupported) {
-        GetWifiStatus(statusData);
+        gather(&StatusComponent::GetWifiStatus);
     }
-    GetNotificationFlagStatus(statusData);
+    gather(&StatusComponent::GetNotificationFlagStatus);
     if (isGPSSupported) {
-        GetGpsStatus(statusData);
+        gather(&StatusComponent::GetGpsStatus);
     }
     if (isMTSMSSupported) {
-        GetSmsStatus(statusData);
+        gather(&StatusComponent::GetSmsStatus);
     }
     if (isSMBSupported) {
-        GetSmbStatus(statusData);
+        gather(&StatusComponent::GetSmbStatus);
     }
     if (isGuestWifiSupported) {
-        GetGuestWifiStatus(statusData);
+        gather(&StatusComponent::GetGuestWifiStatus);
     }
     if (isNUASupported || isOMADMSupported) {
-        GetSoftwareUpdateStatus(statusData);
+        gather(&StatusComponent::GetSoftwareUpdateStatus);
     }
     // After the internet group, which therefore shows a change of the active slot one request late.
+    attempt([&] { statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0; });
     if (isDualSIMSupported) {
-        statusData["isDualSimSupported"] = 1;
-        GetDualSimStatus(statusData);
+        gather(&StatusComponent::GetDualSimStatus);
     } else {
-        statusData["isDualSimSupported"] = 0;
-        GetSimStatus(statusData);
+        gather(&StatusComponent::GetSimStatus);
     }
-    out["statusData"] = statusData;
+    out["statusData"] = std::move(statusData);
     KESTAL_END();
     return PAGE_ERROR_NONE;
 }

@@ -15,6 +15,8 @@ class StatusComponent : public PageComponent {
   public:
     StatusComponent();
     ~StatusComponent() override;
+    StatusComponent(const StatusComponent&) = delete;
+    StatusComponent& operator=(const StatusComponent&) = delete;
 
     /// Reads which functions the carrier and the device support. A switch that cannot be read
     /// counts as off, unless the failed call has written a value.

@@ -1,5 +1,7 @@
 #include "components/systemservice/custom_message_cache.h"
 
+#include <optional>
+
 #include "components/systemservice/notification_list_signature.h"
 #include "framework/fixed_text.h"
 #include "framework/log.h"
@@ -8,9 +10,9 @@ namespace {
 
 KESTAL_SIGNATURE(kNotificationListSignature);
 
-enum class Update { kNone, kReady, kSuccess, kFailure };
+enum class Update { kReady, kSuccess, kFailure };
 
-Update UpdateOf(const std::string& type) {
+std::optional<Update> UpdateOf(const std::string& type) {
     if (type == "softwareUpdate") {
         return Update::kReady;
     }
@@ -20,52 +22,40 @@ Update UpdateOf(const std::string& type) {
     if (type == "softwareUpdateFailure") {
         return Update::kFailure;
     }
-    return Update::kNone;
+    return std::nullopt;
 }
 
 std::string TextFor(Update update, const SoftwareUpdateCustomMessages& messages) {
-    switch (update) {
-        case Update::kReady:
-            return FixedText(messages.description);
-        case Update::kSuccess:
-            return FixedText(messages.installSuccess);
-        case Update::kFailure:
-            return FixedText(messages.installFail);
-        default:
-            return "";
+    if (update == Update::kReady) {
+        return FixedText(messages.description);
     }
+    return FixedText(update == Update::kSuccess ? messages.installSuccess : messages.installFail);
 }
 
 /// Logs that the notification shows @p text. The text that it replaces is not known yet: it would
 /// be looked up only afterwards.
 void LogReplacement(Update update, const std::string& text) {
     const char* const replaced = "";
-    switch (update) {
-        case Update::kReady:
-            KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_READY [%s]-->[%s]", replaced, text.c_str());
-            break;
-        case Update::kSuccess:
-            KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_SUCCESS [%s]-->[%s]", replaced, text.c_str());
-            break;
-        case Update::kFailure:
-            KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_FAIL [%s]-->[%s]", replaced, text.c_str());
-            break;
-        default:
-            break;
+    if (update == Update::kReady) {
+        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_READY [%s]-->[%s]", replaced, text.c_str());
+    } else if (update == Update::kSuccess) {
+        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_SUCCESS [%s]-->[%s]", replaced, text.c_str());
+    } else {
+        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_FAIL [%s]-->[%s]", replaced, text.c_str());
     }
 }
 
 }  // namespace
 
 std::string CustomMessageCache::Text(const std::string& type) {
-    const Update update = UpdateOf(type);
-    if (update == Update::kNone) {
+    const std::optional<Update> update = UpdateOf(type);
+    if (!update) {
         return "";
     }
     const bool fetched = Refresh();
-    std::string text = TextFor(update, messages);
+    std::string text = TextFor(*update, messages);
     if (fetched && !text.empty()) {
-        LogReplacement(update, text);
+        LogReplacement(*update, text);
     }
     return text;
 }

@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include "framework/attempt.h"
 #include "framework/log.h"
 #include "platform/sysint.h"
 #include "platform/watchdog.h"
@@ -32,11 +33,11 @@ int KeepAliveHandler::Initialize() {
 int KeepAliveHandler::Run() {
     KESTAL_SIGNATURE("int KeepAliveHandler::Run()");
     KESTAL_BEGIN();
-    thread.Initialize();
+    Attempt(kSignature, "maintenance thread", [this] { thread.Initialize(); });
     int interval = kDefaultIntervalSeconds;
     sys_getWatchdogInterval(&interval);
     thread.SetInterval(static_cast<unsigned int>(interval));
-    thread.Run();
+    Attempt(kSignature, "maintenance thread", [this] { thread.Run(); });
     KESTAL_END_RETURNING(0);
     return 0;
 }
@@ -60,7 +61,7 @@ int KeepAliveHandler::Shutdown() {
     KESTAL_BEGIN();
     KESTAL_DEBUG("[%s]:[%s] - %s - Unregistering %s with watchdog", gProgramName);
     watchdog_application_register(gProgramName, WATCHDOG_UNREGISTER);
-    thread.Shutdown();
+    Attempt(kSignature, "maintenance thread", [this] { thread.Shutdown(); });
     KESTAL_END_RETURNING(0);
     return 0;
 }

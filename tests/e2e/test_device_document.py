@@ -1,7 +1,10 @@
 """The device's file while the service runs: damaged, gone, replaced."""
 
+import contextlib
 import json
+import multiprocessing
 import os
+import time
 
 import pytest
 
@@ -179,3 +182,98 @@ def test_services_that_share_a_device_lose_no_action(make_responder):
         assert first.device.get("getCellularDataConnectionStatus") in (0, 2)
     for log in (first.log, second.log):
         assert log.count("[ERROR]") == 0
+
+
+def marked(document, number):
+    """The device in a state that shows in several places of an answer."""
+    calls = document["sys"]
+    calls["getBatteryStatus"]["chargePercent"] = number
+    calls["getSMSUnreadCount"] = number
+    calls["getCellularServiceStats"]["networkName"] = f"Network {number}"
+    return json.dumps(document).encode()
+
+
+def marks(answer):
+    assert answer.complete and answer.status == 200
+    status = json.loads(answer.body)["statusData"]
+    return {
+        str(status["statusBarBatteryPercent"]),
+        str(status["statusBarSmsUnreadCount"]),
+        status["statusBarNetwork"].removeprefix("Network "),
+    }
+
+
+def write_again_and_again(path, states, ended, count, torn):
+    """A writer of its own process. A torn document is cut off somewhere, and whole again with the
+    next state."""
+    new = path.with_name(f"{path.name}.{os.getpid()}")
+    number = 0
+    while not ended.value:
+        state = states[number % len(states)]
+        if torn:
+            path.write_bytes(state[: 1 + number * 97 % (len(state) - 2)])
+        new.write_bytes(state)
+        os.replace(new, path)
+        number += 1
+        count.value += 1
+
+
+@contextlib.contextmanager
+def writers(device, states, torn=False):
+    """Yields a function that tells how often the document has been replaced."""
+    ended = multiprocessing.RawValue("b", 0)
+    counts = [multiprocessing.RawValue("L", 0) for _ in states]
+    processes = [
+        multiprocessing.Process(target=write_again_and_again, args=(device.path, mine, ended, count, torn))
+        for mine, count in zip(states, counts)
+    ]
+    for process in processes:
+        process.start()
+    try:
+        yield lambda: [count.value for count in counts]
+    finally:
+        ended.value = 1
+        for process in processes:
+            process.join()
+
+
+def states_seen(responder, enough):
+    """Asks until enough() holds, and looks that each answer is of one state."""
+    end = time.monotonic() + 100
+    seen = set()
+    requests = 0
+    while requests < 200 or not enough():
+        assert time.monotonic() < end, f"{requests} requests, {len(seen)} states, and not enough yet"
+        found = marks(responder.ask())
+        assert len(found) == 1, found
+        seen |= found
+        requests += 1
+    return seen
+
+
+def test_answers_are_of_one_state_each_while_several_writers_replace_the_document(responder):
+    documents = [[marked(responder.device.document(), 10 * writer + i) for i in range(10)] for writer in range(1, 4)]
+    responder.device.write(documents[0][0])
+    with writers(responder.device, documents) as replaced:
+        begin = time.monotonic()
+        seen = states_seen(responder, lambda: min(replaced()) >= 300)
+        print(f"{sum(replaced()) / (time.monotonic() - begin):.0f} replacements a second")
+    assert len(seen) > 3
+    assert seen <= {str(number) for number in range(10, 40)}
+    assert responder.log.count("[ERROR]") == 0
+
+
+def test_torn_documents_leave_the_last_whole_one_in_force(responder):
+    documents = [[marked(responder.device.document(), number) for number in range(10, 40)]]
+    responder.device.write(documents[0][0])
+    assert marks(responder.ask()) == {"10"}
+    with writers(responder.device, documents, torn=True) as replaced:
+        seen = states_seen(
+            responder, lambda: min(replaced()) >= 300 and "[SIMULATOR]:[ERROR]" in responder.log.text()
+        )
+    assert seen <= {str(number) for number in range(10, 40)}
+    assert len(seen) > 3
+    errors = [line for line in responder.log.messages() if "[ERROR]" in line]
+    assert all(line.startswith(f"[SIMULATOR]:[ERROR] - {responder.device.path}") for line in errors)
+    responder.device.write(documents[0][5])
+    assert marks(responder.ask()) == {"15"}

@@ -1,5 +1,8 @@
 """SIGSEGV, SIGABRT and SIGILL: a backtrace in the log, and the signal's number as exit status."""
 
+import ctypes
+import os
+import pathlib
 import re
 import signal
 
@@ -10,7 +13,21 @@ from support.load import Load
 from support.waiting import wait_until
 
 FATAL = [signal.SIGSEGV, signal.SIGABRT, signal.SIGILL]
+LIBC = ctypes.CDLL(None, use_errno=True)
+NOTIFIED = "virtual bool KeepAliveHandler::OnThreadNotify(unsigned int) - END"
+one_other_thread = pytest.mark.skipif("thread" in paths.SANITIZERS, reason="the sanitizer has a thread of its own")
 FRAME = re.compile(r"\[KESTAL_CGI\]:\[ERROR\] - 0x[0-9a-f]+ : .+")
+
+
+def send(responder, thread, signo):
+    assert LIBC.tgkill(responder.pid, thread, signo) == 0, os.strerror(ctypes.get_errno())
+
+
+def keep_alive_thread(responder):
+    """Id of the service's other thread."""
+    threads = [int(task.name) for task in pathlib.Path(f"/proc/{responder.pid}/task").iterdir()]
+    assert len(threads) == 2
+    return next(thread for thread in threads if thread != responder.pid)
 
 
 def assert_backtrace(messages, signo):
@@ -74,3 +91,45 @@ def test_an_end_by_a_fatal_signal_and_a_termination_at_once_is_one_of_the_two(ma
         responder.process.send_signal(signal.SIGTERM)
         responder.process.send_signal(signal.SIGSEGV)
         assert responder.process.wait(20) in (0, signal.SIGSEGV)
+
+
+@one_other_thread
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_in_either_thread_leaves_a_backtrace(make_responder, signo):
+    for thread in (lambda responder: responder.pid, keep_alive_thread):
+        responder = make_responder()
+        responder.log.path.unlink(missing_ok=True)
+        responder.start()
+        send(responder, thread(responder), signo)
+        assert responder.process.wait(20) == signo
+        assert_backtrace(responder.log.messages(), signo)
+
+
+@one_other_thread
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_in_the_keep_alive_thread_does_the_same_after_its_first_round(make_responder, signo):
+    """It has a stack for signal handlers by then."""
+    responder = make_responder()
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    responder.log.wait_for(NOTIFIED)
+    send(responder, keep_alive_thread(responder), signo)
+    assert responder.process.wait(20) == signo
+    assert_backtrace(responder.log.messages(), signo)
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks of their own in a handler")
+@pytest.mark.parametrize("signo", FATAL)
+def test_a_fatal_signal_in_either_thread_ends_a_busy_service(make_responder, signo):
+    for number in range(8):
+        responder = make_responder()
+        responder.log.path.unlink(missing_ok=True)
+        responder.start()
+        thread = keep_alive_thread(responder) if number % 2 else responder.pid
+        with Load(responder) as load:
+            wait_until(lambda: len(load.answers) > number, "answers")
+            send(responder, thread, signo)
+            assert responder.process.wait(20) == signo
+        assert responder.log.count(f"kestal.cgi received signal: {int(signo)}, backtrace:") == 1
+        # What was half written of an answer must not look whole.
+        assert all(answer.status == 200 and answer.body.endswith(b"}") for answer in load.answers if answer.complete)

@@ -5,6 +5,7 @@ import signal
 
 from support import processes
 from support.waiting import wait_until
+from support.watchdog import Watchdog
 
 NOTIFY = "virtual bool KeepAliveHandler::OnThreadNotify(unsigned int)"
 
@@ -60,6 +61,25 @@ def test_a_watchdog_that_is_not_there_does_not_keep_the_service_from_working(mak
     responder.start()
     assert responder.ask().status == 200
     assert responder.end() == 0
+
+
+def test_a_watchdog_that_goes_is_missed_and_one_that_comes_back_is_fed_again(make_responder, work):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = str(work / "coming-and-going.sock")
+    responder.device.set(getWatchdogInterval=1)
+    first = Watchdog(work / "coming-and-going.sock")
+    responder.start()
+    assert first.next().startswith("READY=1")
+    first.close()
+    (work / "coming-and-going.sock").unlink()
+    responder.log.wait_for("[SIMULATOR]:[ERROR] - watchdog: WATCHDOG=1 not delivered")
+    assert responder.ask().status == 200
+
+    second = Watchdog(work / "coming-and-going.sock")
+    assert second.next() == "WATCHDOG=1"
+    assert responder.end() == 0
+    assert second.waiting()[-1] == "STOPPING=1"
+    second.close()
 
 
 def test_keep_alives_stop_silently_when_the_web_server_is_gone(make_server, watchdog):

@@ -102,11 +102,13 @@ std::string Answer(std::size_t index) {
 }  // namespace fake_fcgi
 
 int FCGX_Init() {
+    const recording::InsidePlatform inside;
     recording::Record("FCGX_Init()");
     return fake_fcgi::gInitStatus;
 }
 
 int FCGX_InitRequest(FCGX_Request* request, int sock, int flags) {
+    const recording::InsidePlatform inside;
     recording::Record("FCGX_InitRequest(" + std::to_string(sock) + ", " + std::to_string(flags) +
                       ")");
     *request = FCGX_Request{};
@@ -116,6 +118,7 @@ int FCGX_InitRequest(FCGX_Request* request, int sock, int flags) {
 }
 
 int FCGX_Accept_r(FCGX_Request* request) {
+    const recording::InsidePlatform inside;
     using fake_fcgi::gExchanges;
     using fake_fcgi::gNext;
     recording::Record("FCGX_Accept_r()");
@@ -133,11 +136,13 @@ int FCGX_Accept_r(FCGX_Request* request) {
 }
 
 void FCGX_Free(FCGX_Request* request, int close) {
+    const recording::InsidePlatform inside;
     recording::Record("FCGX_Free(" + std::to_string(close) + ")");
     request->ipcFd = -1;
 }
 
 void FCGX_Finish_r(FCGX_Request* request) {
+    const recording::InsidePlatform inside;
     recording::Record("FCGX_Finish_r()");
     request->in = nullptr;
     request->out = nullptr;

@@ -70,6 +70,13 @@ TEST_F(RequestAcceptorTest, WithoutASocketNobodyWaits) {
     close(ends[1]);
 }
 
+TEST_F(RequestAcceptorTest, WithoutAnyDescriptorNobodyWaits) {
+    request.listen_sock = -1;
+    RequestAcceptor acceptor(request);
+    fake_fcgi::QueueAcceptResult(-EBADF);
+    EXPECT_EQ(acceptor.Accept(), -EBADF);
+}
+
 TEST_F(RequestAcceptorTest, SignalIsLetInEvenWhileRequestsKeepComing) {
     RequestAcceptor acceptor(request);
     (void)raise(SIGUSR1);

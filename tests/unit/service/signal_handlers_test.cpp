@@ -1,24 +1,42 @@
 #include "service/signal_handlers.h"
 
 #include <execinfo.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 
 #include "bindings/recording/recording.h"
 #include "service/main_thread_signals.h"
 #include "service/process.h"
+#include "service/signal_stack.h"
 
 namespace {
 
-enum class Symbols { come, neverCome, crash };
+enum class Symbols { come, missing, neverCome, crash };
 Symbols gSymbols = Symbols::come;
+
+/// Runs on the crashed thread, in its handler.
+void (*gMeanwhile)() = [] {};
+
+/// Returns when @p thread of this process rests in a system call.
+void WaitUntilItRests(pid_t thread) {
+    const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+    std::string status;
+    do {
+        std::ifstream file(path);
+        status.assign(std::istreambuf_iterator<char>(file), {});
+    } while (status.find(") S ") == std::string::npos);
+}
 
 // Not to be inlined, and every frame is written to: the recursion must stay one.
 [[gnu::noinline]] std::size_t UseUpTheStack(std::size_t depth) {
@@ -36,6 +54,7 @@ Symbols gSymbols = Symbols::come;
 
 // Takes the place of the C library's, which needs the allocator.
 extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept {
+    gMeanwhile();
     while (gSymbols == Symbols::neverCome) {
         pause();
     }
@@ -43,6 +62,9 @@ extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept
         (void)raise(SIGSEGV);
     }
     (void)std::fprintf(stderr, "%d frames\n", count);
+    if (gSymbols == Symbols::missing) {
+        return nullptr;
+    }
     auto** symbols =
         static_cast<char**>(std::calloc(static_cast<std::size_t>(count), sizeof(char*)));
     static char name[] = "frame";
@@ -97,6 +119,17 @@ TEST_F(SignalHandlersDeathTest, AtMostFortyEightFramesAreLogged) {
         testing::ExitedWithCode(SIGABRT), "^48 frames\n");
 }
 
+TEST_F(SignalHandlersDeathTest, FramesAreLoggedWithoutTheirNamesWhenThereIsNoMemoryForThem) {
+    EXPECT_EXIT(
+        {
+            Prepare(Symbols::missing);
+            (void)raise(SIGABRT);
+        },
+        testing::ExitedWithCode(SIGABRT),
+        "syslog 138 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : \n"
+        "log 3 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : \n");
+}
+
 TEST_F(SignalHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
     EXPECT_EXIT(
         {
@@ -137,6 +170,52 @@ TEST_F(SignalHandlersDeathTest, UsedUpStackOfTheKeepAliveThreadGivesTheSignalAsE
             }).join();
         },
         testing::ExitedWithCode(SIGSEGV), kReceived + "11, backtrace:");
+}
+
+TEST_F(SignalHandlersDeathTest, SecondThreadThatCrashesLeavesTheEndToTheFirst) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            gMeanwhile = [] {
+                std::atomic<pid_t> second = 0;
+                std::thread([&] {
+                    second = gettid();
+                    (void)raise(SIGABRT);
+                }).detach();
+                while (second == 0) {
+                    std::this_thread::yield();
+                }
+                WaitUntilItRests(second);
+            };
+            (void)raise(SIGSEGV);
+        },
+        testing::ExitedWithCode(SIGSEGV),
+        testing::AllOf(testing::HasSubstr("received signal: 11"),
+                       testing::Not(testing::HasSubstr("received signal: 6"))));
+}
+
+TEST_F(SignalHandlersDeathTest, TerminationWhileTheKeepAliveThreadCrashesLeavesTheEndToIt) {
+    EXPECT_EXIT(
+        {
+            Prepare();
+            InstallTerminationHandler();
+            gMeanwhile = [] {
+                (void)kill(getpid(), SIGTERM);
+                WaitUntilItRests(getpid());
+            };
+            std::thread([] {
+                HoldBackMainThreadSignals();
+                const SignalStack stack;
+                (void)raise(SIGSEGV);
+            }).detach();
+            // Not resting, so that it only rests when it has been told to terminate.
+            for (;;) {
+                std::this_thread::yield();
+            }
+        },
+        testing::ExitedWithCode(SIGSEGV),
+        testing::AllOf(testing::HasSubstr("received signal: 11"),
+                       testing::Not(testing::HasSubstr("watchdog"))));
 }
 
 TEST_F(SignalHandlersDeathTest, FaultInAnExitHandlerKeepsTheFirstSignalAsExitStatus) {

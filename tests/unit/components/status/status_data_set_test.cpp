@@ -1,4 +1,6 @@
 // The data set as a whole: which groups it has, in which order they are asked, what they share.
+#include <stdexcept>
+
 #include "components/status/subscriber_cache.h"
 #include "platform/sysint.h"
 #include "tests/support/translations.h"
@@ -7,6 +9,7 @@
 using recording::CallCount;
 using recording::Failure;
 using recording::Given;
+using recording::Lines;
 using recording::Log;
 using recording::TranscriptText;
 
@@ -427,6 +430,19 @@ TEST_F(StatusDataSetTest, FailedInternetGroupLeavesTheOthersAlone) {
     EXPECT_EQ(DataValue("statusBarBatteryPercent"), "85");
     EXPECT_EQ(DataValue("statusBarMnsAvailable"), "1");
     EXPECT_EQ(DataValue("statusBarSimStatus"), "Ready");
+}
+
+TEST_F(StatusDataSetTest, GroupThatThrowsIsLoggedAndLeavesTheOthersAlone) {
+    GivenBasics();
+    Given("MsgbusHandler::Initialize").Does([] { throw std::runtime_error("no bus"); });
+    EXPECT_EQ(component->GetData(out), PAGE_ERROR_NONE);
+    const CTPP::CDT& data = out.GetCDT("statusData");
+    EXPECT_TRUE(data.Exists("statusBarBatteryPercent"));
+    EXPECT_TRUE(data.Exists("isDualSimSupported"));
+    EXPECT_FALSE(data.Exists("statusBarNotificationFlag"));
+    const std::string transcript = TranscriptText();
+    EXPECT_NE(transcript.find(Lines(Failure(kGetData + " - group of the status failed: no bus"))),
+              std::string::npos);
 }
 
 TEST_F(StatusDataSetTest, GidIsReadOnceForManyRequestsAndComponents) {

@@ -1,0 +1,89 @@
+/* Preloaded into a service: makes allocations of its main thread fail on the order of a test, which
+   shares a page of memory with it. Those that libfcgi asks for are let pass and counted. */
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <errno.h>
+#include <execinfo.h>
+#include <fcntl.h>
+#include <stddef.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+struct orders {
+    volatile int failing;      /* the n-th from now on fails; none for 0 */
+    volatile int persistently; /* and all that follow */
+    volatile int count;        /* allocations since the test set it to 0 */
+    volatile int failed;       /* how many of them failed */
+    volatile int passed;       /* how many would have, but were libfcgi's */
+};
+
+static struct orders none;
+static struct orders* orders = &none;
+static __thread int inside;
+
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+
+__attribute__((constructor)) static void start(void) {
+    const char* path = getenv("KESTAL_TEST_MEMORY");
+    int file = path == NULL ? -1 : open(path, O_RDWR | O_CLOEXEC);
+    void* frames[1];
+    /* The first backtrace loads a library. */
+    backtrace(frames, 1);
+    if (file >= 0) {
+        void* page = mmap(NULL, sizeof(struct orders), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        close(file);
+        if (page != MAP_FAILED) {
+            orders = page;
+        }
+    }
+}
+
+/* Whether the nearest caller outside of the C and C++ libraries is libfcgi. */
+static int is_libfcgi(void) {
+    void* frames[16];
+    const int count = backtrace(frames, 16);
+    for (int i = 2; i < count; ++i) {
+        Dl_info info;
+        if (dladdr(frames[i], &info) == 0 || strstr(info.dli_fname, "/libc.so") != NULL ||
+            strstr(info.dli_fname, "/libstdc++.so") != NULL) {
+            continue;
+        }
+        return strstr(info.dli_fname, "/libfcgi") != NULL;
+    }
+    return 0;
+}
+
+static int fails(void) {
+    if (orders->failing == 0 || inside || gettid() != getpid()) {
+        return 0;
+    }
+    inside = 1;
+    const int number = ++orders->count;
+    int result = orders->persistently ? number >= orders->failing : number == orders->failing;
+    if (result && is_libfcgi()) {
+        ++orders->passed;
+        result = 0;
+    }
+    orders->failed += result;
+    inside = 0;
+    if (result) {
+        errno = ENOMEM;
+    }
+    return result;
+}
+
+void* malloc(size_t size) {
+    return fails() ? NULL : __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) {
+    return fails() ? NULL : __libc_calloc(count, size);
+}
+
+void* realloc(void* block, size_t size) {
+    return size != 0 && fails() ? NULL : __libc_realloc(block, size);
+}

@@ -1,0 +1,239 @@
+#include "tests/faults/expectations.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "platform/sysint.h"
+#include "platform/web_common.h"
+#include "platform/webui.h"
+
+namespace {
+
+struct Reason {
+    const char* call;
+    const char* text;
+};
+
+constexpr const char* kSwitch = "a switch that cannot be read counts as off";
+constexpr const char* kNoSession = "whose session cannot be looked up is not logged in";
+
+/// Calls whose failure nobody is told of.
+constexpr Reason kSilent[] = {
+    {"sys_sdkShutdown", "nothing follows it"},
+    {"sys_getWebUICarrierEnabled", "the answer says that the web UI is off"},
+    {"sys_getSambaCarrierEnabled", kSwitch},
+    {"sys_getGPSCarrierEnabled", kSwitch},
+    {"sys_getMTSMSCarrierEnabled", kSwitch},
+    {"sys_getWiFiCarrierEnabled", kSwitch},
+    {"sys_getWiFiGuestCarrierEnabled", kSwitch},
+    {"sys_getPCOCarrierEnabled", kSwitch},
+    {"sys_getNUACarrierEnabled", kSwitch},
+    {"sys_getOmadmFumoCarrierEnabled", kSwitch},
+    {"sys_getMultiSimEnabled", "a switch; a notification has no link to the SIM then"},
+    {"sys_getCellularDataAccountStatus", "an unknown account puts no limit on the connection"},
+    {"sys_getAllSimSlotsInfo", "the slots are left out and their count tells it"},
+    {"sys_getWatchdogInterval", "the interval is 60 seconds unless the call writes another"},
+    {"webui_get_uri_data", "a page that is unknown has no link"},
+    {"AuthSession::Init", kNoSession},
+    {"AuthSession::LoggedOn", kNoSession},
+    {"MsgbusHandler::Initialize", "reading the channel fails then, and that is logged"},
+    {"MsgbusHandler::Uninitialize", "nothing follows it"},
+    {"toru_dbg_start", "there is no log to say it in"},
+    {"watchdog_application_register", "the watchdog acts by itself when it hears nothing"},
+    {"watchdog_application_send_keep_alive", "the next one follows"},
+    {"MaintenanceThread::Initialize", "the watchdog acts by itself when it hears nothing"},
+    {"MaintenanceThread::Run", "the watchdog acts by itself when it hears nothing"},
+    {"MaintenanceThread::Shutdown", "the process ends"},
+};
+
+/// Lines that do not name the call by its own name, or not with its code.
+struct Line {
+    const char* call;
+    const char* text;
+    bool withCode;
+};
+constexpr Line kLines[] = {
+    {"sys_sdkInitialize", "system interface api failed returning", true},
+    {"sys_cellularDataConnect", "PerformConnectAction(const string&) -system interface API failed",
+     true},
+    {"sys_cellularDataDisconnect",
+     "PerformConnectAction(const string&) -system interface API failed", true},
+    // In the line of the internet group, the fifth name is another one.
+    {"sys_getCellularDataConnectionStatus", "sys_getCellularDataAccountStatus failed", true},
+    // The band texts read the statistics and name the status.
+    {"sys_getCellularServiceStats", "sys_getCellularServiceStatus failed", true},
+    {"sys_getCABandWidth", "sys_getCABandwidth failed", true},
+    {"sys_get5GBandWidth", "sys_getCABandwidth failed", true},
+    {"sys_getSDCardInfo", "sys_getSDCardInfo/ sys_getSambaEnabled failed", true},
+    {"MsgbusHandler::GetData", "msgbus.GetData for zelt.ans.notifications channel failed", false},
+    {"MsgbusHandler::GetData", "msgbus failed to read notification data", false},
+    {"MsgbusHandler::GetData", "ailed to allocate memory", false},
+    {"GetIPAddressFamily", "Unable to determine the family of ip", false},
+    {"CgiHelper::GetInstance", "Failed to create CgiHelper object", false},
+};
+
+/// Codes that tell something else than a failure.
+struct AnswerCode {
+    const char* call;
+    /// Of the call within the request; 0 for each.
+    int occurrence;
+    int code;
+};
+constexpr AnswerCode kAnswers[] = {
+    {"sys_getSDCardInfo", 0, SYS_ERROR_NO_SD_CARD},
+    {"sys_getConnectedDeviceList", 1, SYS_ERROR_BUFFER_NEEDED},
+    {"MsgbusHandler::GetData", 1, MSGBUS_BUFFER_NEEDED},
+};
+
+/// A call whose failure is not logged because another one has failed, too, and says enough.
+struct Covered {
+    const char* call;
+    const char* by;
+};
+constexpr Covered kCovered[] = {
+    {"sys_getSIMNetworkRejectCode", "sys_getNetworkSIMLockStatus"},
+};
+
+constexpr const char* kReadOnce[] = {
+    "sys_getSambaCarrierEnabled", "sys_getGPSCarrierEnabled",        "sys_getMTSMSCarrierEnabled",
+    "sys_getWiFiCarrierEnabled",  "sys_getWiFiGuestCarrierEnabled",  "sys_getPCOCarrierEnabled",
+    "sys_getNUACarrierEnabled",   "sys_getOmadmFumoCarrierEnabled",  "sys_getMultiSimEnabled",
+    "webui_get_common_features",  "webui_get_common_configurations", "sys_getSIMCarrierGID",
+};
+
+constexpr const char* kListEnders[] = {
+    "MsgbusHandler::MsgbusHandler",
+    "MsgbusHandler::Initialize",
+    "MsgbusHandler::GetData",
+    "MsgbusHandler::Uninitialize",
+};
+
+constexpr const char* kFieldAccess = "no request asks for the access to single fields";
+constexpr const char* kNoApplication = "the service is no application of the web UI";
+
+constexpr Reason kNotCalled[] = {
+    {"sys_getUIFieldShowEnabled", kFieldAccess},
+    {"sys_getUIFieldLockEnabled", kFieldAccess},
+    {"sys_getUIAppDisplayEnabled", kFieldAccess},
+    {"sys_getUIAppWriteEnabled", kFieldAccess},
+    {"sys_getWDCPCarrierEnabled", kFieldAccess},
+    {"sys_getHalyardAgentCarrierEnabled", kFieldAccess},
+    {"webui_get_app_features", kNoApplication},
+    {"webui_get_app_configurations", kNoApplication},
+    {"webui_get_external_uri_data", "notifications lead to pages of the web UI only"},
+    {"MaintenanceThreadCallbackInterface::OnThreadNotify", "the platform calls it"},
+    {"MaintenanceThread::SetInterval", "it is defined where it is declared"},
+    {"toru_dbg_get_level_name", "it gives a name to every number"},
+};
+
+constexpr const char* kTellsNothing = "it tells nothing of its success and throws nothing";
+
+constexpr Reason kNotFailing[] = {
+    {"toru_dbg_log", kTellsNothing},
+    {"toru_dbg_syslog", kTellsNothing},
+    {"toru_dbg_stop", kTellsNothing},
+    {"MaintenanceThread::MaintenanceThread", "it runs before main, where nothing can be caught"},
+};
+
+template <typename Table>
+bool Names(const Table& table, const std::string& call) {
+    return std::any_of(std::begin(table), std::end(table),
+                       [&](const char* name) { return call == name; });
+}
+
+template <typename Table>
+const char* ReasonIn(const Table& table, const std::string& call) {
+    const auto* const found = std::find_if(std::begin(table), std::end(table),
+                                           [&](const Reason& row) { return call == row.call; });
+    return found == std::end(table) ? nullptr : found->text;
+}
+
+bool Holds(const Exchange& exchange, const std::string& text, const std::string& code) {
+    bool inSystemLog = false;
+    bool inLog = false;
+    for (const std::string& line : exchange.errors) {
+        const std::size_t found = line.find(text);
+        if (found != std::string::npos && line.find(code, found) != std::string::npos) {
+            (line.starts_with("syslog ") ? inSystemLog : inLog) = true;
+        }
+    }
+    return inSystemLog && inLog;
+}
+
+}  // namespace
+
+bool IsSilent(const std::string& call, int occurrence) {
+    // Only the reading of the list itself is logged, not that of its length.
+    return ReasonIn(kSilent, call) != nullptr ||
+           (call == "sys_getConnectedDeviceList" && occurrence == 1);
+}
+
+bool IsAnswer(const std::string& call, int occurrence, int code) {
+    return std::any_of(std::begin(kAnswers), std::end(kAnswers), [&](const AnswerCode& row) {
+        return call == row.call && code == row.code &&
+               (row.occurrence == 0 || row.occurrence == occurrence);
+    });
+}
+
+bool IsLogged(const Exchange& exchange, const Fault& fault) {
+    switch (fault.thrown) {
+        case Thrown::kBadAlloc:
+            return Holds(exchange, "failed", "std::bad_alloc");
+        case Thrown::kError:
+            return Holds(exchange, "failed", "thrown by " + fault.call);
+        case Thrown::kNumber:
+            return Holds(exchange, " failed", "");
+        case Thrown::kNothing:
+            break;
+    }
+    const std::string code = std::to_string(fault.code);
+    return Holds(exchange, fault.call + " failed", code) ||
+           Holds(exchange, fault.call + " API failed", code) ||
+           std::any_of(std::begin(kLines), std::end(kLines), [&](const Line& line) {
+               return fault.call == line.call &&
+                      Holds(exchange, line.text, line.withCode ? code : "");
+           });
+}
+
+bool IsCovered(const std::string& call, const std::set<std::pair<std::string, int>>& failed) {
+    return std::any_of(std::begin(kCovered), std::end(kCovered), [&](const Covered& row) {
+        return call == row.call && failed.count({row.by, 1}) != 0;
+    });
+}
+
+bool IsReadOnce(const std::string& call) {
+    return Names(kReadOnce, call);
+}
+
+bool EndsTheList(const std::string& call) {
+    return Names(kListEnders, call);
+}
+
+const char* ReasonNotToCall(const std::string& call) {
+    return ReasonIn(kNotCalled, call);
+}
+
+const char* ReasonNotToFail(const std::string& call) {
+    return ReasonIn(kNotFailing, call);
+}
+
+std::set<std::string> NamesInTables() {
+    std::set<std::string> names(std::begin(kReadOnce), std::end(kReadOnce));
+    names.insert(std::begin(kListEnders), std::end(kListEnders));
+    for (const Reason& row : kSilent) {
+        names.insert(row.call);
+    }
+    for (const Line& row : kLines) {
+        names.insert(row.call);
+    }
+    for (const Reason& row : kNotCalled) {
+        names.insert(row.call);
+    }
+    for (const Reason& row : kNotFailing) {
+        names.insert(row.call);
+    }
+    for (const AnswerCode& row : kAnswers) {
+        names.insert(row.call);
+    }
+    return names;
+}

@@ -1,0 +1,200 @@
+#include "tests/faults/failing_memory.h"
+
+#include <dlfcn.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string_view>
+
+#include "bindings/recording/recording.h"
+
+/// Who asks the function that this stands in.
+#define CALLER __builtin_return_address(0)
+
+namespace {
+
+/// No list of a device is as long; a block of this size could be had on some machines only.
+constexpr std::size_t kLargestBlock = std::size_t{1} << 30U;
+
+bool gInCLibrary = false;
+bool gArmed = false;
+bool gPersistently = false;
+long gFailing = 0;
+long gCount = 0;
+long gOutstanding = 0;
+
+/// Whether there is memory for one more block; there is for a block that is there already.
+bool Grants(std::size_t size, const void* caller) {
+    if (size > kLargestBlock) {
+        return false;
+    }
+    if (!gArmed || recording::IsInsidePlatform()) {
+        return true;
+    }
+    ++gCount;
+    if (gFailing == 0 || (gPersistently ? gCount < gFailing : gCount != gFailing)) {
+        return true;
+    }
+    Dl_info library{};
+    if (dladdr(caller, &library) != 0 &&
+        std::string_view(library.dli_fname).find("/libc.so") != std::string_view::npos) {
+        gInCLibrary = true;
+    }
+    return false;
+}
+
+void* Counted(void* block) {
+    if (block != nullptr) {
+        ++gOutstanding;
+    }
+    return block;
+}
+
+}  // namespace
+
+namespace failing_memory {
+
+void FailAt(long n, bool persistently) {
+    gFailing = n;
+    gPersistently = persistently;
+    gCount = 0;
+    gInCLibrary = false;
+    gArmed = true;
+}
+
+long Stop() {
+    gArmed = false;
+    return gCount;
+}
+
+bool FailedInCLibrary() {
+    return gInCLibrary;
+}
+
+long Outstanding() {
+    return gOutstanding;
+}
+
+}  // namespace failing_memory
+
+#if defined(__SANITIZE_ADDRESS__)
+
+namespace {
+
+void* Allocate(std::size_t size) {
+    void* const block = Grants(size, CALLER) ? Counted(std::malloc(size)) : nullptr;
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void* AllocateOrNull(std::size_t size) {
+    return Grants(size, CALLER) ? Counted(std::malloc(size)) : nullptr;
+}
+
+void Release(void* block) {
+    if (block != nullptr) {
+        --gOutstanding;
+    }
+    std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return Allocate(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return AllocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return AllocateOrNull(size);
+}
+void operator delete(void* block) noexcept {
+    Release(block);
+}
+void operator delete[](void* block) noexcept {
+    Release(block);
+}
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    Release(block);
+}
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+    Release(block);
+}
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+    Release(block);
+}
+void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
+    Release(block);
+}
+
+#else
+
+// Where the C library's own functions are found once they have been replaced.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+
+void* malloc(std::size_t size) {
+    if (!Grants(size, CALLER)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return Counted(__libc_malloc(size));
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+    if (!Grants(size == 0 || count <= kLargestBlock / size ? count * size : kLargestBlock + 1,
+                CALLER)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return Counted(__libc_calloc(count, size));
+}
+
+void* realloc(void* block, std::size_t size) {
+    if (size != 0 && !Grants(size, CALLER)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    void* const moved = __libc_realloc(block, size);
+    if (block == nullptr && moved != nullptr) {
+        ++gOutstanding;
+    } else if (block != nullptr && moved == nullptr && size == 0) {
+        --gOutstanding;
+    }
+    return moved;
+}
+
+void* memalign(std::size_t alignment, std::size_t size) {
+    return Grants(size, CALLER) ? Counted(__libc_memalign(alignment, size)) : nullptr;
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    return memalign(alignment, size);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
+    *block = memalign(alignment, size);
+    return *block == nullptr ? ENOMEM : 0;
+}
+
+void free(void* block) {
+    if (block != nullptr) {
+        --gOutstanding;
+    }
+    __libc_free(block);
+}
+}
+
+#endif
