@@ -10,6 +10,7 @@ from support.sessions import open_session
 from support.waiting import wait_until
 
 OTHER_SITE = ("Sec-Fetch-Site", "cross-site")
+OTHER_HOST = ("Host", "example.com")
 
 
 class WebServer:
@@ -74,6 +75,7 @@ def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_serv
     for path, method in web.given:
         expected = 403 if "connect" in path else 200
         assert web.ask(path, method, OTHER_SITE) == expected
+    assert web.all(OTHER_HOST) == {403}
     for path, method in web.given:
         assert web.ask(path, method, body=b"a" * 65537) == (413 if method == "post" else 400)
     assert web.all(("X", "a" * 9000)) == {431}

@@ -2,6 +2,8 @@
 
 import pytest
 
+from support import web
+
 UNTOUCHED = 1
 
 ACTING = [
@@ -66,8 +68,46 @@ FOREIGN = {
         ("Origin", ""),
         ("Referer", ""),
     ],
-    "of a name pointed at us": [("Host", "example.com:{port}")],
-    "of a name like an address": [("Host", "127.0.0.1.example.com")],
+    "written in two lines": [("Sec-Fetch-Site", "\r\n cross-site")],
+    "of an origin written in two lines": [("Origin", "http://127.0.0.1:{port}\r\n http://example.com")],
+}
+
+# A browser that has been told that such a name is ours takes its pages for our own.
+FOREIGN_HOSTS = {
+    "a name pointed at us": [("Host", "example.com:{port}")],
+    "a name that ends with a dot": [("Host", "example.com.")],
+    "a name like an address": [("Host", "127.0.0.1.example.com")],
+    "a name like one of the local domain": [("Host", "hotspot.local.example.com")],
+    "a name below one of the local domain": [("Host", "x.local.example:{port}")],
+    "a name that begins with a private domain": [("Host", "lan.example.com")],
+    "a domain that ends like a private one": [("Host", "kestal.evil-lan")],
+    "a domain that ends like a private one, without a hyphen": [("Host", "kestal.xinternal:{port}")],
+    "a domain that begins like a private one": [("Host", "kestal.lans")],
+    "a domain like that of homes": [("Host", "kestal.homexarpa")],
+    "a neighbour of the domain of homes": [("Host", "kestal.in-addr.arpa")],
+    "a name pointed at us, claimed to be ours": [
+        ("Host", "example.com"),
+        ("X-Forwarded-Host", "127.0.0.1"),
+        ("Sec-Fetch-Site", "same-origin"),
+        ("Origin", "http://127.0.0.1:{port}"),
+    ],
+}
+
+PRIVATE_DOMAINS = ["local", "lan", "internal", "home.arpa", "localhost"]
+
+MALFORMED_HOSTS = {
+    "none": b"",
+    "an empty one": b"Host:\r\n",
+    "two": b"Host: 127.0.0.1\r\nHost: example.com\r\n",
+    "two, the foreign one first": b"Host: example.com\r\nHost: 127.0.0.1\r\n",
+    "a user's": b"Host: 127.0.0.1@example.com\r\n",
+    "one with a path": b"Host: example.com/127.0.0.1\r\n",
+    "one with a blank": b"Host: 127.0.0.1 example.com\r\n",
+    "a list": b"Host: 127.0.0.1,example.com\r\n",
+    "an address with a private domain for a port": b"Host: example.com:80.lan\r\n",
+    "nothing in a private domain": b"Host: .lan\r\n",
+    "a part without letters in a private domain": b"Host: example.com..lan\r\n",
+    "one with another dot": "Host: example\u3002com\r\n".encode(),
 }
 
 OWN = {
@@ -85,6 +125,8 @@ OWN = {
     "typed by the user": [("Sec-Fetch-Site", "none")],
     "a host without a domain": [("Host", "hotspot")],
     "a host of the local domain": [("Host", "hotspot.local:{port}")],
+    "a host of the local domain in capitals": [("Host", "HOTSPOT.LOCAL")],
+    "a host of another port": [("Host", "192.0.2.1:80")],
     "an IPv6 host": [("Host", "[::1]:{port}")],
 }
 
@@ -121,6 +163,8 @@ def test_a_request_of_another_site_does_not_act(armed, template):
 
 @pytest.mark.parametrize("template", OWN.values(), ids=OWN.keys())
 def test_our_own_pages_and_callers_that_are_no_browsers_act(armed, template):
+    for target in ("/srv/status", "/srv/notification"):
+        assert armed.ask(target, headers(armed, template)).status == 200
     assert armed.ask("/srv/connect", headers(armed, template)).body == b'{"loginStatus":0}'
     assert connection_status(armed) == 2
     assert armed.ask("/srv/disconnect", headers(armed, template)).status == 200
@@ -132,6 +176,39 @@ def test_what_only_tells_is_open_to_all(armed, template):
     for target in ("/srv/status", "/srv/notification"):
         assert armed.ask(target, headers(armed, template)).status == 200
     assert connection_status(armed) == UNTOUCHED
+
+
+@pytest.mark.parametrize("template", FOREIGN_HOSTS.values(), ids=FOREIGN_HOSTS.keys())
+def test_nothing_is_answered_under_a_foreign_name(armed, template):
+    for target in ("/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect", "/srv/", "/srv/x?y"):
+        for method in ("GET", "HEAD", "POST"):
+            extra = [*headers(armed, template), ("Content-Length", "0")]
+            assert armed.ask(target, extra, method=method).status == 403, target
+    assert connection_status(armed) == UNTOUCHED
+    assert armed.log.count("request received") == 0
+
+
+def test_names_in_domains_of_private_networks_are_our_own(server):
+    for domain in PRIVATE_DOMAINS:
+        names = [f"kestal.{domain}", f"a.b-2.c.{domain}", f"KESTAL.{domain.upper()}", f"kestal.{domain}."]
+        for host in [*names, f"kestal.{domain}:{server.port}", f"kestal.{domain}.:80"]:
+            assert server.ask("/srv/status", [("Host", host)]).status == 200, host
+            assert server.ask("/srv/disconnect", [("Host", host)]).status == 200, host
+            origin = [("Host", host), ("Origin", f"http://{host}")]
+            assert server.ask("/srv/connect", origin).status == 403, host
+    for host in ("hotspot", "evil-lan", "home-arpa", "local", "HOTSPOT."):
+        assert server.ask("/srv/status", [("Host", host)]).status == 200, host
+    assert server.device.get("getCellularDataConnectionStatus") == 0
+
+
+@pytest.mark.parametrize("lines", MALFORMED_HOSTS.values(), ids=MALFORMED_HOSTS.keys())
+def test_a_host_that_can_be_read_in_two_ways_is_refused(armed, lines):
+    for target in (b"/srv/connect", b"/srv/status"):
+        with web.connect(armed.port) as client:
+            client.sendall(b"GET " + target + b" HTTP/1.1\r\n" + lines + b"Connection: close\r\n\r\n")
+            assert web.read_answer(client).status == 400
+    assert connection_status(armed) == UNTOUCHED
+    assert armed.log.count("request received") == 0
 
 
 def test_a_fragment_is_not_seen_by_the_guard(armed):
@@ -153,7 +230,9 @@ def test_further_origins_can_be_named(make_server):
     for origin in ("https://my.hotspot", "http://my.hotspot:80", "http://myxhotspot", "http://other.hotspot"):
         assert server.ask("/srv/connect", [("Origin", origin)]).status == 403
         assert server.ask("/srv/connect", [("Referer", origin + "/page")]).status == 403
-    assert server.ask("/srv/connect", [("Host", "other.hotspot")]).status == 403
+    for target in ("/srv/connect", "/srv/status"):
+        assert server.ask(target, [("Host", "my.hotspot")]).status == 200
+        assert server.ask(target, [("Host", "other.hotspot")]).status == 403
 
 
 def test_a_refusal_has_the_headers_of_an_answer(server):

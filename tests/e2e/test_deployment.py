@@ -7,6 +7,7 @@ import stat
 import pytest
 
 from support import paths, web
+from support.watchdog import Watchdog as Receiver
 
 
 @pytest.mark.parametrize(
@@ -113,20 +114,6 @@ def test_slow_clients_keep_nobody_waiting(server):
         client.close()
 
 
-def test_a_client_that_stops_sending_is_dropped(make_server, work):
-    server = make_server()
-    shipped = (paths.ROOT / "deploy" / "lighttpd.conf").read_text()
-    impatient, replaced = re.subn(r"(server.max-read-idle +=) \d+", r"\1 1", shipped)
-    assert replaced == 1
-    configuration = work / "lighttpd.conf"
-    configuration.write_text(impatient)
-    server.environment["KESTAL_CONFIGURATION"] = str(configuration)
-    server.start()
-    with web.connect(server.port) as client:
-        client.sendall(b"GET /srv/status HTTP/1.1\r\nHost: localh")
-        assert client.recv(1) == b""
-
-
 def test_the_run_directory_is_closed_to_other_users(server):
     assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
     assert list(server.run.glob("responder.sock*"))
@@ -139,12 +126,39 @@ def test_an_existing_run_directory_is_closed_to_other_users(make_server):
     assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
 
 
-def test_the_device_may_be_named_relative_to_the_callers_folder(make_server, work, monkeypatch):
+@pytest.mark.parametrize("name", ["mine.json", "@mine.json", "mine="])
+def test_the_device_may_be_named_relative_to_the_callers_folder(make_server, work, monkeypatch, name):
     monkeypatch.chdir(work)
     server = make_server()
-    server.environment["KESTAL_DEVICE"] = server.device.path.name
+    server.device.path.rename(name)
+    server.environment["KESTAL_DEVICE"] = name
     server.start()
     assert json.loads(server.ask("/srv/status").body)["statusData"]
+
+
+@pytest.mark.parametrize("kind", ["relative", "absolute", "abstract"])
+def test_the_system_log_may_be_named_in_each_way(make_server, work, monkeypatch, kind):
+    monkeypatch.chdir(work)
+    name = {"relative": "log.sock", "absolute": str(work / "log.sock"), "abstract": f"@{work}/log.sock"}[kind]
+    system_log = Receiver(name.replace("@", "\0"))
+    server = make_server()
+    server.environment["KESTAL_SYSLOG"] = name
+    server.device.set(getGPSStatus={"error": 5})
+    server.start()
+    assert server.ask("/srv/status").status == 200
+    assert any("sys_getGPSStatus failed" in line for line in system_log.waiting())
+    system_log.close()
+
+
+def test_an_end_with_clients_is_no_failure_to_systemd(server):
+    unit = (paths.ROOT / "deploy" / "kestal.service.in").read_text()
+    (expected,) = re.findall(r"(?m)^SuccessExitStatus=(\d+)$", unit)
+    with web.connect(server.port) as client:
+        client.sendall(b"GET /srv/sta")
+        # So the web server knows of both.
+        assert server.ask("/srv/status").status == 200
+        server.process.terminate()
+        assert server.process.wait(20) == int(expected)
 
 
 def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):

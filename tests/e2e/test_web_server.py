@@ -1,6 +1,7 @@
 """The web server and its responder: who starts, ends and restarts whom."""
 
 import fcntl
+import json
 import os
 import pathlib
 import shutil
@@ -40,6 +41,72 @@ def test_a_responder_that_dies_is_started_again(server):
         os.kill(dead, signo)
         wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
         assert server.responder() != dead
+
+
+class Browsers:
+    """Ask without pause until the with block ends; every answer must be whole."""
+
+    def __init__(self, server, count=4):
+        self.server = server
+        self.answers = []
+        self.problems = []
+        self.ended = False
+        self.threads = [threading.Thread(target=self._browse) for _ in range(count)]
+
+    def _browse(self):
+        while not self.ended:
+            try:
+                answer = self.server.ask("/srv/status")
+                assert len(answer.body) == int(answer.headers["content-length"]), "cut short"
+                if answer.status == 200:
+                    json.loads(answer.body)
+                self.answers.append(answer)
+            except Exception as error:  # pylint: disable=broad-except
+                self.problems.append(repr(error))
+
+    def __enter__(self):
+        for thread in self.threads:
+            thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.ended = True
+        for thread in self.threads:
+            thread.join()
+
+    def right(self):
+        return sum(answer.status == 200 for answer in self.answers)
+
+
+def test_a_responder_that_dies_under_load_is_started_again_and_answers_the_same(server):
+    with Browsers(server) as browsers:
+        for signo in (signal.SIGKILL, signal.SIGABRT, signal.SIGTERM):
+            wait_until(lambda enough=browsers.right() + 20: browsers.right() > enough, "answers before")
+            dead = server.responder()
+            os.kill(dead, signo)
+            wait_until(lambda: not processes.is_alive(dead), "the responder has ended")
+            wait_until(lambda enough=browsers.right() + 20: browsers.right() > enough, "answers after")
+            assert server.responder() != dead
+    assert browsers.problems == []
+    assert {answer.status for answer in browsers.answers} <= {200, 500, 503}
+    assert len({answer.body for answer in browsers.answers if answer.status == 200}) == 1
+    assert server.log.count("KESTAL_CGI Server Terminating") == 1
+    assert server.log.count("watchdog: kestal.cgi unregistered") == 1
+
+
+def test_stopping_the_web_server_under_load_leaves_no_half_answers(server):
+    responder = server.responder()
+    with Browsers(server) as browsers:
+        wait_until(lambda: browsers.right() > 50, "answers")
+        server.process.terminate()
+        # lighttpd ends with 1 when connections are open.
+        assert server.process.wait(20) in (0, 1)
+        browsers.ended = True
+    wait_until(lambda: not processes.is_alive(responder), "the responder has ended")
+    assert {answer.status for answer in browsers.answers} <= {200, 500, 503}
+    # Whoever gets no answer gets nothing at all.
+    assert not [problem for problem in browsers.problems if "cut short" in problem or "JSON" in problem]
+    assert server.log.count("watchdog: kestal.cgi unregistered") == 1
 
 
 def test_a_responder_whose_web_server_was_killed_goes_on_until_it_is_swept(server):
@@ -220,6 +287,8 @@ def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(ma
         "KESTAL_LOCALEDIR",
         "LOCPATH",
         "CGICC_MAX_CONTENTLENGTH",
+        "LIBFCGI_OS_CLOSE_POLL_TIMEOUT",
+        "GLIBC_TUNABLES",
     }
 
 

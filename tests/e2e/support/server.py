@@ -1,6 +1,7 @@
 """Web server and service as they are deployed: launcher, shipped configuration, real port."""
 
 import os
+import re
 import signal
 import subprocess
 
@@ -37,6 +38,17 @@ class Server:
         }
         self.process = None
 
+    def limit(self, **values):
+        """Serves with the shipped configuration but for these, as in limit(max_read_idle=1)."""
+        text = (paths.ROOT / "deploy" / "lighttpd.conf").read_text()
+        for name, value in values.items():
+            setting = "server." + name.replace("_", "-")
+            text, replaced = re.subn(rf"(?m)^({setting} +=) .*$", rf"\g<1> {value}", text)
+            assert replaced == 1, setting
+        configuration = self.work / "lighttpd.conf"
+        configuration.write_text(text)
+        self.environment["KESTAL_CONFIGURATION"] = str(configuration)
+
     def launch(self, *arguments):
         """Starts the launcher and waits for nothing."""
         return subprocess.Popen(
@@ -52,7 +64,10 @@ class Server:
         loops = self.log.text().count(IN_LOOP)
         self.process = self.launch()
         wait_until(self.is_up, "the web server has started")
-        self.log.wait_for(IN_LOOP, loops + 1)
+        if self.environment["KESTAL_LOG_LEVEL"] == "7":
+            self.log.wait_for(IN_LOOP, loops + 1)
+        else:
+            assert self.ask("/srv/status").status == 200
         return self
 
     def is_up(self):

@@ -1,0 +1,105 @@
+"""The service does not wait for the web server to close a connection (LIBFCGI_OS_CLOSE_POLL_TIMEOUT
+in the shipped configuration). No answer may be cut short by that."""
+
+import json
+import socket
+import struct
+
+import pytest
+
+from support import paths, processes, web
+from support.waiting import wait_until
+
+CHANNEL = "zelt.ans.notifications"
+MESSAGE = {
+    "id": "smsReceived",
+    "category": "messaging",
+    "severity": "info",
+    "labelId": "notification_category_messaging_label",
+    "titleId": "notification_sms_received_title",
+    "textId": "notification_sms_received_text",
+}
+LARGEST_BODY = 65536
+FORM = [("Content-Type", "application/x-www-form-urlencoded")]
+
+
+def start(server):
+    """At the level of a device: log lines would give the web server time."""
+    server.environment["KESTAL_LOG_LEVEL"] = "5"
+    server.process = server.launch()
+    wait_until(server.is_up, "the web server has started")
+    return server
+
+
+@pytest.fixture
+def server(make_server):
+    return start(make_server())
+
+
+def is_whole(answer):
+    """Whether this is a complete status."""
+    return answer.status == 200 and "statusBarBand" in answer.json()["statusData"]
+
+
+def test_the_service_does_not_wait(server):
+    assert processes.environment(server.responder())["LIBFCGI_OS_CLOSE_POLL_TIMEOUT"] == "0"
+
+
+@pytest.mark.parametrize("limit", ["0", "65536"], ids=["unread", "read"])
+def test_a_request_with_a_body_gets_its_whole_answer(make_server, work, limit):
+    server = make_server()
+    # What is larger than its limit, cgicc leaves unread.
+    shipped = '"CGICC_MAX_CONTENTLENGTH" => "65536"'
+    configuration = (paths.ROOT / "deploy" / "lighttpd.conf").read_text()
+    assert shipped in configuration
+    changed = work / "lighttpd.conf"
+    changed.write_text(configuration.replace(shipped, shipped.replace("65536", limit)))
+    server.environment["KESTAL_CONFIGURATION"] = str(changed)
+    start(server)
+    for size in [1, 4096, 16384, 65535, LARGEST_BODY] * 20:
+        assert is_whole(server.ask("/srv/status", FORM, method="POST", body=b"x" * size))
+
+
+def test_large_answers_are_whole(server):
+    count = 10_000
+    server.device.change(msgbus={CHANNEL: [MESSAGE] * count})
+    for _ in range(3):
+        answer = server.ask("/srv/notification")
+        assert answer.status == 200
+        assert len(answer.json()["notificationsList"]) == count
+
+
+def test_a_large_answer_to_a_slow_reader_is_whole(server):
+    count = 10_000
+    server.device.change(msgbus={CHANNEL: [MESSAGE] * count})
+    with web.connect(server.port) as slow:
+        slow.sendall(b"GET /srv/notification HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n")
+        # The service answers others before this reader has taken a byte.
+        assert is_whole(server.ask("/srv/status"))
+        answer = web.read_answer(slow)
+    assert len(json.loads(answer.body)["notificationsList"]) == count
+
+
+@pytest.mark.parametrize("body", [b"", b"x" * LARGEST_BODY], ids=["without a body", "with a body"])
+def test_clients_that_go_away_cost_others_nothing(server, body):
+    head = f"POST /srv/status HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: {len(body)}\r\n\r\n"
+    for _ in range(50):
+        with web.connect(server.port) as client:
+            # Closing resets the connection, whatever is under way.
+            client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+            client.sendall(head.encode() + body)
+        assert is_whole(server.ask("/srv/status"))
+
+
+def test_many_answers_on_one_connection_are_whole(server):
+    with web.connect(server.port) as client:
+        with client.makefile("rb") as stream:
+            for _ in range(500):
+                client.sendall(b"GET /srv/status HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n")
+                assert b" 200 " in stream.readline()
+                length = 0
+                while (line := stream.readline()) != b"\r\n":
+                    name, _, value = line.partition(b": ")
+                    if name.lower() == b"content-length":
+                        length = int(value)
+                assert "statusBarBand" in json.loads(stream.read(length))["statusData"]

@@ -1,0 +1,342 @@
+"""What hostile clients get out of the shipped deployment, and what the logs keep to themselves.
+docs/threat-model.md tells the whole."""
+
+import concurrent.futures
+import contextlib
+import json
+import os
+import pathlib
+import re
+import signal
+import stat
+
+import pytest
+
+from support import fastcgi, paths, web
+from support.sessions import open_session, session_tool
+from support.waiting import wait_until
+
+OPERATIONS = ["/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"]
+UNTOUCHED = 1
+
+HOST = b"Host: 127.0.0.1\r\n"
+GET = b"GET /srv/status HTTP/1.1\r\n" + HOST
+POST = b"POST /srv/status HTTP/1.1\r\n" + HOST
+LENGTH = b"Content-Length: 5\r\n"
+CHUNKED = b"Transfer-Encoding: chunked\r\n"
+# What an attacker would like the web server to take for a request of its own.
+HIDDEN = b"GET /srv/disconnect HTTP/1.1\r\n" + HOST + b"\r\n"
+
+SMUGGLING = {
+    "a length and chunks": POST + LENGTH + CHUNKED + b"\r\n0\r\n\r\n",
+    "chunks and a length": POST + CHUNKED + LENGTH + b"\r\n0\r\n\r\n",
+    "two lengths": POST + LENGTH + b"Content-Length: 6\r\n\r\nhello!",
+    "one length twice": POST + LENGTH + LENGTH + b"\r\nhello",
+    "a list of lengths": POST + b"Content-Length: 5, 5\r\n\r\nhello",
+    "a length with a sign": POST + b"Content-Length: +5\r\n\r\nhello",
+    "a negative length": POST + b"Content-Length: -1\r\n\r\n",
+    "a hexadecimal length": POST + b"Content-Length: 0x5\r\n\r\nhello",
+    "a length of two words": POST + b"Content-Length: 5 6\r\n\r\nhello",
+    "an empty length": POST + b"Content-Length: \r\n\r\n",
+    "no length": POST + b"\r\n",
+    "an unknown encoding": POST + b"Transfer-Encoding: xchunked\r\n\r\n0\r\n\r\n",
+    "encodings in turn": POST + b"Transfer-Encoding: identity, chunked\r\n\r\n0\r\n\r\n",
+    "chunks that are not last": POST + b"Transfer-Encoding: chunked, identity\r\n\r\n0\r\n\r\n",
+    "chunks in HTTP 1.0": POST.replace(b"1.1", b"1.0") + CHUNKED + b"\r\n0\r\n\r\n",
+    "a blank before the colon": POST + b"Transfer-Encoding : chunked\r\n\r\n0\r\n\r\n",
+    "a chunk of no size": POST + CHUNKED + b"\r\nzz\r\nhello\r\n0\r\n\r\n",
+    "a chunk of negative size": POST + CHUNKED + b"\r\n-5\r\nhello\r\n0\r\n\r\n",
+    "a chunk of absurd size": POST + CHUNKED + b"\r\nffffffffffffffff1\r\nhello\r\n0\r\n\r\n",
+    "a chunk longer than it says": POST + CHUNKED + b"\r\n5\r\nhelloXX0\r\n\r\n",
+    "chunks beyond the limit": POST + CHUNKED + b"\r\n11000\r\n" + b"a" * 0x11000 + b"\r\n0\r\n\r\n",
+    "a body of a GET": GET + LENGTH + b"\r\nhello",
+    "a folded first header": b"GET /srv/status HTTP/1.1\r\n X: y\r\n" + HOST + b"\r\n",
+    "a header without a colon": GET + b"X\r\n\r\n",
+    "a header without a name": GET + b": x\r\n\r\n",
+    "a NUL in a header": GET + b"X: a\0b\r\n\r\n",
+    "a NUL in the name of a header": GET + b"X\0: a\r\n\r\n",
+    "a NUL in the target": b"GET /srv/st\0atus HTTP/1.1\r\n" + HOST + b"\r\n",
+    "a NUL in the method": b"G\0ET /srv/status HTTP/1.1\r\n" + HOST + b"\r\n",
+    "a carriage return alone": GET + b"X: a\rb\r\n\r\n",
+    "line feeds alone": GET.replace(b"\r\n", b"\n") + b"\n",
+    "a target of another host": b"GET http://example.com/srv/connect HTTP/1.1\r\n" + HOST + b"\r\n",
+    "a host of another target": b"GET http://127.0.0.1/srv/connect HTTP/1.1\r\nHost: example.com\r\n\r\n",
+    "a target of another protocol": b"GET ftp://127.0.0.1/srv/connect HTTP/1.1\r\n" + HOST + b"\r\n",
+    "no protocol": b"GET /srv/status\r\n\r\n",
+    "a later protocol": b"GET /srv/status HTTP/2.0\r\n" + HOST + b"\r\n",
+    "the greeting of a later protocol": b"PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n",
+}
+
+OTHER_METHODS = [
+    "PUT", "DELETE", "OPTIONS", "TRACE", "CONNECT", "PATCH", "PROPFIND", "LOCK", "MOVE", "PURGE", "get",
+    "GETX", "G", "HEAD/", "POST,GET", "M" * 100,
+]
+
+
+@pytest.fixture
+def armed(server):
+    server.device.set(getCellularDataConnectionStatus=UNTOUCHED)
+    return server
+
+
+def is_untouched(server):
+    return server.device.get("getCellularDataConnectionStatus") == UNTOUCHED
+
+
+def converse(server, request):
+    """Sends bytes and returns all that comes until the web server ends the connection."""
+    with web.connect(server.port) as client:
+        client.sendall(request)
+        received = b""
+        with contextlib.suppress(ConnectionError):
+            while piece := client.recv(65536):
+                received += piece
+    return received
+
+
+def statuses(received):
+    return [int(number) for number in re.findall(rb"HTTP/1\.[01] (\d\d\d) ", received)]
+
+
+@pytest.mark.parametrize("method", OTHER_METHODS, ids=lambda method: method[:9])
+def test_methods_other_than_get_head_and_post_are_refused(make_server, method):
+    server = make_server()
+    server.environment["KESTAL_DOCUMENT_ROOT"] = str(paths.ROOT / "demo")
+    server.start()
+    server.device.set(getCellularDataConnectionStatus=UNTOUCHED)
+    for target in [*OPERATIONS, "/srv/", "/%73rv/connect", "/", "/index.html", "/nothing", "*"]:
+        answer = server.ask(target, [("Content-Length", "0")], method=method)
+        assert answer.status in (400, 403, 501), target
+    assert is_untouched(server)
+    assert server.log.count("request received") == 0
+
+
+@pytest.mark.parametrize("request_", SMUGGLING.values(), ids=SMUGGLING.keys())
+def test_a_request_that_can_be_read_in_two_ways_is_refused_with_all_that_follows(armed, request_):
+    (status,) = statuses(converse(armed, request_ + HIDDEN))
+    assert status in (400, 411, 413, 501, 505)
+    assert is_untouched(armed)
+    assert armed.log.count("request received") == 0
+
+
+@pytest.mark.parametrize(
+    "body",
+    [
+        b"Content-Length: %d\r\n\r\n%s" % (len(HIDDEN), HIDDEN),
+        CHUNKED + b"\r\n%x\r\n%s\r\n0\r\n\r\n" % (len(HIDDEN), HIDDEN),
+        CHUNKED + b"\r\n%x;x=y\r\n%s\r\n0\r\nX: y\r\n\r\n" % (len(HIDDEN), HIDDEN),
+        CHUNKED + CHUNKED + b"\r\n%x\r\n%s\r\n0\r\n\r\n" % (len(HIDDEN), HIDDEN),
+        b"X:\r\n Content-Length: 0\r\nContent-Length: %d\r\n\r\n%s" % (len(HIDDEN), HIDDEN),
+    ],
+    ids=["counted", "in a chunk", "in a chunk with an extension", "in a chunk, said twice", "folded header"],
+)
+def test_a_body_is_no_request(armed, body):
+    last = GET + b"Connection: close\r\n\r\n"
+    assert statuses(converse(armed, POST + body + last)) == [200, 200]
+    assert is_untouched(armed)
+
+
+def test_no_file_outside_the_folder_of_pages_is_served(make_server, work):
+    pages = work / "pages"
+    (pages / "folder").mkdir(parents=True)
+    (pages / "index.html").write_text("page")
+    (work / "pages.secret").write_text("SECRET")
+    (work / "secret.js").write_text("SECRET")
+    server = make_server()
+    server.environment["KESTAL_DOCUMENT_ROOT"] = str(pages)
+    server.start()
+    assert server.ask("/index.html").body == b"page"
+    for up in ("..", "%2e%2e", ".%2e", "%2E.", "..%00", "%252e%252e", "%c0%ae%c0%ae", "..;", ". .", "..."):
+        for slash in ("/", "%2f", "%5c", "\\", "//", "%252f", "%c0%af"):
+            for target in (f"/{up}{slash}secret.js", f"/folder/{up}{slash}{up}{slash}secret.js", f"/{up}.secret",
+                           f"/index.html/{up}{slash}{up}{slash}secret.js", f"{up}{slash}secret.js"):
+                answer = server.ask(target)
+                # What follows a page's name does not matter.
+                assert answer.status in (400, 404) or answer.body == b"page", target
+    for target in (str(work / "secret.js"), f"/{work}/secret.js", f"file://{work}/secret.js", "/~root/"):
+        assert server.ask(target).status in (400, 404), target
+
+
+def test_answers_of_the_service_are_never_stored_or_guessed_at(make_server):
+    server = make_server()
+    server.environment["KESTAL_TIMEOUT"] = "1"
+    server.start()
+
+    def ask(method, target, *headers):
+        answer = server.ask(target, [*headers, ("Content-Length", "0")], method=method)
+        assert answer.headers["cache-control"] == "no-store"
+        assert answer.headers["x-content-type-options"] == "nosniff"
+        assert "access-control-allow-origin" not in answer.headers
+        assert not (method == "HEAD" and answer.body)
+        return answer
+
+    methods = ("GET", "HEAD", "POST")
+    for method in methods:
+        for target in [*OPERATIONS, "/srv/", "/srv/x?y"]:
+            answer = ask(method, target)
+            assert (answer.status, answer.headers["content-type"]) == (200, "application/json")
+            assert ask(method, target, ("Host", "example.com")).status == 403
+    assert ask("PUT", "/srv/status").status == 403
+    server.device.set(getWebUICarrierEnabled=0)
+    assert {ask(method, target).status for method in methods for target in OPERATIONS} == {501}
+    responder = server.responder()
+    os.kill(responder, signal.SIGSTOP)
+    assert ask("GET", "/srv/status").status == 504
+    (server.run / "kestal.cgi").unlink()
+    os.kill(responder, signal.SIGKILL)
+    wait_until(lambda: ask("GET", "/srv/status").status == 503, "the web server knows that it is gone")
+
+
+def test_what_one_client_can_cost_is_bounded():
+    settings = dict(
+        re.findall(r"(?m)^server\.([a-z-]+) += (\d+)$", (paths.ROOT / "deploy" / "lighttpd.conf").read_text())
+    )
+    assert settings == {
+        "max-request-size": "64",
+        "max-request-field-size": "8192",
+        "max-read-idle": "10",
+        "max-write-idle": "30",
+        "max-keep-alive-idle": "5",
+        "max-connections": "256",
+    }
+
+
+def established(server):
+    """How many connections the web server has that neither side has ended."""
+    own = f":{server.port:04X}"
+    rows = [row.split() for row in pathlib.Path("/proc/net/tcp").read_text().splitlines()[1:]]
+    return sum(local.endswith(own) and state == "01" for _, local, _, state, *_ in rows)
+
+
+def test_slow_clients_are_dropped(make_server, work):
+    pages = work / "pages"
+    pages.mkdir()
+    # More than the kernel takes for a client that does not read.
+    (pages / "large.js").write_bytes(b"a" * 50_000_000)
+    server = make_server()
+    server.environment["KESTAL_DOCUMENT_ROOT"] = str(pages)
+    server.limit(max_read_idle=1, max_write_idle=1, max_keep_alive_idle=1)
+    server.start()
+    begun = {
+        "says nothing": b"",
+        "stops in the request line": b"GET /srv/sta",
+        "stops in the headers": GET + b"X: ",
+        "stops in the body": POST + LENGTH + b"\r\nhell",
+        "stops in a chunk": POST + CHUNKED + b"\r\n5\r\nhell",
+        "stops between chunks": POST + CHUNKED + b"\r\n5\r\nhello\r\n",
+        "asks no second time": GET + b"\r\n",
+        "does not read": b"GET /large.js HTTP/1.1\r\n" + HOST + b"\r\n",
+    }
+    with contextlib.ExitStack() as stack:
+        clients = {name: stack.enter_context(web.connect(server.port)) for name in begun}
+        for name, client in clients.items():
+            client.sendall(begun[name])
+        assert server.ask("/srv/status").status == 200
+        wait_until(lambda: established(server) == 0, "the web server has dropped them all")
+        assert statuses(clients["asks no second time"].recv(65536)) == [200]
+    assert server.log.count("request received") == 2
+
+
+def test_when_there_are_too_many_clients_others_wait_until_the_slow_ones_are_dropped(make_server):
+    server = make_server()
+    server.limit(max_connections=4, max_read_idle=1)
+    server.start()
+    slow = [web.connect(server.port) for _ in range(4)]
+    for client in slow:
+        client.sendall(b"GET /srv/sta")
+    with concurrent.futures.ThreadPoolExecutor(1) as pool:
+        asked = pool.submit(server.ask, "/srv/status")
+        wait_until(lambda: "connection limit reached" in server.server_messages(), "there are too many")
+        for client in slow:
+            with client:
+                assert client.recv(1) == b""
+        assert asked.result().status == 200
+
+
+def test_no_other_user_reads_what_the_service_writes(make_server):
+    before = os.umask(0)
+    try:
+        server = make_server().start()
+        open_session(server)
+    finally:
+        os.umask(before)
+    assert server.ask("/srv/status").status == 200
+    for path in (server.run, server.sessions, server.log.path):
+        assert stat.S_IMODE(path.stat().st_mode) & 0o007 == 0, path
+    assert stat.S_IMODE(server.sessions.stat().st_mode) == 0o600
+
+
+def present(server, identifier):
+    """Shows a session's identifier in all the ways that a client can."""
+    agent = ("User-Agent", "test")
+    good = f"torusess={identifier}"
+    for cookie in (good, f"a=b; {good}; {good}", f"torusess={identifier}%s%n", f'torusess="{identifier}"',
+                   f"{good}\x80", f"a={identifier}", identifier, f"torusess=\x1b[2J{identifier}",
+                   f"$Version=1; {good}; $Path=/", f"{good}\r\n folded", good + ";" * 3000, good + "a" * 9000):
+        for target in [*OPERATIONS, "/srv/../x", "/nothing"]:
+            server.ask(target, [("Cookie", cookie), agent])
+    server.ask("/srv/connect", [("Cookie", good), agent, ("Sec-Fetch-Site", "cross-site")])
+    server.ask("/srv/status", [("Cookie", good), agent, ("Host", "example.com")])
+    server.ask("/srv/status", [("Cookie", good), agent, ("Content-Length", "70000")], method="POST")
+    for request in SMUGGLING.values():
+        converse(server, request.replace(HOST, HOST + f"Cookie: {good}\r\n".encode()))
+    # As a web server would that checks nothing.
+    parameters = {**fastcgi.STATUS, "HTTP_COOKIE": good, "HTTP_USER_AGENT": "test"}
+    for changed in ({"REMOTE_ADDR": "nowhere"}, {"CONTENT_LENGTH": "9"}, {"CONTENT_LENGTH": "x"},
+                    {"REQUEST_METHOD": "POST", "CONTENT_LENGTH": "9", "CONTENT_TYPE": "multipart/form-data"}):
+        fastcgi.ask(server.run / "responder.sock-0", {**parameters, **changed}, b"short")
+
+
+@pytest.mark.parametrize("level", range(7))
+def test_below_level_7_no_log_tells_a_session(make_server, work, level):
+    server = make_server()
+    server.environment["KESTAL_LOG_LEVEL"] = str(level)
+    server.start()
+    identifier = open_session(server).partition("=")[2]
+    present(server, identifier)
+    session_tool(server.environment, "renew", identifier)
+    assert identifier not in session_tool(server.environment, "list")
+
+    whole = server.sessions.read_bytes()
+    server.sessions.write_bytes(whole[:-20])
+    present(server, identifier)
+    server.sessions.write_bytes(whole)
+    os.kill(server.responder(), signal.SIGSEGV)
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+    assert server.ask("/srv/x", [("Cookie", f"torusess={identifier}"), ("User-Agent", "test")]).json() == {
+        "loginStatus": 1
+    }
+
+    if level >= 3:
+        assert "nobody is logged in" in server.log.text()
+        assert "session check failed" in server.log.text()
+    assert "413" in server.server_messages()
+    files = [file for file in work.rglob("*") if file.is_file() and not file.is_symlink()]
+    assert {server.log.path, server.sessions, server.messages} <= {*files, server.log.path}
+    for file in files:
+        assert identifier.encode() not in file.read_bytes(), file
+
+
+def test_at_level_7_one_line_tells_the_session(server):
+    cookie = open_session(server)
+    server.ask("/srv/status", [("Cookie", cookie), ("User-Agent", "test")])
+    identifier = cookie.partition("=")[2]
+    assert [message for message in server.log.messages() if identifier in message] == [
+        "[KESTAL_CGI]:[DEBUG] - int GetLoginStatus(CgiHelper*, FCGX_Request&) - sessionId " + identifier
+    ]
+
+
+def test_the_log_is_not_at_level_7_unless_asked_for(make_server):
+    server = make_server()
+    server.environment["KESTAL_LOG_LEVEL"] = ""
+    server.start()
+    server.ask("/srv/status", [("Cookie", open_session(server)), ("User-Agent", "test")])
+    assert ":[DEBUG] - " not in server.log.text()
+
+
+def test_a_status_cannot_be_run_as_a_script(server):
+    """Whatever a page of another site does with an answer that it makes a browser load."""
+    answer = server.ask("/srv/status", [("Sec-Fetch-Site", "cross-site"), ("Sec-Fetch-Dest", "script")])
+    assert isinstance(json.loads(answer.body), dict)
+    assert answer.headers["content-type"] == "application/json"
+    assert answer.headers["x-content-type-options"] == "nosniff"
