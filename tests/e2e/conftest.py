@@ -5,6 +5,7 @@ import tempfile
 
 import pytest
 
+from support import sanitizers
 from support.responder import Responder
 from support.server import Server
 from support.watchdog import Watchdog
@@ -27,6 +28,7 @@ def work():
     """A folder for one test. Its name is short: paths of sockets have little room."""
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-test-"))
     yield folder
+    sanitizers.check(folder)
     if "KESTAL_KEEP" in os.environ:
         print(f"kept: {folder}")
     else:

@@ -9,7 +9,7 @@ import jsonschema
 import pytest
 import yaml
 
-from support import paths
+from support import paths, sanitizers
 from support.responder import Responder
 from support.sessions import open_session
 
@@ -116,6 +116,7 @@ def asker():
     yield make
     for each in made:
         each.responder.stop()
+    sanitizers.check(folder)
     shutil.rmtree(folder)
 
 

@@ -4,7 +4,7 @@ import signal
 import socket
 import subprocess
 
-from support import fastcgi, paths
+from support import fastcgi, paths, sanitizers
 from support.device import Device
 from support.logs import IN_LOOP, Log
 
@@ -18,6 +18,7 @@ class Responder:
         self.log = Log(work / f"{name}.log")
         self.environment = {
             **paths.CLEAN_ENVIRONMENT,
+            **sanitizers.OPTIONS,
             "KESTAL_DEVICE": str(self.device.path),
             "KESTAL_SESSIONS": str(self.sessions),
             "KESTAL_LOG": str(self.log.path),
@@ -67,5 +68,9 @@ class Responder:
     def stop(self):
         if self.process is not None and self.process.poll() is None:
             self.process.send_signal(signal.SIGCONT)
+            if paths.SANITIZERS:
+                # Leaks are looked for at an orderly end.
+                self.process.terminate()
+                self.process.wait(20)
             self.process.kill()
             self.process.wait()

@@ -1,0 +1,75 @@
+"""The keep-alive thread beside requests, while others replace the device document. Plain, this shows
+that nobody waits for the other; with the thread sanitizer, that nothing is shared unguarded."""
+
+import contextlib
+import json
+import os
+import signal
+import threading
+
+import pytest
+
+from support.load import Load
+from support.waiting import wait_until
+
+BATTERY = "getBatteryStatus"
+
+
+class Writers:
+    """Replace the device document without pause until the with block ends, each with values of its own."""
+
+    def __init__(self, device, count=2):
+        self.device = device
+        self.ended = False
+        self.rounds = [0] * count
+        self.threads = [threading.Thread(target=self._write, args=(number,)) for number in range(count)]
+
+    def _write(self, number):
+        document = self.device.document()
+        new = self.device.path.with_name(f"{self.device.path.name}.{number}")
+        while not self.ended:
+            self.rounds[number] += 1
+            document["sys"][BATTERY] |= {"chargePercent": 10 * number + self.rounds[number] % 10}
+            new.write_text(json.dumps(document))
+            os.replace(new, self.device.path)
+
+    def __enter__(self):
+        for thread in self.threads:
+            thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.ended = True
+        for thread in self.threads:
+            thread.join()
+
+
+def reporting(make_responder, watchdog):
+    responder = make_responder()
+    responder.environment["NOTIFY_SOCKET"] = watchdog.path
+    responder.device.set(getWatchdogInterval=1)
+    responder.start()
+    assert watchdog.next().startswith("READY=1")
+    return responder
+
+
+@pytest.mark.parametrize("signo", [signal.SIGTERM, signal.SIGUSR1], ids=["terminated", "ended"])
+def test_requests_keep_alives_and_changes_of_the_device_go_on_side_by_side(make_responder, watchdog, signo):
+    responder = reporting(make_responder, watchdog)
+    before = responder.device.get(BATTERY)["chargePercent"]
+    with contextlib.ExitStack() as stack:
+        writers = stack.enter_context(Writers(responder.device))
+        load = stack.enter_context(Load(responder))
+        assert [watchdog.next(), watchdog.next()] == ["WATCHDOG=1", "WATCHDOG=1"]
+        wait_until(lambda: min(writers.rounds) > 20 and load.complete() > 20, "all have worked")
+        assert responder.end(signo) == 0
+    assert watchdog.waiting()[-1] == "STOPPING=1"
+    assert not load.cut_short()
+    assert responder.log.count("[ERROR]") == 0
+    shown = {
+        json.loads(answer.body)["statusData"]["statusBarBatteryPercent"]
+        for answer in load.answers
+        if answer.complete
+    }
+    assert len(shown) > 1
+    assert shown <= {str(percent) for percent in (*range(20), before)}
