@@ -1,0 +1,100 @@
+"""Thousands of mixed requests while the device changes: every answer right, and nothing grows."""
+
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+
+import pytest
+
+from support import paths
+
+SOAK = paths.ROOT / "tests" / "soak" / "soak.py"
+LEAK = pathlib.Path(os.environ.get("KESTAL_LEAK", paths.BUILD / "tests" / "soak" / "libkestal_leak.so"))
+# Of the 300 bytes that the leaking service loses with each request.
+LEAST_SEEN = 250_000
+
+
+def soak(work, *options, **environment):
+    file = work / "report.json"
+    run = subprocess.Popen(
+        [sys.executable, str(SOAK), "--json", str(file), *options],
+        env={**os.environ, **environment},
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+    )
+    try:
+        output, _ = run.communicate(timeout=200)
+    except subprocess.TimeoutExpired:
+        # It ends its clients, the web server and the service.
+        run.send_signal(signal.SIGINT)
+        output, _ = run.communicate(timeout=60)
+    assert file.exists(), output
+    report = json.loads(file.read_text())
+    assert run.returncode == (0 if report["good"] else 1)
+    return report
+
+
+@pytest.fixture
+def leaking(work):
+    """The service, but for 300 bytes that it loses with each request."""
+    program = work / "leaking"
+    program.write_text(f'#!/bin/sh\nLD_PRELOAD="{LEAK}" exec "{paths.SERVICE}"\n')
+    program.chmod(0o755)
+    return {"KESTAL_SOAK_RESPONDER": str(program)}
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers keep what has been freed")
+def test_thousands_of_requests_are_answered_and_leave_nothing_behind(work):
+    report = soak(work, "--requests", "3000", "--warm-up", "500", "--changes", "0.005")
+    assert report["failures"] == []
+    assert report["requests"] == 3000
+    assert report["errors"] == 0
+    assert not report["restarted"]
+    for process in report["processes"].values():
+        assert process["bytesPerThousandRequests"] <= process["limit"]
+        assert process["start"]["descriptors"] == process["end"]["descriptors"]
+        assert process["start"]["threads"] == process["end"]["threads"]
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="nothing can be loaded before the sanitizers")
+def test_a_leak_of_300_bytes_per_request_shows(work, leaking):
+    report = soak(work, "--requests", "1500", "--warm-up", "300", "--changes", "0.005", **leaking)
+    service = report["processes"]["service"]
+    assert report["errors"] == 0
+    assert service["bytesPerThousandRequests"] > LEAST_SEEN > service["limit"]
+    assert [failure for failure in report["failures"] if failure.startswith("service: grows by ")]
+    assert not report["good"]
+
+
+def test_a_wrong_answer_shows(work):
+    """A service that answers every request, but not as it should."""
+    program = work / "wrong"
+    program.write_text(
+        "#!/usr/bin/python3\n"
+        "import os, socket, sys\n"
+        f"sys.path.insert(0, {str(paths.ROOT / 'tests' / 'e2e')!r})\n"
+        "from support import fastcgi\n"
+        "with open('/proc/self/comm', 'w') as name:\n"
+        "    name.write('kestal.cgi')\n"
+        "listener = socket.socket(fileno=0)\n"
+        "while True:\n"
+        "    try:\n"
+        "        with listener.accept()[0] as connection:\n"
+        "            connection.recv(65536)\n"
+        "            body = b'Content-Type: application/json\\r\\n\\r\\n{\"loginStatus\":0'\n"
+        "            connection.sendall(fastcgi.stream(fastcgi.STDOUT, body)\n"
+        "                               + fastcgi.record(fastcgi.END_REQUEST, bytes(8)))\n"
+        "    except OSError:\n"
+        "        pass\n"
+    )
+    program.chmod(0o755)
+    report = soak(
+        work, "--requests", "200", "--warm-up", "10", "--changes", "0.001", KESTAL_SOAK_RESPONDER=str(program)
+    )
+    assert not report["good"]
+    assert report["errors"] > 100
+    assert any("status: no JSON" in failure for failure in report["failures"])

@@ -1,0 +1,115 @@
+"""A device that changes all the time while it is asked."""
+
+import contextlib
+import fcntl
+import itertools
+import json
+import os
+import subprocess
+import threading
+
+from support import paths
+
+LANGUAGES = ["en_US", "de_DE", "fr_FR", "es_ES", "ja_JP", "ar_EG"]
+# What kestal-sim does to it, in turn.
+COMMANDS = [
+    [["set", "sys.getBatteryStatus.chargePercent", "9"]],
+    [["fail", "sys.getGPSStatus", "5"], ["heal", "sys.getGPSStatus"]],
+    [["notify", "smsReceived"], ["notify", "--clear"]],
+]
+COMMAND_EVERY = 40
+# Seconds without a change after each round: a document that rests is not read again.
+REST = 3.0
+
+
+@contextlib.contextmanager
+def locked(folder):
+    descriptor = os.open(folder, os.O_RDONLY)
+    try:
+        fcntl.flock(descriptor, fcntl.LOCK_EX)
+        yield
+    finally:
+        # Closing does not suffice: a client process may have been forked meanwhile.
+        fcntl.flock(descriptor, fcntl.LOCK_UN)
+        os.close(descriptor)
+
+
+def encode(document):
+    return json.dumps(document, indent=2).encode()
+
+
+def states():
+    """Each shipped device in each language, and the default one with each call failing; every few of
+    them a document that is damaged, which leaves the last good one in force."""
+    documents = []
+    devices = [json.loads(path.read_text()) for path in sorted(paths.DEVICES.glob("*.json"))]
+    for language in LANGUAGES:
+        for device in devices:
+            device["webui"]["i18nSettings"] = {"language": language}
+            documents.append(encode(device))
+    default = paths.DEFAULT_DEVICE.read_text()
+    for group in ("sys", "webui", "msgbus"):
+        for call in json.loads(default)[group]:
+            # Without it there are no answers.
+            if call != "getWebUICarrierEnabled":
+                device = json.loads(default)
+                device[group][call] = {"error": 5}
+                documents.append(encode(device))
+    for number in range(3, len(documents), 7):
+        whole = documents[number]
+        documents[number] = [whole[: len(whole) // 2], b"", whole.replace(b"{", b"[", 3), b"\xff" * 99][number % 4]
+    return documents
+
+
+class Changes:
+    """Goes through all states of the device again and again, one every so many seconds."""
+
+    def __init__(self, device, interval):
+        self.device = device
+        self.original = device.path.read_bytes()
+        self.interval = interval
+        self.states = states()
+        self.count = 0
+        self.rounds = 0
+        self.commands = 0
+        self.problems = []
+        self.ended = threading.Event()
+        self.thread = threading.Thread(target=self._run)
+
+    def __enter__(self):
+        self.thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.ended.set()
+        self.thread.join()
+        self._write(self.original)
+
+    def _run(self):
+        commands = itertools.cycle(COMMANDS)
+        while True:
+            for state in self.states:
+                if self.ended.wait(self.interval):
+                    return
+                self._write(state)
+                self.count += 1
+                if self.count % COMMAND_EVERY == 0:
+                    self._write(self.original)
+                    for command in next(commands):
+                        self._command(command)
+            self.rounds += 1
+            if self.ended.wait(REST):
+                return
+
+    def _write(self, document):
+        """Under the lock that actions of the service take, too: one that has read the state before
+        would put it back."""
+        with locked(self.device.path.parent):
+            self.device.write(document)
+
+    def _command(self, arguments):
+        environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_DEVICE": str(self.device.path)}
+        run = subprocess.run([str(paths.SIM), *arguments], env=environment, capture_output=True, text=True)
+        self.commands += 1
+        if run.returncode != 0:
+            self.problems.append(f"kestal-sim {' '.join(arguments)}: {run.stderr.strip()}")

@@ -1,0 +1,131 @@
+"""Kills the service under load, again and again, and tells what its clients see."""
+
+import collections
+import dataclasses
+import os
+import signal
+import statistics
+import threading
+import time
+
+from support import processes
+from support.waiting import wait_until
+
+CLIENTS = 4
+# Seconds between an answer and a client's next request.
+PAUSE = 0.005
+# Seconds without a failure after which an outage is over: the web server looks once a second whether
+# a service that was refused works again.
+CALM = 2.5
+
+
+@dataclasses.dataclass
+class Kill:
+    failures: dict
+    seconds: float
+    """From the signal to the end of the last answer that is no success; 0 when there is none."""
+
+
+class Callers:
+    """Ask without end, slowly enough to count what fails."""
+
+    def __init__(self, server):
+        self.server = server
+        self.lock = threading.Lock()
+        self.failures = []
+        self.successes = collections.Counter()
+        self.ended = False
+        self.last_failure = 0.0
+        self.threads = [threading.Thread(target=self._ask) for _ in range(CLIENTS)]
+
+    def __enter__(self):
+        for thread in self.threads:
+            thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.ended = True
+        for thread in self.threads:
+            thread.join()
+
+    def _ask(self):
+        while not self.ended:
+            try:
+                answer = self.server.ask("/srv/status")
+                failure = None if answer.status == 200 else f"status {answer.status}"
+            except (OSError, IndexError) as error:
+                failure = f"no answer: {error}"
+            with self.lock:
+                if failure:
+                    self.failures.append(failure)
+                    self.last_failure = time.monotonic()
+                else:
+                    self.successes[answer.body] += 1
+            time.sleep(PAUSE)
+
+    def total(self):
+        with self.lock:
+            return sum(self.successes.values())
+
+    def take_failures(self):
+        with self.lock:
+            failures, self.failures = self.failures, []
+        return dict(collections.Counter(failures))
+
+
+@dataclasses.dataclass
+class Report:
+    kills: list
+    answers: int
+    different: int
+    """How many different answers there were; the device does not change."""
+
+    def is_good(self):
+        return self.different == 1
+
+    def data(self):
+        return {
+            "good": self.is_good(),
+            "kills": [dataclasses.asdict(kill) for kill in self.kills],
+            "answers": self.answers,
+            "differentAnswers": self.different,
+        }
+
+    def text(self):
+        lines = [
+            f"{kill.seconds:6.3f} s {sum(kill.failures.values()):5} failed  {kill.failures or ''}"
+            for kill in self.kills
+        ]
+        times = sorted(kill.seconds for kill in self.kills)
+        short = sum(seconds < 0.1 for seconds in times)
+        counts = sorted(sum(kill.failures.values()) for kill in self.kills)
+        lines += [
+            f"{len(times)} kills, {self.answers} right answers, {self.different} different ones",
+            f"outage: {times[0]:.3f} to {times[-1]:.3f} s, median {statistics.median(times):.3f} s;"
+            f" {short} shorter than 0.1 s",
+            f"failed requests: {counts[0]} to {counts[-1]}, median {statistics.median(counts):.0f}",
+            "good" if self.is_good() else "FAILED: the answers differ",
+        ]
+        return "\n".join(lines)
+
+
+def run(server, count):
+    kills = []
+    with Callers(server) as callers:
+        for _ in range(count):
+            enough = callers.total() + 100
+            wait_until(lambda: callers.total() > enough, "answers before the kill", 60)
+            callers.take_failures()
+            dead = server.responder()
+            begin = time.monotonic()
+            callers.last_failure = begin
+            os.kill(dead, signal.SIGKILL)
+            wait_until(lambda: not processes.is_alive(dead), "the service is dead")
+            before = callers.total()
+            wait_until(
+                lambda: time.monotonic() - callers.last_failure > CALM and callers.total() > before,
+                "the service is back",
+                60,
+            )
+            kills.append(Kill(callers.take_failures(), callers.last_failure - begin))
+    return Report(kills, callers.total(), len(callers.successes))

@@ -1,0 +1,21 @@
+// Preloaded into the service, loses 300 bytes with every request: proof that the soak sees a leak.
+#include <dlfcn.h>
+#include <fcgiapp.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kLost = 300;
+
+void* volatile theLost = nullptr;
+
+}  // namespace
+
+extern "C" void FCGX_Finish_r(FCGX_Request* request) {
+    using Finish = void (*)(FCGX_Request*);
+    static const auto finish = reinterpret_cast<Finish>(dlsym(RTLD_NEXT, "FCGX_Finish_r"));
+    theLost = std::memset(std::malloc(kLost), 1, kLost);
+    finish(request);
+}

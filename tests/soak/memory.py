@@ -1,0 +1,50 @@
+"""What a process holds, and whether it holds more and more."""
+
+import dataclasses
+import os
+import pathlib
+import statistics
+
+PAGE = os.sysconf("SC_PAGE_SIZE")
+
+
+@dataclasses.dataclass
+class Holdings:
+    pss: int
+    own: int
+    """Bytes of anonymous memory, swapped out or not: what other processes come and go does not
+    change it, unlike pss."""
+    descriptors: int
+    threads: int
+
+
+def holdings(pid):
+    process = pathlib.Path(f"/proc/{pid}")
+    rollup = {}
+    for line in (process / "smaps_rollup").read_text().splitlines()[1:]:
+        key, value, _ = line.split()
+        rollup[key] = int(value) * 1024
+    return Holdings(
+        pss=rollup["Pss:"],
+        own=rollup["Anonymous:"] + rollup["Swap:"],
+        descriptors=len(list((process / "fd").iterdir())),
+        threads=len(list((process / "task").iterdir())),
+    )
+
+
+def slope(samples):
+    """Growth in bytes per thousand requests, from samples of (requests, bytes): the median of the
+    slopes of all pairs, which a step that happens once does not move, but a staircase does."""
+    slopes = [
+        1000 * (later[1] - earlier[1]) / (later[0] - earlier[0])
+        for index, earlier in enumerate(samples)
+        for later in samples[index + 1 :]
+        if later[0] > earlier[0]
+    ]
+    return statistics.median(slopes) if slopes else 0.0
+
+
+def resolution(samples):
+    """The least slope that shows: one page over all requests."""
+    requests = samples[-1][0] - samples[0][0] if samples else 0
+    return 1000 * PAGE / requests if requests else 0.0

@@ -1,0 +1,191 @@
+"""A long mixed load on web server and service, and what it does to them; see scripts/soak."""
+
+import argparse
+import json
+import os
+import pathlib
+import shutil
+import signal
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
+
+import kills
+import memory
+import mix
+import report
+from client import Clients
+from device import Changes
+from support import paths, processes
+from support.server import Server
+from support.sessions import open_session
+from support.waiting import wait_until
+
+YEAR = 365 * 24 * 3600
+SAMPLES = 400
+LOG_LIMIT = 16 << 20
+# Seconds for a warm-up, beside the rests between the states of the device.
+WARM_UP = 120
+
+
+def arguments():
+    parser = argparse.ArgumentParser(prog="scripts/soak", description=__doc__)
+    parser.add_argument("--requests", type=int, help="how many (default 100000)")
+    parser.add_argument("--seconds", type=float, help="how long, instead of how many")
+    parser.add_argument("--warm-up", type=int, default=5000, help="requests before (default 5000)")
+    parser.add_argument("--processes", type=int, default=1, help="of clients (default 1)")
+    parser.add_argument("--connections", type=int, default=8, help="of each process (default 8)")
+    parser.add_argument("--changes", type=float, default=0.02, help="seconds between two states of the device")
+    parser.add_argument("--tolerance", type=int, default=16, help="pages of growth in all that are no growth")
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--kill", type=int, metavar="N", help="instead: kill the service N times under load")
+    parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="write the report there, too")
+    options = parser.parse_args()
+    if options.requests is None:
+        options.requests = 10**12 if options.seconds else 100_000
+    return options
+
+
+class Soak:
+    def __init__(self, server, options):
+        self.server = server
+        self.options = options
+        self.samples = {"service": [], "web server": []}
+        self.pids = {"service": server.responder(), "web server": server.process.pid}
+        agent = ("--idle", str(YEAR))
+        self.kinds = mix.kinds(
+            open_session(server, "127.0.0.1", mix.AGENT, *agent),
+            open_session(server, "192.168.1.5", mix.AGENT, *agent),
+        )
+
+    def clients(self, requests, seed):
+        options = self.options
+        return Clients(self.server.port, self.kinds, requests, options.processes, options.connections, seed)
+
+    def holdings(self):
+        return {name: memory.holdings(pid) for name, pid in self.pids.items()}
+
+    def at_rest(self):
+        """Holdings when the last clients have been seen to be gone."""
+
+        def quiet():
+            before = self.holdings()
+            time.sleep(0.05)
+            return before if before == self.holdings() else None
+
+        return wait_until(quiet, "web server and service are at rest")
+
+    def keep_log_short(self):
+        """As a rotation would that truncates."""
+        log = self.server.log.path
+        if log.exists() and log.stat().st_size > LOG_LIMIT:
+            os.truncate(log, 0)
+
+    def warm_up(self, changes):
+        """Until all states of the device have been seen."""
+        clients = self.clients(10**12, self.options.seed + 1000)
+        wait_until(
+            lambda: (changes.rounds > 0 and clients.count() >= self.options.warm_up)
+            or clients.are_done()
+            or not self.is_same(),
+            "the device has been through all its states",
+            WARM_UP + 2 * changes.interval * len(changes.states),
+        )
+        clients.stop()
+        return clients.results()
+
+    def run(self):
+        options = self.options
+        with Changes(self.server.device, options.changes) as warm_up:
+            _, problems_before, _ = self.warm_up(warm_up)
+        if not self.is_same():
+            sys.exit("the service has ended during the warm-up")
+        start = self.at_rest()
+        begin = time.monotonic()
+        with Changes(self.server.device, options.changes) as changes:
+            clients = self.clients(options.requests, options.seed)
+            end = begin + options.seconds if options.seconds else float("inf")
+            # The first and the last sample span all requests, however fast they are.
+            self.sample(0)
+            interval = 0.01
+            while not clients.are_done():
+                time.sleep(interval)
+                self.sample(clients.count())
+                if len(self.samples["service"]) > SAMPLES:
+                    # Fewer and fewer, so that a week's samples are no more than a minute's.
+                    for samples in self.samples.values():
+                        del samples[1::2]
+                    interval *= 2
+                self.keep_log_short()
+                if time.monotonic() > end or not self.is_same():
+                    clients.stop()
+            self.sample(clients.count())
+            seconds = time.monotonic() - begin
+            requests, problems, slowest = clients.results()
+        after = self.at_rest() if self.is_same() else None
+        problems += problems_before
+        for problem in warm_up.problems + changes.problems:
+            problems[problem] += 1
+        return report.Report(
+            requests=dict(requests.most_common()),
+            problems=dict(problems),
+            seconds=seconds,
+            slowest=slowest,
+            changes=changes.count,
+            commands=changes.commands,
+            restarted=not self.is_same(),
+            start=start,
+            end=after or start,
+            samples=self.samples,
+            tolerance=options.tolerance,
+            server_messages=len(self.server.server_messages().splitlines()),
+        )
+
+    def is_same(self):
+        return self.server.process.poll() is None and processes.is_alive(self.pids["service"])
+
+    def sample(self, count):
+        try:
+            for name, held in self.holdings().items():
+                self.samples[name].append((count, held.own))
+        except OSError:
+            # It has died; the clients will say so, too.
+            pass
+
+
+def start(server):
+    server.process = server.launch()
+    wait_until(server.is_up, "the web server has started")
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service serves")
+
+
+def main():
+    options = arguments()
+    # Also where the caller ignores them: the web server is to end with the soak.
+    for signo in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(signo, signal.default_int_handler)
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-soak-"))
+    server = Server(folder)
+    server.environment["KESTAL_LOG_LEVEL"] = "5"
+    # Another program in place of the service, for the tests of the soak itself.
+    if "KESTAL_SOAK_RESPONDER" in os.environ:
+        server.environment["KESTAL_RESPONDER"] = os.environ["KESTAL_SOAK_RESPONDER"]
+    try:
+        start(server)
+        result = kills.run(server, options.kill) if options.kill else Soak(server, options).run()
+        print(result.text())
+        if options.json:
+            options.json.write_text(json.dumps(result.data(), indent=2) + "\n")
+        return 0 if result.is_good() else 1
+    finally:
+        server.close()
+        if "KESTAL_KEEP" in os.environ:
+            print(f"kept: {folder}")
+        else:
+            shutil.rmtree(folder)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
