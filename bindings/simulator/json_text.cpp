@@ -244,6 +244,12 @@ std::string PathText(const KeyPath& path) {
 
 json ParseStrictly(const std::string& text) {
     StrictCheck(text).Walk();
+    // For the parser the text ends there; a file that a crash has damaged goes on behind it.
+    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
+        throw SyntaxError(
+            std::to_string(LineAt(text, nul)) + ":" + std::to_string(ColumnAt(text, nul)),
+            "expected the end of the document, found a NUL");
+    }
     return json::parse(text);
 }
 

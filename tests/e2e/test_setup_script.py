@@ -88,6 +88,14 @@ def test_running_needs_no_package_of_the_tests(machine):
     assert calls[-1].endswith(" libgtest-dev python3-pytest")
 
 
+def test_compilers_for_other_processors_are_for_those_who_ask(machine):
+    missing = ["g++-arm-linux-gnueabihf", "qemu-user"]
+    assert machine("test", missing=missing) == (0, "", [])
+    status, _, calls = machine("cross", missing=missing)
+    assert status == 0
+    assert calls[-1].endswith(" g++-arm-linux-gnueabihf qemu-user")
+
+
 def test_programs_are_installed_only_where_there_are_none(machine):
     """They may come from elsewhere than Debian, whose packages would be in conflict with them."""
     assert machine("test", missing=["nodejs", "npm"]) == (0, "", [])
@@ -113,4 +121,4 @@ def test_a_user_who_cannot_install_is_told_what_is_missing(machine):
 
 
 def test_another_argument_is_refused(machine):
-    assert machine("all") == (2, "usage: scripts/setup [run | test]\n", [])
+    assert machine("all") == (2, "usage: scripts/setup [run | test | coverage | bench | cross]\n", [])

@@ -1,5 +1,7 @@
 #include "bindings/simulator/sim/device_path.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -134,6 +136,9 @@ void AddPaths(const json& value, KeyPath& path, std::vector<std::string>& paths)
 }  // namespace
 
 KeyPath ResolvePath(const std::string& text, const json& document) {
+    if (!utf8::is_valid(text.begin(), text.end())) {
+        throw std::runtime_error("a path is written in UTF-8");
+    }
     KeyPath path = PathParser(text, document).Parse();
     const std::string& first = std::get<std::string>(path.front());
     if (std::find(kSections.begin(), kSections.end(), first) != kSections.end()) {

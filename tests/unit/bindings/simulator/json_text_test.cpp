@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace {
 
 using simulator::FindValue;
@@ -57,6 +59,20 @@ TEST(JsonText, KnowsTheLineOfAName) {
     EXPECT_EQ(FindValue(text, {"a", std::size_t{2}, std::size_t{0}})->line, 8U);
     EXPECT_FALSE(FindValue(text, {"b"}));
     EXPECT_FALSE(FindValue(text, {"a", std::size_t{3}}));
+}
+
+TEST(JsonText, DoesNotEndAtANul) {
+    using std::string_literals::operator""s;
+    for (const std::string& text : {"{}\n\0"s, "{}\n\0{\"sys\": ["s, "{}\n\0\0\0\0"s}) {
+        try {
+            simulator::ParseStrictly(text);
+            FAIL() << "accepted";
+        } catch (const simulator::SyntaxError& error) {
+            EXPECT_EQ(error.Place(), "2:1");
+            EXPECT_STREQ(error.what(), "expected the end of the document, found a NUL");
+        }
+    }
+    EXPECT_THROW(simulator::ParseStrictly("\0"s), simulator::SyntaxError);
 }
 
 TEST(JsonText, PathsReadLikeCode) {

@@ -82,6 +82,12 @@ TEST(DevicePath, WhatIsNoPathIsRefused) {
     }
 }
 
+TEST(DevicePath, WhatNoDocumentCanHoldIsRefused) {
+    EXPECT_EQ(Complaint("sys.ge\x8c"
+                        "BatteryStatus"),
+              "a path is written in UTF-8");
+}
+
 TEST(DevicePath, ANameThatNoCallHasIsRefusedWithTheNearest) {
     EXPECT_EQ(Complaint("getSimStats"),
               "there is no call 'getSimStats'; did you mean getSIMStatus?");

@@ -1,0 +1,258 @@
+// What the platform's calls answer: every record of theirs as raw bytes, every code, for status and
+// notifications. The input has a line for each answer that is not the usual one:
+//
+//     CALL[.OUTPUT][@OFFSET] CODE BYTES
+//
+// BYTES (see Unescaped) go over the output from OFFSET on. A call without OUTPUT means its first
+// one. Of calls that fill a list, CALL is the list, CALL.count how many it says it has written, and
+// CALL.needed how many it has asked room for.
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <new>
+#include <optional>
+
+#include "bindings/recording/recording.h"
+#include "components/notification/notification_block.h"
+#include "components/status/status_component.h"
+#include "components/systemservice/service_api.h"
+#include "components/systemservice/system_service_component.h"
+#include "fuzz/answers.h"
+#include "fuzz/target.h"
+#include "platform/sysint.h"
+#include "platform/webui.h"
+
+// A device may say that it has any number of anything. Memory for all of it is not there, at a
+// limit that leaves the fuzzer fast.
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    constexpr std::size_t kLimit = std::size_t{1} << 24U;
+    if (size > kLimit) {
+        return nullptr;
+    }
+    try {
+        return operator new[](size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+namespace {
+
+constexpr std::size_t kInt = sizeof(std::int32_t);
+constexpr std::size_t kLongestList = 1 << 16;
+
+/// A call and the sizes of its outputs.
+struct Call {
+    const char* name;
+    std::vector<std::size_t> outputs;
+    int success = 0;
+};
+
+/// A call that is made twice: without a buffer, which asks for one, and with it.
+struct ListCall {
+    const char* name;
+    std::size_t recordSize;
+    int bufferNeeded;
+    int success = 0;
+};
+
+const std::vector<Call>& Calls() {
+    static const std::vector<Call> calls = [] {
+        std::vector<Call> all = {
+            {"sys_getSubscriberInfo", {sizeof(sys_subscriber_info_t)}},
+            {"sys_getNetworkSIMLockStatus", {sizeof(sys_network_sim_lock_t)}},
+            {"sys_getAllSimSlotsInfo", {sizeof(sys_all_sim_slots_t)}},
+            {"sys_getCellularServiceStats", {sizeof(sys_cellular_service_stats_t)}},
+            {"sys_getCellularDataConnectionStats", {sizeof(sys_cellular_data_connection_stats_t)}},
+            {"sys_getSDCardInfo", {sizeof(sys_sd_card_info_t)}},
+            {"sys_getSambaShareInfo", {sizeof(sys_samba_share_info_t)}},
+            {"sys_getBatteryStatus", {sizeof(sys_battery_status_t)}},
+            {"sys_getGpioPin1CustomSettings", {sizeof(GpioCustomSettings)}},
+            {"sys_getGpioPin2CustomSettings", {sizeof(GpioCustomSettings)}},
+            {"sys_getSIMCarrierGID", {SYS_SIM_CARRIER_GID_SIZE, 1}},
+            {"sys_getModemMnsInfo", {kInt, kInt, kInt}},
+            {"sys_getCellular5GBand", {kInt, kInt}},
+            {"webui_get_uri_data", {sizeof(webui_uri_data_t)}, WEBUI_SUCCESS},
+            {"webui_get_i18n_settings", {sizeof(webui_i18n_settings_t)}, WEBUI_SUCCESS},
+            {"webui_get_software_update_status",
+             {sizeof(webui_software_update_status_t)},
+             WEBUI_SUCCESS},
+            {"webui_get_software_installation_duration", {kInt}, WEBUI_SUCCESS},
+            {"webui_get_software_update_custom_msgs",
+             {sizeof(SoftwareUpdateCustomMessages)},
+             WEBUI_SUCCESS},
+        };
+        for (const char* const number : {"sys_getSambaCarrierEnabled",
+                                         "sys_getGPSCarrierEnabled",
+                                         "sys_getMTSMSCarrierEnabled",
+                                         "sys_getWiFiCarrierEnabled",
+                                         "sys_getWiFiGuestCarrierEnabled",
+                                         "sys_getPCOCarrierEnabled",
+                                         "sys_getNUACarrierEnabled",
+                                         "sys_getOmadmFumoCarrierEnabled",
+                                         "sys_getMultiSimEnabled",
+                                         "sys_getCellularDataEnabled",
+                                         "sys_getCellularDataConnectionStatus",
+                                         "sys_getSIMStatus",
+                                         "sys_getCellular3GBand",
+                                         "sys_getCellularBand",
+                                         "sys_getCABandWidth",
+                                         "sys_get5GBandWidth",
+                                         "sys_getEthernetEnabled",
+                                         "sys_getEthernetLinkStatus",
+                                         "sys_getFotaInstallStatus",
+                                         "sys_getGPSStatus",
+                                         "sys_getSMSUnreadCount",
+                                         "sys_getSambaEnabled",
+                                         "sys_getWiFiEnabled",
+                                         "sys_getRadioEnabled",
+                                         "sys_getCellularServiceStatus",
+                                         "sys_getCellularDataAccountStatus",
+                                         "sys_getEnabledRadioTechnologies",
+                                         "sys_getSIMNetworkRejectCode",
+                                         "sys_getActiveSimSlot",
+                                         "sys_getNumSims",
+                                         "sys_getCellular5GMode",
+                                         "sys_getWiFiMaxClients",
+                                         "sys_getWiFiGuestProfileEnabled"}) {
+            all.push_back({number, {kInt}});
+        }
+        return all;
+    }();
+    return calls;
+}
+
+const std::vector<ListCall>& ListCalls() {
+    static const std::vector<ListCall> calls = {
+        {"webui_get_common_features", sizeof(webui_feature_t), WEBUI_BUFFER_NEEDED, WEBUI_SUCCESS},
+        {"webui_get_common_configurations", sizeof(webui_configuration_t), WEBUI_BUFFER_NEEDED,
+         WEBUI_SUCCESS},
+        {"sys_getConnectedDeviceList", sizeof(sys_connected_device_t), SYS_ERROR_BUFFER_NEEDED},
+        {"MsgbusHandler::GetData", 1, MSGBUS_BUFFER_NEEDED},
+    };
+    return calls;
+}
+
+/// One output of a call, and the code of the call.
+struct Reply {
+    int code = 0;
+    std::string bytes;
+    std::size_t size = 0;  ///< at most
+};
+
+using Replies = std::map<std::string, Reply, std::less<>>;
+
+std::string NumberBytes(std::int32_t number) {
+    std::string bytes(sizeof(number), '\0');
+    std::memcpy(bytes.data(), &number, sizeof(number));
+    return bytes;
+}
+
+std::int32_t NumberOf(const std::string& bytes) {
+    std::int32_t number = 0;
+    std::memcpy(&number, bytes.data(), std::min(bytes.size(), sizeof(number)));
+    return number;
+}
+
+std::string OutputName(const std::string& call, std::size_t output) {
+    return output == 0 ? call : call + "." + std::to_string(output);
+}
+
+/// A device on which everything works: each number is 1, each record empty, each list has two.
+Replies UsualReplies() {
+    Replies replies;
+    for (const Call& call : Calls()) {
+        for (std::size_t output = 0; output < call.outputs.size(); ++output) {
+            const std::size_t size = call.outputs.at(output);
+            replies[OutputName(call.name, output)] = {
+                call.success, size == kInt ? NumberBytes(1) : std::string(size, '\0'), size};
+        }
+    }
+    for (const ListCall& call : ListCalls()) {
+        const std::string name = call.name;
+        replies[name] = {call.success, "", kLongestList};
+        replies[name + ".count"] = {call.success, NumberBytes(2), kInt};
+        replies[name + ".needed"] = {call.bufferNeeded, NumberBytes(2), kInt};
+    }
+    return replies;
+}
+
+void Change(Replies& replies, std::string_view line) {
+    std::string_view key = TakeUntil(line, ' ');
+    const std::string_view name = TakeUntil(key, '@');
+    const auto found = replies.find(name);
+    if (found == replies.end()) {
+        return;
+    }
+    Reply& reply = found->second;
+    reply.code = static_cast<int>(Integer(TakeUntil(line, ' ')));
+    const auto offset = static_cast<std::size_t>(
+        std::clamp<std::int64_t>(Integer(key), 0, static_cast<std::int64_t>(reply.size)));
+    const std::string bytes = Unescaped(line).substr(0, reply.size - offset);
+    reply.bytes.resize(std::max(reply.bytes.size(), offset + bytes.size()));
+    std::copy(bytes.begin(), bytes.end(),
+              reply.bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+void Write(recording::Answer& answer, const std::string& bytes) {
+    answer.WritesRecords(std::vector<char>(bytes.begin(), bytes.end()));
+}
+
+void Script(const Replies& replies) {
+    recording::Reset();
+    for (const Call& call : Calls()) {
+        recording::Answer& answer = recording::Given(call.name).Returns(replies.at(call.name).code);
+        for (std::size_t output = 0; output < call.outputs.size(); ++output) {
+            Write(answer, replies.at(OutputName(call.name, output)).bytes);
+        }
+    }
+    for (const ListCall& call : ListCalls()) {
+        const std::string name = call.name;
+        const Reply& needed = replies.at(name + ".needed");
+        Write(recording::Given(name).Returns(needed.code).WritesNothing(), needed.bytes);
+        // It writes no more than there is room for.
+        const Reply& list = replies.at(name);
+        const auto room = static_cast<std::uint64_t>(std::max(NumberOf(needed.bytes), 0));
+        recording::Answer& answer = recording::Given(name).Returns(list.code);
+        const auto size = std::min<std::uint64_t>(room * call.recordSize, list.bytes.size());
+        Write(answer, list.bytes.substr(0, static_cast<std::size_t>(size)));
+        Write(answer, replies.at(name + ".count").bytes);
+    }
+}
+
+std::string Json(const CTPP::CDT& tree) {
+    std::string json;
+    CTPP::CDT2JSON(tree, json);
+    return json;
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input = InputText(data, size);
+    Replies replies = UsualReplies();
+    for (const std::string_view line : LinesOf(input)) {
+        Change(replies, line);
+    }
+
+    Script(replies);
+    StatusComponent status;
+    status.Init("");
+    // The second time, caches hold what the first one has left there.
+    for (int round = 0; round < 2; ++round) {
+        Script(replies);
+        CTPP::CDT answer;
+        Require(status.GetData(answer) == PAGE_ERROR_NONE, "the status is always told");
+        RequireJson(Json(answer));
+    }
+
+    SystemServiceComponent service;
+    for (int round = 0; round < 2; ++round) {
+        Script(replies);
+        CTPP::CDT answer;
+        Require(service.Dispatch(answer, SERVICE_API_NOTIFICATION) == PAGE_ERROR_NONE,
+                "the notifications are always told");
+        RequireJson(Json(answer));
+    }
+    return 0;
+}
