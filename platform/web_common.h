@@ -74,6 +74,7 @@ class LanguageSupport {
 };
 
 /// What a MaintenanceThread calls.
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): without state, it can be copied
 class MaintenanceThreadCallbackInterface {
   public:
     /// Called once per interval on the maintenance thread; the base returns false.

@@ -7,8 +7,8 @@
 
 /// An argument that a command wants.
 struct Parameter {
-    const char* name;
-    const char* description;
+    const char* name = nullptr;
+    const char* description = nullptr;
 
     /// Bounds of a number; a parameter without them is a text.
     struct Range {

@@ -10,9 +10,10 @@ namespace CTPP {
 namespace {
 
 void AppendAddress(const void* address, std::string& out) {
-    std::array<char, 2 * sizeof(address)> buffer;
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
-                                      reinterpret_cast<std::uintptr_t>(address), 16);
+    std::array<char, 2 * sizeof(address)> buffer{};
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the number is the text
+    const auto number = reinterpret_cast<std::uintptr_t>(address);
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, 16);
     out.append("0x").append(buffer.data(), result.ptr);
 }
 
@@ -34,6 +35,7 @@ CDT::Number CDT::ReadNumber() const {
         return *real;
     }
     if (void* const* pointer = std::get_if<void*>(&content)) {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): its address counts
         return static_cast<INT_64>(reinterpret_cast<std::intptr_t>(*pointer));
     }
     if (const Text* text = std::get_if<Text>(&content)) {

@@ -67,14 +67,14 @@ double ToReal(std::string_view text) {
 }  // namespace
 
 void AppendInteger(std::int64_t value, std::string& out) {
-    std::array<char, 24> buffer;
+    std::array<char, 24> buffer{};
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
     out.append(buffer.data(), result.ptr);
 }
 
 void AppendReal(double value, std::string& out) {
     constexpr int kSignificantDigits = 12;
-    std::array<char, 32> buffer;
+    std::array<char, 32> buffer{};
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                       std::chars_format::general, kSignificantDigits);
     for (const char* c = buffer.data(); c != result.ptr; ++c) {

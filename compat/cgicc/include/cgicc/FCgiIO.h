@@ -16,6 +16,7 @@ namespace cgicc {
 class FCgiIO : public CgiInput {
   public:
     explicit FCgiIO(FCGX_Request& fcgiRequest) : request(fcgiRequest) {}
+    ~FCgiIO() override = default;
     FCgiIO(const FCgiIO&) = delete;
     FCgiIO& operator=(const FCgiIO&) = delete;
 

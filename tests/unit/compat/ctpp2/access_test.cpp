@@ -244,6 +244,7 @@ TEST(CDTAppend, ContainersAndPointersCannotBecomeText) {
 }
 
 TEST(CTPPExceptions, TellWhatHappenedAndShareABase) {
+    EXPECT_STREQ(CTPP::CTPPException().what(), "CTPP exception");
     EXPECT_STREQ(CDTAccessException().what(), "operator []");
     EXPECT_STREQ(CDTRangeException().what(), "pos > size");
     EXPECT_STREQ(CDTTypeCastException("Append").what(), "Append");
