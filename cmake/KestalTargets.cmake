@@ -4,6 +4,10 @@
 add_library(kestal_options INTERFACE)
 target_compile_features(kestal_options INTERFACE cxx_std_20)
 target_include_directories(kestal_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Without these, files with large inode numbers cannot be looked at and time ends in 2038.
+    target_compile_definitions(kestal_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 target_compile_options(kestal_options INTERFACE
     -Wall -Wextra -Werror -Wshadow -Wformat=2 -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef
@@ -34,7 +38,8 @@ target_compile_options(kestal_options_san INTERFACE
 target_link_options(kestal_options_san INTERFACE -fsanitize=address,undefined)
 
 set(KESTAL_TWINS OFF)
-if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE)
+# The sanitizers do not run in an emulator.
+if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE AND NOT CMAKE_CROSSCOMPILING)
     set(KESTAL_TWINS ON)
 endif()
 
@@ -96,6 +101,7 @@ function(kestal_add_unit_test name)
     kestal_link_test(${name} OFF ${arg_LINKS})
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     kestal_lint(${name})
+    kestal_emulate(${name})
     gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60
         PROPERTIES LABELS unit TIMEOUT 120)
     if(KESTAL_TWINS)

@@ -19,6 +19,10 @@ std::int64_t Nanoseconds(const timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
+// On 32-bit processors, too: an inode number or a size of more bits would be an error of every look
+// at the file.
+static_assert(sizeof(ino_t) == 8 && sizeof(off_t) == 8);
+
 FileStamp StampOf(const struct stat& status) {
     return {.device = status.st_dev,
             .inode = status.st_ino,

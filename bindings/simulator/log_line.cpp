@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kCut = "...[cut]";
 
 bool IsControl(char byte) {
-    return (byte >= '\0' && byte < ' ') || byte == '\x7f';
+    return static_cast<unsigned char>(byte) < ' ' || byte == '\x7f';
 }
 
 bool IsInsideCharacter(char byte) {
@@ -22,6 +22,7 @@ bool IsInsideCharacter(char byte) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the buffer is filled as far as it is used
 LogLine::LogLine(const char* programName) {
     using std::chrono::floor;
     const auto now = floor<std::chrono::milliseconds>(std::chrono::system_clock::now());

@@ -53,7 +53,7 @@ std::span<const AnsNotificationRecord> NotificationBlock::Records() const {
     // The block is walked where it lies: it may hold thousands of records. Memory for bytes is
     // aligned for anything, and the offset of the records suits them.
     static_assert(ANS_NOTIFICATION_LIST_RECORDS % alignof(AnsNotificationRecord) == 0);
-    const auto* records =
-        reinterpret_cast<const AnsNotificationRecord*>(bytes.get() + ANS_NOTIFICATION_LIST_RECORDS);
+    const void* first = bytes.get() + ANS_NOTIFICATION_LIST_RECORDS;
+    const auto* records = static_cast<const AnsNotificationRecord*>(first);
     return {records, std::min(static_cast<std::size_t>(announced), received)};
 }

@@ -24,7 +24,8 @@ bool WaitingClock::WaitUntil(Time time) {
     while (true) {
         const Time rest = std::max(time - Now(), Time(0));
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(rest);
-        const timespec timeout = {.tv_sec = seconds.count(), .tv_nsec = (rest - seconds).count()};
+        const auto below = static_cast<decltype(timespec::tv_nsec)>((rest - seconds).count());
+        const timespec timeout = {.tv_sec = seconds.count(), .tv_nsec = below};
         if (sigtimedwait(&signals, nullptr, &timeout) > 0) {
             return false;
         }

@@ -1,0 +1,5 @@
+set(KESTAL_ARCHITECTURE arm64)
+set(KESTAL_TRIPLET aarch64-linux-gnu)
+set(KESTAL_EMULATOR qemu-aarch64)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/debian.cmake)
