@@ -1,0 +1,18 @@
+// The least that answers through libfcgi: a stored body, whatever was asked.
+#include <fcgiapp.h>
+
+#include "bench/responders/stored_body.h"
+
+int main() {
+    const std::string answer =
+        "Status: 200 OK\r\nContent-Type: application/json\r\n\r\n" + StoredBody();
+    FCGX_Request request{};
+    if (FCGX_Init() != 0 || FCGX_InitRequest(&request, 0, 0) != 0) {
+        return 1;
+    }
+    while (FCGX_Accept_r(&request) >= 0) {
+        FCGX_PutStr(answer.data(), static_cast<int>(answer.size()), request.out);
+        FCGX_Finish_r(&request);
+    }
+    return 0;
+}

@@ -1,0 +1,207 @@
+"""The whole stack: each operation through lighttpd, beside responders that do less and a file."""
+
+import json
+import pathlib
+import socket
+import subprocess
+import time
+
+from support import fastcgi, paths, processes
+from support.responder import Responder
+from support.server import Server
+from support.waiting import wait_until
+
+CHANNEL = "zelt.ans.notifications"
+NOTIFICATION = {
+    "id": "smsReceived",
+    "category": "messaging",
+    "severity": "info",
+    "labelId": "notification_category_messaging_label",
+    "titleId": "notification_sms_received_title",
+    "textId": "notification_sms_received_text",
+}
+# Name, target, records in the list of notifications.
+OPERATIONS = [
+    ("status", "/srv/status", 0),
+    ("notification, 0 records", "/srv/notification", 0),
+    ("notification, 10 records", "/srv/notification", 10),
+    ("notification, 100 records", "/srv/notification", 100),
+    ("notification, 1,000 records", "/srv/notification", 1000),
+    ("connect", "/srv/connect", 0),
+]
+CONNECTIONS = [1, 8, 32]
+REPORT = pathlib.Path(__file__).with_name("report.lua")
+# As on a device: no debug lines, and the service's own default is what the environment says nothing of.
+NOT_ON_A_DEVICE = ("KESTAL_LOG_LEVEL",)
+
+
+def as_on_a_device(environment):
+    return {name: value for name, value in environment.items() if name not in NOT_ON_A_DEVICE}
+
+
+def processor_time(pid):
+    """Nanoseconds that all threads of a process have run."""
+    tasks = pathlib.Path(f"/proc/{pid}/task").iterdir()
+    return sum(int((task / "schedstat").read_text().split()[0]) for task in tasks)
+
+
+def memory(pid):
+    """Proportional set size in KiB."""
+    for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
+        if line.startswith("Pss:"):
+            return int(line.split()[1])
+    raise AssertionError("no Pss")
+
+
+class Subject:
+    """A responder behind a web server of its own with the shipped configuration."""
+
+    def __init__(self, work, name, program, device):
+        self.server = Server(work, name)
+        # The launcher hands on the service's variables only: where the others find the body that
+        # they answer, they are told as the service is told of its device.
+        self.server.environment = {
+            **as_on_a_device(self.server.environment),
+            "KESTAL_RESPONDER": str(program),
+            "KESTAL_DEVICE": str(device),
+            "KESTAL_DOCUMENT_ROOT": str(work),
+        }
+        self.server.process = self.server.launch()
+        wait_until(self.server.is_up, f"the web server of {name} has started")
+        children = wait_until(lambda: processes.children(self.server.process.pid), f"{name} runs")
+        self.pid = children[0]
+
+    def load(self, target, connections, seconds):
+        """Asks without pause; what a request took."""
+        before = processor_time(self.pid)
+        command = ["wrk", "-t1", f"-c{connections}", f"-d{seconds}", "-s", str(REPORT)]
+        output = subprocess.run(
+            [*command, f"http://127.0.0.1:{self.server.port}{target}"],
+            check=True,
+            capture_output=True,
+            text=True,
+        ).stdout
+        report = json.loads(output.splitlines()[-1])
+        assert report["errors"] == 0, report
+        requests = report["requests"]
+        return {
+            "requests": requests,
+            "requestsPerSecond": requests * 1e6 / report["microseconds"],
+            "p50": report["p50"],
+            "p99": report["p99"],
+            "processor": (processor_time(self.pid) - before) / 1000 / requests,
+        }
+
+
+class Row:
+    """One operation: the service, what it is compared with, and the file."""
+
+    def __init__(self, work, build, name, target, records):
+        self.name, self.target = name, target
+        label = name.replace(" ", "").replace(",", "")
+        device = work / f"{label}.json"
+        document = json.loads(paths.DEFAULT_DEVICE.read_text())
+        document["msgbus"][CHANNEL] = [NOTIFICATION] * records
+        device.write_text(json.dumps(document))
+        service = Subject(work, f"{label}-s", build / "service" / "kestal.cgi", device)
+        answer = service.server.ask(target)
+        assert answer.status == 200, answer
+        body = work / f"{label}.html"
+        body.write_bytes(answer.body)
+        self.bytes = len(answer.body)
+        floor = Subject(work, f"{label}-f", build / "bench" / "kestal-bench-floor", body)
+        bare = Subject(work, f"{label}-b", build / "bench" / "kestal-bench-bare", body)
+        assert floor.server.ask(target).body == bare.server.ask(target).body == answer.body
+        self.subjects = {
+            "service": (service, target),
+            "floor": (floor, target),
+            "bare": (bare, target),
+            "file": (service, f"/{body.name}"),
+        }
+        self.samples = {}
+
+    def measure(self, connections, seconds):
+        for kind, (subject, target) in self.subjects.items():
+            sample = subject.load(target, connections, seconds)
+            self.samples.setdefault(str(connections), {}).setdefault(kind, []).append(sample)
+
+    def result(self):
+        memories = {kind: memory(subject.pid) for kind, (subject, _) in self.subjects.items()}
+        del memories["file"]
+        return {"name": self.name, "bytes": self.bytes, "samples": self.samples, "memory": memories}
+
+    def close(self):
+        for kind, (subject, _) in self.subjects.items():
+            if kind != "file":
+                subject.server.close()
+
+
+def growth(row, requests):
+    """Memory after few and after many requests, in KiB."""
+    result = {}
+    for kind in ("service", "floor"):
+        subject, target = row.subjects[kind]
+        subject.load(target, 8, 1)
+        result[kind] = {"before": memory(subject.pid)}
+        answered = 0
+        while answered < requests:
+            answered += subject.load(target, 8, 10)["requests"]
+        result[kind] |= {"after": memory(subject.pid), "requests": answered}
+    return result
+
+
+def start_to_first_answer(work, build, rounds):
+    """Milliseconds from the start of the process to its first answer."""
+    programs = {
+        "service": build / "service" / "kestal.cgi",
+        "floor": build / "bench" / "kestal-bench-floor",
+    }
+    environment = as_on_a_device(Responder(work, "alone").environment)
+    samples = {kind: [] for kind in programs}
+    for _ in range(rounds):
+        for kind, program in programs.items():
+            samples[kind].append(time_to_first_answer(work / "alone.sock", program, environment))
+    return samples
+
+
+def time_to_first_answer(path, program, environment):
+    path.unlink(missing_ok=True)
+    with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as listener:
+        listener.bind(str(path))
+        listener.listen()
+        begin = time.perf_counter()
+        process = subprocess.Popen([program], stdin=listener, env=environment)
+        try:
+            assert fastcgi.ask(path, fastcgi.STATUS).complete
+            return (time.perf_counter() - begin) * 1000
+        finally:
+            process.kill()
+            process.wait()
+
+
+def measure(work, build, rounds, seconds, million, say):
+    rows = []
+    try:
+        for name, target, records in OPERATIONS:
+            rows.append(Row(work, build, name, target, records))
+        # Files that have just been written are read again for a while.
+        time.sleep(3)
+        for number in range(rounds):
+            say(f"whole stack, round {number + 1} of {rounds}")
+            for connections in CONNECTIONS:
+                for row in rows:
+                    row.measure(connections, seconds)
+        results = [row.result() for row in rows]
+        memory_growth = None
+        if million:
+            say("memory after a million requests")
+            memory_growth = growth(rows[0], 1_000_000)
+    finally:
+        for row in rows:
+            row.close()
+    say("start to first answer")
+    return {
+        "operations": results,
+        "growth": memory_growth,
+        "start": start_to_first_answer(work, build, max(5, rounds * 4)),
+    }
