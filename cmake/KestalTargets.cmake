@@ -102,8 +102,12 @@ function(kestal_add_unit_test name)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     kestal_lint(${name})
     kestal_emulate(${name})
+    set(timeout 120)
+    if(CMAKE_CROSSCOMPILING)
+        set(timeout 600)
+    endif()
     gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60
-        PROPERTIES LABELS unit TIMEOUT 120)
+        PROPERTIES LABELS unit TIMEOUT ${timeout})
     if(KESTAL_TWINS)
         add_executable(${name}_san ${arg_SOURCES})
         target_link_libraries(${name}_san PRIVATE kestal_options kestal_options_san

@@ -127,7 +127,7 @@ TEST(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
                 healthy.body.find("notification_sms_received_text") != std::string::npos) {
                 own.Problem(std::string(road.uri) + ": no healthy answer " + healthy.body);
             }
-            const long stride = kSanitized ? 5 : 1;
+            const long stride = kSampled ? 5 : 1;
             for (const bool persistently : {false, true}) {
                 device.persistently = persistently;
                 long incomplete = 0;
@@ -204,7 +204,7 @@ TEST(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService) 
         EXPECT_EQ(FaultOfAnswer(healthy.body, road.member), "");
         std::printf("[ faults   ]   first %s: %ld allocations\n", road.uri, healthy.allocations);
         for (const bool persistently : {false, true}) {
-            const long stride = kSanitized ? 23 : persistently ? 5 : 1;
+            const long stride = kSampled ? 23 : persistently ? 5 : 1;
             for (long n = 1; n <= healthy.allocations; n += stride) {
                 InFreshProcess(report, Name(road, n, persistently), [&](Report& own) {
                     CheckFirst(own, road, n, persistently, &healthy);

@@ -22,7 +22,7 @@ std::string FaultOfAnswer(const std::string& text, const std::string& member) {
 
 void Print(const char* what, const Report& report) {
     std::printf("[ faults   ] %s: %ld cases, %zu calls%s\n", what, report.cases,
-                report.calls.size(), kSanitized ? " (sanitized: a sample)" : "");
+                report.calls.size(), kSampled ? " (a sample)" : "");
     for (const std::string& text : report.texts) {
         ADD_FAILURE() << text;
     }

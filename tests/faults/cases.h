@@ -7,11 +7,12 @@
 
 #include "tests/faults/device.h"
 
-/// Whether a sanitizer makes everything an order slower; long series are sampled then.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kSanitized = true;
+/// Whether a sanitizer or an emulator makes everything an order slower; long series are sampled
+/// then.
+#if defined(__SANITIZE_ADDRESS__) || defined(KESTAL_EMULATED)
+constexpr bool kSampled = true;
 #else
-constexpr bool kSanitized = false;
+constexpr bool kSampled = false;
 #endif
 
 /// The success of @p call.

@@ -243,7 +243,7 @@ TEST(FaultMatrix, EachCallFailingAloneInAProcessThatHasSettled) {
     Report report;
     for (const Road& road : kRoads) {
         CheckAllSettled(report, road, [](const std::map<std::string, int>& calls) {
-            return Sampled(Singles(calls), kSanitized ? 3 : 1);
+            return Sampled(Singles(calls), kSampled ? 3 : 1);
         });
     }
     Print("single calls", report);
@@ -253,7 +253,7 @@ TEST(FaultMatrix, EachTwoCallsFailingTogether) {
     Report report;
     for (const Road& road : {kRoads[0], kRoads[2]}) {
         CheckAllSettled(report, road, [](const std::map<std::string, int>& calls) {
-            return Pairs(calls, kSanitized ? 7 : 1);
+            return Pairs(calls, kSampled ? 7 : 1);
         });
     }
     Print("pairs", report);
@@ -282,7 +282,7 @@ TEST(FaultMatrix, EachCallFailingAtTheFirstRequestOfAProcess) {
                 cases.push_back({faults[i]});
             }
         }
-        CheckFirst(report, road, healthy.body, Sampled(cases, kSanitized ? 11 : 1));
+        CheckFirst(report, road, healthy.body, Sampled(cases, kSampled ? 11 : 1));
     }
     Print("first request", report);
 }
@@ -291,7 +291,7 @@ TEST(FaultMatrix, AllCallsFailingAtTheFirstRequestOfAProcess) {
     Report report;
     for (const Road& road : kRoads) {
         CheckFirst(report, road, "",
-                   Sampled(AllAtOnce(CallsOfFirst(report, road)), kSanitized ? 5 : 1));
+                   Sampled(AllAtOnce(CallsOfFirst(report, road)), kSampled ? 5 : 1));
     }
     Print("all at once, first request", report);
 }
