@@ -10,6 +10,7 @@ import subprocess
 import threading
 
 from support import paths, processes
+from support.load import Callers
 from support.waiting import wait_until
 
 
@@ -43,36 +44,24 @@ def test_a_responder_that_dies_is_started_again(server):
         assert server.responder() != dead
 
 
-class Browsers:
-    """Ask without pause until the with block ends; every answer must be whole."""
+class Browsers(Callers):
+    """Ask without pause; every answer must be whole."""
 
     def __init__(self, server, count=4):
+        super().__init__(count)
         self.server = server
         self.answers = []
         self.problems = []
-        self.ended = False
-        self.threads = [threading.Thread(target=self._browse) for _ in range(count)]
 
-    def _browse(self):
-        while not self.ended:
-            try:
-                answer = self.server.ask("/srv/status")
-                assert len(answer.body) == int(answer.headers["content-length"]), "cut short"
-                if answer.status == 200:
-                    json.loads(answer.body)
-                self.answers.append(answer)
-            except Exception as error:  # pylint: disable=broad-except
-                self.problems.append(repr(error))
-
-    def __enter__(self):
-        for thread in self.threads:
-            thread.start()
-        return self
-
-    def __exit__(self, *_):
-        self.ended = True
-        for thread in self.threads:
-            thread.join()
+    def call(self):
+        try:
+            answer = self.server.ask("/srv/status")
+            assert len(answer.body) == int(answer.headers["content-length"]), "cut short"
+            if answer.status == 200:
+                json.loads(answer.body)
+            self.answers.append(answer)
+        except Exception as error:  # pylint: disable=broad-except
+            self.problems.append(repr(error))
 
     def right(self):
         return sum(answer.status == 200 for answer in self.answers)

@@ -8,7 +8,7 @@ import statistics
 import threading
 import time
 
-from support import processes
+from support import load, processes
 from support.waiting import wait_until
 
 CLIENTS = 4
@@ -26,42 +26,30 @@ class Kill:
     """From the signal to the end of the last answer that is no success; 0 when there is none."""
 
 
-class Callers:
+class Clients(load.Callers):
     """Ask without end, slowly enough to count what fails."""
 
     def __init__(self, server):
+        super().__init__(CLIENTS)
         self.server = server
         self.lock = threading.Lock()
         self.failures = []
         self.successes = collections.Counter()
-        self.ended = False
         self.last_failure = 0.0
-        self.threads = [threading.Thread(target=self._ask) for _ in range(CLIENTS)]
 
-    def __enter__(self):
-        for thread in self.threads:
-            thread.start()
-        return self
-
-    def __exit__(self, *_):
-        self.ended = True
-        for thread in self.threads:
-            thread.join()
-
-    def _ask(self):
-        while not self.ended:
-            try:
-                answer = self.server.ask("/srv/status")
-                failure = None if answer.status == 200 else f"status {answer.status}"
-            except (OSError, IndexError) as error:
-                failure = f"no answer: {error}"
-            with self.lock:
-                if failure:
-                    self.failures.append(failure)
-                    self.last_failure = time.monotonic()
-                else:
-                    self.successes[answer.body] += 1
-            time.sleep(PAUSE)
+    def call(self):
+        try:
+            answer = self.server.ask("/srv/status")
+            failure = None if answer.status == 200 else f"status {answer.status}"
+        except (OSError, IndexError) as error:
+            failure = f"no answer: {error}"
+        with self.lock:
+            if failure:
+                self.failures.append(failure)
+                self.last_failure = time.monotonic()
+            else:
+                self.successes[answer.body] += 1
+        time.sleep(PAUSE)
 
     def total(self):
         with self.lock:
@@ -111,7 +99,7 @@ class Report:
 
 def run(server, count):
     kills = []
-    with Callers(server) as callers:
+    with Clients(server) as callers:
         for _ in range(count):
             enough = callers.total() + 100
             wait_until(lambda: callers.total() > enough, "answers before the kill", 60)

@@ -3,21 +3,19 @@
 import threading
 
 
-class Load:
-    """Asks a responder from several threads until the with block ends or nobody listens."""
+class Callers:
+    """Threads that run `call` again and again until the with block ends or `call` returns False."""
 
-    def __init__(self, responder, callers=4):
-        self.responder = responder
-        self.answers = []
+    def __init__(self, count):
         self.ended = False
-        self.threads = [threading.Thread(target=self._ask) for _ in range(callers)]
+        self.threads = [threading.Thread(target=self._run) for _ in range(count)]
 
-    def _ask(self):
-        while not self.ended:
-            try:
-                self.answers.append(self.responder.ask())
-            except OSError:
-                return
+    def call(self):
+        raise NotImplementedError
+
+    def _run(self):
+        while not self.ended and self.call() is not False:
+            pass
 
     def __enter__(self):
         for thread in self.threads:
@@ -28,6 +26,22 @@ class Load:
         self.ended = True
         for thread in self.threads:
             thread.join()
+
+
+class Load(Callers):
+    """Asks a responder until nobody listens."""
+
+    def __init__(self, responder, callers=4):
+        super().__init__(callers)
+        self.responder = responder
+        self.answers = []
+
+    def call(self):
+        try:
+            self.answers.append(self.responder.ask())
+            return True
+        except OSError:
+            return False
 
     def complete(self):
         return sum(answer.complete for answer in self.answers)
