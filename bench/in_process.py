@@ -11,8 +11,13 @@ ALLOCATOR = {"GLIBC_TUNABLES": "glibc.malloc.tcache_count=127"}
 def measure(build, rounds, say):
     """Processor time of one iteration in nanoseconds, one figure per round, and allocations."""
     say(f"in process, {rounds} rounds")
+    program = build / "bench" / "kestal-bench"
+    # Their order; that of the runs is random.
+    names = subprocess.run(
+        [program, "--benchmark_list_tests"], check=True, stdout=subprocess.PIPE, text=True
+    ).stdout.splitlines()
     command = [
-        build / "bench" / "kestal-bench",
+        program,
         "--benchmark_format=json",
         f"--benchmark_repetitions={rounds}",
         "--benchmark_enable_random_interleaving=true",
@@ -26,10 +31,10 @@ def measure(build, rounds, say):
         env={**os.environ, **ALLOCATOR},
     ).stdout
     units = {"ns": 1, "us": 1e3, "ms": 1e6}
-    results = {}
+    results = {name: {"nanoseconds": []} for name in names}
     for run in json.loads(output)["benchmarks"]:
         if run["run_type"] == "iteration":
-            result = results.setdefault(run["run_name"], {"nanoseconds": []})
+            result = results[run["run_name"]]
             result["nanoseconds"].append(run["cpu_time"] * units[run["time_unit"]])
             if "allocations" in run:
                 result["allocations"] = round(run["allocations"])
