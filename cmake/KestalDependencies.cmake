@@ -30,11 +30,13 @@ find_package(nlohmann_json 3.11 REQUIRED)
 
 if(KESTAL_PLATFORM STREQUAL "simulator")
     find_library(MD_LIBRARY md REQUIRED)
+elseif(NOT KESTAL_PLATFORM STREQUAL "vendor")
+    message(FATAL_ERROR "KESTAL_PLATFORM is '${KESTAL_PLATFORM}'; it must be simulator or vendor")
+endif()
+if(KESTAL_TESTS OR KESTAL_PLATFORM STREQUAL "simulator")
     find_program(KESTAL_LOCALEDEF localedef REQUIRED)
     find_path(KESTAL_LOCALE_SOURCES de_DE PATHS /usr/share/i18n/locales REQUIRED
         NO_CMAKE_FIND_ROOT_PATH)
-elseif(NOT KESTAL_PLATFORM STREQUAL "vendor")
-    message(FATAL_ERROR "KESTAL_PLATFORM is '${KESTAL_PLATFORM}'; it must be simulator or vendor")
 endif()
 
 if(KESTAL_TESTS)

@@ -3,6 +3,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -116,9 +117,9 @@ TEST(CDTJSON, RealsHaveTwelveSignificantDigits) {
 }
 
 TEST(CDTJSON, RealsDoNotDependOnTheLocale) {
-    if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) {
-        GTEST_SKIP() << "no locale with a decimal comma";
-    }
+    ASSERT_EQ(setenv("LOCPATH", KESTAL_COMMA_LOCALES, 1), 0);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE"), nullptr);
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     const CDT text("1.5");
     const std::string json = ToJSON(CDT(1.5));
     const W_FLOAT real = text.GetFloat();
