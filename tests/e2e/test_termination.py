@@ -4,7 +4,7 @@ import os
 import signal
 import time
 
-from support import fastcgi
+from support import fastcgi, processes
 from support.load import Load
 from support.waiting import wait_until
 
@@ -55,7 +55,9 @@ def test_terminations_in_a_row_are_one(responder):
 def test_a_termination_during_a_request_waits_for_its_answer(responder):
     with responder.connect() as connection:
         whole = fastcgi.request(fastcgi.STATUS)
+        idle = processes.descriptors(responder.pid)
         connection.send(whole[:30])
+        wait_until(lambda: processes.descriptors(responder.pid) > idle, "the request is accepted")
         responder.process.send_signal(signal.SIGTERM)
         wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is held back")
         connection.send(whole[30:])
@@ -64,9 +66,7 @@ def test_a_termination_during_a_request_waits_for_its_answer(responder):
 
 
 def is_pending(pid, signo):
-    with open(f"/proc/{pid}/status") as status:
-        pending = next(line for line in status if line.startswith("ShdPnd:")).split()[1]
-    return bool(int(pending, 16) & 1 << (signo - 1))
+    return bool(int(processes.field(pid, "ShdPnd"), 16) & 1 << (signo - 1))
 
 
 def test_a_termination_ends_a_service_whose_peer_keeps_its_connection(responder):

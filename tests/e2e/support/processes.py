@@ -21,6 +21,11 @@ def environment(pid):
     return dict(entry.split("=", 1) for entry in entries if entry)
 
 
+def descriptors(pid):
+    """How many file descriptors a process has open."""
+    return len(list(pathlib.Path(f"/proc/{pid}/fd").iterdir()))
+
+
 def is_alive(pid):
     state = field(pid, "State")
     return state is not None and state[0] not in "ZX"
