@@ -19,7 +19,9 @@ bool IsSocket(int descriptor) {
 }  // namespace
 
 RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
-    : request(fcgiRequest), listensOnSocket(IsSocket(request.listen_sock)) {
+    : request(fcgiRequest),
+      listensOnSocket(IsSocket(request.listen_sock)),
+      waitingMask(MaskLettingMainThreadSignalsIn()) {
     if (listensOnSocket) {
         // libfcgi drops a connection that brings no request and goes on accepting: without this it
         // would wait there, deaf to signals.
@@ -44,15 +46,14 @@ int RequestAcceptor::Accept() {
 }
 
 bool RequestAcceptor::Wait() const {
-    const sigset_t mask = MaskLettingMainThreadSignalsIn();
     // ppoll lets no signal in while requests keep coming.
     if (IsMainThreadSignalPending()) {
-        sigsuspend(&mask);
+        sigsuspend(&waitingMask);
         return false;
     }
     // A connection that the web server keeps open comes before new ones.
     pollfd source{};
     source.fd = request.ipcFd >= 0 ? request.ipcFd : request.listen_sock;
     source.events = POLLIN;
-    return ppoll(&source, 1, nullptr, &mask) > 0;
+    return ppoll(&source, 1, nullptr, &waitingMask) > 0;
 }

@@ -2,11 +2,14 @@
 
 #include <fcgiapp.h>
 
+#include <csignal>
+
 /// FCGX_Accept_r in which a termination can be answered at any time: until a request comes in, and
 /// only then, the signals of MainThreadSignals() are let in.
 class RequestAcceptor {
   public:
-    /// @p fcgiRequest is initialised and outlives the acceptor.
+    /// @p fcgiRequest is initialised and outlives the acceptor. The calling thread is the one that
+    /// accepts; it holds those signals back already.
     explicit RequestAcceptor(FCGX_Request& fcgiRequest);
 
     /// Waits for the next request. Returns what FCGX_Accept_r returns.
@@ -18,4 +21,6 @@ class RequestAcceptor {
 
     FCGX_Request& request;
     bool listensOnSocket;
+    /// The thread's mask while it waits.
+    sigset_t waitingMask;
 };
