@@ -28,6 +28,9 @@ int Guarded(int codeBase, Call call) noexcept {
 template <typename Call>
 int WithDevice(int codeBase, Call call) noexcept {
     return Guarded(codeBase, [&] {
+        if (const Device* device = SessionDevice()) {
+            return call(*device);
+        }
         const std::shared_ptr<const Device> device = CurrentDevice();
         return device ? call(*device) : codeBase + kNoDocument;
     });

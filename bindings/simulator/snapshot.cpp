@@ -13,10 +13,11 @@ namespace {
 
 class Snapshot {
   public:
-    void Begin() {
+    std::shared_ptr<const Device> Begin() {
         const std::scoped_lock lock(mutex);
         Refresh();
         inSession = true;
+        return device;
     }
 
     void End() {
@@ -63,6 +64,10 @@ class Snapshot {
     bool inSession = false;
 };
 
+/// What the calling thread has in its session. Most calls are made in one, by the thread that has
+/// begun it: they need neither the lock nor a share of their own.
+thread_local std::shared_ptr<const Device> sessionDevice;
+
 /// Built on first use: static objects of the product may call the platform.
 Snapshot& TheSnapshot() {
     static Snapshot snapshot;
@@ -77,11 +82,16 @@ std::string DevicePath() {
 }
 
 void BeginSession() {
-    TheSnapshot().Begin();
+    sessionDevice = TheSnapshot().Begin();
 }
 
 void EndSession() {
+    sessionDevice.reset();
     TheSnapshot().End();
+}
+
+const Device* SessionDevice() {
+    return sessionDevice.get();
 }
 
 std::shared_ptr<const Device> CurrentDevice() {

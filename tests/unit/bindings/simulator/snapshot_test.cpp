@@ -40,6 +40,21 @@ TEST_F(Snapshot, StaysTheSameDuringASession) {
     EXPECT_EQ(SimStatus(), 2);
 }
 
+TEST_F(Snapshot, StaysTheSameWhateverSessionsOtherThreadsHave) {
+    SimStatus(1);
+    EXPECT_EQ(sys_sdkInitialize(), 0);
+    SimStatus(2);
+    std::thread([] {
+        EXPECT_EQ(SimStatus(), 1);
+        EXPECT_EQ(sys_sdkInitialize(), 0);
+        EXPECT_EQ(SimStatus(), 2);
+        EXPECT_EQ(sys_sdkShutdown(), 0);
+    }).join();
+    EXPECT_EQ(SimStatus(), 1);
+    EXPECT_EQ(sys_sdkShutdown(), 0);
+    EXPECT_EQ(SimStatus(), 2);
+}
+
 TEST_F(Snapshot, IsTheNewestOutsideASession) {
     SimStatus(1);
     EXPECT_EQ(SimStatus(), 1);
