@@ -89,6 +89,22 @@ bool IsWritable(int file) {
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
+/// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for
+/// one.
+[[gnu::noinline, gnu::format(printf, 1, 0)]] void WriteLine(const char* format,
+                                                            std::va_list arguments) {
+    const int callersError = errno;
+    simulator::LogLine line(ProgramName());
+    line.Append(format, arguments);
+    const std::string_view text = line.Finish();
+    const int file = Destination();
+    if (file != STDERR_FILENO || IsWritable(file)) {
+        while (write(file, text.data(), text.size()) < 0 && errno == EINTR) {
+        }
+    }
+    errno = callersError;
+}
+
 }  // namespace
 
 int toru_dbg_start(const char* newProgramName) {
@@ -106,19 +122,10 @@ void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
     if (level > Threshold()) {
         return;
     }
-    const int callersError = errno;
-    simulator::LogLine line(ProgramName());
     std::va_list arguments;
     va_start(arguments, format);
-    line.Append(format, arguments);
+    WriteLine(format, arguments);
     va_end(arguments);
-    const std::string_view text = line.Finish();
-    const int file = Destination();
-    if (file != STDERR_FILENO || IsWritable(file)) {
-        while (write(file, text.data(), text.size()) < 0 && errno == EINTR) {
-        }
-    }
-    errno = callersError;
 }
 
 void toru_dbg_syslog(int priority, const char* format, ...) {
