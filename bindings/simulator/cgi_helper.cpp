@@ -26,11 +26,17 @@ constexpr std::array<std::pair<int, const char*>, 7> kReasons = {{{200, "OK"},
                                                                   {501, "Not Implemented"},
                                                                   {503, "Service Unavailable"}}};
 
-std::string StatusLine(int status) {
+/// Room for a status line and a few header fields.
+constexpr std::size_t kUsualHeadSize = 128;
+
+void AppendStatusLine(int status, std::string& head) {
+    head.append("Status: ").append(std::to_string(status));
     const auto* reason = std::find_if(kReasons.begin(), kReasons.end(),
                                       [&](const auto& entry) { return entry.first == status; });
-    return "Status: " + std::to_string(status) +
-           (reason == kReasons.end() ? "" : std::string(" ") + reason->second) + "\r\n";
+    if (reason != kReasons.end()) {
+        head.append(" ").append(reason->second);
+    }
+    head.append("\r\n");
 }
 
 }  // namespace
@@ -68,12 +74,15 @@ void CgiHelper::SetHeader(const std::string& name, const std::string& value) {
 }
 
 void CgiHelper::SendResponse(int status, const std::string& body) {
-    std::string head = StatusLine(status);
+    std::string head;
+    head.reserve(kUsualHeadSize);
+    AppendStatusLine(status, head);
     for (const auto& [name, value] : state->headers) {
         head.append(name).append(": ").append(value).append("\r\n");
     }
+    head.append("\r\n");
     // Whoever owns the stream flushes it when the response is complete.
-    std::cout << head << "\r\n" << body;
+    std::cout << head << body;
 }
 
 std::string CgiHelper::GetIp(const cgicc::CgiEnvironment& environment) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "framework/log.h"
@@ -11,8 +12,9 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     KESTAL_SIGNATURE("NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&)");
     bytes.reset();
     size = 0;
+    const std::string channel = kNotificationChannel;
     unsigned int needed = 0;
-    if (bus.GetData(kNotificationChannel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
+    if (bus.GetData(channel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
         return ReadResult::kFailed;
     }
     bytes.reset(new (std::nothrow) std::byte[needed]);
@@ -20,7 +22,7 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
         return ReadResult::kNoMemory;
     }
     unsigned int received = needed;
-    if (bus.GetData(kNotificationChannel, bytes.get(), received) != MSGBUS_SUCCESS) {
+    if (bus.GetData(channel, bytes.get(), received) != MSGBUS_SUCCESS) {
         bytes.reset();
         return ReadResult::kFailed;
     }
