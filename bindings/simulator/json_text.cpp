@@ -5,6 +5,7 @@
 #include <iterator>
 #include <set>
 #include <utility>
+#include <vector>
 
 namespace simulator {
 
@@ -58,18 +59,18 @@ class Walker : public nlohmann::json_sax<json> {
                         CountingIterator(text.data() + text.size(), &taken), this);
     }
 
-    bool null() override { return Scalar(false); }
-    bool boolean(bool /*value*/) override { return Scalar(false); }
-    bool number_integer(number_integer_t /*value*/) override { return Scalar(true); }
-    bool number_unsigned(number_unsigned_t /*value*/) override { return Scalar(true); }
-    bool number_float(number_float_t /*value*/, const string_t& /*digits*/) override {
-        return Scalar(true);
+    bool null() override { return Scalar(nullptr); }
+    bool boolean(bool value) override { return Scalar(value); }
+    bool number_integer(number_integer_t value) override { return Scalar(value); }
+    bool number_unsigned(number_unsigned_t value) override { return Scalar(value); }
+    bool number_float(number_float_t value, const string_t& /*digits*/) override {
+        return Scalar(value);
     }
-    bool string(string_t& /*value*/) override { return Scalar(false); }
+    bool string(string_t& value) override { return Scalar(std::move(value)); }
     bool binary(binary_t& /*value*/) override { return false; }
 
-    bool start_object(std::size_t /*elements*/) override { return Open(false); }
-    bool start_array(std::size_t /*elements*/) override { return Open(true); }
+    bool start_object(std::size_t /*elements*/) override { return Open(json::object()); }
+    bool start_array(std::size_t /*elements*/) override { return Open(json::array()); }
     bool end_object() override { return Close(); }
     bool end_array() override { return Close(); }
 
@@ -110,6 +111,9 @@ class Walker : public nlohmann::json_sax<json> {
 
     std::size_t Depth() const { return levels.size(); }
 
+    /// Name of the member that begins.
+    const std::string& CurrentName() const { return levels.back().name; }
+
     /// Compares without building the path of what is too deep or not deep enough.
     bool IsAt(const KeyPath& path) const {
         return levels.size() == path.size() && CurrentPath() == path;
@@ -131,8 +135,11 @@ class Walker : public nlohmann::json_sax<json> {
         return true;
     }
 
-    /// The current value begins.
-    virtual bool Begins() { return true; }
+    /// The current value begins. It is @p value, still empty if it is an object or a list.
+    virtual bool Begins(json&& value) {
+        static_cast<void>(value);
+        return true;
+    }
 
     /// The current value ends before the byte at offset @p end.
     virtual bool Ends(std::size_t end) {
@@ -150,10 +157,14 @@ class Walker : public nlohmann::json_sax<json> {
     };
 
     /// The parser knows the end of a number by the byte that follows.
-    bool Scalar(bool isNumber) { return Begins() && Ends(taken - (isNumber ? 1 : 0)) && Advance(); }
+    bool Scalar(json value) {
+        const std::size_t end = taken - (value.is_number() ? 1 : 0);
+        return Begins(std::move(value)) && Ends(end) && Advance();
+    }
 
-    bool Open(bool isList) {
-        if (!Begins()) {
+    bool Open(json value) {
+        const bool isList = value.is_array();
+        if (!Begins(std::move(value))) {
             return false;
         }
         levels.emplace_back().isList = isList;
@@ -177,17 +188,29 @@ class Walker : public nlohmann::json_sax<json> {
     std::vector<Level> levels;
 };
 
-class StrictCheck : public Walker {
+/// Builds the document while it walks through.
+class StrictParser : public Walker {
   public:
     using Walker::Walker;
 
+    json Take() { return std::move(document); }
+
   protected:
-    bool Begins() override {
+    bool Begins(json&& value) override {
         constexpr std::size_t kDeepest = 64;
         if (Depth() > kDeepest) {
             throw SyntaxError(std::to_string(CurrentLine()),
                               "expected at most 64 levels, found more");
         }
+        json& stored = Store(std::move(value));
+        if (stored.is_structured()) {
+            open.push_back(&stored);
+        }
+        return true;
+    }
+
+    bool Ends(std::size_t /*end*/) override {
+        open.resize(Depth());
         return true;
     }
 
@@ -198,6 +221,25 @@ class StrictCheck : public Walker {
         }
         return true;
     }
+
+  private:
+    json& Store(json&& value) {
+        if (open.empty()) {
+            return document = std::move(value);
+        }
+        json& parent = *open.back();
+        if (parent.is_array()) {
+            return parent.emplace_back(std::move(value));
+        }
+        // The object would look for the name, which is known to be new.
+        std::vector<json::object_t::value_type>& members = parent.get_ref<json::object_t&>();
+        return members.emplace_back(CurrentName(), std::move(value)).second;
+    }
+
+    json document;
+    /// The objects and lists that have begun and not ended. Only the last one grows, so that the
+    /// others stay where they are.
+    std::vector<json*> open;
 };
 
 class Finder : public Walker {
@@ -208,7 +250,7 @@ class Finder : public Walker {
     const std::optional<Place>& Found() const { return found; }
 
   protected:
-    bool Begins() override {
+    bool Begins(json&& /*value*/) override {
         if (!found && IsAt(wanted)) {
             found = {.line = CurrentLine(), .begin = CurrentBegin(), .end = 0};
         }
@@ -243,14 +285,15 @@ std::string PathText(const KeyPath& path) {
 }
 
 json ParseStrictly(const std::string& text) {
-    StrictCheck(text).Walk();
+    StrictParser parser(text);
+    parser.Walk();
     // For the parser the text ends there; a file that a crash has damaged goes on behind it.
     if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
         throw SyntaxError(
             std::to_string(LineAt(text, nul)) + ":" + std::to_string(ColumnAt(text, nul)),
             "expected the end of the document, found a NUL");
     }
-    return json::parse(text);
+    return parser.Take();
 }
 
 std::optional<Place> FindValue(const std::string& text, const KeyPath& path) {
