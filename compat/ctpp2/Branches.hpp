@@ -1,10 +1,9 @@
 #pragma once
 
 #include <deque>
-#include <map>
 #include <memory>
-#include <string>
 
+#include "Members.hpp"
 #include "include/ctpp2/CDT.hpp"
 
 namespace CTPP {
@@ -35,12 +34,12 @@ struct CDT::Array : Branch {
 
 struct CDT::Hash : Branch {
     void UnhookMembers(std::unique_ptr<Branch>& chain) noexcept override {
-        for (auto& [key, value] : members) {
-            value.Unhook(chain);
+        for (auto position = members.Begin(); position != members.End(); ++position) {
+            (*position)->second.Unhook(chain);
         }
     }
 
-    std::map<std::string, CDT> members;
+    Members members;
 };
 
 }  // namespace CTPP

@@ -18,31 +18,36 @@ std::string ToText(CCHAR_P value) {
 
 }  // namespace
 
-CDT::Value CDT::MakeValue(eValType type) {
+CDT::CDT(const eValType& type) {
     switch (type) {
         case INT_VAL:
-            return INT_64{0};
+            content = INT_64{0};
+            break;
         case REAL_VAL:
-            return W_FLOAT{0};
+            content = W_FLOAT{0};
+            break;
         case POINTER_VAL:
-            return static_cast<void*>(nullptr);
+            content = static_cast<void*>(nullptr);
+            break;
         case STRING_VAL:
-            return Text{};
+            content = Text{};
+            break;
         case STRING_INT_VAL:
-            return Text{.value = {}, .number = INT_64{0}};
+            content = Text{.value = {}, .number = INT_64{0}};
+            break;
         case STRING_REAL_VAL:
-            return Text{.value = {}, .number = W_FLOAT{0}};
+            content = Text{.value = {}, .number = W_FLOAT{0}};
+            break;
         case ARRAY_VAL:
-            return std::make_unique<Array>();
+            content = std::make_unique<Array>();
+            break;
         case HASH_VAL:
-            return std::make_unique<Hash>();
+            content = std::make_unique<Hash>();
+            break;
         case UNDEF:
             break;
     }
-    return std::monostate{};
 }
-
-CDT::CDT(const eValType& type) : content(MakeValue(type)) {}
 
 CDT::CDT(const CDT& other) {
     Copies branches;
@@ -58,9 +63,10 @@ CDT::CDT(const CDT& other) {
             to->content = std::move(copy);
         } else if (const Hash* hash = from->GetHash()) {
             auto copy = std::make_unique<Hash>();
-            for (const auto& [key, value] : hash->members) {
-                const auto member = copy->members.try_emplace(copy->members.end(), key);
-                member->second.CopyShallow(value, branches);
+            const Members& members = hash->members;
+            for (auto position = members.Begin(); position != members.End(); ++position) {
+                const Member& member = **position;
+                copy->members.InsertLast(member.first).CopyShallow(member.second, branches);
             }
             to->content = std::move(copy);
         }
@@ -150,17 +156,17 @@ CDT& CDT::operator=(W_FLOAT value) {
 }
 
 CDT& CDT::operator=(const std::string& value) {
-    content = Text{value};
+    content.emplace<Text>(Text{value});
     return *this;
 }
 
 CDT& CDT::operator=(std::string&& value) {
-    content = Text{std::move(value)};
+    content.emplace<Text>(Text{std::move(value)});
     return *this;
 }
 
 CDT& CDT::operator=(CCHAR_P value) {
-    content = Text{ToText(value)};
+    content.emplace<Text>(Text{ToText(value)});
     return *this;
 }
 
@@ -223,7 +229,7 @@ UINT_32 CDT::Size() const {
     } else if (const Array* array = GetArray()) {
         size = array->elements.size();
     } else if (const Hash* hash = GetHash()) {
-        size = hash->members.size();
+        size = hash->members.Size();
     }
     return static_cast<UINT_32>(size);
 }

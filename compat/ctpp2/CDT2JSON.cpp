@@ -1,7 +1,13 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Branches.hpp"
 #include "Numbers.hpp"
@@ -30,37 +36,115 @@ constexpr std::array<char, 256> kEscapes = [] {
     return escapes;
 }();
 
-void AppendQuoted(std::string_view text, std::string& out) {
-    constexpr std::string_view kHexDigits = "0123456789abcdef";
-    const auto isEscaped = [](unsigned char byte) { return kEscapes[byte] != 0; };
-    out += '"';
-    auto plain = text.begin();
-    for (;;) {
-        const auto found = std::find_if(plain, text.end(), isEscaped);
-        out.append(plain, found);
-        if (found == text.end()) {
-            break;
+/// The same byte in all places of a word.
+constexpr std::uint64_t InAll(std::uint8_t byte) {
+    return 0x0101010101010101U * byte;
+}
+
+/// Tells whether all eight bytes are written as they are. The bytes are looked at side by side: no
+/// sum carries into the next, as the highest bit of each is left out.
+bool IsPlain(std::uint64_t word) {
+    constexpr std::uint64_t kHighest = InAll(0x80);
+    const std::uint64_t low = word & ~kHighest;
+    // Highest bit set where the byte is not the given one.
+    const auto differs = [](std::uint64_t bytes, char from) {
+        return (bytes ^ InAll(static_cast<std::uint8_t>(from))) + InAll(0x7F);
+    };
+    const std::uint64_t printable = low + InAll(0x80 - 0x20);
+    const std::uint64_t plain = printable & differs(low, '"') & differs(low, '/') &
+                                differs(low, '\\') & differs(low | InAll('<' ^ '>'), '>');
+    return ((plain | word) & kHighest) == kHighest;
+}
+
+/// Collects what is written in small pieces, so that the text grows by large ones.
+class Buffer {
+  public:
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): bytes are read once they are written
+    explicit Buffer(std::string& out) : json(out) {}
+
+    void Put(char character) {
+        if (size == room.size()) {
+            Flush();
         }
-        plain = found + 1;
-        const auto byte = static_cast<unsigned char>(*found);
-        const char escape = kEscapes[byte];
-        out += '\\';
-        out += escape;
-        if (escape == 'u') {
-            out.append("00");
-            out += kHexDigits[byte >> 4U];
-            out += kHexDigits[byte & 0xFU];
+        room[size++] = character;
+    }
+
+    void Put(std::string_view text) {
+        while (!text.empty()) {
+            const std::size_t count = text.copy(room.data() + size, room.size() - size);
+            size += count;
+            text.remove_prefix(count);
+            if (!text.empty()) {
+                Flush();
+            }
         }
     }
-    out += '"';
-}
+
+    void PutQuoted(std::string_view text) {
+        Put('"');
+        for (;;) {
+            text.remove_prefix(PutPlain(text));
+            if (text.empty()) {
+                break;
+            }
+            if (size == room.size()) {
+                Flush();
+            } else {
+                PutEscaped(static_cast<unsigned char>(text.front()));
+                text.remove_prefix(1);
+            }
+        }
+        Put('"');
+    }
+
+    void Flush() {
+        json.append(room.data(), size);
+        size = 0;
+    }
+
+  private:
+    /// Writes bytes up to the first that is escaped or that there is no room for; returns how many.
+    std::size_t PutPlain(std::string_view text) {
+        const std::size_t limit = std::min(text.size(), room.size() - size);
+        char* const to = room.data() + size;
+        std::size_t count = 0;
+        for (std::uint64_t word = 0; limit - count >= sizeof(word); count += sizeof(word)) {
+            std::memcpy(&word, text.data() + count, sizeof(word));
+            if (!IsPlain(word)) {
+                break;
+            }
+            std::memcpy(to + count, &word, sizeof(word));
+        }
+        for (; count < limit && kEscapes[static_cast<unsigned char>(text[count])] == 0; ++count) {
+            to[count] = text[count];
+        }
+        size += count;
+        return count;
+    }
+
+    void PutEscaped(unsigned char byte) {
+        constexpr std::string_view kHexDigits = "0123456789abcdef";
+        const char escape = kEscapes[byte];
+        Put('\\');
+        Put(escape);
+        if (escape == 'u') {
+            Put("00");
+            Put(kHexDigits[byte >> 4U]);
+            Put(kHexDigits[byte & 0xFU]);
+        }
+    }
+
+    std::string& json;
+    std::size_t size = 0;
+    std::array<char, 4096> room;
+};
 
 }  // namespace
 
 /// Writes a tree with a stack of its own, so that the depth of the tree does not matter.
 class JSONWriter {
   public:
-    explicit JSONWriter(std::string& out) : json(out) {}
+    explicit JSONWriter(std::string& out) : json(out) { levels.reserve(8); }
 
     void Write(const CDT& root) {
         WriteValue(root);
@@ -72,17 +156,16 @@ class JSONWriter {
                 WriteMember(level);
             }
         }
+        json.Flush();
     }
 
   private:
-    using Members = std::map<std::string, CDT>;
-
     /// An array or a hash that is being written, and its next element or member.
     struct Level {
         const std::deque<CDT>* array = nullptr;
         std::size_t element = 0;
-        const Members* hash = nullptr;
-        Members::const_iterator member{};
+        const CDT::Members* hash = nullptr;
+        CDT::Members::Position member = nullptr;
     };
 
     void WriteElement(Level& level) {
@@ -91,22 +174,22 @@ class JSONWriter {
             return;
         }
         if (level.element > 0) {
-            json += ',';
+            json.Put(',');
         }
         WriteValue((*level.array)[level.element++]);
     }
 
     void WriteMember(Level& level) {
-        if (level.member == level.hash->end()) {
+        if (level.member == level.hash->End()) {
             Close('}');
             return;
         }
-        if (level.member != level.hash->begin()) {
-            json += ',';
+        if (level.member != level.hash->Begin()) {
+            json.Put(',');
         }
-        const auto& [key, value] = *level.member++;
-        AppendQuoted(key, json);
-        json += ':';
+        const auto& [key, value] = **level.member++;
+        json.PutQuoted(key);
+        json.Put(':');
         WriteValue(value);
     }
 
@@ -115,36 +198,44 @@ class JSONWriter {
         if (const CDT::Text* text = std::get_if<CDT::Text>(&data.content)) {
             WriteText(*text);
         } else if (const INT_64* integer = std::get_if<INT_64>(&data.content)) {
-            AppendInteger(*integer, json);
+            WriteInteger(*integer);
         } else if (const CDT::Hash* hash = data.GetHash()) {
-            json += '{';
-            levels.push_back({.hash = &hash->members, .member = hash->members.begin()});
+            json.Put('{');
+            levels.push_back({.hash = &hash->members, .member = hash->members.Begin()});
         } else if (const CDT::Array* array = data.GetArray()) {
-            json += '[';
+            json.Put('[');
             levels.push_back({.array = &array->elements});
         } else if (const W_FLOAT* real = std::get_if<W_FLOAT>(&data.content);
                    real != nullptr && std::isfinite(*real)) {
-            AppendReal(*real, json);
+            std::string digits;
+            AppendReal(*real, digits);
+            json.Put(digits);
         } else {
-            json.append("null");
+            json.Put("null");
         }
+    }
+
+    void WriteInteger(INT_64 value) {
+        std::array<char, 20> digits{};
+        const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+        json.Put({digits.data(), result.ptr});
     }
 
     /// A text that was read as a number is written as one, if it is one.
     void WriteText(const CDT::Text& text) {
         if (!std::holds_alternative<std::monostate>(text.number) && IsJSONNumber(text.value)) {
-            json.append(text.value);
+            json.Put(text.value);
         } else {
-            AppendQuoted(text.value, json);
+            json.PutQuoted(text.value);
         }
     }
 
     void Close(char bracket) {
-        json += bracket;
+        json.Put(bracket);
         levels.pop_back();
     }
 
-    std::string& json;
+    Buffer json;
     std::vector<Level> levels;
 };
 

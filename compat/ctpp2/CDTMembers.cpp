@@ -43,6 +43,10 @@ CDT::Hash& CDT::MakeHash() {
     return Require<HashPtr>(content);
 }
 
+CDT& CDT::GetOrInsert(std::string_view key) {
+    return MakeHash().members.FindOrInsert(key);
+}
+
 CDT& CDT::operator[](UINT_32 index) {
     auto& elements = MakeArray().elements;
     if (index >= elements.size()) {
@@ -55,11 +59,7 @@ CDT& CDT::operator[](UINT_32 index) {
 }
 
 CDT& CDT::operator[](const std::string& key) {
-    return MakeHash().members[key];
-}
-
-CDT& CDT::operator[](std::string&& key) {
-    return MakeHash().members[std::move(key)];
+    return GetOrInsert(key);
 }
 
 const CDT& CDT::operator[](UINT_32 index) const {
@@ -91,9 +91,9 @@ const CDT& CDT::GetExistedCDT(const std::string& key, bool& exists) const {
     if (hash == nullptr) {
         return Undefined();
     }
-    const auto member = hash->members.find(key);
-    exists = member != hash->members.end();
-    return exists ? member->second : Undefined();
+    const CDT* member = hash->members.Find(key);
+    exists = member != nullptr;
+    return exists ? *member : Undefined();
 }
 
 CDT& CDT::At(UINT_32 index) {
@@ -105,12 +105,11 @@ CDT& CDT::At(UINT_32 index) {
 }
 
 CDT& CDT::At(const std::string& key) {
-    auto& members = Require<HashPtr>(content).members;
-    const auto member = members.find(key);
-    if (member == members.end()) {
+    CDT* member = Require<HashPtr>(content).members.Find(key);
+    if (member == nullptr) {
         throw CDTRangeException();
     }
-    return member->second;
+    return *member;
 }
 
 bool CDT::Exists(UINT_32 index) const {
@@ -118,11 +117,11 @@ bool CDT::Exists(UINT_32 index) const {
 }
 
 bool CDT::Exists(const std::string& key) const {
-    return Require<HashPtr>(content).members.contains(key);
+    return Require<HashPtr>(content).members.Find(key) != nullptr;
 }
 
 bool CDT::Erase(const std::string& key) {
-    return Require<HashPtr>(content).members.erase(key) > 0;
+    return Require<HashPtr>(content).members.Erase(key);
 }
 
 void CDT::PushBack(INT_64 value) {
@@ -155,16 +154,16 @@ void CDT::PushBack(CDT&& value) {
 }
 
 CDT::Iterator CDT::Begin() {
-    return Iterator(Require<HashPtr>(content).members.begin());
+    return Iterator(Require<HashPtr>(content).members.Begin());
 }
 CDT::Iterator CDT::End() {
-    return Iterator(Require<HashPtr>(content).members.end());
+    return Iterator(Require<HashPtr>(content).members.End());
 }
 CDT::ConstIterator CDT::Begin() const {
-    return ConstIterator(Require<HashPtr>(content).members.begin());
+    return ConstIterator(Require<HashPtr>(content).members.Begin());
 }
 CDT::ConstIterator CDT::End() const {
-    return ConstIterator(Require<HashPtr>(content).members.end());
+    return ConstIterator(Require<HashPtr>(content).members.End());
 }
 
 }  // namespace CTPP

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -87,7 +88,11 @@ class CDT {
     /// The member, inserted if missing; UNDEF becomes a hash. Throws CDTAccessException for any
     /// other type.
     CDT& operator[](const std::string& key);
-    CDT& operator[](std::string&& key);
+    /// The same for a literal, which need not become a std::string to be found.
+    template <std::size_t Size>
+    CDT& operator[](const char (&key)[Size]) {
+        return GetOrInsert(key);
+    }
     /// The element, or UNDEF if this is no array. Throws CDTRangeException past the end.
     const CDT& operator[](UINT_32 index) const;
     /// The member, or UNDEF if it is missing or this is no hash.
@@ -156,7 +161,7 @@ class CDT {
     CDT& Append(const std::string& text);
 
     /// The members of a hash in byte order of their keys. Throws CDTAccessException for any other
-    /// type.
+    /// type. Inserting or erasing a member ends all iterators of the hash.
     Iterator Begin();
     Iterator End();
     ConstIterator Begin() const;
@@ -180,14 +185,16 @@ class CDT {
     using ArrayPtr = std::unique_ptr<Array>;
     using HashPtr = std::unique_ptr<Hash>;
     using Value = std::variant<std::monostate, INT_64, W_FLOAT, void*, Text, ArrayPtr, HashPtr>;
+    using Member = std::pair<const std::string, CDT>;
+    class Members;
     using Copies = std::vector<std::pair<const CDT*, CDT*>>;
 
-    static Value MakeValue(eValType type);
     static const CDT& Undefined();
 
     Number ReadNumber() const;
     const Array* GetArray() const;
     const Hash* GetHash() const;
+    CDT& GetOrInsert(std::string_view key);
     Array& MakeArray();
     Hash& MakeHash();
     void CopyShallow(const CDT& other, Copies& branches);
@@ -199,10 +206,10 @@ class CDT {
 /// Walks the members of a hash: `->first` is the key, `->second` the value.
 class CDT::Iterator {
   public:
-    using Position = std::map<std::string, CDT>::iterator;
+    using Position = Member* const*;
 
     explicit Iterator(Position start) : position(start) {}
-    Position::pointer operator->() const { return position.operator->(); }
+    Member* operator->() const { return *position; }
     Iterator& operator++() {
         ++position;
         return *this;
@@ -218,11 +225,11 @@ class CDT::Iterator {
 /// The same for a hash that must not change.
 class CDT::ConstIterator {
   public:
-    using Position = std::map<std::string, CDT>::const_iterator;
+    using Position = Member* const*;
 
     explicit ConstIterator(Position start) : position(start) {}
     ConstIterator(const Iterator& other) : position(other.position) {}
-    Position::pointer operator->() const { return position.operator->(); }
+    const Member* operator->() const { return *position; }
     ConstIterator& operator++() {
         ++position;
         return *this;

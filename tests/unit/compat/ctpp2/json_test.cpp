@@ -2,10 +2,12 @@
 
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "to_json.h"
 
@@ -59,6 +61,24 @@ TEST_P(CDTJSONByte, IsEscapedAlikeInValuesAndKeys) {
     EXPECT_EQ(ToJSON(hash), "{" + quoted + ":1}");
 }
 
+TEST_P(CDTJSONByte, IsEscapedWhereverItStandsInAText) {
+    const auto byte = static_cast<unsigned char>(GetParam());
+    const std::string other = "\xff\x80 plain, {[~^|?.`@\x7f]} \xc3\xa9 1234";
+    for (std::size_t place = 0; place <= other.size(); ++place) {
+        std::string text = other;
+        text.insert(place, 1, static_cast<char>(byte));
+        const std::string json =
+            "\"" + other.substr(0, place) + EscapedByte(byte) + other.substr(place) + "\"";
+        EXPECT_EQ(ToJSON(CDT(text)), json);
+    }
+    const std::string repeated(17, static_cast<char>(byte));
+    std::string json = "\"";
+    for (std::size_t i = 0; i < repeated.size(); ++i) {
+        json += EscapedByte(byte);
+    }
+    EXPECT_EQ(ToJSON(CDT(repeated)), json + "\"");
+}
+
 INSTANTIATE_TEST_SUITE_P(All, CDTJSONByte, testing::Range(0, 256));
 
 TEST(CDTJSON, IsAppended) {
@@ -67,6 +87,31 @@ TEST(CDTJSON, IsAppended) {
     std::string json = "before ";
     CTPP::CDT2JSON(data, json);
     EXPECT_EQ(json, R"(before {"a":1})");
+}
+
+TEST(CDTJSON, TextsOfAnyLengthAreWritten) {
+    // Lengths around that of a word and those of what is collected before it is appended.
+    std::vector<std::size_t> lengths = {0, 1, 7, 8, 9, 15, 16, 17};
+    for (std::size_t length = 2030; length < 2070; ++length) {
+        lengths.insert(lengths.end(), {length, 2 * length, 4 * length});
+    }
+    for (const std::size_t length : lengths) {
+        const std::string plain(length, 'p');
+        CDT data;
+        data[plain][0] = plain + "<";
+        data[plain][1] = 7;
+        const std::string key = "{\"" + plain + "\":";
+        EXPECT_EQ(ToJSON(data), key + "[\"" + plain + "\\u003c\",7]}");
+    }
+    const CDT escapes(std::string(5000, '>'));
+    std::string json;
+    for (int i = 0; i < 5000; ++i) {
+        json += "\\u003e";
+    }
+    EXPECT_EQ(ToJSON(escapes), "\"" + json + "\"");
+    const CDT digits(std::string(9000, '1'));
+    EXPECT_EQ(digits.GetInt(), INT64_MAX);
+    EXPECT_EQ(ToJSON(digits), std::string(9000, '1'));
 }
 
 TEST(CDTJSON, TheRootMayBeAnything) {

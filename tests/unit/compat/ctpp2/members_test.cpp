@@ -1,0 +1,138 @@
+// Members of a hash: their order, and that they stay where they are, beside std::map.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "to_json.h"
+
+namespace {
+
+using CTPP::CDT;
+
+/// Numbers from 0 in random order, the same in every run.
+std::vector<int> Shuffled(int count) {
+    std::vector<int> numbers(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        numbers[static_cast<std::size_t>(i)] = i;
+    }
+    std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
+    std::shuffle(numbers.begin(), numbers.end(), random);
+    return numbers;
+}
+
+/// Of many lengths, many of them with a beginning in common.
+std::string Key(int number) {
+    const std::array<std::string, 5> parts = {"Bar", "", "Sim2", "\xc3\xa9", "ofAVeryLongName"};
+    std::string key = "status";
+    for (std::size_t rest = static_cast<std::size_t>(number); rest > 0; rest /= parts.size()) {
+        key += parts[rest % parts.size()];
+    }
+    return key + std::string(static_cast<std::size_t>(number % 3), '\0');
+}
+
+void ExpectSame(const CDT& hash, const std::map<std::string, int>& expected) {
+    ASSERT_EQ(hash.Size(), expected.size());
+    CDT::ConstIterator member = hash.Begin();
+    for (const auto& [key, value] : expected) {
+        EXPECT_EQ(member->first, key);
+        EXPECT_EQ(member->second.GetInt(), value);
+        EXPECT_EQ(&hash[key], &member->second);
+        ++member;
+    }
+    EXPECT_TRUE(member == hash.End());
+}
+
+class CDTMemberCount : public testing::TestWithParam<int> {};
+
+TEST_P(CDTMemberCount, MembersInRandomOrderAreSorted) {
+    CDT hash(CDT::HASH_VAL);
+    std::map<std::string, int> expected;
+    for (const int number : Shuffled(GetParam())) {
+        EXPECT_EQ(hash.Exists(Key(number)), expected.contains(Key(number)));
+        hash[Key(number)] = number;
+        expected[Key(number)] = number;
+    }
+    ExpectSame(hash, expected);
+}
+
+TEST_P(CDTMemberCount, MembersStayInPlaceWhileOthersComeAndGo) {
+    CDT hash(CDT::HASH_VAL);
+    std::map<std::string, int> expected;
+    std::map<std::string, CDT*> places;
+    for (const int number : Shuffled(GetParam())) {
+        CDT& member = hash[std::to_string(number)];
+        member = number;
+        places[std::to_string(number)] = &member;
+        expected[std::to_string(number)] = number;
+        if (number % 3 == 0) {
+            const std::string gone = std::to_string(number / 2);
+            EXPECT_EQ(hash.Erase(gone), expected.erase(gone) == 1);
+            places.erase(gone);
+        }
+    }
+    for (const auto& [key, place] : places) {
+        EXPECT_EQ(&hash.At(key), place);
+    }
+    ExpectSame(hash, expected);
+}
+
+TEST_P(CDTMemberCount, CopiesAreSortedAndErasedMembersAreGone) {
+    CDT hash(CDT::HASH_VAL);
+    for (const int number : Shuffled(GetParam())) {
+        hash[std::to_string(number)] = number;
+    }
+    CDT copy = hash;
+    EXPECT_EQ(ToJSON(copy), ToJSON(hash));
+    for (const int number : Shuffled(GetParam())) {
+        EXPECT_TRUE(copy.Erase(std::to_string(number)));
+        EXPECT_FALSE(copy.Exists(std::to_string(number)));
+    }
+    EXPECT_EQ(copy.Size(), 0U);
+    EXPECT_TRUE(copy.Begin() == copy.End());
+    copy["again"] = 1;
+    EXPECT_EQ(ToJSON(copy), R"({"again":1})");
+    EXPECT_EQ(hash.Size(), static_cast<UINT_32>(GetParam()));
+}
+
+// Within a block, at its end and behind it, many blocks, many more.
+INSTANTIATE_TEST_SUITE_P(Of, CDTMemberCount, testing::Values(0, 1, 2, 5, 6, 7, 12, 13, 100, 10000));
+
+TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
+    CDT hash;
+    char array[16] = "array";
+    const char* pointer = "pointer";
+    const std::string text = "text";
+    hash["literal"] = 1;
+    hash[array] = 2;
+    hash[pointer] = 3;
+    hash[text] = 4;
+    hash[std::string("moved")] = 5;
+    hash[""] = 6;
+    EXPECT_EQ(ToJSON(hash), R"({"":6,"array":2,"literal":1,"moved":5,"pointer":3,"text":4})");
+    EXPECT_EQ(&hash["array"], &hash[std::string("array")]);
+    EXPECT_EQ(&hash["literal\0ignored"], &hash.At("literal"));
+    hash[std::string("literal\0counts", 14)] = 7;
+    EXPECT_EQ(hash.Size(), 7U);
+}
+
+TEST(CDTMembers, AMemberCanBeErasedByItsOwnKey) {
+    CDT hash;
+    hash["first"] = 1;
+    hash["a second, with a key that is too long to be stored in place"] = 2;
+    EXPECT_TRUE(hash.Erase(hash.Begin()->first));
+    EXPECT_EQ(ToJSON(hash), R"({"first":1})");
+}
+
+TEST(CDTMembers, AnErasedSubtreeCanComeBackEmpty) {
+    CDT hash;
+    hash["deep"]["er"][3] = "x";
+    EXPECT_TRUE(hash.Erase("deep"));
+    EXPECT_EQ(hash["deep"].GetType(), CDT::UNDEF);
+}
+
+}  // namespace
