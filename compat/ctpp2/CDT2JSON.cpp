@@ -56,6 +56,23 @@ bool IsPlain(std::uint64_t word) {
     return ((plain | word) & kHighest) == kHighest;
 }
 
+/// Copies bytes up to the first that is not written as it is; returns how many.
+std::size_t CopyPlain(std::string_view text, char* to) {
+    const char* const from = text.data();
+    std::size_t count = 0;
+    for (std::uint64_t word = 0; text.size() - count >= sizeof(word); count += sizeof(word)) {
+        std::memcpy(&word, from + count, sizeof(word));
+        if (!IsPlain(word)) {
+            break;
+        }
+        std::memcpy(to + count, &word, sizeof(word));
+    }
+    for (; count < text.size() && kEscapes[static_cast<unsigned char>(from[count])] == 0; ++count) {
+        to[count] = from[count];
+    }
+    return count;
+}
+
 /// Collects what is written in small pieces, so that the text grows by large ones.
 class Buffer {
   public:
@@ -81,20 +98,17 @@ class Buffer {
     }
 
     void PutQuoted(std::string_view text) {
-        Put('"');
-        for (;;) {
-            text.remove_prefix(PutPlain(text));
-            if (text.empty()) {
-                break;
-            }
-            if (size == room.size()) {
-                Flush();
-            } else {
-                PutEscaped(static_cast<unsigned char>(text.front()));
-                text.remove_prefix(1);
+        // Nearly all texts are plain and find room.
+        if (room.size() - size >= text.size() + 2) {
+            char* const to = room.data() + size;
+            to[0] = '"';
+            if (CopyPlain(text, to + 1) == text.size()) {
+                to[text.size() + 1] = '"';
+                size += text.size() + 2;
+                return;
             }
         }
-        Put('"');
+        PutQuotedInParts(text);
     }
 
     void Flush() {
@@ -103,23 +117,24 @@ class Buffer {
     }
 
   private:
-    /// Writes bytes up to the first that is escaped or that there is no room for; returns how many.
-    std::size_t PutPlain(std::string_view text) {
-        const std::size_t limit = std::min(text.size(), room.size() - size);
-        char* const to = room.data() + size;
-        std::size_t count = 0;
-        for (std::uint64_t word = 0; limit - count >= sizeof(word); count += sizeof(word)) {
-            std::memcpy(&word, text.data() + count, sizeof(word));
-            if (!IsPlain(word)) {
+    void PutQuotedInParts(std::string_view text) {
+        Put('"');
+        for (;;) {
+            const std::size_t free = room.size() - size;
+            const std::size_t plain = CopyPlain(text.substr(0, free), room.data() + size);
+            size += plain;
+            text.remove_prefix(plain);
+            if (text.empty()) {
                 break;
             }
-            std::memcpy(to + count, &word, sizeof(word));
+            if (plain == free) {
+                Flush();
+            } else {
+                PutEscaped(static_cast<unsigned char>(text.front()));
+                text.remove_prefix(1);
+            }
         }
-        for (; count < limit && kEscapes[static_cast<unsigned char>(text[count])] == 0; ++count) {
-            to[count] = text[count];
-        }
-        size += count;
-        return count;
+        Put('"');
     }
 
     void PutEscaped(unsigned char byte) {
