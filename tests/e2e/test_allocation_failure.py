@@ -1,47 +1,17 @@
 """Allocations that fail in the real process.
 
-libfcgi does not look whether it was given memory: what it asks for itself is left out, and the web
-server starts another process where it was in vain. So are changes of the simulated device: the JSON
-library that reads its document allocates in destructors. No device has that library.
+libfcgi does not look whether it was given memory: what it asks for itself ends the process, and the
+web server starts another one. Changes of the simulated device are left out: the JSON library that
+reads its document allocates in destructors. No device has that library.
 """
-
-import mmap
-import pathlib
-import struct
-import subprocess
 
 import pytest
 
 from support import paths
+from support.memory import HEALTHY, Memory
+from support.waiting import wait_until
 
 pytestmark = pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
-
-ORDERS = struct.Struct("5i")
-SOURCE = pathlib.Path(__file__).parent / "support" / "failing_memory.c"
-HEALTHY = 1 << 30
-"""The number of an allocation that never comes."""
-
-
-class Memory:
-    def __init__(self, work):
-        library = work / "failing_memory.so"
-        subprocess.run(
-            ["cc", "-shared", "-fPIC", "-O1", "-Wall", "-Werror", "-o", library, SOURCE], check=True
-        )
-        path = work / "orders"
-        path.write_bytes(bytes(ORDERS.size))
-        with path.open("r+b") as file:
-            self.page = mmap.mmap(file.fileno(), ORDERS.size)
-        self.environment = {"LD_PRELOAD": str(library), "KESTAL_TEST_MEMORY": str(path)}
-
-    def fail(self, number, persistently=False):
-        self.page[:] = ORDERS.pack(number, persistently, 0, 0, 0)
-
-    def heal(self):
-        """Returns how many allocations there were, failed, and were libfcgi's."""
-        counts = ORDERS.unpack(self.page[:])[2:]
-        self.page[:] = bytes(ORDERS.size)
-        return counts
 
 
 @pytest.fixture
@@ -84,3 +54,23 @@ def test_a_request_short_of_memory_is_finished_and_the_next_is_whole(hungry, mem
         assert hungry.ask(uri).body == before.body, number
     assert failures > 5
     print(f"{uri}: {total} allocations, {failures} failures")
+
+
+def test_a_service_whose_libfcgi_is_short_of_memory_is_started_again(make_server, memory):
+    server = make_server()
+    server.environment["KESTAL_RESPONDER"] = str(memory.program())
+    server.start()
+    for _ in range(2):
+        before = server.ask("/srv/status")
+    memory.fail(HEALTHY, libfcgi=True)
+    assert server.ask("/srv/status").body == before.body
+    total, failed, _ = memory.heal()
+    assert total > 4 and failed == 0
+    for number in range(1, total + 1, total // 4):
+        dead = server.responder()
+        memory.fail(number, libfcgi=True)
+        assert server.ask("/srv/status").status in (500, 503), number
+        wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+        assert memory.heal()[1] == 1, number
+        assert server.responder() != dead
+        assert server.ask("/srv/status").body == before.body

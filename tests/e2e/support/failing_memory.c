@@ -1,5 +1,6 @@
 /* Preloaded into a service: makes allocations of its main thread fail on the order of a test, which
-   shares a page of memory with it. Those that libfcgi asks for are let pass and counted. */
+   shares a page of memory with it, and counts the blocks that the service holds. Allocations that
+   libfcgi asks for are let pass and counted, unless it is their turn. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -17,6 +18,8 @@ struct orders {
     volatile int count;        /* allocations since the test set it to 0 */
     volatile int failed;       /* how many of them failed */
     volatile int passed;       /* how many would have, but were libfcgi's */
+    volatile int libfcgi;      /* only libfcgi's fail, and only these are counted */
+    long held;                 /* blocks of all threads, as a difference only */
 };
 
 static struct orders none;
@@ -26,6 +29,7 @@ static __thread int inside;
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* block, size_t size);
+void __libc_free(void* block);
 
 __attribute__((constructor)) static void start(void) {
     const char* path = getenv("KESTAL_TEST_MEMORY");
@@ -42,14 +46,16 @@ __attribute__((constructor)) static void start(void) {
     }
 }
 
-/* Whether the nearest caller outside of the C and C++ libraries is libfcgi. */
+/* Whether the nearest caller outside of this library and of the C and C++ libraries is libfcgi. */
 static int is_libfcgi(void) {
     void* frames[16];
     const int count = backtrace(frames, 16);
-    for (int i = 2; i < count; ++i) {
+    Dl_info own;
+    dladdr(&none, &own);
+    for (int i = 0; i < count; ++i) {
         Dl_info info;
-        if (dladdr(frames[i], &info) == 0 || strstr(info.dli_fname, "/libc.so") != NULL ||
-            strstr(info.dli_fname, "/libstdc++.so") != NULL) {
+        if (dladdr(frames[i], &info) == 0 || info.dli_fbase == own.dli_fbase ||
+            strstr(info.dli_fname, "/libc.so") != NULL || strstr(info.dli_fname, "/libstdc++.so") != NULL) {
             continue;
         }
         return strstr(info.dli_fname, "/libfcgi") != NULL;
@@ -62,9 +68,12 @@ static int fails(void) {
         return 0;
     }
     inside = 1;
-    const int number = ++orders->count;
-    int result = orders->persistently ? number >= orders->failing : number == orders->failing;
-    if (result && is_libfcgi()) {
+    int result = 0;
+    if (!orders->libfcgi || is_libfcgi()) {
+        const int number = ++orders->count;
+        result = orders->persistently ? number >= orders->failing : number == orders->failing;
+    }
+    if (result && !orders->libfcgi && is_libfcgi()) {
         ++orders->passed;
         result = 0;
     }
@@ -76,14 +85,35 @@ static int fails(void) {
     return result;
 }
 
+static void* held(void* block) {
+    if (block != NULL) {
+        __atomic_add_fetch(&orders->held, 1, __ATOMIC_RELAXED);
+    }
+    return block;
+}
+
 void* malloc(size_t size) {
-    return fails() ? NULL : __libc_malloc(size);
+    return fails() ? NULL : held(__libc_malloc(size));
 }
 
 void* calloc(size_t count, size_t size) {
-    return fails() ? NULL : __libc_calloc(count, size);
+    return fails() ? NULL : held(__libc_calloc(count, size));
 }
 
 void* realloc(void* block, size_t size) {
-    return size != 0 && fails() ? NULL : __libc_realloc(block, size);
+    if (block == NULL) {
+        return malloc(size);
+    }
+    if (size == 0) {
+        free(block);
+        return NULL;
+    }
+    return fails() ? NULL : __libc_realloc(block, size);
+}
+
+void free(void* block) {
+    if (block != NULL) {
+        __atomic_sub_fetch(&orders->held, 1, __ATOMIC_RELAXED);
+    }
+    __libc_free(block);
 }
