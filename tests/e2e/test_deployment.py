@@ -1,13 +1,73 @@
 """What the shipped web server configuration lets through, and how the launcher checks its orders."""
 
+import contextlib
 import json
 import re
+import socket
 import stat
 
 import pytest
 
-from support import paths, web
+from support import paths, processes, web
+from support.sessions import open_session
+from support.waiting import wait_until
 from support.watchdog import Watchdog as Receiver
+
+
+def is_there(address):
+    """Whether this machine has an address."""
+    with contextlib.suppress(OSError), socket.create_server((address, 0), family=family(address)):
+        return True
+    return False
+
+
+def family(address):
+    return socket.AF_INET6 if ":" in address else socket.AF_INET
+
+
+def test_only_the_device_itself_reaches_the_web_server_unless_it_is_told_an_address(server):
+    assert "KESTAL_ADDRESS" not in server.environment
+    assert processes.listens(server.process.pid) == {("127.0.0.1", server.port)}
+    assert processes.listens(server.responder()) == set()
+
+
+@pytest.mark.parametrize(
+    ("address", "bound", "asked"),
+    [
+        ("127.0.0.2", "127.0.0.2", ["127.0.0.2"]),
+        ("0.0.0.0", "0.0.0.0", ["127.0.0.1", "127.0.0.2"]),
+        ("::1", "::1", ["::1"]),
+        ("::", "::", ["::1"]),
+        ("[::]", "::", ["::1"]),
+    ],
+)
+def test_the_web_server_listens_where_it_is_told_and_guards_there_too(make_server, address, bound, asked):
+    if not is_there(bound):
+        pytest.skip(f"this machine has no address {bound}")
+    page = "http://hotspot.lan"
+    server = make_server()
+    server.environment |= {"KESTAL_ADDRESS": address, "KESTAL_ORIGINS": page}
+    # Whether it serves is asked below.
+    server.process = server.launch()
+    wait_until(server.is_up, "the web server has started")
+    assert processes.listens(server.process.pid) == {(bound, server.port)}
+    server.device.set(getCellularDataConnectionStatus=1)
+    for own in asked:
+
+        def ask(target, *headers, own=own):
+            return server.ask(target, [("User-Agent", "test"), *headers], address=own)
+
+        wait_until(lambda: ask("/srv/status").status == 200, "the service serves")
+        # Who asks 127.0.0.2 does so from 127.0.0.1.
+        session = ("Cookie", open_session(server, "::1" if own == "::1" else "127.0.0.1"))
+        assert ask("/srv/status", session).json()["loginStatus"] == 1
+        assert ask("/srv/status").json()["loginStatus"] == 0
+        assert ask("/srv/status", ("Host", "example.com")).status == 403
+        assert ask("/srv/disconnect", ("Origin", "http://example.com")).status == 403
+        assert server.device.get("getCellularDataConnectionStatus") == 1
+    own_page = [("Origin", page), ("Host", "hotspot.lan")]
+    assert server.ask("/srv/disconnect", own_page, address=asked[0]).status == 200
+    assert server.device.get("getCellularDataConnectionStatus") == 0
 
 
 @pytest.mark.parametrize(

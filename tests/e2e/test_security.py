@@ -187,6 +187,32 @@ def test_answers_of_the_service_are_never_stored_or_guessed_at(make_server):
     wait_until(lambda: ask("GET", "/srv/status").status == 503, "the web server knows that it is gone")
 
 
+REFUSED_WHILE_READ = {
+    "dot segments": b"GET /srv/../status HTTP/1.1\r\n" + HOST + b"\r\n",
+    "a large target": b"GET /srv/" + b"a" * 9000 + b" HTTP/1.1\r\n" + HOST + b"\r\n",
+    "a large head": GET + b"X: " + b"a" * 9000 + b"\r\n\r\n",
+    "a large body": POST + b"Content-Length: 65537\r\n\r\n",
+    "an unknown method": b"GETX /srv/status HTTP/1.1\r\n" + HOST + b"\r\n",
+}
+
+
+def test_all_that_may_be_stored_tells_nothing_of_the_device(server):
+    """The web server refuses such a request before it looks where it leads."""
+    storable = set()
+    for name, request in (SMUGGLING | REFUSED_WHILE_READ).items():
+        received = converse(server, request)
+        (status,) = statuses(received)
+        head, _, body = received.partition(b"\r\n\r\n")
+        if b"\r\nCache-Control: no-store" not in head:
+            storable.add(status)
+        # A page of the web server's own, with nothing but the status.
+        texts = {text for text in re.sub(rb"<[^>]*>", b"\n", body).split(b"\n") if text.strip()}
+        assert len(texts) == 1 and texts.pop().startswith(b"%d " % status), name
+        assert b"access-control" not in head.lower(), name
+    assert storable == {400, 411, 413, 431, 501, 505}
+    assert server.log.count("request received") == 0
+
+
 def test_what_one_client_can_cost_is_bounded():
     settings = dict(
         re.findall(r"(?m)^server\.([a-z-]+) += (\d+)$", (paths.ROOT / "deploy" / "lighttpd.conf").read_text())

@@ -1,5 +1,6 @@
-"""docs/threat-model.md names a test for every threat, and each of them exists."""
+"""docs/threat-model.md names tests for everything that it claims, and each of them exists."""
 
+import ast
 import functools
 import re
 
@@ -8,16 +9,18 @@ import pytest
 from support import paths
 
 DOCUMENT = paths.ROOT / "docs" / "threat-model.md"
-HEADER = "| Threat | What is done | Left to the integrator | Test |"
+REACH = "| Who | Reaches | Test |"
+THREATS = "| Threat | What is done | Left to the integrator | Test |"
+UNGUARDED = "nothing is kept from it"
 REFERENCE = re.compile(r"`(?P<file>[\w.]+)::(?P<test>[^`]+)`")
 
 
-def threats():
-    """The rows of the tables of threats, each as its cells."""
+def rows(header):
+    """The rows of the tables of one kind, each as its cells."""
     lines = iter(DOCUMENT.read_text().splitlines())
     for line in lines:
-        if line == HEADER:
-            assert next(lines) == "|---|---|---|---|"
+        if line == header:
+            assert next(lines) == "|---" * header.count(" | ") + "|---|"
             while (row := next(lines, "")).startswith("|"):
                 yield [cell.strip() for cell in row.strip("|").split(" |")]
 
@@ -33,25 +36,61 @@ def defines(name, test):
         return re.search(rf"(?m)^def {re.escape(test)}\(", source(name))
     if name.endswith(".js"):
         return f'test("{test}"' in source(name)
+    return cpp_test(name, test)
+
+
+def cpp_test(name, test):
     suite, _, case = test.partition(".")
     return re.search(rf"\bTEST(_F|_P)?\({re.escape(suite)},\s*{re.escape(case)}\)", source(name))
 
 
-@pytest.mark.parametrize("row", threats(), ids=lambda row: row[0][:40])
-def test_every_threat_names_tests_that_exist(row):
-    threat, done, left, tests = row
-    assert threat and done
+def is_skip(node):
+    return "skip" in ast.unparse(node)
+
+
+def may_be_skipped(name, test):
+    """Whether there are builds in which this test is skipped as a whole."""
+    if name.endswith(".cpp"):
+        body = source(name)[cpp_test(name, test).end() :].partition("\nTEST")[0]
+        return "GTEST_SKIP" in body
+    if name.endswith(".js"):
+        return False
+    tree = ast.parse(source(name))
+    marks = [node.value for node in tree.body if isinstance(node, ast.Assign) and "pytestmark" in ast.unparse(node)]
+    (function,) = [node for node in tree.body if isinstance(node, ast.FunctionDef) and node.name == test]
+    # A mark among the parameters skips one of them.
+    decorators = [each.func if isinstance(each, ast.Call) else each for each in function.decorator_list]
+    return any(map(is_skip, marks + decorators))
+
+
+def check(tests):
     named = REFERENCE.findall(tests)
     assert named
     assert not REFERENCE.sub("", tests).strip(" ,"), "something else stands among the tests"
     for file, test in named:
         assert defines(file, test), f"{file} has no {test}"
+    assert not all(may_be_skipped(*each) for each in named), "there are builds in which all of them are skipped"
+
+
+@pytest.mark.parametrize("row", rows(THREATS), ids=lambda row: row[0][:40])
+def test_every_threat_names_tests_that_exist(row):
+    threat, done, _, tests = row
+    assert threat and done
+    check(tests)
+
+
+@pytest.mark.parametrize("row", rows(REACH), ids=lambda row: row[0][:40])
+def test_whoever_does_not_reach_everything_has_tests_that_exist(row):
+    who, reached, tests = row
+    assert who and reached
+    if tests != UNGUARDED:
+        check(tests)
 
 
 def test_nothing_is_named_that_is_not_in_a_row():
-    rows = sum(len(REFERENCE.findall(row[3])) for row in threats())
-    assert rows > 30
-    assert len(REFERENCE.findall(DOCUMENT.read_text())) == rows
+    named = [len(REFERENCE.findall(row[-1])) for header in (REACH, THREATS) for row in rows(header)]
+    assert sum(named) > 30
+    assert len(REFERENCE.findall(DOCUMENT.read_text())) == sum(named)
 
 
 def test_a_test_that_does_not_exist_is_noticed():
@@ -61,3 +100,14 @@ def test_a_test_that_does_not_exist_is_noticed():
     assert not defines("debug_log_test.cpp", "DebugLog.Nothing")
     with pytest.raises(ValueError):
         defines("test_nowhere.py", "test_nothing")
+
+
+def test_a_row_whose_tests_may_all_be_skipped_is_noticed():
+    assert may_be_skipped("test_hardening.py", "test_the_service_is_hardened")
+    assert not may_be_skipped("test_hardening.py", "test_every_optimised_configuration_is_hardened")
+    # For the whole file.
+    assert may_be_skipped(
+        "test_allocation_failure.py", "test_a_service_whose_libfcgi_is_short_of_memory_is_started_again"
+    )
+    with pytest.raises(AssertionError):
+        check("`test_hardening.py::test_the_service_is_hardened`")

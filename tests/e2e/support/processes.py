@@ -1,6 +1,9 @@
 """What the kernel knows about processes."""
 
+import ipaddress
+import os
 import pathlib
+import struct
 
 
 def field(pid, name):
@@ -52,4 +55,21 @@ def mentioning(text):
                 found.append(int(entry.name))
         except OSError:
             continue
+    return found
+
+
+def listens(pid):
+    """Addresses and ports on which a process accepts TCP connections."""
+    files = {os.readlink(file) for file in pathlib.Path(f"/proc/{pid}/fd").iterdir()}
+    found = set()
+    for table in ("tcp", "tcp6"):
+        # Not there without IPv6.
+        path = pathlib.Path(f"/proc/{pid}/net/{table}")
+        for line in path.read_text().splitlines()[1:] if path.exists() else []:
+            _, local, _, state, *_, inode = line.split()[:10]
+            if state == "0A" and f"socket:[{inode}]" in files:
+                address, _, port = local.partition(":")
+                # Words in the order of the processor.
+                words = struct.unpack(f">{len(address) // 8}I", bytes.fromhex(address))
+                found.add((str(ipaddress.ip_address(struct.pack(f"={len(words)}I", *words))), int(port, 16)))
     return found

@@ -25,11 +25,11 @@ def read_answer(connection):
     return Answer(int(lines[0].split()[1]), headers, body)
 
 
-def connect(port, timeout=30.0):
-    return socket.create_connection(("127.0.0.1", port), timeout)
+def connect(port, timeout=30.0, address="127.0.0.1"):
+    return socket.create_connection((address, port), timeout)
 
 
-def ask(port, target, headers=(), method="GET", body=b"", raw_body=b""):
+def ask(port, target, headers=(), method="GET", body=b"", raw_body=b"", address="127.0.0.1"):
     """One request on a connection of its own. headers is a list of (name, value); a raw body is sent
     without its length."""
     headers = list(headers)
@@ -42,6 +42,6 @@ def ask(port, target, headers=(), method="GET", body=b"", raw_body=b""):
     target = target if isinstance(target, bytes) else target.encode()
     head = method.encode() + b" " + target + b" HTTP/1.1\r\n"
     head += b"".join(f"{name}: {value}\r\n".encode("latin-1") for name, value in headers) + b"\r\n"
-    with connect(port) as connection:
+    with connect(port, address=address) as connection:
         connection.sendall(head + body + raw_body)
         return read_answer(connection)
