@@ -10,6 +10,7 @@ import sys
 import pytest
 
 from support import paths
+from support.memory import Memory
 
 SOAK = paths.ROOT / "tests" / "soak" / "soak.py"
 LEAK = pathlib.Path(os.environ.get("KESTAL_LEAK", paths.BUILD / "tests" / "soak" / "libkestal_leak.so"))
@@ -45,6 +46,32 @@ def leaking(work):
     program.write_text(f'#!/bin/sh\nLD_PRELOAD="{LEAK}" exec "{paths.SERVICE}"\n')
     program.chmod(0o755)
     return {"KESTAL_SOAK_RESPONDER": str(program)}
+
+
+def count_blocks(work, *libraries, **variables):
+    """A soak of a device that rests: what it shows for the first time would be kept by the C library."""
+    memory = Memory(work)
+    program = memory.program(*libraries, **variables)
+    return soak(
+        work, "--requests", "2000", "--warm-up", "300", "--changes", "0",
+        KESTAL_SOAK_RESPONDER=str(program), KESTAL_SOAK_MEMORY=str(memory.path),
+    )
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
+def test_thousands_of_requests_leave_not_one_block_of_memory_behind(work):
+    report = count_blocks(work)
+    assert report["failures"] == []
+    assert report["requests"] == 2000
+    assert report["newBlocks"] == 0
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
+def test_a_leak_in_few_requests_shows(work):
+    report = count_blocks(work, str(LEAK), KESTAL_LEAK_EVERY="500")
+    assert report["errors"] == 0
+    assert 0 < report["newBlocks"] < 20
+    assert report["failures"] == [f"service: holds {report['newBlocks']} more blocks of memory"]
 
 
 @pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers keep what has been freed")
@@ -98,3 +125,22 @@ def test_a_wrong_answer_shows(work):
     assert not report["good"]
     assert report["errors"] > 100
     assert any("status: no JSON" in failure for failure in report["failures"])
+
+
+def test_a_service_that_is_killed_under_load_is_back_soon_and_answers_the_same(work):
+    report = soak(work, "--kill", "2")
+    assert report["failures"] == []
+    assert len(report["kills"]) == 2
+    assert report["answers"] > 200
+
+
+def test_a_service_that_is_away_for_long_shows(work):
+    """It starts at once only for the first time."""
+    program = work / "slow"
+    program.write_text(
+        f'#!/bin/sh\n[ ! -e "{work}/started" ] || sleep 3\n: > "{work}/started"\nexec "{paths.SERVICE}"\n'
+    )
+    program.chmod(0o755)
+    report = soak(work, "--kill", "1", "--outage", "1", KESTAL_SOAK_RESPONDER=str(program))
+    assert any("no answer within 1.0 s" in failure for failure in report["failures"])
+    assert not report["good"]

@@ -62,7 +62,8 @@ def states():
 
 
 class Changes:
-    """Goes through all states of the device again and again, one every so many seconds."""
+    """Goes through all states of the device again and again, one every so many seconds; through none
+    for 0."""
 
     def __init__(self, device, interval):
         self.device = device
@@ -86,6 +87,9 @@ class Changes:
         self._write(self.original)
 
     def _run(self):
+        if self.interval == 0:
+            self.rounds = 1
+            return
         commands = itertools.cycle(COMMANDS)
         while True:
             for state in self.states:

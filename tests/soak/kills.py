@@ -17,6 +17,7 @@ PAUSE = 0.005
 # Seconds without a failure after which an outage is over: the web server looks once a second whether
 # a service that was refused works again.
 CALM = 2.5
+NO_ANSWER = "no answer"
 
 
 @dataclasses.dataclass
@@ -29,20 +30,24 @@ class Kill:
 class Clients(load.Callers):
     """Ask without end, slowly enough to count what fails."""
 
-    def __init__(self, server):
+    def __init__(self, server, outage):
         super().__init__(CLIENTS)
         self.server = server
+        self.outage = outage
         self.lock = threading.Lock()
         self.failures = []
         self.successes = collections.Counter()
         self.last_failure = 0.0
 
     def call(self):
+        begin = time.monotonic()
         try:
             answer = self.server.ask("/srv/status")
             failure = None if answer.status == 200 else f"status {answer.status}"
         except (OSError, IndexError) as error:
-            failure = f"no answer: {error}"
+            failure = f"{NO_ANSWER}: {error}"
+        if time.monotonic() - begin > self.outage:
+            failure = f"{NO_ANSWER} within {self.outage} s"
         with self.lock:
             if failure:
                 self.failures.append(failure)
@@ -67,13 +72,27 @@ class Report:
     answers: int
     different: int
     """How many different answers there were; the device does not change."""
+    outage: float
+    """Seconds that the service may be away."""
+
+    def failures(self):
+        """Everything that must not be; that requests under way fail must be."""
+        found = []
+        if self.different != 1:
+            found.append(f"{self.different} different answers")
+        for kill in self.kills:
+            found += [f"{count} x {failure}" for failure, count in kill.failures.items() if NO_ANSWER in failure]
+            if kill.seconds > self.outage:
+                found.append(f"failed requests for {kill.seconds:.1f} s")
+        return found
 
     def is_good(self):
-        return self.different == 1
+        return not self.failures()
 
     def data(self):
         return {
             "good": self.is_good(),
+            "failures": self.failures(),
             "kills": [dataclasses.asdict(kill) for kill in self.kills],
             "answers": self.answers,
             "differentAnswers": self.different,
@@ -92,14 +111,15 @@ class Report:
             f"outage: {times[0]:.3f} to {times[-1]:.3f} s, median {statistics.median(times):.3f} s;"
             f" {short} shorter than 0.1 s",
             f"failed requests: {counts[0]} to {counts[-1]}, median {statistics.median(counts):.0f}",
-            "good" if self.is_good() else "FAILED: the answers differ",
         ]
+        failures = self.failures()
+        lines += [f"FAILED: {failure}" for failure in failures] or ["good"]
         return "\n".join(lines)
 
 
-def run(server, count):
+def run(server, count, outage):
     kills = []
-    with Clients(server) as callers:
+    with Clients(server, outage) as callers:
         for _ in range(count):
             enough = callers.total() + 100
             wait_until(lambda: callers.total() > enough, "answers before the kill", 60)
@@ -116,4 +136,4 @@ def run(server, count):
                 60,
             )
             kills.append(Kill(callers.take_failures(), callers.last_failure - begin))
-    return Report(kills, callers.total(), len(callers.successes))
+    return Report(kills, callers.total(), len(callers.successes), outage)

@@ -17,6 +17,8 @@ class Report:
     start: dict
     end: dict
     samples: dict
+    new_blocks: int | None
+    """That the service holds beyond those at the start; None where nobody counts."""
     tolerance: int
     server_messages: int
 
@@ -34,6 +36,8 @@ class Report:
         found = [f"{count} x {problem}" for problem, count in self.problems.items()]
         if self.restarted:
             found.append("the service or the web server has ended meanwhile")
+        if self.new_blocks:
+            found.append(f"service: holds {self.new_blocks} more blocks of memory")
         for name, before in self.start.items():
             after = self.end[name]
             limit = self.tolerance * self.resolution(name)
@@ -60,6 +64,7 @@ class Report:
             "deviceChanges": self.changes,
             "deviceCommands": self.commands,
             "restarted": self.restarted,
+            "newBlocks": self.new_blocks,
             "webServerMessages": self.server_messages,
             "processes": {
                 name: {

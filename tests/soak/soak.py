@@ -19,6 +19,7 @@ import report
 from client import Clients
 from device import Changes
 from support import paths, processes
+from support.memory import held
 from support.server import Server
 from support.sessions import open_session
 from support.waiting import wait_until
@@ -37,10 +38,15 @@ def arguments():
     parser.add_argument("--warm-up", type=int, default=5000, help="requests before (default 5000)")
     parser.add_argument("--processes", type=int, default=1, help="of clients (default 1)")
     parser.add_argument("--connections", type=int, default=8, help="of each process (default 8)")
-    parser.add_argument("--changes", type=float, default=0.02, help="seconds between two states of the device")
+    parser.add_argument(
+        "--changes", type=float, default=0.02, help="seconds between two states of the device; 0: it rests"
+    )
     parser.add_argument("--tolerance", type=int, default=16, help="pages of growth in all that are no growth")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--kill", type=int, metavar="N", help="instead: kill the service N times under load")
+    parser.add_argument(
+        "--outage", type=float, default=5.0, help="seconds that a killed service may be away (default 5)"
+    )
     parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="write the report there, too")
     options = parser.parse_args()
     if options.requests is None:
@@ -77,6 +83,16 @@ class Soak:
 
         return wait_until(quiet, "web server and service are at rest")
 
+    def blocks(self):
+        """Blocks that the service holds behind some requests, where they are counted."""
+        if "KESTAL_SOAK_MEMORY" not in os.environ:
+            return None
+        for _ in range(3):
+            for target in ("/srv/status", "/srv/notification"):
+                self.server.ask(target)
+        self.at_rest()
+        return held(pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"]))
+
     def keep_log_short(self):
         """As a rotation would that truncates."""
         log = self.server.log.path
@@ -102,6 +118,7 @@ class Soak:
             _, problems_before, _ = self.warm_up(warm_up)
         if not self.is_same():
             sys.exit("the service has ended during the warm-up")
+        blocks = self.blocks()
         start = self.at_rest()
         begin = time.monotonic()
         with Changes(self.server.device, options.changes) as changes:
@@ -125,6 +142,7 @@ class Soak:
             seconds = time.monotonic() - begin
             requests, problems, slowest = clients.results()
         after = self.at_rest() if self.is_same() else None
+        new_blocks = self.blocks() - blocks if after and blocks is not None else None
         problems += problems_before
         for problem in warm_up.problems + changes.problems:
             problems[problem] += 1
@@ -139,6 +157,7 @@ class Soak:
             start=start,
             end=after or start,
             samples=self.samples,
+            new_blocks=new_blocks,
             tolerance=options.tolerance,
             server_messages=len(self.server.server_messages().splitlines()),
         )
@@ -174,7 +193,7 @@ def main():
         server.environment["KESTAL_RESPONDER"] = os.environ["KESTAL_SOAK_RESPONDER"]
     try:
         start(server)
-        result = kills.run(server, options.kill) if options.kill else Soak(server, options).run()
+        result = kills.run(server, options.kill, options.outage) if options.kill else Soak(server, options).run()
         print(result.text())
         if options.json:
             options.json.write_text(json.dumps(result.data(), indent=2) + "\n")
