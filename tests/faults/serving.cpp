@@ -137,6 +137,12 @@ void InFreshProcess(Report& report, const std::string& name,
     }
     (void)std::fflush(nullptr);
     const pid_t child = fork();
+    if (child < 0) {
+        (void)close(ends[0]);
+        (void)close(ends[1]);
+        report.Problem(name + ": no process");
+        return;
+    }
     if (child == 0) {
         Report own;
         test(own);
@@ -144,11 +150,14 @@ void InFreshProcess(Report& report, const std::string& name,
         _exit(0);
     }
     (void)close(ends[1]);
-    report.Add(Read(ReadAll(ends[0])));
+    const std::string said = ReadAll(ends[0]);
+    report.Add(Read(said));
     (void)close(ends[0]);
     int status = 0;
     (void)waitpid(child, &status, 0);
     if (status != 0) {
         report.Problem(name + ": the process ended with status " + std::to_string(status));
+    } else if (said.empty()) {
+        report.Problem(name + ": the process ended before the test did");
     }
 }

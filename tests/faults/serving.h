@@ -29,8 +29,8 @@ struct Report {
     void Add(const Report& other);
 };
 
-/// Runs @p test in a process that has served nothing yet, and adds what it reports. That it dies is
-/// a problem, too.
+/// Runs @p test in a process that has served nothing yet, and adds what it reports. That there is
+/// no such process, or that it dies, is a problem, too.
 void InFreshProcess(Report& report, const std::string& name,
                     const std::function<void(Report&)>& test);
 
