@@ -29,7 +29,7 @@ class SessionCommand : public SimulatedDevice {
     /// Runs the command; the output is that of both streams.
     static Outcome Run(const std::string& arguments) {
         const std::string command = std::string(KESTAL_SESSION_COMMAND) + " " + arguments + " 2>&1";
-        std::FILE* pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c)
+        std::FILE* pipe = popen(command.c_str(), "r");
         EXPECT_NE(pipe, nullptr);
         Outcome outcome{};
         std::array<char, 4096> bytes{};

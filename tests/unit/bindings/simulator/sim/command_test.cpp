@@ -32,7 +32,7 @@ class SimCommand : public SimulatedDevice {
     /// Runs the command; returns the exit code and the output of both streams.
     static std::string Run(const std::string& arguments) {
         const std::string command = std::string(KESTAL_SIM_COMMAND) + " " + arguments + " 2>&1";
-        std::FILE* pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c)
+        std::FILE* pipe = popen(command.c_str(), "r");
         EXPECT_NE(pipe, nullptr);
         std::string output;
         std::array<char, 4096> bytes{};
