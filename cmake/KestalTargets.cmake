@@ -118,3 +118,20 @@ function(kestal_add_unit_test name)
             PROPERTIES LABELS "unit;sanitized" TIMEOUT 120)
     endif()
 endfunction()
+
+# NAME and its twin can include declared_calls.h, which lists the calls that platform/ declares.
+function(kestal_list_declared_calls name)
+    file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/platform/*.h)
+    set(script ${PROJECT_SOURCE_DIR}/cmake/declared_calls.py)
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/declared_calls.h)
+    add_custom_command(OUTPUT ${list}
+        COMMAND /usr/bin/python3 ${script} ${list} ${headers}
+        DEPENDS ${script} ${headers}
+        VERBATIM)
+    foreach(target ${name} ${name}_san)
+        if(TARGET ${target})
+            target_sources(${target} PRIVATE ${list})
+            target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+        endif()
+    endforeach()
+endfunction()

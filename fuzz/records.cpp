@@ -8,15 +8,19 @@
 // CALL.needed how many it has asked room for.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <map>
+#include <mutex>
 #include <new>
 #include <optional>
+#include <set>
 
 #include "bindings/recording/recording.h"
 #include "components/notification/notification_block.h"
 #include "components/status/status_component.h"
 #include "components/systemservice/service_api.h"
 #include "components/systemservice/system_service_component.h"
+#include "declared_calls.h"
 #include "fuzz/answers.h"
 #include "fuzz/target.h"
 #include "platform/sysint.h"
@@ -56,6 +60,40 @@ struct ListCall {
     int success = 0;
 };
 
+/// Declared calls that this target does not answer.
+struct Omission {
+    const char* prefix;  ///< of their names
+    const char* reason;
+};
+
+constexpr const char* kNoRequest = "no status and no notification asks for it";
+constexpr const char* kNoRecord = "it answers with nothing but a code; faults_test tries all codes";
+
+constexpr Omission kOmissions[] = {
+    {"sys_getUIFieldShowEnabled", kNoRequest},
+    {"sys_getUIFieldLockEnabled", kNoRequest},
+    {"sys_getUIAppDisplayEnabled", kNoRequest},
+    {"sys_getUIAppWriteEnabled", kNoRequest},
+    {"sys_getWDCPCarrierEnabled", kNoRequest},
+    {"sys_getHalyardAgentCarrierEnabled", kNoRequest},
+    {"webui_get_app_features", kNoRequest},
+    {"webui_get_app_configurations", kNoRequest},
+    {"webui_get_external_uri_data", kNoRequest},
+    {"sys_getWebUICarrierEnabled", "it is asked before a request comes to a component"},
+    {"sys_getWatchdogInterval", "it is asked before there are requests"},
+    {"sys_sdkInitialize", kNoRecord},
+    {"sys_sdkShutdown", kNoRecord},
+    {"sys_cellularDataConnect", kNoRecord},
+    {"sys_cellularDataDisconnect", kNoRecord},
+    {"toru_dbg_", "logs bring nothing"},
+    {"watchdog_application_", "keep-alives bring nothing"},
+    {"MaintenanceThread", "the keep-alive thread is no part of a request"},
+    {"LanguageSupport::", "the language is chosen before there are requests"},
+    {"AuthSession::", "sessions are the caller's; target request has them"},
+    {"CgiHelper::", "requests and responses are the caller's; target request has them"},
+    {"GetIPAddressFamily", "addresses are the caller's; target request has them"},
+};
+
 const std::vector<Call>& Calls() {
     static const std::vector<Call> calls = [] {
         std::vector<Call> all = {
@@ -81,6 +119,9 @@ const std::vector<Call>& Calls() {
             {"webui_get_software_update_custom_msgs",
              {sizeof(SoftwareUpdateCustomMessages)},
              WEBUI_SUCCESS},
+            {"MsgbusHandler::MsgbusHandler", {}},
+            {"MsgbusHandler::Initialize", {}},
+            {"MsgbusHandler::Uninitialize", {}},
         };
         for (const char* const number : {"sys_getSambaCarrierEnabled",
                                          "sys_getGPSCarrierEnabled",
@@ -133,6 +174,35 @@ const std::vector<ListCall>& ListCalls() {
     return calls;
 }
 
+/// Each declared call is answered here or left out for a reason, and no other name is used.
+void RequireDeclaredCalls() {
+    std::set<std::string, std::less<>> answered;
+    for (const Call& call : Calls()) {
+        answered.insert(call.name);
+    }
+    for (const ListCall& call : ListCalls()) {
+        answered.insert(call.name);
+    }
+    std::set<std::string_view> omitted;
+    for (const DeclaredCall& declared : kDeclaredCalls) {
+        const std::string_view name = declared.name;
+        const auto* const omission =
+            std::find_if(std::begin(kOmissions), std::end(kOmissions),
+                         [&](const Omission& row) { return name.starts_with(row.prefix); });
+        const bool isOmitted = omission != std::end(kOmissions);
+        Require((answered.erase(declared.name) == 0) == isOmitted,
+                "each declared call is either answered or left out", name);
+        if (isOmitted) {
+            omitted.insert(omission->prefix);
+        }
+    }
+    Require(answered.empty(), "only declared calls are answered",
+            answered.empty() ? "" : *answered.begin());
+    for (const Omission& row : kOmissions) {
+        Require(omitted.count(row.prefix) != 0, "only declared calls are left out", row.prefix);
+    }
+}
+
 /// One output of a call, and the code of the call.
 struct Reply {
     int code = 0;
@@ -162,6 +232,7 @@ std::string OutputName(const std::string& call, std::size_t output) {
 Replies UsualReplies() {
     Replies replies;
     for (const Call& call : Calls()) {
+        replies[call.name].code = call.success;
         for (std::size_t output = 0; output < call.outputs.size(); ++output) {
             const std::size_t size = call.outputs.at(output);
             replies[OutputName(call.name, output)] = {
@@ -220,6 +291,14 @@ void Script(const Replies& replies) {
     }
 }
 
+/// Nothing of what this target leaves out has been asked for.
+void RequireOmissions() {
+    for (const Omission& row : kOmissions) {
+        Require(recording::TranscriptText(row.prefix).empty(), "a call left out is not made",
+                row.prefix);
+    }
+}
+
 std::string Json(const CTPP::CDT& tree) {
     std::string json;
     CTPP::CDT2JSON(tree, json);
@@ -229,6 +308,8 @@ std::string Json(const CTPP::CDT& tree) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static std::once_flag once;
+    std::call_once(once, RequireDeclaredCalls);
     const std::string input = InputText(data, size);
     Replies replies = UsualReplies();
     for (const std::string_view line : LinesOf(input)) {
@@ -243,6 +324,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         Script(replies);
         CTPP::CDT answer;
         Require(status.GetData(answer) == PAGE_ERROR_NONE, "the status is always told");
+        RequireOmissions();
         RequireJson(Json(answer));
     }
 
@@ -252,6 +334,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         CTPP::CDT answer;
         Require(service.Dispatch(answer, SERVICE_API_NOTIFICATION) == PAGE_ERROR_NONE,
                 "the notifications are always told");
+        RequireOmissions();
         RequireJson(Json(answer));
     }
     return 0;
