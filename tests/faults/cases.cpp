@@ -28,6 +28,18 @@ constexpr std::array kCodes = {0,
 constexpr std::array kGarbage = {Garbage::kAllOnes, Garbage::kHighBits, Garbage::kEndlessText,
                                  Garbage::kLargest};
 
+/// What two calls that fail together answer and write.
+struct PairWay {
+    int codes[2];
+    Garbage garbage[2];
+};
+
+constexpr PairWay kPairWays[] = {
+    {{77, -88}, {Garbage::kNone, Garbage::kNone}},
+    {{INT_MIN, INT_MAX}, {Garbage::kAllOnes, Garbage::kLargest}},
+    {{static_cast<int>(SYS_ERROR_BUFFER_NEEDED), -88}, {Garbage::kEndlessText, Garbage::kNone}},
+};
+
 constexpr std::array kThrown = {Thrown::kBadAlloc, Thrown::kError, Thrown::kNumber};
 
 const DeclaredCall* Declaration(const std::string& call) {
@@ -113,9 +125,11 @@ std::vector<std::vector<Fault>> Pairs(const std::map<std::string, int>& calls, s
     std::size_t number = 0;
     for (std::size_t i = 0; i < names.size(); ++i) {
         for (std::size_t j = i + 1; j < names.size(); ++j) {
-            if (number++ % stride == 0) {
-                const Garbage garbage = (i + j) % 2 == 0 ? Garbage::kNone : Garbage::kAllOnes;
-                cases.push_back({{names[i], 77, garbage}, {names[j], -88, garbage}});
+            for (const PairWay& way : kPairWays) {
+                if (number++ % stride == 0) {
+                    cases.push_back({{names[i], way.codes[0], way.garbage[0]},
+                                     {names[j], way.codes[1], way.garbage[1]}});
+                }
             }
         }
     }

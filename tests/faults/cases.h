@@ -27,7 +27,8 @@ std::vector<Fault> FaultsOf(const std::string& call, int times);
 /// The faults of all of @p calls, names and how often they are made, one case for each.
 std::vector<std::vector<Fault>> Singles(const std::map<std::string, int>& calls);
 
-/// One case for each two of @p calls; of these, each @p stride-th.
+/// Each two of @p calls with several codes and garbage, one case for each; of these, each
+/// @p stride-th.
 std::vector<std::vector<Fault>> Pairs(const std::map<std::string, int>& calls, std::size_t stride);
 
 /// All of @p calls at once, but for the switch of the web UI, by result; one case for each code and
