@@ -39,21 +39,22 @@ void SetCustomMessages(CTPP::CDT& statusData, const SoftwareUpdateCustomMessages
 void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
     KESTAL_SIGNATURE("void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
-    statusData["StatusBarSoftwareUpdateStatus"] = 0;
-    statusData["StatusBarSoftwareUpdateValue"] = 0;
-    statusData["StatusBarSoftwareUpdateVersion"] = "";
-    statusData["StatusBarSoftwareUpdateUserInitiated"] = 0;
-    statusData["StatusBarSoftwareUpdateInstallationDuration"] = 0;
+    // Defaults come first; the values are put into the same members without another search.
+    CTPP::CDT& status = statusData["StatusBarSoftwareUpdateStatus"] = 0;
+    CTPP::CDT& value = statusData["StatusBarSoftwareUpdateValue"] = 0;
+    CTPP::CDT& version = statusData["StatusBarSoftwareUpdateVersion"] = "";
+    CTPP::CDT& userInitiated = statusData["StatusBarSoftwareUpdateUserInitiated"] = 0;
+    CTPP::CDT& installationDuration = statusData["StatusBarSoftwareUpdateInstallationDuration"] = 0;
     SoftwareUpdateCustomMessages messages{};
     SetCustomMessages(statusData, messages);
 
     webui_software_update_status_t update{};
     const int updateResult = webui_get_software_update_status(&update);
     if (updateResult == WEBUI_SUCCESS) {
-        statusData["StatusBarSoftwareUpdateStatus"] = update.status;
-        statusData["StatusBarSoftwareUpdateValue"] = update.value;
-        statusData["StatusBarSoftwareUpdateVersion"] = FixedText(update.version);
-        statusData["StatusBarSoftwareUpdateUserInitiated"] = update.userInitiated;
+        status = update.status;
+        value = update.value;
+        version = FixedText(update.version);
+        userInitiated = update.userInitiated;
         KESTAL_DEBUG(
             "[%s]:[%s] - %s - webui_get_software_update_status success, status[%d]  value[%d]",
             update.status, update.value);
@@ -68,7 +69,7 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
     int duration = 0;
     const int durationResult = webui_get_software_installation_duration(&duration);
     if (durationResult == WEBUI_SUCCESS) {
-        statusData["StatusBarSoftwareUpdateInstallationDuration"] = duration;
+        installationDuration = duration;
         KESTAL_DEBUG("[%s]:[%s] - %s - software installation duration is [%d]", duration);
     } else {
         KESTAL_FAILURE(
