@@ -37,7 +37,7 @@ def program_size(work):
 
 
 def measure(arguments):
-    rounds, seconds = (2, 1) if arguments.quick else (7, 2)
+    rounds, seconds = (2, 1) if arguments.quick else (arguments.rounds, 2)
     work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-bench-"))
     try:
         results = {
@@ -64,6 +64,7 @@ def document(results):
 def main():
     parser = argparse.ArgumentParser(prog="scripts/bench", description="Measures the service.")
     parser.add_argument("--quick", action="store_true", help="a rough first look, a minute or two")
+    parser.add_argument("--rounds", type=int, default=7, help="how often each is measured (7)")
     parser.add_argument(
         "--markdown", action="store_true", help="print the last results, measure nothing"
     )
