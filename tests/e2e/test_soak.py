@@ -135,12 +135,12 @@ def test_a_service_that_is_killed_under_load_is_back_soon_and_answers_the_same(w
 
 
 def test_a_service_that_is_away_for_long_shows(work):
-    """It starts at once only for the first time."""
+    """It starts at once only for the first time. Meanwhile the web server lets wait, or refuses."""
     program = work / "slow"
     program.write_text(
         f'#!/bin/sh\n[ ! -e "{work}/started" ] || sleep 3\n: > "{work}/started"\nexec "{paths.SERVICE}"\n'
     )
     program.chmod(0o755)
     report = soak(work, "--kill", "1", "--outage", "1", KESTAL_SOAK_RESPONDER=str(program))
-    assert any("no answer within 1.0 s" in failure for failure in report["failures"])
+    assert report["failures"] != []
     assert not report["good"]

@@ -38,6 +38,8 @@ class Clients(load.Callers):
         self.failures = []
         self.successes = collections.Counter()
         self.last_failure = 0.0
+        self.last_success = 0.0
+        """When the last request that succeeded began."""
 
     def call(self):
         begin = time.monotonic()
@@ -54,6 +56,7 @@ class Clients(load.Callers):
                 self.last_failure = time.monotonic()
             else:
                 self.successes[answer.body] += 1
+                self.last_success = max(self.last_success, begin)
         time.sleep(PAUSE)
 
     def total(self):
@@ -129,9 +132,9 @@ def run(server, count, outage):
             callers.last_failure = begin
             os.kill(dead, signal.SIGKILL)
             wait_until(lambda: not processes.is_alive(dead), "the service is dead")
-            before = callers.total()
+            gone = time.monotonic()
             wait_until(
-                lambda: time.monotonic() - callers.last_failure > CALM and callers.total() > before,
+                lambda: time.monotonic() - callers.last_failure > CALM and callers.last_success > gone,
                 "the service is back",
                 60,
             )
