@@ -1,49 +1,11 @@
 // What a tree is when there is no memory for what it is to become.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 #include <string>
 
+#include "tests/faults/failing_memory.h"
 #include "to_json.h"
-
-namespace {
-
-/// Allocations that are granted until one fails; none fails below 0.
-long gGranted = -1;
-long gOutstanding = 0;
-
-void* Allocate(std::size_t size) {
-    if (gGranted == 0) {
-        throw std::bad_alloc();
-    }
-    void* const block = std::malloc(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    --gGranted;
-    ++gOutstanding;
-    return block;
-}
-
-void Release(void* block) {
-    if (block != nullptr) {
-        --gOutstanding;
-    }
-    std::free(block);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    return Allocate(size);
-}
-void operator delete(void* block) noexcept {
-    Release(block);
-}
-void operator delete(void* block, std::size_t /*size*/) noexcept {
-    Release(block);
-}
 
 namespace {
 
@@ -53,16 +15,19 @@ using CTPP::CDT;
 /// calls @p check after each failure. Returns how many failed.
 template <class Step, class Check>
 long FailEach(Step step, Check check) {
-    for (long granted = 0;; ++granted) {
-        gGranted = granted;
+    for (long failing = 1;; ++failing) {
+        bool failed = false;
+        failing_memory::FailAt(failing, false);
         try {
             step();
-            gGranted = -1;
-            return granted;
         } catch (const std::bad_alloc&) {
-            gGranted = -1;
-            check();
+            failed = true;
         }
+        failing_memory::Stop();
+        if (!failed) {
+            return failing - 1;
+        }
+        check();
     }
 }
 
@@ -71,7 +36,7 @@ std::string LongKey(int number) {
 }
 
 TEST(CDTWithoutMemory, AnInsertionLeavesTheHashWithoutTheMember) {
-    const long before = gOutstanding;
+    const long before = failing_memory::Outstanding();
     {
         CDT hash(CDT::HASH_VAL);
         long failures = 0;
@@ -87,7 +52,7 @@ TEST(CDTWithoutMemory, AnInsertionLeavesTheHashWithoutTheMember) {
         EXPECT_GT(failures, 100);
         EXPECT_EQ(hash.Size(), 100U);
     }
-    EXPECT_EQ(gOutstanding, before);
+    EXPECT_EQ(failing_memory::Outstanding(), before);
 }
 
 TEST(CDTWithoutMemory, ACopyIsNotMadeAndNothingIsLost) {
@@ -96,13 +61,13 @@ TEST(CDTWithoutMemory, ACopyIsNotMadeAndNothingIsLost) {
         tree[LongKey(number)]["x"][static_cast<UINT_32>(number % 3)] = LongKey(number);
     }
     const std::string was = ToJSON(tree);
-    const long before = gOutstanding;
+    const long before = failing_memory::Outstanding();
     EXPECT_GT(FailEach([&] { EXPECT_EQ(CDT(tree).Size(), 20U); },
-                       [&] { EXPECT_EQ(gOutstanding, before); }),
+                       [&] { EXPECT_EQ(failing_memory::Outstanding(), before); }),
               100);
     EXPECT_GT(FailEach([&] { tree[LongKey(0)] = tree; },
                        [&] {
-                           EXPECT_EQ(gOutstanding, before);
+                           EXPECT_EQ(failing_memory::Outstanding(), before);
                            EXPECT_EQ(ToJSON(tree), was);
                        }),
               100);
@@ -122,11 +87,11 @@ TEST(CDTWithoutMemory, WritingFailsAndCanBeRepeated) {
         tree[LongKey(number)][0] = LongKey(number);
     }
     const std::string whole = ToJSON(tree);
-    const long before = gOutstanding;
-    EXPECT_GT(
-        FailEach([&] { EXPECT_EQ(ToJSON(tree), whole); }, [&] { EXPECT_EQ(gOutstanding, before); }),
-        2);
-    EXPECT_EQ(gOutstanding, before);
+    const long before = failing_memory::Outstanding();
+    EXPECT_GT(FailEach([&] { EXPECT_EQ(ToJSON(tree), whole); },
+                       [&] { EXPECT_EQ(failing_memory::Outstanding(), before); }),
+              2);
+    EXPECT_EQ(failing_memory::Outstanding(), before);
 }
 
 }  // namespace
