@@ -5,6 +5,8 @@ import os
 import pathlib
 import statistics
 
+from support import processes
+
 PAGE = os.sysconf("SC_PAGE_SIZE")
 
 
@@ -27,7 +29,7 @@ def holdings(pid):
     return Holdings(
         pss=rollup["Pss:"],
         own=rollup["Anonymous:"] + rollup["Swap:"],
-        descriptors=len(list((process / "fd").iterdir())),
+        descriptors=processes.descriptors(pid),
         threads=len(list((process / "task").iterdir())),
     )
 
