@@ -55,9 +55,8 @@ def test_terminations_in_a_row_are_one(responder):
 def test_a_termination_during_a_request_waits_for_its_answer(responder):
     with responder.connect() as connection:
         whole = fastcgi.request(fastcgi.STATUS)
-        idle = processes.descriptors(responder.pid)
         connection.send(whole[:30])
-        wait_until(lambda: processes.descriptors(responder.pid) > idle, "the request is accepted")
+        wait_until(lambda: processes.accepted(responder.pid, responder.socket), "the request is accepted")
         responder.process.send_signal(signal.SIGTERM)
         wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is held back")
         connection.send(whole[30:])

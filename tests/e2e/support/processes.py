@@ -29,6 +29,17 @@ def descriptors(pid):
     return len(list(pathlib.Path(f"/proc/{pid}/fd").iterdir()))
 
 
+def accepted(pid, path):
+    """How many connections to a local socket a process has accepted and not closed."""
+    files = {os.readlink(file) for file in pathlib.Path(f"/proc/{pid}/fd").iterdir()}
+    # State, inode and path; only what is accepted has an inode.
+    entries = [line.split(None, 7)[5:] for line in pathlib.Path(f"/proc/{pid}/net/unix").read_text().splitlines()[1:]]
+    return sum(
+        len(entry) == 3 and entry[0] == "03" and entry[2] == str(path) and f"socket:[{entry[1]}]" in files
+        for entry in entries
+    )
+
+
 def is_alive(pid):
     state = field(pid, "State")
     return state is not None and state[0] not in "ZX"
