@@ -18,6 +18,8 @@ std::string ToText(CCHAR_P value) {
 
 }  // namespace
 
+CDT::CDT() noexcept = default;
+
 CDT::CDT(const eValType& type) {
     switch (type) {
         case INT_VAL:

@@ -203,7 +203,7 @@ class JSONWriter {
             json.Put(',');
         }
         const auto& [key, value] = **level.member++;
-        json.PutQuoted(key);
+        json.PutQuoted(key.Text());
         json.Put(':');
         WriteValue(value);
     }

@@ -43,7 +43,11 @@ CDT::Hash& CDT::MakeHash() {
     return Require<HashPtr>(content);
 }
 
-CDT& CDT::GetOrInsert(std::string_view key) {
+CDT& CDT::GetOrInsert(const std::string& key) {
+    return MakeHash().members.FindOrInsert(std::string_view(key));
+}
+
+CDT& CDT::GetOrInsert(const LiteralKey& key) {
     return MakeHash().members.FindOrInsert(key);
 }
 
@@ -56,10 +60,6 @@ CDT& CDT::operator[](UINT_32 index) {
         elements.resize(index + 1);
     }
     return elements[index];
-}
-
-CDT& CDT::operator[](const std::string& key) {
-    return GetOrInsert(key);
 }
 
 const CDT& CDT::operator[](UINT_32 index) const {

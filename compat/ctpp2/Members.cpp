@@ -1,10 +1,19 @@
 #include "Members.hpp"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace CTPP {
+
+CDT::Key::Key(std::string_view other)
+    : copy(std::make_unique_for_overwrite<char[]>(other.size())),
+      text(std::string_view(copy.get(), other.copy(copy.get(), other.size()))) {}
+
+CDT::Key::Key(const Key& other) : text(other.text) {
+    if (other.copy) {
+        *this = Key(other.text);
+    }
+}
 
 CDT::Members::~Members() {
     for (Member* member : sorted) {
@@ -17,21 +26,26 @@ CDT::Members::~Members() {
 }
 
 CDT* CDT::Members::Find(std::string_view key) const {
-    const Place place = Locate(key);
+    const Place place = Locate(KeyText(key));
     return place.found ? &sorted[place.index]->second : nullptr;
 }
 
 CDT& CDT::Members::FindOrInsert(std::string_view key) {
-    const Place place = Locate(key);
-    return place.found ? sorted[place.index]->second : Insert(place.index, key);
+    const Place place = Locate(KeyText(key));
+    return place.found ? sorted[place.index]->second : Insert(place.index, Key(key));
 }
 
-CDT& CDT::Members::InsertLast(std::string_view key) {
+CDT& CDT::Members::FindOrInsert(const LiteralKey& key) {
+    const Place place = Locate(key.text);
+    return place.found ? sorted[place.index]->second : Insert(place.index, Key(key));
+}
+
+CDT& CDT::Members::InsertLast(const Key& key) {
     return Insert(sorted.size(), key);
 }
 
 bool CDT::Members::Erase(std::string_view key) {
-    const Place place = Locate(key);
+    const Place place = Locate(KeyText(key));
     if (place.found) {
         Member* const member = sorted[place.index];
         sorted.erase(sorted.begin() + static_cast<std::ptrdiff_t>(place.index));
@@ -44,29 +58,24 @@ bool CDT::Members::Erase(std::string_view key) {
     return place.found;
 }
 
-CDT::Members::Place CDT::Members::Locate(std::string_view key) const {
+CDT::Members::Place CDT::Members::Locate(const KeyText& key) const {
     std::size_t low = 0;
     std::size_t high = sorted.size();
     while (low < high) {
         const std::size_t middle = (low + high) / 2;
-        const int order = key.compare(sorted[middle]->first);
-        if (order == 0) {
-            return {.index = middle, .found = true};
-        }
-        if (order < 0) {
-            high = middle;
-        } else {
+        if (sorted[middle]->first.Text() < key) {
             low = middle + 1;
+        } else {
+            high = middle;
         }
     }
-    return {.index = low, .found = false};
+    return {.index = low, .found = low < sorted.size() && sorted[low]->first.Text() == key};
 }
 
 /// All that may fail comes first.
-CDT& CDT::Members::Insert(std::size_t index, std::string_view key) {
-    std::string name(key);
+CDT& CDT::Members::Insert(std::size_t index, Key key) {
     if (sorted.size() == sorted.capacity()) {
-        sorted.reserve(std::max(first.slots.size(), 2 * sorted.size()));
+        sorted.reserve(std::max(first.slots.size(), 4 * sorted.size()));
     }
     if (spare == nullptr) {
         auto block = std::make_unique<Block>();
@@ -76,8 +85,7 @@ CDT& CDT::Members::Insert(std::size_t index, std::string_view key) {
     }
     Slot* const slot = spare;
     spare = slot->next;
-    Member* const member = std::construct_at(&slot->member, std::piecewise_construct,
-                                             std::forward_as_tuple(std::move(name)), std::tuple());
+    Member* const member = std::construct_at(&slot->member, std::move(key));
     sorted.insert(sorted.begin() + static_cast<std::ptrdiff_t>(index), member);
     return member->second;
 }

@@ -31,8 +31,9 @@ class CDT::Members {
     /// The value; a member that is missing is inserted as UNDEF. If there is no memory for it,
     /// nothing changes.
     CDT& FindOrInsert(std::string_view key);
+    CDT& FindOrInsert(const LiteralKey& key);
     /// Inserts a member that comes behind all others.
-    CDT& InsertLast(std::string_view key);
+    CDT& InsertLast(const Key& key);
     /// Removes the member and tells whether it was there.
     bool Erase(std::string_view key);
 
@@ -61,8 +62,8 @@ class CDT::Members {
     };
 
     /// Where the member is, or belongs.
-    Place Locate(std::string_view key) const;
-    CDT& Insert(std::size_t index, std::string_view key);
+    Place Locate(const KeyText& key) const;
+    CDT& Insert(std::size_t index, Key key);
     void AddSlots(Block& block) noexcept;
 
     std::vector<Member*> sorted;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -49,9 +51,51 @@ class CDT {
 
     class Iterator;
     class ConstIterator;
+    class Key;
 
+    /// The text of a key, which it does not own, and its first sixteen bytes as two numbers, whose
+    /// comparison is the order of most keys. Bytes that it does not have count as NUL.
+    class KeyText {
+      public:
+        constexpr explicit KeyText(std::string_view key) : text(key) {
+            constexpr std::size_t kWord = sizeof(first);
+            for (std::size_t byte = 0; byte < 2 * kWord; ++byte) {
+                UINT_64& word = byte < kWord ? first : second;
+                word =
+                    word << 8U | (byte < key.size() ? static_cast<unsigned char>(key[byte]) : 0U);
+            }
+        }
+        operator std::string_view() const { return text; }
+        friend bool operator==(const KeyText& one, const KeyText& other) {
+            return one.first == other.first && one.second == other.second && one.text == other.text;
+        }
+        friend bool operator<(const KeyText& one, const KeyText& other) {
+            if (one.first != other.first) {
+                return one.first < other.first;
+            }
+            return one.second != other.second ? one.second < other.second : one.text < other.text;
+        }
+
+      private:
+        std::string_view text;
+        UINT_64 first = 0;
+        UINT_64 second = 0;
+    };
+
+    /// A key that is there as long as the program, such as a literal; up to its first NUL.
+    class LiteralKey {
+      public:
+        template <std::size_t Size>
+        consteval LiteralKey(const char (&literal)[Size]) : text(std::string_view(literal)) {}
+
+      private:
+        friend class CDT;
+        KeyText text;
+    };
+
+    CDT() noexcept;
     /// An empty value of the type: 0, "", an array or hash without members.
-    CDT(const eValType& type = UNDEF);
+    CDT(const eValType& type);
     CDT(const CDT& other);
     /// `other` becomes UNDEF.
     CDT(CDT&& other) noexcept;
@@ -87,12 +131,14 @@ class CDT {
     CDT& operator[](UINT_32 index);
     /// The member, inserted if missing; UNDEF becomes a hash. Throws CDTAccessException for any
     /// other type.
-    CDT& operator[](const std::string& key);
-    /// The same for a literal, which need not become a std::string to be found.
-    template <std::size_t Size>
-    CDT& operator[](const char (&key)[Size]) {
-        return GetOrInsert(key);
+    template <class Text>
+    requires std::convertible_to<Text, std::string> &&
+        (!std::same_as<std::remove_extent_t<std::remove_reference_t<Text>>, const char>)CDT&
+        operator[](Text&& key) {
+        return GetOrInsert(static_cast<const std::string&>(key));
     }
+    /// The same for a key that need not be copied.
+    CDT& operator[](const LiteralKey& key) { return GetOrInsert(key); }
     /// The element, or UNDEF if this is no array. Throws CDTRangeException past the end.
     const CDT& operator[](UINT_32 index) const;
     /// The member, or UNDEF if it is missing or this is no hash.
@@ -185,7 +231,7 @@ class CDT {
     using ArrayPtr = std::unique_ptr<Array>;
     using HashPtr = std::unique_ptr<Hash>;
     using Value = std::variant<std::monostate, INT_64, W_FLOAT, void*, Text, ArrayPtr, HashPtr>;
-    using Member = std::pair<const std::string, CDT>;
+    struct Member;
     class Members;
     using Copies = std::vector<std::pair<const CDT*, CDT*>>;
 
@@ -194,13 +240,44 @@ class CDT {
     Number ReadNumber() const;
     const Array* GetArray() const;
     const Hash* GetHash() const;
-    CDT& GetOrInsert(std::string_view key);
+    CDT& GetOrInsert(const std::string& key);
+    CDT& GetOrInsert(const LiteralKey& key);
     Array& MakeArray();
     Hash& MakeHash();
     void CopyShallow(const CDT& other, Copies& branches);
     void Unhook(std::unique_ptr<Branch>& chain) noexcept;
 
     Value content;
+};
+
+/// The key of a member.
+class CDT::Key {
+  public:
+    explicit Key(const LiteralKey& literal) noexcept : text(literal.text) {}
+    explicit Key(std::string_view other);
+    Key(const Key& other);
+    Key(Key&& other) noexcept = default;
+    Key& operator=(const Key&) = delete;
+    Key& operator=(Key&&) noexcept = default;
+    ~Key() = default;
+
+    const KeyText& Text() const { return text; }
+    operator std::string() const { return std::string(std::string_view(text)); }
+    friend bool operator==(const Key& one, std::string_view other) {
+        return std::string_view(one.text) == other;
+    }
+
+  private:
+    /// Empty if the text is a literal.
+    std::unique_ptr<char[]> copy;
+    KeyText text;
+};
+
+struct CDT::Member {
+    explicit Member(Key key) noexcept : first(std::move(key)) {}
+
+    const Key first;
+    CDT second;
 };
 
 /// Walks the members of a hash: `->first` is the key, `->second` the value.

@@ -120,6 +120,91 @@ TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
     EXPECT_EQ(hash.Size(), 7U);
 }
 
+/// One by one as a literal, then as a text, and the other way round.
+template <class Insert>
+void ExpectOneMemberEach(Insert insert) {
+    const std::vector<std::string> sorted = {"",
+                                             "s",
+                                             "sixteen letters",
+                                             "sixteen letters.",
+                                             "sixteen letters. And more",
+                                             "sixteen letters. And more than that",
+                                             "sixteen letters/",
+                                             "\x7f",
+                                             "\xc3\xa9"};
+    CDT hash;
+    std::vector<CDT*> places;
+    for (const bool again : {false, true}) {
+        insert(hash, again);
+        ASSERT_EQ(hash.Size(), sorted.size());
+        CDT::Iterator member = hash.Begin();
+        for (std::size_t i = 0; i < sorted.size(); ++i, ++member) {
+            EXPECT_EQ(member->first, sorted[i]);
+            EXPECT_EQ(member->second.GetInt(), again ? 2 : 1);
+            places.push_back(&member->second);
+            EXPECT_EQ(places[i], &member->second);
+            EXPECT_EQ(places[i], &hash.At(sorted[i]));
+        }
+        EXPECT_TRUE(member == hash.End());
+    }
+}
+
+void InsertLiterals(CDT& hash, int value) {
+    hash["\xc3\xa9"] = value;
+    hash["sixteen letters. And more than that"] = value;
+    hash["sixteen letters"] = value;
+    hash["s"] = value;
+    hash["sixteen letters/"] = value;
+    hash["sixteen letters. And more"] = value;
+    hash["\x7f"] = value;
+    hash["sixteen letters."] = value;
+    hash[""] = value;
+}
+
+void InsertTexts(CDT& hash, int value) {
+    for (const char* key :
+         {"s", "", "sixteen letters.", "sixteen letters. And more than that", "\xc3\xa9",
+          "sixteen letters", "\x7f", "sixteen letters/", "sixteen letters. And more"}) {
+        hash[key] = value;
+    }
+}
+
+TEST(CDTMembers, LiteralsAndTextsAreTheSameKeysInTheSameOrder) {
+    ExpectOneMemberEach(
+        [](CDT& hash, bool again) { again ? InsertTexts(hash, 2) : InsertLiterals(hash, 1); });
+    ExpectOneMemberEach(
+        [](CDT& hash, bool again) { again ? InsertLiterals(hash, 2) : InsertTexts(hash, 1); });
+}
+
+TEST(CDTMembers, KeysOutliveTheTextTheyWereMadeOfAndTheTreeTheyWereCopiedFrom) {
+    CDT copy;
+    {
+        CDT hash;
+        std::string text = "a text that is too long to be stored in place";
+        hash[text] = 1;
+        hash["a literal that is too long to be stored in place"] = 2;
+        text.assign(text.size(), 'x');
+        copy = hash;
+    }
+    EXPECT_EQ(ToJSON(copy), R"({"a literal that is too long to be stored in place":2,)"
+                            R"("a text that is too long to be stored in place":1})");
+}
+
+TEST(CDTMembers, KeysWithNulsAreInOrder) {
+    CDT hash;
+    hash["a"] = 1;
+    for (const std::size_t length : {4U, 3U, 2U, 20U}) {
+        hash["a" + std::string(length - 1, '\0')] = 2;
+    }
+    hash["a\x01"] = 3;
+    std::vector<std::size_t> lengths;
+    for (CDT::Iterator member = hash.Begin(); !(member == hash.End()); ++member) {
+        lengths.push_back(std::string(member->first).size());
+    }
+    EXPECT_EQ(lengths, (std::vector<std::size_t>{1, 2, 3, 4, 20, 2}));
+    EXPECT_EQ(hash["a"].GetInt(), 1);
+}
+
 TEST(CDTMembers, AMemberCanBeErasedByItsOwnKey) {
     CDT hash;
     hash["first"] = 1;
