@@ -36,39 +36,47 @@ constexpr std::array<char, 256> kEscapes = [] {
     return escapes;
 }();
 
-/// The same byte in all places of a word.
-constexpr std::uint64_t InAll(std::uint8_t byte) {
-    return 0x0101010101010101U * byte;
+/// Bytes side by side, so that the processor looks at all of them at once.
+template <std::size_t Size>
+using Bytes [[gnu::vector_size(Size)]] = unsigned char;
+
+/// Copies bytes and tells whether all of them are written as they are.
+template <std::size_t Size>
+bool CopyPlainBytes(const char* from, char* to) {
+    Bytes<Size> bytes;
+    std::memcpy(&bytes, from, Size);
+    std::memcpy(to, &bytes, Size);
+    const auto escaped = (bytes < 0x20) | (bytes == '"') | (bytes == '/') | (bytes == '\\') |
+                         ((bytes | ('<' ^ '>')) == '>');
+    std::array<UINT_64, Size / sizeof(UINT_64)> words{};
+    std::memcpy(words.data(), &escaped, Size);
+    return std::all_of(words.begin(), words.end(), [](UINT_64 word) { return word == 0; });
 }
 
-/// Tells whether all eight bytes are written as they are. The bytes are looked at side by side: no
-/// sum carries into the next, as the highest bit of each is left out.
-bool IsPlain(std::uint64_t word) {
-    constexpr std::uint64_t kHighest = InAll(0x80);
-    const std::uint64_t low = word & ~kHighest;
-    // Highest bit set where the byte is not the given one.
-    const auto differs = [](std::uint64_t bytes, char from) {
-        return (bytes ^ InAll(static_cast<std::uint8_t>(from))) + InAll(0x7F);
-    };
-    const std::uint64_t printable = low + InAll(0x80 - 0x20);
-    const std::uint64_t plain = printable & differs(low, '"') & differs(low, '/') &
-                                differs(low, '\\') & differs(low | InAll('<' ^ '>'), '>');
-    return ((plain | word) & kHighest) == kHighest;
-}
-
-/// Copies bytes up to the first that is not written as it is; returns how many.
-std::size_t CopyPlain(std::string_view text, char* to) {
+/// Copies the text, which has at least this size, until some bytes side by side are not all written
+/// as they are; returns how many bytes came before. The last bytes overlap those before them.
+template <std::size_t Size>
+std::size_t CopyPlainText(std::string_view text, char* to) {
     const char* const from = text.data();
+    const std::size_t last = text.size() - Size;
     std::size_t count = 0;
-    for (std::uint64_t word = 0; text.size() - count >= sizeof(word); count += sizeof(word)) {
-        std::memcpy(&word, from + count, sizeof(word));
-        if (!IsPlain(word)) {
-            break;
-        }
-        std::memcpy(to + count, &word, sizeof(word));
+    while (count < last && CopyPlainBytes<Size>(from + count, to + count)) {
+        count += Size;
     }
-    for (; count < text.size() && kEscapes[static_cast<unsigned char>(from[count])] == 0; ++count) {
-        to[count] = from[count];
+    return count >= last && CopyPlainBytes<Size>(from + last, to + last) ? text.size() : count;
+}
+
+/// Copies bytes up to the first that is not written as it is; returns how many. Some more may have
+/// been copied.
+std::size_t CopyPlain(std::string_view text, char* to) {
+    std::size_t count = 0;
+    if (text.size() >= 16) {
+        count = CopyPlainText<16>(text, to);
+    } else if (text.size() >= 8) {
+        count = CopyPlainText<8>(text, to);
+    }
+    for (; count < text.size() && kEscapes[static_cast<unsigned char>(text[count])] == 0; ++count) {
+        to[count] = text[count];
     }
     return count;
 }

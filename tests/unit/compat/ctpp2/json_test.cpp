@@ -71,6 +71,16 @@ TEST_P(CDTJSONByte, IsEscapedWhereverItStandsInAText) {
             "\"" + other.substr(0, place) + EscapedByte(byte) + other.substr(place) + "\"";
         EXPECT_EQ(ToJSON(CDT(text)), json);
     }
+    // As long as what is looked at side by side, and shorter.
+    for (std::size_t size = 0; size < 20; ++size) {
+        std::string text = other.substr(0, size);
+        for (std::size_t place = 0; place <= size; ++place) {
+            std::string escaped = other.substr(0, size);
+            EXPECT_EQ(
+                ToJSON(CDT(text.substr(0, place) + static_cast<char>(byte) + text.substr(place))),
+                "\"" + escaped.insert(place, EscapedByte(byte)) + "\"");
+        }
+    }
     const std::string repeated(17, static_cast<char>(byte));
     std::string json = "\"";
     for (std::size_t i = 0; i < repeated.size(); ++i) {
