@@ -158,12 +158,11 @@ CDT& CDT::operator=(W_FLOAT value) {
 }
 
 CDT& CDT::operator=(const std::string& value) {
-    content.emplace<Text>(Text{value});
-    return *this;
+    return *this = std::string(value);
 }
 
 CDT& CDT::operator=(std::string&& value) {
-    content.emplace<Text>(Text{std::move(value)});
+    content.emplace<Text>().value = std::move(value);
     return *this;
 }
 

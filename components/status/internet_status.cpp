@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "components/band/technology.h"
 #include "components/status/internet_texts.h"
 #include "components/status/status_component.h"
@@ -125,7 +127,7 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
     KESTAL_BEGIN();
     Readings readings;
     if (Read(isPCOSupported, readings)) {
-        const Texts texts = Compute(readings);
+        Texts texts = Compute(readings);
         if (readings.accountStatus == SYS_ACCOUNT_OUT_OF_CREDIT ||
             readings.accountStatus == SYS_ACCOUNT_NOT_ACTIVE) {
             std::string text;
@@ -133,10 +135,10 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
             statusData["pcoInitiatedConnectionStatus"] = text;
         }
         if (!isDualSIMSupported) {
-            statusData["statusBarNetwork"] = texts.network;
-            statusData["statusBarConnectionState"] = texts.connectionState;
+            statusData["statusBarNetwork"] = std::move(texts.network);
+            statusData["statusBarConnectionState"] = std::move(texts.connectionState);
         }
-        statusData["statusBarNetworkID"] = texts.networkId;
+        statusData["statusBarNetworkID"] = std::move(texts.networkId);
         const bool secondSim = isDualSIMSupported && IsSecondSimActive();
         if (isDualSIMSupported) {
             statusData["statusBarSim2Technology"] = secondSim ? texts.technology : "";
@@ -152,20 +154,20 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
         }
         std::string band;
         (void)bandCombination->GetBandCombinationString(band);
-        statusData["statusBarBand"] = band;
+        statusData["statusBarBand"] = std::move(band);
         std::string bandwidth;
         (void)bandCombination->GetBandwidthString(bandwidth);
-        statusData["statusBarBandwidth"] = bandwidth;
+        statusData["statusBarBandwidth"] = std::move(bandwidth);
         if (ConfigurationNumber("ShowRoamingIndicator").value_or(0) != 0) {
-            statusData["statusBarRoaming"] = texts.roaming;
+            statusData["statusBarRoaming"] = std::move(texts.roaming);
         }
-        statusData["statusBarBytesReceived"] = texts.bytesReceived;
-        statusData["statusBarBytesTransmitted"] = texts.bytesTransmitted;
-        statusData["statusBarBytesTotal"] = texts.bytesTotal;
-        statusData["statusBarConnectionDuration"] = texts.connectionDuration;
-        statusData["statusBarTrafficStatus"] = texts.traffic;
-        statusData["statusBarAirplaneMode"] = texts.airplaneMode;
-        statusData["statusBarFemtoCellStatus"] = texts.femtoCell;
+        statusData["statusBarBytesReceived"] = std::move(texts.bytesReceived);
+        statusData["statusBarBytesTransmitted"] = std::move(texts.bytesTransmitted);
+        statusData["statusBarBytesTotal"] = std::move(texts.bytesTotal);
+        statusData["statusBarConnectionDuration"] = std::move(texts.connectionDuration);
+        statusData["statusBarTrafficStatus"] = std::move(texts.traffic);
+        statusData["statusBarAirplaneMode"] = std::move(texts.airplaneMode);
+        statusData["statusBarFemtoCellStatus"] = std::move(texts.femtoCell);
         if (isDualSIMSupported) {
             statusData["statusBarSim2SignalBars"] = secondSim ? texts.signalBars : "";
         }
