@@ -40,9 +40,10 @@ constexpr std::array<char, 256> kEscapes = [] {
 template <std::size_t Size>
 using Bytes [[gnu::vector_size(Size)]] = unsigned char;
 
-/// Copies bytes and tells whether all of them are written as they are.
+/// Copies bytes and tells whether all of them are written as they are. Inlined, so that a loop
+/// keeps what it compares with.
 template <std::size_t Size>
-bool CopyPlainBytes(const char* from, char* to) {
+[[gnu::always_inline]] inline bool CopyPlainBytes(const char* from, char* to) {
     Bytes<Size> bytes;
     std::memcpy(&bytes, from, Size);
     std::memcpy(to, &bytes, Size);

@@ -25,6 +25,21 @@ CDT::Members::~Members() {
     }
 }
 
+/// Inlined, as each member of an answer comes here.
+[[gnu::always_inline]] inline CDT::Members::Place CDT::Members::Locate(const KeyText& key) const {
+    std::size_t low = 0;
+    std::size_t high = sorted.size();
+    while (low < high) {
+        const std::size_t middle = (low + high) / 2;
+        if (sorted[middle]->first.Text() < key) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return {.index = low, .found = low < sorted.size() && sorted[low]->first.Text() == key};
+}
+
 CDT* CDT::Members::Find(std::string_view key) const {
     const Place place = Locate(KeyText(key));
     return place.found ? &sorted[place.index]->second : nullptr;
@@ -56,20 +71,6 @@ bool CDT::Members::Erase(std::string_view key) {
         spare = slot;
     }
     return place.found;
-}
-
-CDT::Members::Place CDT::Members::Locate(const KeyText& key) const {
-    std::size_t low = 0;
-    std::size_t high = sorted.size();
-    while (low < high) {
-        const std::size_t middle = (low + high) / 2;
-        if (sorted[middle]->first.Text() < key) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return {.index = low, .found = low < sorted.size() && sorted[low]->first.Text() == key};
 }
 
 /// All that may fail comes first.
