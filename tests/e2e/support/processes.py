@@ -1,5 +1,6 @@
 """What the kernel knows about processes."""
 
+import contextlib
 import ipaddress
 import os
 import pathlib
@@ -20,7 +21,7 @@ def field(pid, name):
 
 def environment(pid):
     """What a process was started with."""
-    entries = pathlib.Path(f"/proc/{pid}/environ").read_text().split("\0")
+    entries = pathlib.Path(f"/proc/{pid}/environ").read_text(errors="replace").split("\0")
     return dict(entry.split("=", 1) for entry in entries if entry)
 
 
@@ -29,13 +30,23 @@ def descriptors(pid):
     return len(list(pathlib.Path(f"/proc/{pid}/fd").iterdir()))
 
 
+def files(pid):
+    """What the file descriptors of a process lead to."""
+    found = set()
+    for file in pathlib.Path(f"/proc/{pid}/fd").iterdir():
+        # The process may close it meanwhile.
+        with contextlib.suppress(FileNotFoundError):
+            found.add(os.readlink(file))
+    return found
+
+
 def accepted(pid, path):
     """How many connections to a local socket a process has accepted and not closed."""
-    files = {os.readlink(file) for file in pathlib.Path(f"/proc/{pid}/fd").iterdir()}
+    own = files(pid)
     # State, inode and path; only what is accepted has an inode.
     entries = [line.split(None, 7)[5:] for line in pathlib.Path(f"/proc/{pid}/net/unix").read_text().splitlines()[1:]]
     return sum(
-        len(entry) == 3 and entry[0] == "03" and entry[2] == str(path) and f"socket:[{entry[1]}]" in files
+        len(entry) == 3 and entry[0] == "03" and entry[2] == str(path) and f"socket:[{entry[1]}]" in own
         for entry in entries
     )
 
@@ -62,7 +73,7 @@ def mentioning(text):
     found = []
     for entry in pathlib.Path("/proc").iterdir():
         try:
-            if entry.name.isdigit() and text in (entry / "cmdline").read_text() and is_alive(entry.name):
+            if entry.name.isdigit() and text in (entry / "cmdline").read_text(errors="replace") and is_alive(entry.name):
                 found.append(int(entry.name))
         except OSError:
             continue
@@ -71,14 +82,14 @@ def mentioning(text):
 
 def listens(pid):
     """Addresses and ports on which a process accepts TCP connections."""
-    files = {os.readlink(file) for file in pathlib.Path(f"/proc/{pid}/fd").iterdir()}
+    own = files(pid)
     found = set()
     for table in ("tcp", "tcp6"):
         # Not there without IPv6.
         path = pathlib.Path(f"/proc/{pid}/net/{table}")
         for line in path.read_text().splitlines()[1:] if path.exists() else []:
             _, local, _, state, *_, inode = line.split()[:10]
-            if state == "0A" and f"socket:[{inode}]" in files:
+            if state == "0A" and f"socket:[{inode}]" in own:
                 address, _, port = local.partition(":")
                 # Words in the order of the processor.
                 words = struct.unpack(f">{len(address) // 8}I", bytes.fromhex(address))
