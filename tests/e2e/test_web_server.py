@@ -19,6 +19,11 @@ def kill_web_server(server):
     server.process.wait()
 
 
+def wait_for_end(pid):
+    """Whoever has ended a process sees its socket gone a moment before it is."""
+    wait_until(lambda: not processes.is_alive(pid), "the responder has ended")
+
+
 def test_one_responder_serves_everything(server):
     assert len(processes.children(server.process.pid)) == 1
     for _ in range(20):
@@ -30,7 +35,7 @@ def test_stopping_the_web_server_ends_the_responder(server):
     responder = server.responder()
     server.process.terminate()
     assert server.process.wait(20) == 0
-    wait_until(lambda: not processes.is_alive(responder), "the responder has ended")
+    wait_for_end(responder)
     assert server.log.count("KESTAL_CGI Server Terminating") == 1
     assert server.log.count("watchdog: kestal.cgi unregistered") == 1
     assert not list(server.run.glob("responder.sock*"))
@@ -40,6 +45,8 @@ def test_a_responder_that_dies_is_started_again(server):
     for signo in (signal.SIGKILL, signal.SIGSEGV, signal.SIGTERM):
         dead = server.responder()
         os.kill(dead, signo)
+        # A request that comes before it takes the signal is still its own.
+        wait_for_end(dead)
         wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
         assert server.responder() != dead
 
@@ -73,7 +80,7 @@ def test_a_responder_that_dies_under_load_is_started_again_and_answers_the_same(
             wait_until(lambda enough=browsers.right() + 20: browsers.right() > enough, "answers before")
             dead = server.responder()
             os.kill(dead, signo)
-            wait_until(lambda: not processes.is_alive(dead), "the responder has ended")
+            wait_for_end(dead)
             wait_until(lambda enough=browsers.right() + 20: browsers.right() > enough, "answers after")
             assert server.responder() != dead
     assert browsers.problems == []
@@ -91,7 +98,7 @@ def test_stopping_the_web_server_under_load_leaves_no_half_answers(server):
         # lighttpd ends with 1 when connections are open.
         assert server.process.wait(20) in (0, 1)
         browsers.ended = True
-    wait_until(lambda: not processes.is_alive(responder), "the responder has ended")
+    wait_for_end(responder)
     assert {answer.status for answer in browsers.answers} <= {200, 500, 503}
     # Whoever gets no answer gets nothing at all.
     assert not [problem for problem in browsers.problems if "cut short" in problem or "JSON" in problem]
@@ -103,7 +110,7 @@ def test_a_responder_whose_web_server_was_killed_goes_on_until_it_is_swept(serve
     kill_web_server(server)
     assert processes.is_alive(responder)
     subprocess.run([str(paths.LAUNCHER), "sweep"], env=server.environment, check=True)
-    assert not processes.is_alive(responder)
+    wait_for_end(responder)
     assert server.log.count("KESTAL_CGI Server Terminating") == 1
     assert not list(server.run.glob("responder.sock*"))
 
@@ -112,12 +119,13 @@ def test_a_new_web_server_ends_a_stray_responder_and_starts_its_own(server):
     stray = server.responder()
     kill_web_server(server)
     server.start()
-    assert not processes.is_alive(stray)
+    wait_for_end(stray)
     own = server.responder()
     assert server.ask("/srv/status").status == 200
 
     # It is the new web server's own: it is started again when it dies.
     os.kill(own, signal.SIGKILL)
+    wait_for_end(own)
     wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
 
 
@@ -126,7 +134,7 @@ def test_a_stray_responder_that_hangs_is_ended_too(server):
     kill_web_server(server)
     os.kill(stray, signal.SIGSTOP)
     server.start()
-    assert not processes.is_alive(stray)
+    wait_for_end(stray)
     assert server.ask("/srv/status").status == 200
 
 
@@ -138,7 +146,7 @@ def test_stray_responders_of_other_servers_are_left_alone(make_server):
     first.start()
     assert processes.is_alive(stray)
     second.start()
-    assert not processes.is_alive(stray)
+    wait_for_end(stray)
 
 
 def test_a_second_server_on_the_same_run_directory_is_refused(server):
@@ -165,8 +173,12 @@ def test_of_two_servers_that_start_at_once_on_one_run_directory_one_serves(make_
     wait_until(lambda: any(server.process.poll() is not None for server in servers), "one has given up")
     second, first = sorted(servers, key=lambda server: server.process.poll() is None)
     assert second.process.returncode == 1
-    message = f"is in use by the web server with process id {first.process.pid}\n"
-    assert message in second.process.stderr.read().decode()
+    # It sees the other one, or has waited a second for its lock.
+    messages = (
+        f"is in use by the web server with process id {first.process.pid}\n",
+        f"another kestal-server is starting or sweeping in {first.run}\n",
+    )
+    assert second.process.stderr.read().decode().endswith(messages)
     wait_until(first.is_up, "the other one serves")
     assert first.ask("/srv/status").status == 200
     second.process.stderr.close()
