@@ -113,6 +113,11 @@ def fake_tools(work, **scripts):
     return f"{folder}:{paths.CLEAN_ENVIRONMENT['PATH']}"
 
 
+def wait_for_end(*pids):
+    """A process that has been told to end, or has closed its files, may need a moment for the rest."""
+    wait_until(lambda: not any(processes.is_alive(pid) for pid in pids), "the processes have ended")
+
+
 def server_of(script):
     """Process id of the web server."""
     files, _ = script.left_behind()
@@ -137,7 +142,8 @@ def test_it_serves_until_it_is_stopped_and_leaves_nothing_behind(run, stop):
         script.process.terminate()
     assert script.end() == (131 if stop == "Ctrl-\\" else 0)
     assert script.left_behind() == ([], [])
-    assert not any(processes.is_alive(pid) for pid in (lighttpd, *responders))
+    assert not processes.is_alive(lighttpd)
+    wait_for_end(*responders)
 
 
 def test_it_prints_what_to_try_and_each_line_works(run):
@@ -181,7 +187,7 @@ def device_of(script):
 def test_the_device_lives_until_it_is_stopped(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
-    (player,) = players(device_of(script))
+    (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
     before = web.ask(script.port, "/srv/status").json()["statusData"]
     wait_until(
         lambda: web.ask(script.port, "/srv/status").json()["statusData"] != before,
@@ -196,7 +202,7 @@ def test_the_device_lives_until_it_is_stopped(run):
 def test_a_player_that_dies_leaves_the_service(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
-    (player,) = players(device_of(script))
+    (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
     os.kill(player, signal.SIGKILL)
     wait_until(lambda: not processes.is_alive(player), "the player is gone")
     assert web.ask(script.port, "/srv/status").json()["statusData"]
@@ -337,13 +343,13 @@ def test_a_build_is_stopped_with_all_its_processes(run, work, stop):
     path = fake_tools(work, cmake=f"echo building; exec sleep {duration} # {work}")
     script = run(KESTAL_BUILD="", PATH=path)
     script.wait_for("building")
-    builders = processes.mentioning(f"sleep\x00{duration}")
+    builders = wait_until(lambda: processes.mentioning(f"sleep\x00{duration}"), "the build sleeps")
     if stop == "Ctrl-C":
         script.press_control_c()
     else:
         script.process.terminate()
     assert script.end() == {"Ctrl-C": 130, "SIGTERM": 143}[stop]
-    assert builders and not any(processes.is_alive(pid) for pid in builders)
+    wait_for_end(*builders)
     assert script.left_behind() == ([], [])
 
 
@@ -359,4 +365,4 @@ def test_a_stop_reaches_a_child_that_has_no_group_yet(run, work, build):
     script.process.terminate()
     assert script.end() == 143
     assert script.left_behind() == ([], [])
-    assert not processes.mentioning(str(work / "bin"))
+    wait_until(lambda: not processes.mentioning(str(work / "bin")), "the build has ended")

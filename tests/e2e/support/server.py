@@ -1,5 +1,6 @@
 """Web server and service as they are deployed: launcher, shipped configuration, real port."""
 
+import contextlib
 import os
 import re
 import signal
@@ -101,7 +102,8 @@ class Server:
             return
         if self.process.poll() is None:
             for pid in processes.children(self.process.pid):
-                os.kill(pid, signal.SIGCONT)
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(pid, signal.SIGCONT)
             self.process.terminate()
         self.process.wait(20)
         subprocess.run([str(self.launcher), "sweep"], env=self.environment, check=True, timeout=20)
