@@ -5,6 +5,7 @@ import os
 import pathlib
 import signal
 
+from support import processes
 from support.contract import CONTRACT, operations, resolve, validator, violations
 from support.sessions import open_session
 from support.waiting import wait_until
@@ -54,6 +55,7 @@ class WebServer:
         def die():
             wait_until(lambda: self.connections() >= len(self.given), "all requests are on their way")
             os.kill(responder, signal.SIGKILL)
+            wait_until(lambda: not processes.is_alive(responder), "the service is gone")
 
         return self.all_at_once(then=die)
 
@@ -64,9 +66,7 @@ class WebServer:
 
 
 def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_server):
-    server = make_server()
-    server.environment["KESTAL_TIMEOUT"] = "1"
-    server.start()
+    server = make_server().start()
     web = WebServer(server)
 
     assert web.all() == {200}
@@ -84,18 +84,21 @@ def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_serv
     assert web.all() == {501}
     server.device.set(getWebUICarrierEnabled=1)
 
-    responder = server.responder()
-    os.kill(responder, signal.SIGSTOP)
-    assert web.all_at_once(then=lambda: None) == {504}
-    os.kill(responder, signal.SIGCONT)
-    wait_until(lambda: server.ask("/srv/status").status == 200, "the service answers again")
-
     # A request that has not reached the service when it dies is served by the next one.
     wait_until(lambda: web.all_while_the_service_dies() == {500}, "all requests die with the service")
+    # The web server starts the next one when it likes, and needs the program for that.
+    responder = server.responder()
     (server.run / "kestal.cgi").unlink()
-    os.kill(server.responder(), signal.SIGKILL)
+    os.kill(responder, signal.SIGKILL)
     wait_until(lambda: server.ask("/srv/status").status == 503, "the web server knows that it is gone")
     assert web.all() == {503}
+
+    # Before, a service that is late for a second must not be given up.
+    server.stop()
+    server.environment["KESTAL_TIMEOUT"] = "1"
+    server.start()
+    os.kill(server.responder(), signal.SIGSTOP)
+    assert web.all_at_once(then=lambda: None) == {504}
 
     documented = {(path, method): set(operation["responses"]) for path, method, operation in operations()}
     assert web.given == documented
