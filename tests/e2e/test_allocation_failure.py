@@ -5,9 +5,12 @@ web server starts another one. Changes of the simulated device are left out: the
 reads its document allocates in destructors. No device has that library.
 """
 
+import time
+
 import pytest
 
 from support import paths
+from support.device import Device
 from support.memory import HEALTHY, Memory
 from support.waiting import wait_until
 
@@ -19,12 +22,23 @@ def memory(work):
     return Memory(work)
 
 
+@pytest.fixture(scope="module")
+def resting_device(tmp_path_factory):
+    """A device whose document is so old that nothing but a change makes the service read it again."""
+    device = Device(tmp_path_factory.mktemp("device") / "device.json")
+    device.write((paths.DEVICES / "all-notifications.json").read_bytes())
+    device.set(cellularDataConnect={"error": 5}, cellularDataDisconnect={"error": 5})
+    wait_until(lambda: time.time() - device.path.stat().st_ctime > 3, "the document rests")
+    return device
+
+
 @pytest.fixture
-def hungry(make_responder, memory):
+def hungry(make_responder, memory, resting_device):
     responder = make_responder()
-    responder.device.write((paths.DEVICES / "all-notifications.json").read_bytes())
-    responder.device.set(cellularDataConnect={"error": 5}, cellularDataDisconnect={"error": 5})
-    responder.environment |= memory.environment | {"KESTAL_LOG_LEVEL": "3"}
+    responder.environment |= memory.environment | {
+        "KESTAL_DEVICE": str(resting_device.path),
+        "KESTAL_LOG_LEVEL": "3",
+    }
     return responder.start()
 
 
