@@ -100,7 +100,7 @@ TEST_F(AuthSessions, LongAndBinaryIdentifiersAreUnknown) {
 }
 
 TEST_F(AuthSessions, SessionsExpireWhenIdle) {
-    Store("id", 59, 61);
+    Store("id", 59, 600);
     EXPECT_EQ(Init("id"), 0);
     Store("id", 61, 60);
     EXPECT_EQ(Init("id"), simulator::kSessionExpired);

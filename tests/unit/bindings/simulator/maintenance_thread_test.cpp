@@ -194,7 +194,8 @@ TEST_F(FailingCallback, IsLoggedAndTheThreadGoesOn) {
     EXPECT_EQ(thread.Run(), 0);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
-    EXPECT_EQ(round, 3);
+    // A late shutdown leaves time for more.
+    EXPECT_GE(round, 3);
     EXPECT_THAT(Log(), ::testing::ElementsAre(
                            "[SIMULATOR]:[ERROR] - maintenance thread: out of order",
                            "[SIMULATOR]:[ERROR] - maintenance thread: unknown exception"));
