@@ -129,7 +129,7 @@ def test_a_wrong_answer_shows(work):
 
 
 def test_a_service_that_is_killed_under_load_is_back_soon_and_answers_the_same(work):
-    report = soak(work, "--kill", "2")
+    report = soak(work, "--kill", "2", "--outage", "20")
     assert report["failures"] == []
     assert len(report["kills"]) == 2
     assert report["answers"] > 200

@@ -76,12 +76,15 @@ class Soak:
     def at_rest(self):
         """Holdings when the last clients have been seen to be gone."""
 
-        def quiet():
-            before = self.holdings()
-            time.sleep(0.05)
-            return before if before == self.holdings() else None
+        def idle():
+            return not any(processes.connections(pid) for pid in self.pids.values())
 
-        return wait_until(quiet, "web server and service are at rest")
+        # An answer tells that the web server has seen all clients that came before, and the next one that
+        # the service has seen all that the web server has sent it for them.
+        for _ in range(2):
+            self.server.ask("/srv/status")
+            wait_until(idle, "web server and service are at rest")
+        return self.holdings()
 
     def blocks(self):
         """Blocks that the service holds behind some requests, where they are counted."""

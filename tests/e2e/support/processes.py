@@ -80,18 +80,34 @@ def mentioning(text):
     return found
 
 
-def listens(pid):
-    """Addresses and ports on which a process accepts TCP connections."""
-    own = files(pid)
-    found = set()
+def listeners(pid):
+    """All TCP sockets that accept connections: what a descriptor of one leads to, and its own end."""
     for table in ("tcp", "tcp6"):
         # Not there without IPv6.
         path = pathlib.Path(f"/proc/{pid}/net/{table}")
         for line in path.read_text().splitlines()[1:] if path.exists() else []:
             _, local, _, state, *_, inode = line.split()[:10]
-            if state == "0A" and f"socket:[{inode}]" in own:
-                address, _, port = local.partition(":")
-                # Words in the order of the processor.
-                words = struct.unpack(f">{len(address) // 8}I", bytes.fromhex(address))
-                found.add((str(ipaddress.ip_address(struct.pack(f"={len(words)}I", *words))), int(port, 16)))
+            if state == "0A":
+                yield f"socket:[{inode}]", local
+
+
+def listens(pid):
+    """Addresses and ports on which a process accepts TCP connections."""
+    own = files(pid)
+    found = set()
+    for file, local in listeners(pid):
+        if file in own:
+            address, _, port = local.partition(":")
+            # Words in the order of the processor.
+            words = struct.unpack(f">{len(address) // 8}I", bytes.fromhex(address))
+            found.add((str(ipaddress.ip_address(struct.pack(f"={len(words)}I", *words))), int(port, 16)))
     return found
+
+
+def connections(pid):
+    """How many sockets a process has open that do not accept connections, whatever has become of their
+    other ends: the kernel lists none that has been reset."""
+    entries = [line.split() for line in pathlib.Path(f"/proc/{pid}/net/unix").read_text().splitlines()[1:]]
+    accepting = {f"socket:[{entry[6]}]" for entry in entries if entry[3] == "00010000"}
+    accepting |= {file for file, _ in listeners(pid)}
+    return sum(file.startswith("socket:") for file in files(pid) - accepting)
