@@ -238,12 +238,12 @@ def writers(device, states, torn=False):
 
 
 def states_seen(responder, replaced, least, enough):
-    """Asks until enough() holds and the document has been replaced so many times at least within each of
-    200 requests, and looks that each answer is of one state."""
-    end = time.monotonic() + 100
+    """Asks until enough() holds, more than three states have been seen, and the document has been replaced
+    so many times at least within each of 200 requests, and looks that each answer is of one state."""
+    end = time.monotonic() + 200
     seen = set()
     requests = disturbed = 0
-    while disturbed < 200 or not enough():
+    while disturbed < 200 or len(seen) <= 3 or not enough():
         assert time.monotonic() < end, f"{requests} requests, {disturbed} disturbed ones, {len(seen)} states"
         before = sum(replaced())
         found = marks(responder.ask())
@@ -263,7 +263,6 @@ def test_answers_are_of_one_state_each_while_several_writers_replace_the_documen
         seen = states_seen(responder, replaced, 5, lambda: min(replaced()) >= 300)
         # How fast is the machine's affair, and no condition.
         print(f"{sum(replaced()) / (time.monotonic() - begin):.0f} replacements a second")
-    assert len(seen) > 3
     assert seen <= {str(number) for number in range(10, 40)}
     assert responder.log.count("[ERROR]") == 0
 
@@ -280,7 +279,6 @@ def test_torn_documents_leave_the_last_whole_one_in_force(responder):
             lambda: min(replaced()) >= 300 and "[SIMULATOR]:[ERROR]" in responder.log.text(),
         )
     assert seen <= {str(number) for number in range(10, 40)}
-    assert len(seen) > 3
     errors = [line for line in responder.log.messages() if "[ERROR]" in line]
     assert all(line.startswith(f"[SIMULATOR]:[ERROR] - {responder.device.path}") for line in errors)
     responder.device.write(documents[0][5])

@@ -175,12 +175,12 @@ def test_a_shipped_scenario_plays_through(responder, name):
     """The service never sees a document that it cannot use."""
     document, shown = ENDS[name]
     with Load(responder, callers=1) as load:
+        wait_until(lambda: load.answers, "an answer before")
         sim(responder, "play", "--speed", "1000000", str(paths.SCENARIOS / f"{name}.json"))
     end = responder.device.document()
     assert {path: value_at(end, path) for path in document} == document
     answer = status(responder)
     assert {key: answer[key] for key in shown} == shown
-    assert load.answers
     assert all(answer.complete and json.loads(answer.body)["statusData"] for answer in load.answers)
     assert responder.log.count("[SIMULATOR]:[ERROR]") == 0
     assert [path for path in responder.work.iterdir() if path.name.startswith(".")] == []
