@@ -28,7 +28,7 @@ int main(int count, char** arguments) {
 
 
 def run(*command):
-    done = subprocess.run(command, capture_output=True, text=True, timeout=120)
+    done = subprocess.run(command, capture_output=True, text=True, timeout=300)
     assert done.returncode == 0, done.stdout + done.stderr
     return done.stdout
 

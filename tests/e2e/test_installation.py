@@ -90,7 +90,7 @@ def test_a_build_goes_where_the_service_looks_for_its_texts(work):
             ["cmake", "-S", str(paths.ROOT), "-B", str(build), "-G", "Ninja", *order],
             check=True,
             capture_output=True,
-            timeout=120,
+            timeout=300,
         )
         unit = (build / "deploy" / "kestal.service").read_text()
         assert f"ExecStart={prefix}/libexec/kestal/kestal-server\n" in unit

@@ -21,7 +21,7 @@ export const DESKTOP = { width: 1280, height: 900 };
 export const PHONE = { width: 360, height: 740 };
 
 /** How long a state of the page may take to come, in milliseconds. */
-export const DEADLINE = 20_000;
+export const DEADLINE = 60_000;
 
 export function launch() {
     const asRoot = process.getuid() === 0 ? ["--no-sandbox"] : [];

@@ -14,7 +14,7 @@ from support import paths
 
 # Ramps are seen on their way; the longest pause of a scenario takes a second or two.
 SPEED = "100"
-PATIENCE = 20
+PATIENCE = 60
 ONE_PAGE = 1
 
 

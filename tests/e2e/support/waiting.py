@@ -2,7 +2,7 @@
 
 import time
 
-DEADLINE = 20.0
+DEADLINE = 60.0
 
 
 def wait_until(condition, what, deadline=DEADLINE):
