@@ -31,10 +31,11 @@ async function answers(page, action) {
 /** From here on the page's time passes by hand only. */
 async function stopClock(page) {
     await page.clock.install({ time: new Date("2026-11-21T12:00:00") });
+    await page.clock.pauseAt(new Date("2026-11-21T13:00:00"));
+    // The page begins anew, with time at rest: no question is under way, and the next one is planned.
     await page.reload();
-    await shows(page, "#updated", "Updated");
+    await shows(page, "#updated", "Updated 13:00:00");
     await settled(page);
-    await answers(page, () => page.clock.pauseAt(new Date("2026-11-21T13:00:00")));
 }
 
 test("a server that goes and comes back", async (t) => {

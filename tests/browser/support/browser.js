@@ -28,6 +28,7 @@ export function launch() {
     return chromium.launch({
         executablePath: "/usr/bin/chromium",
         args: [...ARGUMENTS, ...asRoot],
+        timeout: DEADLINE,
     });
 }
 
