@@ -102,10 +102,8 @@ function(kestal_add_unit_test name)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     kestal_lint(${name})
     kestal_emulate(${name})
-    set(timeout 120)
-    if(CMAKE_CROSSCOMPILING)
-        set(timeout 600)
-    endif()
+    # The longest take a minute where others keep the processors busy.
+    set(timeout 600)
     gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60
         PROPERTIES LABELS unit TIMEOUT ${timeout})
     if(KESTAL_TWINS)
@@ -115,7 +113,7 @@ function(kestal_add_unit_test name)
         kestal_link_test(${name}_san ON ${arg_LINKS})
         target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
         gtest_discover_tests(${name}_san TEST_PREFIX ${name}_san. DISCOVERY_TIMEOUT 60
-            PROPERTIES LABELS "unit;sanitized" TIMEOUT 120)
+            PROPERTIES LABELS "unit;sanitized" TIMEOUT ${timeout})
     endif()
 endfunction()
 
