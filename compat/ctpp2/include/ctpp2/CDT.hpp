@@ -31,6 +31,12 @@ typedef const unsigned char* UCCHAR_P;
 
 namespace CTPP {
 
+/// What becomes a std::string to be a key. An array of constant characters does not; see
+/// LiteralKey.
+template <class Argument>
+concept TextKey = std::convertible_to<Argument, std::string> &&
+    !std::same_as<std::remove_extent_t<std::remove_reference_t<Argument>>, const char>;
+
 /// A value of one of several types: nothing, a number, a text, an array or a hash of such values.
 /// Copies are independent of each other. A reference to a member stays valid while the container
 /// grows. Numeric reads of a text change it (see GetInt), so that even a tree that is only read
@@ -131,10 +137,8 @@ class CDT {
     CDT& operator[](UINT_32 index);
     /// The member, inserted if missing; UNDEF becomes a hash. Throws CDTAccessException for any
     /// other type.
-    template <class Text>
-    requires std::convertible_to<Text, std::string> &&
-        (!std::same_as<std::remove_extent_t<std::remove_reference_t<Text>>, const char>)CDT&
-        operator[](Text&& key) {
+    template <TextKey Argument>
+    CDT& operator[](Argument&& key) {
         return GetOrInsert(static_cast<const std::string&>(key));
     }
     /// The same for a key that need not be copied.
