@@ -20,7 +20,7 @@ class FCgiIO : public CgiInput {
   public:
     explicit FCgiIO(FCGX_Request& fcgiRequest) : request(fcgiRequest) {
         variables.reserve(kUsualVariables);
-        for (char** entry = request.envp; *entry != nullptr; ++entry) {
+        for (char** entry = request.envp; entry != nullptr && *entry != nullptr; ++entry) {
             const std::string_view variable(*entry);
             const std::size_t end = variable.find('=');
             if (end != std::string_view::npos) {

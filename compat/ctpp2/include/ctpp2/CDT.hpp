@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -30,12 +29,6 @@ typedef const char* CCHAR_P;
 typedef const unsigned char* UCCHAR_P;
 
 namespace CTPP {
-
-/// What becomes a std::string to be a key. An array of constant characters does not; see
-/// LiteralKey.
-template <class Argument>
-concept TextKey = std::convertible_to<Argument, std::string> &&
-    !std::same_as<std::remove_extent_t<std::remove_reference_t<Argument>>, const char>;
 
 /// A value of one of several types: nothing, a number, a text, an array or a hash of such values.
 /// Copies are independent of each other. A reference to a member stays valid while the container
@@ -88,11 +81,13 @@ class CDT {
         UINT_64 second = 0;
     };
 
-    /// A key that is there as long as the program, such as a literal; up to its first NUL.
+    /// A key that the compiler knows and that is there as long as the program: a literal, or a
+    /// constexpr array that is not local. Up to its first NUL.
     class LiteralKey {
       public:
-        template <std::size_t Size>
-        consteval LiteralKey(const char (&literal)[Size]) : text(std::string_view(literal)) {}
+        template <class Array>
+        requires std::same_as<Array, const char[sizeof(Array)]>
+        consteval LiteralKey(Array& literal) : text(std::string_view(literal)) {}
 
       private:
         friend class CDT;
@@ -137,11 +132,11 @@ class CDT {
     CDT& operator[](UINT_32 index);
     /// The member, inserted if missing; UNDEF becomes a hash. Throws CDTAccessException for any
     /// other type.
-    template <TextKey Argument>
-    CDT& operator[](Argument&& key) {
-        return GetOrInsert(static_cast<const std::string&>(key));
+    template <class = void>
+    CDT& operator[](const std::string& key) {
+        return GetOrInsert(key);
     }
-    /// The same for a key that need not be copied.
+    /// The same for a key that need not be copied. It is no template, which gives it precedence.
     CDT& operator[](const LiteralKey& key) { return GetOrInsert(key); }
     /// The element, or UNDEF if this is no array. Throws CDTRangeException past the end.
     const CDT& operator[](UINT_32 index) const;
@@ -260,13 +255,20 @@ class CDT::Key {
     explicit Key(const LiteralKey& literal) noexcept : text(literal.text) {}
     explicit Key(std::string_view other);
     Key(const Key& other);
-    Key(Key&& other) noexcept = default;
-    Key& operator=(const Key&) = delete;
-    Key& operator=(Key&&) noexcept = default;
+    Key(Key&& other) noexcept
+        : copy(std::move(other.copy)),
+          text(std::exchange(other.text, KeyText(std::string_view()))) {}
+    Key& operator=(const Key& other) { return *this = Key(other); }
+    Key& operator=(Key&& other) noexcept {
+        std::swap(copy, other.copy);
+        std::swap(text, other.text);
+        return *this;
+    }
     ~Key() = default;
 
     const KeyText& Text() const { return text; }
     operator std::string() const { return std::string(std::string_view(text)); }
+    friend bool operator==(const Key& one, const Key& other) { return one.text == other.text; }
     friend bool operator==(const Key& one, std::string_view other) {
         return std::string_view(one.text) == other;
     }

@@ -102,6 +102,9 @@ TEST_P(CDTMemberCount, CopiesAreSortedAndErasedMembersAreGone) {
 // Within a block, at its end and behind it, many blocks, many more.
 INSTANTIATE_TEST_SUITE_P(Of, CDTMemberCount, testing::Values(0, 1, 2, 5, 6, 7, 12, 13, 100, 10000));
 
+extern const char kOfUnknownSize[];
+constexpr char kConstant[] = "constant";
+
 TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
     CDT hash;
     char array[16] = "array";
@@ -117,7 +120,13 @@ TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
     EXPECT_EQ(&hash["array"], &hash[std::string("array")]);
     EXPECT_EQ(&hash["literal\0ignored"], &hash.At("literal"));
     hash[std::string("literal\0counts", 14)] = 7;
-    EXPECT_EQ(hash.Size(), 7U);
+    hash[kOfUnknownSize] = 8;
+    hash[{pointer, 3}] = 9;
+    hash[kConstant] = 10;
+    EXPECT_EQ(hash.At("size").GetInt(), 8);
+    EXPECT_EQ(hash.At("poi").GetInt(), 9);
+    EXPECT_EQ(hash.At("constant").GetInt(), 10);
+    EXPECT_EQ(hash.Size(), 10U);
 }
 
 /// One by one as a literal, then as a text, and the other way round.
@@ -174,6 +183,26 @@ TEST(CDTMembers, LiteralsAndTextsAreTheSameKeysInTheSameOrder) {
         [](CDT& hash, bool again) { again ? InsertTexts(hash, 2) : InsertLiterals(hash, 1); });
     ExpectOneMemberEach(
         [](CDT& hash, bool again) { again ? InsertLiterals(hash, 2) : InsertTexts(hash, 1); });
+}
+
+const char kOfUnknownSize[] = "size";
+
+TEST(CDTMembers, AKeyThatIsTakenFromAnIteratorIsOnesOwn) {
+    std::string text;
+    bool same = false;
+    {
+        CDT hash;
+        hash[std::string("a text that is too long to be stored in place")] = 1;
+        auto key = hash.Begin()->first;
+        same = key == hash.Begin()->first;
+        auto moved = std::move(key);
+        key = hash.Begin()->first;
+        hash.Erase(key);
+        text = moved;
+        EXPECT_EQ(key, moved);
+    }
+    EXPECT_TRUE(same);
+    EXPECT_EQ(text, "a text that is too long to be stored in place");
 }
 
 TEST(CDTMembers, KeysOutliveTheTextTheyWereMadeOfAndTheTreeTheyWereCopiedFrom) {
