@@ -43,17 +43,6 @@ if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE AND NOT CMAKE_CR
     set(KESTAL_TWINS ON)
 endif()
 
-if(KESTAL_LINT)
-    find_program(KESTAL_CLANG_TIDY NAMES clang-tidy clang-tidy-14 REQUIRED)
-endif()
-
-function(kestal_lint name)
-    if(KESTAL_LINT)
-        set_target_properties(${name} PROPERTIES CXX_CLANG_TIDY
-            "${KESTAL_CLANG_TIDY};--quiet;--extra-arg=-Wno-unknown-warning-option")
-    endif()
-endfunction()
-
 # Links LIBRARIES to the sanitized twin NAME_san: their own twins where they have some.
 function(kestal_link_twin name)
     foreach(library ${ARGN})
@@ -70,7 +59,6 @@ function(kestal_add_library name)
     add_library(${name} STATIC ${arg_SOURCES})
     target_include_directories(${name} PUBLIC ${arg_INCLUDES})
     target_link_libraries(${name} PUBLIC kestal_options ${arg_LINKS})
-    kestal_lint(${name})
     if(KESTAL_TWINS)
         add_library(${name}_san STATIC EXCLUDE_FROM_ALL ${arg_SOURCES})
         target_include_directories(${name}_san PUBLIC ${arg_INCLUDES})
@@ -100,7 +88,6 @@ function(kestal_add_unit_test name)
     target_link_libraries(${name} PRIVATE kestal_options GTest::gmock GTest::gtest_main)
     kestal_link_test(${name} OFF ${arg_LINKS})
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
-    kestal_lint(${name})
     kestal_emulate(${name})
     # The longest take a minute where others keep the processors busy.
     set(timeout 600)

@@ -27,7 +27,7 @@ def lint(work):
         git.chmod(0o755)
         environment = {"PATH": f"{git.parent}:{paths.CLEAN_ENVIRONMENT['PATH']}"}
         return subprocess.run(
-            [str(tree / "scripts" / "lint")], env=environment, capture_output=True, text=True, timeout=60
+            [str(tree / "scripts" / "lint"), "--form"], env=environment, capture_output=True, text=True, timeout=60
         )
 
     return run
