@@ -35,14 +35,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::size_t changes = 0;
     for (const auto& [time, instant] : scenario->instants) {
         Require(time.count() >= 0 && time <= scenario->duration, "all happens in its time");
-        changes += instant.changes.size();
+        for (const simulator::Change& change : instant.changes) {
+            changes += 1 + (change.condition ? change.condition->size() : 0);
+        }
     }
-    // Each change is tried on a copy of the device.
+    // Each change and each condition is tried on a copy of the device.
     if (changes > 20) {
         return 0;
     }
     try {
         simulator::MustSuit(*scenario, device);
+        auto played = device;
+        for (const auto& [time, instant] : scenario->instants) {
+            instant.Apply(played);
+        }
     } catch (const std::runtime_error& error) {
         Require(*error.what() != '\0', "an error says what is wrong");
     }

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -26,11 +28,12 @@ constexpr double kShortest = 0.1;
 /// Nobody writes as many; what asks for them would fill the memory.
 constexpr std::size_t kMostChanges = 100'000;
 
-/// What an event says of its time.
+/// When an event happens, and when its ramps go on.
 struct Times {
     Milliseconds begin{0};
     Milliseconds length{0};
     Milliseconds interval{1000};
+    std::shared_ptr<const Condition> condition = nullptr;
 };
 
 Milliseconds ReadSeconds(const Node& node, double least) {
@@ -149,8 +152,30 @@ class ScenarioReader {
                 interval->Expected("\"for\" beside it", "none");
             }
         }
+        if (const auto condition = members.Find("while")) {
+            if (times.length == Milliseconds(0)) {
+                condition->Expected("\"for\" beside it", "none");
+            }
+            times.condition = ReadCondition(*condition);
+        }
         scenario.duration = std::max(scenario.duration, times.begin + times.length);
         return times;
+    }
+
+    std::shared_ptr<const Condition> ReadCondition(const Node& object) const {
+        object.MustBeObject();
+        if (object.Value().empty()) {
+            object.Expected("an object with at least one path", "none");
+        }
+        Condition condition;
+        for (const auto& item : object.Value().items()) {
+            const Node value = object.Member(item.key());
+            if (!value.Value().is_primitive() || value.Value().is_null()) {
+                value.Expected("a number, a text, true or false");
+            }
+            condition.push_back({PlaceOf(value), item.key(), value.Value()});
+        }
+        return std::make_shared<const Condition>(std::move(condition));
     }
 
     void ReadHeal(const Node& list, Instant& instant) {
@@ -305,7 +330,8 @@ class ScenarioReader {
                              [path, number](json& document) {
                                  SetValue(document, ResolvePath(path, document), number);
                              },
-                         .isLikeTheLast = step != 0 && step != steps});
+                         .isLikeTheLast = step != 0 && step != steps,
+                         .condition = times.condition});
             }
             before = number;
         }
@@ -326,7 +352,8 @@ class ScenarioReader {
                              [path, move](json& document) {
                                  MoveNumber(document, ResolvePath(path, document), move);
                              },
-                         .isLikeTheLast = !isFirst});
+                         .isLikeTheLast = !isFirst,
+                         .condition = times.condition});
                 isFirst = false;
             }
         }
@@ -357,11 +384,11 @@ class ScenarioReader {
     Milliseconds lastBegin{0};
 };
 
-/// Runs @p step for @p change and says of what goes wrong where it is asked for.
+/// Runs @p step and says of what goes wrong that it is asked for at @p where.
 template <typename Step>
-void Blame(const Change& change, Step step) {
-    const auto fail = [&change](const std::string& what) {
-        throw std::runtime_error(change.where + ": " + what);
+void Blame(const std::string& where, Step step) {
+    const auto fail = [&where](const std::string& what) {
+        throw std::runtime_error(where + ": " + what);
     };
     try {
         step();
@@ -372,11 +399,35 @@ void Blame(const Change& change, Step step) {
     }
 }
 
+bool Holds(const Change& change, const json& document) {
+    return change.condition == nullptr ||
+           std::all_of(change.condition->begin(), change.condition->end(),
+                       [&](const Requirement& requirement) {
+                           bool isMet = false;
+                           Blame(requirement.where, [&] {
+                               const json* const found =
+                                   FindAt(document, ResolvePath(requirement.path, document));
+                               isMet = found != nullptr && *found == requirement.value;
+                           });
+                           return isMet;
+                       });
+}
+
+/// A value that the device cannot have would make a condition that never holds.
+void MustBePossible(const Requirement& requirement, json document) {
+    Blame(requirement.where, [&] {
+        SetValue(document, ResolvePath(requirement.path, document), requirement.value);
+        MustBeGood(document);
+    });
+}
+
 }  // namespace
 
 void Instant::Apply(json& document) const {
     for (const Change& change : changes) {
-        Blame(change, [&] { change.apply(document); });
+        if (Holds(change, document)) {
+            Blame(change.where, [&] { change.apply(document); });
+        }
     }
 }
 
@@ -391,9 +442,15 @@ Scenario ReadScenario(const std::string& file, const std::string& text) {
 }
 
 void MustSuit(const Scenario& scenario, json document) {
+    std::set<std::shared_ptr<const Condition>> tried;
     for (const auto& [time, instant] : scenario.instants) {
         for (const Change& change : instant.changes) {
-            Blame(change, [&] {
+            if (change.condition != nullptr && tried.insert(change.condition).second) {
+                for (const Requirement& requirement : *change.condition) {
+                    MustBePossible(requirement, document);
+                }
+            }
+            Blame(change.where, [&] {
                 change.apply(document);
                 if (!change.isLikeTheLast) {
                     MustBeGood(document);

@@ -130,6 +130,47 @@ TEST(Scenario, RampsByAnAmountStartFromWhatIsThere) {
               R"({"sys":{"getSIMStatus":104}})");
 }
 
+TEST(Scenario, RampsRestWhileTheDeviceIsNotAsTheyWant) {
+    const std::string ramp = R"({"at": 0, "say": "a", "for": 5,
+        "while": {"sys.getSIMStatus": 7, "webui.i18nSettings.language": "en_US"},
+        "ramp": {"sys.getSMSUnreadCount": {"by": 5}}})";
+    const auto count = [&](const std::string& events, const std::string& before) {
+        return json::parse(Played(Events(ramp + events), before).back().second)
+            .at("sys")
+            .at("getSMSUnreadCount");
+    };
+    const std::string ready =
+        R"({"sys":{"getSIMStatus":7,"getSMSUnreadCount":0},"webui":{"i18nSettings":{"language":"en_US"}}})";
+    EXPECT_EQ(count("", ready), 5);
+    // A step that is left out is not made up for.
+    EXPECT_EQ(count(R"(, {"at": 1.5, "say": "b", "set": {"sys.getSIMStatus": 6}},
+                         {"at": 3.5, "say": "c", "set": {"sys.getSIMStatus": 7}})",
+                    ready),
+              3);
+    EXPECT_EQ(count(R"(, {"at": 2.5, "say": "b", "set": {"webui.i18nSettings.language": "de_DE"}})",
+                    ready),
+              2);
+    // Of a call that fails nothing is known.
+    EXPECT_EQ(count(R"(, {"at": 1.5, "say": "b", "fail": {"sys.getSIMStatus": 5}},
+                         {"at": 4.5, "say": "c", "heal": ["sys.getSIMStatus"]})",
+                    ready),
+              2);
+    EXPECT_EQ(count("", R"({"sys":{"getSMSUnreadCount":0}})"), 0);
+}
+
+TEST(Scenario, RampsToANumberCanHaveAConditionToo) {
+    EXPECT_THAT(Played(Events(R"({"at": 0, "say": "a", "for": 2, "while": {"sys.getNumSims": 1},
+                                  "ramp": {"sys.getSIMStatus": {"from": 4, "to": 6}}},
+                                 {"at": 0.5, "say": "b", "set": {"sys.getNumSims": 0}},
+                                 {"at": 1.5, "say": "c", "set": {"sys.getNumSims": 1}})"),
+                       R"({"sys":{"getNumSims":1}})"),
+                ElementsAre(Pair(0, R"({"sys":{"getNumSims":1,"getSIMStatus":4}})"),
+                            Pair(500, R"({"sys":{"getNumSims":0,"getSIMStatus":4}})"),
+                            Pair(1000, R"({"sys":{"getNumSims":0,"getSIMStatus":4}})"),
+                            Pair(1500, R"({"sys":{"getNumSims":1,"getSIMStatus":4}})"),
+                            Pair(2000, R"({"sys":{"getNumSims":1,"getSIMStatus":6}})")));
+}
+
 TEST(Scenario, CallsFailAndAreHealed) {
     EXPECT_THAT(Played(Events(R"({"at": 0, "say": "a", "fail": {"sys.getSIMStatus": 5}},
                          {"at": 1, "say": "b", "set": {"sys.getSIMStatus": 6}},
@@ -204,8 +245,8 @@ TEST(Scenario, WrongEventsAreTold) {
               place + ": expected an event with \"say\", found one without");
     EXPECT_EQ(EventComplaint(R"({"at": 1, "say": "a", "sett": {}})"),
               place +
-                  ".sett: expected one of at, for, every, say, heal, set, ramp, fail, clear, "
-                  "notify, found an unknown name; did you mean events[0].set?");
+                  ".sett: expected one of at, for, every, while, say, heal, set, ramp, fail, "
+                  "clear, notify, found an unknown name; did you mean events[0].set?");
     for (const std::string at : {"-1", "604800.1", "null", "\"1\"", "1e300"}) {
         EXPECT_THAT(EventComplaint(R"({"say": "a", "at": )" + at + "}"),
                     ::testing::StartsWith(
@@ -276,11 +317,62 @@ TEST(Scenario, WrongRampsAreTold) {
               "a.json:2: events[0]: expected a \"ramp\" beside \"for\", found none");
 }
 
+TEST(Scenario, WrongConditionsAreTold) {
+    const auto complaint = [](const std::string& condition) {
+        return EventComplaint("{\"at\": 1, \"say\": \"a\", \"for\": 5,\n\"while\": " + condition +
+                              ", \"ramp\": {\"a\": {\"by\": 1}}}");
+    };
+    const std::string place = "a.json:3: events[0].while";
+    EXPECT_EQ(complaint("{\"a\": 1}"), "");
+    EXPECT_EQ(complaint("[]"), place + ": expected an object, found a list");
+    EXPECT_EQ(complaint("{}"), place + ": expected an object with at least one path, found none");
+    for (const auto& [value, found] :
+         {std::pair{"{}", "an object"}, {"[7]", "a list"}, {"null", "null"}}) {
+        EXPECT_EQ(complaint(std::string("{\"a\": ") + value + "}"),
+                  place + ".a: expected a number, a text, true or false, found " + found);
+    }
+    EXPECT_EQ(EventComplaint("{\"at\": 1, \"say\": \"a\",\n\"while\": {\"a\": 1}}"),
+              place + ": expected \"for\" beside it, found none");
+}
+
 TEST(Scenario, MayNotFillTheMemory) {
     EXPECT_EQ(EventComplaint(R"({"at": 0, "say": "a", "for": 604800, "every": 0.1,
                                  "ramp": {"a": {"from": 0, "to": 1000000000000000}}})"),
               "a.json:3: events[0].ramp.a: expected at most 100000 changes in a scenario, found "
               "more");
+}
+
+TEST(ScenarioOnADevice, ConditionsMustBeOnesThatItCanHave) {
+    const auto misfit = [](const std::string& path, const std::string& value) {
+        return Misfit("{\"at\": 0, \"say\": \"a\", \"for\": 1,\n\"while\": {\"" + path +
+                          "\": " + value + "}, \"ramp\": {\"sys.getNumSims\": {\"by\": 1}}}",
+                      R"({"sys": {"getNumSims": 1}})");
+    };
+    const std::string place = "a.json:3: events[0].while.";
+    EXPECT_EQ(misfit("sys.getSIMStatus", "7"), "");
+    EXPECT_EQ(misfit("getSIMStatus", "7"), "");
+    EXPECT_EQ(misfit("sys.getSimStatus", "7"),
+              place +
+                  "sys.getSimStatus: sys.getSimStatus: expected the name of a call, found an "
+                  "unknown name; did you mean sys.getSIMStatus?");
+    EXPECT_EQ(misfit("getSimStatus", "7"),
+              place + "getSimStatus: there is no call 'getSimStatus'; did you mean getSIMStatus?");
+    EXPECT_EQ(misfit("sys.getSIMStatus", "\"Ready\""),
+              place +
+                  "sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit integer or "
+                  "{\"error\": N}, found a text");
+    EXPECT_EQ(misfit("sys..", "7"),
+              place +
+                  "sys..: 'sys..' is no path, such as sys.getBatteryStatus.chargePercent or "
+                  "sys.getConnectedDeviceList[0]");
+}
+
+TEST(ScenarioOnADevice, RampsAreTriedWhateverTheirConditions) {
+    EXPECT_EQ(
+        Misfit("{\"at\": 0, \"say\": \"a\", \"for\": 1, \"while\": {\"sys.getSIMStatus\": 7},\n"
+               "\"ramp\": {\"sys.getNumSms\": {\"from\": 1, \"to\": 2}}}"),
+        "a.json:3: events[0].ramp.sys.getNumSms: sys.getNumSms: expected the name of a "
+        "call, found an unknown name; did you mean sys.getNumSims?");
 }
 
 TEST(ScenarioOnADevice, SaysWhatCannotHappen) {

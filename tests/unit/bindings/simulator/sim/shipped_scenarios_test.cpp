@@ -70,6 +70,26 @@ TEST(ShippedScenarios, LeaveNothingFailing) {
     }
 }
 
+TEST(ShippedScenarios, CountTrafficOnlyWhileDataCanFlow) {
+    for (const char* const name : {"commute", "gentle"}) {
+        for (const char* const stopped :
+             {"getCellularDataConnectionStatus", "getCellularDataEnabled",
+              "getCellularServiceStatus", "getRadioEnabled", "getSIMStatus"}) {
+            json document = Device();
+            json& sys = document["sys"];
+            const json before = sys["getCellularDataConnectionStats"];
+            for (const auto& [time, instant] : Shipped(name).instants) {
+                // Somebody keeps it stopped, whatever the scenario sets.
+                sys[stopped] = 0;
+                instant.Apply(document);
+            }
+            json& after = sys["getCellularDataConnectionStats"];
+            after["trafficStatus"] = before["trafficStatus"];
+            EXPECT_EQ(after, before) << name << " with " << stopped << " 0";
+        }
+    }
+}
+
 TEST(ShippedScenarios, GentleLeavesTheDeviceAsItWasButForItsTraffic) {
     json before = Device();
     json after = Played("gentle", before);
