@@ -19,9 +19,8 @@ target_include_directories(kestal_utf8 SYSTEM INTERFACE ${UTF8_INCLUDE_DIR})
 
 find_program(KESTAL_MSGFMT msgfmt REQUIRED)
 
-# What Debian does not package is taken from compat/ unless it is installed.
-find_path(CTPP2_INCLUDE_DIR ctpp2/CDT.hpp)
-find_library(CTPP2_LIBRARY ctpp2)
+# What Debian does not package: compat/ has it.
+include(KestalCtpp2)
 find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 
 # The tools.

@@ -111,7 +111,16 @@ bool CheckSettled(Report& report, const Road& road, ShortOfMemory& device, const
     return complete;
 }
 
-TEST(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
+class AllocationFailure : public testing::Test {
+  protected:
+    void SetUp() override {
+#ifdef KESTAL_SYSTEM_CTPP2
+        GTEST_SKIP() << "a CTPP2 text without memory for its value is a wild pointer";
+#endif
+    }
+};
+
+TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
     Report report;
     for (const Road& road : kRoads) {
         InFreshProcess(report, road.uri, [&](Report& own) {
@@ -193,7 +202,7 @@ void CheckFirst(Report& report, const Road& road, long n, bool persistently,
     }
 }
 
-TEST(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService) {
+TEST_F(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService) {
     Report report;
     for (const Road& road : {kRoads[0], kRoads[2]}) {
         Report reference;

@@ -20,6 +20,8 @@ SIM = pathlib.Path(
 )
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
+# Whose answer tree the build has: compat or system.
+CTPP2 = os.environ.get("KESTAL_CTPP2", "compat")
 LAUNCHER = ROOT / "deploy" / "kestal-server"
 DEVICES = ROOT / "devices"
 SCENARIOS = ROOT / "scenarios"
