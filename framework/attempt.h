@@ -4,18 +4,19 @@
 
 #include "framework/log.h"
 
-/// Runs @p step, a part of the function with @p signature. What it throws is logged as a failure of
-/// @p what and goes no further: the steps behind it still run. Returns whether it threw nothing.
+/// Runs @p step, a part of the function with @p signature. What it throws goes no further, so that
+/// the steps behind it still run; it is logged as a failure of @p name, which tells this step from
+/// the others of the function. Returns whether the step threw nothing.
 template <typename Step>
-bool Attempt(const char* signature, const char* what, Step step) {
+bool Attempt(const char* signature, const char* name, Step step) {
     try {
         step();
         return true;
     } catch (const std::exception& error) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed: %s", signature, what,
+        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed: %s", signature, name,
                             error.what());
     } catch (...) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed", signature, what);
+        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed", signature, name);
     }
     return false;
 }

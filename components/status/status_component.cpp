@@ -61,42 +61,42 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     KESTAL_BEGIN();
     CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
     // One group that cannot be had must not cost the others.
-    const auto attempt = [](auto step) { Attempt(kSignature, "group of the status", step); };
-    const auto gather = [&](void (StatusComponent::*group)(CTPP::CDT&)) {
-        attempt([&] { (this->*group)(statusData); });
+    const auto gather = [&](const char* name, void (StatusComponent::*group)(CTPP::CDT&)) {
+        Attempt(kSignature, name, [&] { (this->*group)(statusData); });
     };
-    gather(&StatusComponent::GetBatteryStatus);
-    gather(&StatusComponent::GetMnsStatus);
-    gather(&StatusComponent::GetInternetStatus);
-    gather(&StatusComponent::GetRouterStatus);
-    gather(&StatusComponent::GetMobileDataEnabled);
-    gather(&StatusComponent::GetEthernetPortEnabled);
-    gather(&StatusComponent::GetFotaInstallStatus);
+    gather("GetBatteryStatus", &StatusComponent::GetBatteryStatus);
+    gather("GetMnsStatus", &StatusComponent::GetMnsStatus);
+    gather("GetInternetStatus", &StatusComponent::GetInternetStatus);
+    gather("GetRouterStatus", &StatusComponent::GetRouterStatus);
+    gather("GetMobileDataEnabled", &StatusComponent::GetMobileDataEnabled);
+    gather("GetEthernetPortEnabled", &StatusComponent::GetEthernetPortEnabled);
+    gather("GetFotaInstallStatus", &StatusComponent::GetFotaInstallStatus);
     if (isWifiSupported) {
-        gather(&StatusComponent::GetWifiStatus);
+        gather("GetWifiStatus", &StatusComponent::GetWifiStatus);
     }
-    gather(&StatusComponent::GetNotificationFlagStatus);
+    gather("GetNotificationFlagStatus", &StatusComponent::GetNotificationFlagStatus);
     if (isGPSSupported) {
-        gather(&StatusComponent::GetGpsStatus);
+        gather("GetGpsStatus", &StatusComponent::GetGpsStatus);
     }
     if (isMTSMSSupported) {
-        gather(&StatusComponent::GetSmsStatus);
+        gather("GetSmsStatus", &StatusComponent::GetSmsStatus);
     }
     if (isSMBSupported) {
-        gather(&StatusComponent::GetSmbStatus);
+        gather("GetSmbStatus", &StatusComponent::GetSmbStatus);
     }
     if (isGuestWifiSupported) {
-        gather(&StatusComponent::GetGuestWifiStatus);
+        gather("GetGuestWifiStatus", &StatusComponent::GetGuestWifiStatus);
     }
     if (isNUASupported || isOMADMSupported) {
-        gather(&StatusComponent::GetSoftwareUpdateStatus);
+        gather("GetSoftwareUpdateStatus", &StatusComponent::GetSoftwareUpdateStatus);
     }
     // After the internet group, which therefore shows a change of the active slot one request late.
-    attempt([&] { statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0; });
+    Attempt(kSignature, "isDualSimSupported",
+            [&] { statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0; });
     if (isDualSIMSupported) {
-        gather(&StatusComponent::GetDualSimStatus);
+        gather("GetDualSimStatus", &StatusComponent::GetDualSimStatus);
     } else {
-        gather(&StatusComponent::GetSimStatus);
+        gather("GetSimStatus", &StatusComponent::GetSimStatus);
     }
     out["statusData"] = std::move(statusData);
     KESTAL_END();

@@ -432,17 +432,44 @@ TEST_F(StatusDataSetTest, FailedInternetGroupLeavesTheOthersAlone) {
     EXPECT_EQ(DataValue("statusBarSimStatus"), "Ready");
 }
 
-TEST_F(StatusDataSetTest, GroupThatThrowsIsLoggedAndLeavesTheOthersAlone) {
-    GivenBasics();
-    Given("MsgbusHandler::Initialize").Does([] { throw std::runtime_error("no bus"); });
-    EXPECT_EQ(component->GetData(out), PAGE_ERROR_NONE);
-    const CTPP::CDT& data = out.GetCDT("statusData");
-    EXPECT_TRUE(data.Exists("statusBarBatteryPercent"));
-    EXPECT_TRUE(data.Exists("isDualSimSupported"));
-    EXPECT_FALSE(data.Exists("statusBarNotificationFlag"));
-    const std::string transcript = TranscriptText();
-    EXPECT_NE(transcript.find(Lines(Failure(kGetData + " - group of the status failed: no bus"))),
-              std::string::npos);
+TEST_F(StatusDataSetTest, GroupThatThrowsIsLoggedByNameAndLeavesTheOthersAlone) {
+    struct ThrowingGroup {
+        const char* call;
+        const char* name;
+    };
+    const ThrowingGroup groups[] = {
+        {"sys_getBatteryStatus", "GetBatteryStatus"},
+        {"sys_getModemMnsInfo", "GetMnsStatus"},
+        {"sys_getCellularDataConnectionStats", "GetInternetStatus"},
+        {"sys_getConnectedDeviceList", "GetRouterStatus"},
+        {"sys_getCellularDataEnabled", "GetMobileDataEnabled"},
+        {"sys_getEthernetEnabled", "GetEthernetPortEnabled"},
+        {"sys_getFotaInstallStatus", "GetFotaInstallStatus"},
+        {"sys_getWiFiEnabled", "GetWifiStatus"},
+        {"sys_getGPSStatus", "GetGpsStatus"},
+        {"sys_getSMSUnreadCount", "GetSmsStatus"},
+        {"sys_getSDCardInfo", "GetSmbStatus"},
+        {"sys_getWiFiGuestProfileEnabled", "GetGuestWifiStatus"},
+        {"webui_get_software_update_status", "GetSoftwareUpdateStatus"},
+        {"sys_getNumSims", "GetDualSimStatus"},
+        {"sys_getSIMStatus", "GetSimStatus"},
+    };
+    const std::string failed = kGetData + " - ";
+    for (const auto& [call, name] : groups) {
+        std::vector<std::string> switches = kEverySwitch;
+        if (name == std::string("GetSimStatus")) {
+            switches.pop_back();
+        }
+        Construct(switches);
+        Configure("IsABPartitionEnabled", "1");
+        Given(call).Does([] { throw std::runtime_error("no answer"); });
+        out = CTPP::CDT();
+        EXPECT_EQ(component->GetData(out), PAGE_ERROR_NONE);
+        EXPECT_EQ(CalledGroups().size(), 15U) << name;
+        EXPECT_TRUE(out.GetCDT("statusData").Exists("isDualSimSupported")) << name;
+        EXPECT_EQ(TranscriptText(Failure(failed)[0]) + TranscriptText(Failure(failed)[1]),
+                  Steps({Failure(failed + name + " failed: no answer")}));
+    }
 }
 
 TEST_F(StatusDataSetTest, GidIsReadOnceForManyRequestsAndComponents) {
