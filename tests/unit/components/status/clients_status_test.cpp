@@ -103,6 +103,12 @@ TEST_F(ClientsStatusTest, BufferForNoDevicesIsNotAskedForAndWritesNothing) {
                      Log(7, kRouter + " - END")}));
 }
 
+TEST_F(ClientsStatusTest, CountThatTheFirstCallDoesNotWriteIsZero) {
+    Given(kList).Returns(SYS_ERROR_BUFFER_NEEDED);
+    EXPECT_EQ(Json(), "{}");
+    EXPECT_EQ(TranscriptText("sys_"), Steps({"sys_getConnectedDeviceList(no buffer)"}));
+}
+
 TEST_F(ClientsStatusTest, FailureOfTheFirstCallIsSilentAndWritesNothing) {
     for (const int code : {1, 8, 2001, -1}) {
         recording::Reset();
