@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <string>
 #include <utility>
 
 #include "framework/log.h"
+#include "framework/nothrow_array.h"
 
 NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     KESTAL_SIGNATURE("NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&)");
@@ -17,7 +17,8 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     if (bus.GetData(channel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
         return ReadResult::kFailed;
     }
-    bytes.reset(new (std::nothrow) std::byte[needed]);
+    // Cleared, for a bus can say that it has copied the block and copy nothing.
+    bytes = NothrowArray<std::byte>(needed);
     if (bytes == nullptr) {
         return ReadResult::kNoMemory;
     }
@@ -31,8 +32,8 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
         std::cmp_not_equal(AnnouncedCount(), Records().size())) {
         KESTAL_FAILURE(
             "[%s]:[%s] - %s - malformed notification list, [%d] announced, [%zu] received in [%zu] "
-            "bytes",
-            AnnouncedCount(), Records().size(), size);
+            "bytes. Try msgbus_cli MsgBusGet %s",
+            AnnouncedCount(), ReceivedCount(), size, kNotificationChannel);
     }
     return ReadResult::kRead;
 }
@@ -45,17 +46,21 @@ std::int32_t NotificationBlock::AnnouncedCount() const {
     return count;
 }
 
+std::size_t NotificationBlock::ReceivedCount() const {
+    return size < ANS_NOTIFICATION_LIST_RECORDS
+               ? 0
+               : (size - ANS_NOTIFICATION_LIST_RECORDS) / sizeof(AnsNotificationRecord);
+}
+
 std::span<const AnsNotificationRecord> NotificationBlock::Records() const {
     const std::int32_t announced = AnnouncedCount();
     if (announced <= 0) {
         return {};
     }
-    const std::size_t received =
-        (size - ANS_NOTIFICATION_LIST_RECORDS) / sizeof(AnsNotificationRecord);
     // The block is walked where it lies: it may hold thousands of records. Memory for bytes is
     // aligned for anything, and the offset of the records suits them.
     static_assert(ANS_NOTIFICATION_LIST_RECORDS % alignof(AnsNotificationRecord) == 0);
     const void* first = bytes.get() + ANS_NOTIFICATION_LIST_RECORDS;
     const auto* records = static_cast<const AnsNotificationRecord*>(first);
-    return {records, std::min(static_cast<std::size_t>(announced), received)};
+    return {records, std::min(static_cast<std::size_t>(announced), ReceivedCount())};
 }

@@ -36,6 +36,9 @@ class NotificationBlock {
     std::span<const AnsNotificationRecord> Records() const;
 
   private:
+    /// How many records there are with all their bytes, whatever the block claims.
+    std::size_t ReceivedCount() const;
+
     std::unique_ptr<std::byte[]> bytes;
     std::size_t size = 0;
 };

@@ -252,7 +252,10 @@ def test_a_record_that_is_cut_off_ends_the_list(responder):
     publish(responder, {"bytes": (b"\x03\0\0\0" + bytes(whole) * 2 + bytes(whole)[:450]).hex()})
     assert [one["id"] for one in notifications(responder)] == ["data", "data"]
     assert responder.log.count(" - [3] notifications received on msgbus") == 1
-    malformed = "malformed notification list, [3] announced, [2] received in [1382] bytes"
+    malformed = (
+        "malformed notification list, [3] announced, [2] received in [1382] bytes. "
+        f"Try msgbus_cli MsgBusGet {CHANNEL}"
+    )
     assert responder.log.count(malformed) == 1
 
 

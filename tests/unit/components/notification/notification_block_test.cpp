@@ -136,6 +136,16 @@ TEST_F(NotificationBlockTest, EveryReadingReplacesTheOneBefore) {
     EXPECT_TRUE(block.Records().empty());
 }
 
+TEST_F(NotificationBlockTest, WhatTheChannelDoesNotWriteIsEmptyAndNotWhatTheMemoryHeldBefore) {
+    GivenBlock(NotificationList({Notification("secret")}));
+    EXPECT_EQ(block.Read(bus), Result::kRead);
+    recording::Reset();
+    GivenSize(468);
+    Given(kGetData).Writes<std::int32_t>(1);
+    EXPECT_EQ(block.Read(bus), Result::kRead);
+    EXPECT_EQ(Ids(), " ");
+}
+
 TEST_F(NotificationBlockTest, RecordsThatWereNotReceivedAreNotThere) {
     for (const std::int32_t count : {3, 5000, std::numeric_limits<std::int32_t>::max()}) {
         recording::Reset();
@@ -207,6 +217,8 @@ TEST_F(NotificationBlockTest, BlockThatHoldsLessThanItClaimsIsLogged) {
     const Case cases[] = {
         {ListClaiming(3, {Notification("a")}), "[3] announced, [1] received in [468] bytes"},
         {ListClaiming(-2, {}), "[-2] announced, [0] received in [4] bytes"},
+        {ListClaiming(-2, {Notification("a"), Notification("b")}),
+         "[-2] announced, [2] received in [932] bytes"},
         {std::vector<std::byte>(3, std::byte{1}), "[0] announced, [0] received in [3] bytes"},
     };
     for (const auto& [bytes, complaint] : cases) {
@@ -216,7 +228,7 @@ TEST_F(NotificationBlockTest, BlockThatHoldsLessThanItClaimsIsLogged) {
         const std::vector<std::string> failure = recording::Failure(
             " - NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&) - malformed "
             "notification list, " +
-            complaint);
+            complaint + ". Try msgbus_cli MsgBusGet zelt.ans.notifications");
         EXPECT_EQ(recording::TranscriptText("syslog"), failure.at(0) + "\n");
         EXPECT_EQ(recording::TranscriptText("log"), failure.at(1) + "\n");
     }
