@@ -176,8 +176,10 @@ std::string Remembered(const Road& road, const std::vector<Fault>& faults) {
     for (const Fault& fault : faults) {
         const bool list = fault.call.starts_with("webui_");
         const Garbage zero = list ? Garbage::kNone : Garbage::kZero;
-        device.standing.push_back({fault.call, SuccessOf(fault.call),
-                                   list || fault.garbage == Garbage::kNone ? zero : fault.garbage});
+        // Only a switch follows what a failed call has written.
+        const bool written = fault.call.ends_with("Enabled") && fault.garbage != Garbage::kNone;
+        device.standing.push_back(
+            {fault.call, SuccessOf(fault.call), written ? fault.garbage : zero});
     }
     return Serve(device, road.uri, {{}, {}, {}}).back().body;
 }

@@ -60,10 +60,16 @@ TEST_F(SimCarrierGidTest, FailureIsLoggedAndKeepsWhatTheCallerHad) {
                      Log(7, kGid + " - END")}));
 }
 
-TEST_F(SimCarrierGidTest, FailureThatWroteAnIdentifierHandsItOn) {
-    Given("sys_getSIMCarrierGID").Returns(17).Writes<std::uint8_t>(2).Writes<std::uint8_t>(1);
+TEST_F(SimCarrierGidTest, WhatAFailedReadingWroteIsTakenBack) {
+    gid.front() = 2;
+    gid.back() = 5;
+    length = 1;
+    const auto known = gid;
+    std::array<std::uint8_t, SYS_SIM_CARRIER_GID_SIZE> garbage{};
+    garbage.fill(0xff);
+    Given("sys_getSIMCarrierGID").Returns(17).Writes(garbage).Writes<std::uint8_t>(9);
     GetSIMCarrierGID(gid.data(), &length, 1);
-    EXPECT_EQ(gid.front(), 2);
+    EXPECT_EQ(gid, known);
     EXPECT_EQ(length, 1);
 }
 

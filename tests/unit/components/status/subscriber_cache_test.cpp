@@ -192,7 +192,7 @@ TEST_F(SubscriberCacheTest, FailedGidReadKeepsTheByteAndIsNotTriedAgain) {
     GivenIdentity("310480123456789");
     GivenIdentity("262011234567890");
     GivenGid(2);
-    Given("sys_getSIMCarrierGID").Returns(6);
+    Given("sys_getSIMCarrierGID").Returns(6).Writes<std::uint8_t>(7).Writes<std::uint8_t>(1);
     EXPECT_EQ(Domestic(), "None");
     EXPECT_EQ(Domestic(), "None");
     EXPECT_EQ(Domestic(), "None");
