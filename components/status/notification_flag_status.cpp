@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "components/notification/message_bus.h"
 #include "components/notification/notification_block.h"
 #include "components/status/status_component.h"
 #include "framework/log.h"
@@ -7,25 +8,27 @@
 void StatusComponent::GetNotificationFlagStatus(CTPP::CDT& statusData) {
     KESTAL_SIGNATURE("void StatusComponent::GetNotificationFlagStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
-    MsgbusHandler bus(nullptr);
-    (void)bus.Initialize();
-    NotificationBlock block;
-    switch (block.Read(bus)) {
-        case NotificationBlock::ReadResult::kRead:
-            KESTAL_DEBUG("[%s]:[%s] - %s -[%d] notifications received on msgbus",
-                         block.AnnouncedCount());
-            break;
-        case NotificationBlock::ReadResult::kFailed:
-            KESTAL_FAILURE("[%s]:[%s] - %s: msgbus.GetData for %s channel failed",
-                           kNotificationChannel);
-            break;
-        case NotificationBlock::ReadResult::kNoMemory:
-            KESTAL_FAILURE("[%s]:[%s] - %s: Failed to allocate memory");
-            break;
-    }
-    (void)bus.Uninitialize();
-    const auto records = block.Records();
-    const bool anyActive = std::any_of(records.begin(), records.end(), IsActive);
-    statusData["statusBarNotificationFlag"] = anyActive ? "1" : "0";
+    // Before the bus is asked, so that the flag is there whatever fails.
+    CTPP::CDT& flag = statusData["statusBarNotificationFlag"] = "0";
+    OnMessageBus(kSignature, "notification flag", [&](MsgbusHandler& bus) {
+        NotificationBlock block;
+        switch (block.Read(bus)) {
+            case NotificationBlock::ReadResult::kRead:
+                KESTAL_DEBUG("[%s]:[%s] - %s -[%d] notifications received on msgbus",
+                             block.AnnouncedCount());
+                break;
+            case NotificationBlock::ReadResult::kFailed:
+                KESTAL_FAILURE("[%s]:[%s] - %s: msgbus.GetData for %s channel failed",
+                               kNotificationChannel);
+                break;
+            case NotificationBlock::ReadResult::kNoMemory:
+                KESTAL_FAILURE("[%s]:[%s] - %s: Failed to allocate memory");
+                break;
+        }
+        const auto records = block.Records();
+        if (std::any_of(records.begin(), records.end(), IsActive)) {
+            flag = "1";
+        }
+    });
     KESTAL_END();
 }

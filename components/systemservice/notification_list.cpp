@@ -4,11 +4,13 @@
 #include <string>
 #include <utility>
 
+#include "components/notification/message_bus.h"
 #include "components/notification/notification_block.h"
 #include "components/status/value_text.h"
 #include "components/systemservice/gpio_text.h"
 #include "components/systemservice/notification_list_signature.h"
 #include "components/systemservice/system_service_component.h"
+#include "framework/attempt.h"
 #include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/po_string.h"
@@ -78,11 +80,11 @@ std::string CatalogueText(const AnsNotificationRecord& record, const TextArgumen
 
 PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT& out) {
     KESTAL_BEGIN();
-    MsgbusHandler bus(nullptr);
-    (void)bus.Initialize();
-    CTPP::CDT list = ReadNotificationList(bus);
-    (void)bus.Uninitialize();
-    out["notificationsList"] = std::move(list);
+    // First of all an empty list, so that there is one whatever fails.
+    Attempt(kSignature, "empty notification list",
+            [&] { out["notificationsList"] = CTPP::CDT(CTPP::CDT::ARRAY_VAL); });
+    OnMessageBus(kSignature, "notification list",
+                 [&](MsgbusHandler& bus) { out["notificationsList"] = ReadNotificationList(bus); });
     KESTAL_END_RETURNING(PAGE_ERROR_NONE);
     return PAGE_ERROR_NONE;
 }

@@ -144,11 +144,11 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
                     device.failing = n;
                     incomplete += CheckSettled(own, road, device, healthy) ? 0 : stride;
                 }
-                // One group of the status does not cost the others; what builds the answer itself
-                // does, and that is the smallest part.
-                if (road.member == std::string("statusData") && !persistently &&
-                    incomplete > healthy.allocations / 10) {
-                    own.Problem(std::to_string(incomplete) + " answers without their status");
+                // One group of the status does not cost the others, and a notification list is
+                // empty rather than missing; what builds the answer itself costs it all, and that
+                // is the smallest part.
+                if (!persistently && incomplete > healthy.allocations / 10) {
+                    own.Problem(std::to_string(incomplete) + " answers without " + road.member);
                 }
             }
             own.calls[std::string("allocations:") + (road.uri + 5)] =

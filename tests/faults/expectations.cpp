@@ -101,13 +101,6 @@ constexpr const char* kReadOnce[] = {
     "webui_get_common_features",  "webui_get_common_configurations", "sys_getSIMCarrierGID",
 };
 
-constexpr const char* kListEnders[] = {
-    "MsgbusHandler::MsgbusHandler",
-    "MsgbusHandler::Initialize",
-    "MsgbusHandler::GetData",
-    "MsgbusHandler::Uninitialize",
-};
-
 constexpr const char* kFieldAccess = "no request asks for the access to single fields";
 constexpr const char* kNoApplication = "the service is no application of the web UI";
 
@@ -205,10 +198,6 @@ bool IsReadOnce(const std::string& call) {
     return Names(kReadOnce, call);
 }
 
-bool EndsTheList(const std::string& call) {
-    return Names(kListEnders, call);
-}
-
 const char* ReasonNotToCall(const std::string& call) {
     return ReasonIn(kNotCalled, call);
 }
@@ -219,7 +208,6 @@ const char* ReasonNotToFail(const std::string& call) {
 
 std::set<std::string> NamesInTables() {
     std::set<std::string> names(std::begin(kReadOnce), std::end(kReadOnce));
-    names.insert(std::begin(kListEnders), std::end(kListEnders));
     for (const Reason& row : kSilent) {
         names.insert(row.call);
     }

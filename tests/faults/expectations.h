@@ -20,9 +20,6 @@ bool IsCovered(const std::string& call, const std::set<std::pair<std::string, in
 /// Whether what @p call brought at the first request stays for the life of the process.
 bool IsReadOnce(const std::string& call);
 
-/// Whether an exception of @p call leaves the answer to a notification request without a list.
-bool EndsTheList(const std::string& call);
-
 /// Why the service does not make @p call; null when it does.
 const char* ReasonNotToCall(const std::string& call);
 

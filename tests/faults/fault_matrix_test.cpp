@@ -62,11 +62,6 @@ std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
     if (exchange.status != 200) {
         return "status " + std::to_string(exchange.status);
     }
-    if (faults.front().thrown != Thrown::kNothing && EndsTheList(faults.front().call) &&
-        road.member == std::string("notificationsList")) {
-        return FaultOfAnswer(exchange.body, road.member).empty() ? "there is a list"
-                                                                 : FaultOfAnswer(exchange.body, "");
-    }
     return FaultOfAnswer(exchange.body, road.member);
 }
 

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <stdexcept>
 
 #include "platform/web_common.h"
 #include "tests/unit/components/status/status_group_test.h"
@@ -165,6 +166,29 @@ TEST_F(NotificationFlagStatusTest, BusThatCannotBeJoinedOrLeftIsAskedAllTheSame)
     GivenBlock(NotificationList({Notification("dataOff")}));
     EXPECT_EQ(Json(), R"({"statusBarNotificationFlag":"1"})");
     EXPECT_EQ(TranscriptText("log 3"), "");
+}
+
+TEST_F(NotificationFlagStatusTest, BusThatThrowsIsLeftAndClearsTheFlag) {
+    Given(kGetData).Does([] { throw std::runtime_error("no bus"); });
+    EXPECT_EQ(Json(), R"({"statusBarNotificationFlag":"0"})");
+    const std::vector<std::string> failure = Failure(kFlag + " - notification flag failed: no bus");
+    EXPECT_EQ(TranscriptText(),
+              OnTheBus(std::vector<std::string>{kAskSize, failure.at(0), failure.at(1)}));
+}
+
+TEST_F(NotificationFlagStatusTest, BusThatCannotBeEnteredClearsTheFlag) {
+    for (const std::string call : {"MsgbusHandler::MsgbusHandler", "MsgbusHandler::Initialize"}) {
+        recording::Reset();
+        Given(call).Does([] { throw std::runtime_error("no bus"); });
+        EXPECT_EQ(Json(), R"({"statusBarNotificationFlag":"0"})") << call;
+        EXPECT_NE(TranscriptText("log 3").find("failed: no bus"), std::string::npos) << call;
+    }
+}
+
+TEST_F(NotificationFlagStatusTest, BusThatCannotBeLeftDoesNotCostTheFlag) {
+    GivenBlock(NotificationList({Notification("dataOff")}));
+    Given("MsgbusHandler::Uninitialize").Does([] { throw std::runtime_error("no way out"); });
+    EXPECT_EQ(Json(), R"({"statusBarNotificationFlag":"1"})");
 }
 
 TEST_F(NotificationFlagStatusTest, ListIsReadAnewForEachRequest) {

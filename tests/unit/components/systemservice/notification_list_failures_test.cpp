@@ -1,4 +1,8 @@
+#include <gmock/gmock.h>
+
 #include <limits>
+#include <new>
+#include <stdexcept>
 
 #include "tests/unit/components/systemservice/notification_list_test.h"
 
@@ -86,6 +90,57 @@ TEST_F(NotificationListFailuresTest, BusThatCannotBeJoinedIsAskedAllTheSame) {
     Json({Notification("a")});
     EXPECT_EQ(out.GetCDT("notificationsList").Size(), 1U);
     EXPECT_EQ(TranscriptText("log 3"), "");
+}
+
+TEST_F(NotificationListFailuresTest, ExceptionWhileTheListIsBuiltLeavesTheBusAndAnEmptyList) {
+    recording::Reset();
+    Given(kPin1Call).Does([] { throw std::runtime_error("no pin"); });
+    EXPECT_EQ(Json({Notification("a"), Notification("b")}), kNoNotifications);
+    EXPECT_EQ(
+        TranscriptText(),
+        Steps({kStart, kGetSize, "MsgbusHandler::GetData(zelt.ans.notifications, room for 932)",
+               Log(7, kGetList + " - [2] notifications received on msgbus"), kPin1Call + "()",
+               Failure(kGetList + " - notification list failed: no pin"), kEnd}));
+}
+
+TEST_F(NotificationListFailuresTest, ExceptionBehindTheFirstNotificationLeavesNoneInTheList) {
+    recording::Reset();
+    Given(kUnreadCall).Writes(0);
+    Given(kUnreadCall).Does([] { throw std::bad_alloc(); });
+    EXPECT_EQ(Json({Notification("a"), Notification("b")}), kNoNotifications);
+    EXPECT_EQ(TranscriptText("MsgbusHandler::Uninitialize"),
+              Steps({"MsgbusHandler::Uninitialize()"}));
+}
+
+TEST_F(NotificationListFailuresTest, BusThatThrowsIsLeftAndGivesAnEmptyList) {
+    for (const std::string call : {"MsgbusHandler::Initialize", "MsgbusHandler::GetData"}) {
+        StartRequest();
+        Given(call).Does([] { throw std::runtime_error("no bus"); });
+        EXPECT_EQ(Json(), kNoNotifications) << call;
+        const std::string transcript = TranscriptText();
+        EXPECT_THAT(transcript,
+                    testing::EndsWith(
+                        Steps({Failure(kGetList + " - notification list failed: no bus"), kEnd})));
+    }
+}
+
+TEST_F(NotificationListFailuresTest, BusThatCannotBeEnteredGivesAnEmptyList) {
+    Given("MsgbusHandler::MsgbusHandler").Does([] { throw std::runtime_error("no bus"); });
+    EXPECT_EQ(Json(), kNoNotifications);
+    EXPECT_EQ(TranscriptText(),
+              Steps({Log(7, kGetList + " - BEGIN"), "MsgbusHandler::MsgbusHandler(no callback)",
+                     Failure(kGetList + " - message bus failed: no bus"),
+                     Log(7, kGetList + " - END returning 0")}));
+}
+
+TEST_F(NotificationListFailuresTest, BusThatCannotBeLeftDoesNotCostTheList) {
+    Given("MsgbusHandler::Uninitialize").Does([] { throw std::runtime_error("no way out"); });
+    Json({Notification("a")});
+    EXPECT_EQ(out.GetCDT("notificationsList").Size(), 1U);
+    EXPECT_THAT(TranscriptText(),
+                testing::EndsWith(Steps({"MsgbusHandler::Uninitialize()",
+                                         Failure(kGetList + " - message bus failed: no way out"),
+                                         Log(7, kGetList + " - END returning 0")})));
 }
 
 TEST_F(NotificationListFailuresTest, Pin1ThatCannotBeReadHasNoText) {
