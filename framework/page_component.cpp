@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "framework/attempt.h"
 #include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/nothrow_array.h"
@@ -17,34 +18,43 @@ constexpr std::size_t kUsualRecords = 10000;
 
 /// The list calls of the web UI configuration library are made twice: for the count, then with a
 /// buffer. Calls @p logCount between the two and @p store for every record that was read, never for
-/// more than there was room for. Returns the status of the last call; throws std::bad_alloc when
-/// there is no memory for a list of usual length.
+/// more than there was room for. Returns the status of the last call; a reading that is cut short
+/// by something thrown, or because there is no memory for a list of usual length, sets @p cutShort
+/// and is logged as a failure of @p name by the function with @p signature.
 template <typename Record, typename Call, typename LogCount, typename Store>
-int ReadRecords(Call call, LogCount logCount, Store store) {
-    int count = 0;
-    const int sizeStatus = call(nullptr, &count);
-    if (sizeStatus != WEBUI_BUFFER_NEEDED) {
-        return sizeStatus;
-    }
-    logCount(count);
-    const int room = std::max(count, 0);
-    // One record at least: a missing buffer would ask for the size again.
-    const auto length = static_cast<std::size_t>(std::max(room, 1));
-    const std::unique_ptr<Record[]> buffer = NothrowArray<Record>(length);
-    if (buffer == nullptr) {
-        // The records are read once per process: where a list of this size is only short of memory
-        // at the moment, the next request tries again.
-        if (length <= kUsualRecords) {
-            throw std::bad_alloc();
+int ReadRecords(const char* signature, const char* name, bool& cutShort, Call call,
+                LogCount logCount, Store store) {
+    int status = WEBUI_BUFFER_NEEDED;
+    const bool ended = Attempt(signature, name, [&] {
+        int count = 0;
+        status = call(nullptr, &count);
+        if (status != WEBUI_BUFFER_NEEDED) {
+            return;
         }
-        return sizeStatus;
+        logCount(count);
+        const int room = std::max(count, 0);
+        // One record at least: a missing buffer would ask for the size again.
+        const auto length = static_cast<std::size_t>(std::max(room, 1));
+        const std::unique_ptr<Record[]> buffer = NothrowArray<Record>(length);
+        if (buffer == nullptr) {
+            // The records are read once per process: where a list of this size is only short of
+            // memory at the moment, the next request tries again.
+            if (length <= kUsualRecords) {
+                throw std::bad_alloc();
+            }
+            return;
+        }
+        count = room;
+        status = call(buffer.get(), &count);
+        if (status == WEBUI_SUCCESS) {
+            std::for_each_n(buffer.get(), std::clamp(count, 0, room), store);
+        }
+    });
+    if (ended) {
+        return status;
     }
-    count = room;
-    const int status = call(buffer.get(), &count);
-    if (status == WEBUI_SUCCESS) {
-        std::for_each_n(buffer.get(), std::clamp(count, 0, room), store);
-    }
-    return status;
+    cutShort = true;
+    return WEBUI_BUFFER_NEEDED;
 }
 
 }  // namespace
@@ -78,6 +88,7 @@ PageError PageComponent::StoreData(const CTPP::CDT& /*in*/, CTPP::CDT& /*out*/) 
 void PageComponent::Init(std::string applicationName) {
     KESTAL_SIGNATURE("void PageComponent::Init(std::__cxx11::string)");
     KESTAL_BEGIN();
+    cutShort = false;
     appName = std::move(applicationName);
     const int featuresStatus = GetFeatures();
     if (featuresStatus != WEBUI_SUCCESS) {
@@ -90,8 +101,9 @@ void PageComponent::Init(std::string applicationName) {
             "[%s]:[%s] - %s Unable to read the app configurations, returned error code %d.",
             configurationsStatus);
     }
-    if (!appName.empty()) {
-        helpUri = GetURI((appName + "_help").c_str());
+    if (!appName.empty() &&
+        !Attempt(kSignature, "GetURI", [this] { helpUri = GetURI((appName + "_help").c_str()); })) {
+        cutShort = true;
     }
     KESTAL_END();
 }
@@ -102,7 +114,7 @@ int PageComponent::GetFeatures() {
     int status = WEBUI_SUCCESS;
     if (useCommonFeatures != 0) {
         status = ReadRecords<webui_feature_t>(
-            webui_get_common_features,
+            kSignature, "webui_get_common_features", cutShort, webui_get_common_features,
             [](int count) {
                 KESTAL_LOG(TORU_DBG_INFO,
                            "[%s]:[%s] - %s webui_get_common_features returned features_count: %d, "
@@ -125,6 +137,7 @@ int PageComponent::GetFeatures() {
     }
     if (!appName.empty()) {
         status = ReadRecords<webui_feature_t>(
+            kSignature, "webui_get_app_features", cutShort,
             [this](webui_feature_t* buffer, int* count) {
                 return webui_get_app_features(appName.c_str(), buffer, count);
             },
@@ -157,6 +170,7 @@ int PageComponent::GetConfigurations() {
     int status = WEBUI_SUCCESS;
     if (useCommonConfigurations != 0) {
         status = ReadRecords<webui_configuration_t>(
+            kSignature, "webui_get_common_configurations", cutShort,
             webui_get_common_configurations,
             [](int count) {
                 KESTAL_LOG(TORU_DBG_INFO,
@@ -181,6 +195,7 @@ int PageComponent::GetConfigurations() {
     }
     if (!appName.empty()) {
         status = ReadRecords<webui_configuration_t>(
+            kSignature, "webui_get_app_configurations", cutShort,
             [this](webui_configuration_t* buffer, int* count) {
                 return webui_get_app_configurations(appName.c_str(), buffer, count);
             },

@@ -33,8 +33,12 @@ class PageComponent {
     /// what could be loaded stays loaded.
     void Init(std::string applicationName);
 
+    /// Whether the last Init lacked memory, or was thrown something, and another may load more.
+    bool WasCutShort() const { return cutShort; }
+
     /// Fills `features`: name to integer, 0 to 255. Returns the last status of the web UI
-    /// configuration library, WEBUI_SUCCESS when all went well.
+    /// configuration library, WEBUI_SUCCESS when all went well; WEBUI_BUFFER_NEEDED stands for a
+    /// lack of memory, too.
     int GetFeatures();
 
     /// Fills `configurations`: name to text. Returns as GetFeatures.
@@ -85,4 +89,7 @@ class PageComponent {
     CTPP::CDT configurations;
     /// For other components of the family; not used in this service.
     std::map<std::string, int> fieldMap;
+
+  private:
+    bool cutShort = false;
 };

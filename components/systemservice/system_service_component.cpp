@@ -2,7 +2,6 @@
 
 #include "components/status/status_component.h"
 #include "components/systemservice/service_api.h"
-#include "framework/attempt.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
 #include "platform/sysint.h"
@@ -132,8 +131,8 @@ PageError SystemServiceComponent::GetStatus(CTPP::CDT& out) {
     static StatusComponent status;
     static bool initialised = false;
     if (!initialised) {
-        // What was cut short by a lack of memory is read again for the next request.
-        initialised = Attempt(kSignature, "initialisation", [] { status.Init(""); });
+        status.Init("");
+        initialised = !status.WasCutShort();
     }
     status.GetData(out);
     KESTAL_END_RETURNING(PAGE_ERROR_NONE);

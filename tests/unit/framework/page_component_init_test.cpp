@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
+#include <new>
+#include <stdexcept>
 
 #include "bindings/recording/recording.h"
 #include "framework/page_component.h"
 #include "platform/webui.h"
 #include "tests/support/json.h"
+#include "tests/support/limited_memory.h"
 #include "tests/support/records.h"
 #include "tests/support/transcript.h"
 
@@ -276,12 +279,111 @@ TEST_F(PageComponentInitTest, CountThatNoMemoryCanHoldIsAFailureLikeAnyOther) {
         .WritesNothing()
         .Writes(std::numeric_limits<int>::max());
     EXPECT_EQ(component.GetConfigurations(), WEBUI_BUFFER_NEEDED);
+    EXPECT_FALSE(component.WasCutShort());
     EXPECT_EQ(recording::CallCount("webui_get_common_configurations"), 1U);
     EXPECT_EQ(recording::TranscriptText("log 3"),
               Lines({Log(3, Of(kConfigurations,
                                " webui_get_common_configurations failed, returned error code "
                                "983043. Try webui_cli get_common_configurations from command "
                                "line."))}));
+}
+
+TEST_F(PageComponentInitTest, ListThatFindsNoMemoryIsAFailureThatAnotherInitCanMend) {
+    component.useCommonFeatures = 1;
+    component.useCommonConfigurations = 1;
+    GivenList("webui_get_common_features", {Feature("A", 1), Feature("B", 2)});
+    GivenList("webui_get_common_configurations", {Configuration("C", "3")});
+    {
+        const LimitedMemory limited(2 * sizeof(webui_feature_t) - 1);
+        component.Init("");
+    }
+    EXPECT_TRUE(component.WasCutShort());
+    EXPECT_EQ(component.features.GetType(), CTPP::CDT::UNDEF);
+    EXPECT_EQ(ToJson(component.configurations), R"({"C":"3"})");
+    EXPECT_EQ(recording::TranscriptText("log 3"),
+              Lines({Log(3, Of(kFeatures, " - webui_get_common_features failed: std::bad_alloc")),
+                     Log(3, Of(kFeatures,
+                               " webui_get_common_features failed, returned error code 983043. "
+                               "Try webui_cli get_common_features from command line.")),
+                     Log(3, Of(kInit,
+                               " Unable to read the app features, returned error code 983043."))}));
+    recording::Reset();
+    GivenList("webui_get_common_features", {Feature("A", 1), Feature("B", 2)});
+    GivenList("webui_get_common_configurations", {Configuration("C", "3")});
+    component.Init("");
+    EXPECT_FALSE(component.WasCutShort());
+    EXPECT_EQ(ToJson(component.features), R"({"A":1,"B":2})");
+}
+
+TEST_F(PageComponentInitTest, OnlyAListOfUsualLengthWaitsForMemory) {
+    component.useCommonFeatures = 1;
+    const LimitedMemory limited(0);
+    for (const int count : {1, 10000, 10001}) {
+        recording::Reset();
+        Given("webui_get_common_features")
+            .Returns(WEBUI_BUFFER_NEEDED)
+            .WritesNothing()
+            .Writes(count);
+        component.Init("");
+        EXPECT_EQ(component.WasCutShort(), count <= 10000) << count;
+    }
+}
+
+TEST_F(PageComponentInitTest, ListThatThrowsDoesNotCostTheOthers) {
+    const std::string calls[] = {"webui_get_common_features", "webui_get_app_features",
+                                 "webui_get_common_configurations", "webui_get_app_configurations"};
+    for (const std::string& throwing : calls) {
+        for (const bool atOnce : {true, false}) {
+            recording::Reset();
+            if (!atOnce) {
+                Given(throwing).Returns(WEBUI_BUFFER_NEEDED).WritesNothing().Writes(1);
+            }
+            Given(throwing).Does([] { throw std::runtime_error("no list"); });
+            for (const std::string& call : calls) {
+                if (call.ends_with("features") && call != throwing) {
+                    GivenList(call, {Feature(call, 1)});
+                } else if (call != throwing) {
+                    GivenList(call, {Configuration(call, "1")});
+                }
+            }
+            Given("webui_get_uri_data").Returns(WEBUI_SUCCESS);
+            TestComponent other;
+            other.useCommonFeatures = 1;
+            other.useCommonConfigurations = 1;
+            other.Init("page");
+            EXPECT_TRUE(other.WasCutShort()) << throwing;
+            for (const std::string& call : calls) {
+                bool loaded = false;
+                const CTPP::CDT& tree =
+                    call.ends_with("features") ? other.features : other.configurations;
+                tree.GetExistedCDT(call, loaded);
+                EXPECT_EQ(loaded, call != throwing) << call << " beside " << throwing;
+            }
+            const std::string transcript = recording::TranscriptText("log 3");
+            EXPECT_NE(transcript.find(" - " + throwing + " failed: no list\n"), std::string::npos);
+            EXPECT_NE(transcript.find(" " + throwing + " failed, returned error code 983043."),
+                      std::string::npos);
+        }
+    }
+}
+
+TEST_F(PageComponentInitTest, HelpAddressThatThrowsStaysEmpty) {
+    Given("webui_get_app_features").Returns(WEBUI_SUCCESS);
+    Given("webui_get_app_configurations").Returns(WEBUI_SUCCESS);
+    Given("webui_get_uri_data").Does([] { throw std::bad_alloc(); });
+    component.Init("page");
+    EXPECT_TRUE(component.WasCutShort());
+    EXPECT_EQ(component.helpUri, "");
+    EXPECT_EQ(recording::TranscriptText("log 3"),
+              Lines({Log(3, Of(kInit, " - GetURI failed: std::bad_alloc"))}));
+    EXPECT_EQ(recording::Transcript().back(), Log(7, Of(kInit, " - END")));
+}
+
+TEST_F(PageComponentInitTest, ListThatTheLibraryRefusesIsNotCutShort) {
+    component.useCommonFeatures = 1;
+    Given("webui_get_common_features").Returns(11);
+    component.Init("");
+    EXPECT_FALSE(component.WasCutShort());
 }
 
 TEST_F(PageComponentInitTest, FeatureByteOf255ReadsAs255) {

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+
+/// For its lifetime, new (std::nothrow) gives no array of more than @p bytes.
+class LimitedMemory {
+  public:
+    explicit LimitedMemory(std::size_t bytes);
+    ~LimitedMemory();
+    LimitedMemory(const LimitedMemory&) = delete;
+    LimitedMemory& operator=(const LimitedMemory&) = delete;
+};
