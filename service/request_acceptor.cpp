@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
+#include <sys/socket.h>
 
 #include <cerrno>
 #include <csignal>
@@ -11,18 +11,19 @@
 
 namespace {
 
-bool IsSocket(int descriptor) {
-    struct stat status {};
-    return fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode);
+bool Listens(int descriptor) {
+    int listens = 0;
+    socklen_t size = sizeof(listens);
+    return getsockopt(descriptor, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size) == 0 && listens != 0;
 }
 
 }  // namespace
 
 RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
     : request(fcgiRequest),
-      listensOnSocket(IsSocket(request.listen_sock)),
+      listens(Listens(request.listen_sock)),
       waitingMask(MaskLettingMainThreadSignalsIn()) {
-    if (listensOnSocket) {
+    if (listens) {
         // libfcgi drops a connection that brings no request and goes on accepting: without this it
         // would wait there, deaf to signals.
         fcntl(request.listen_sock, F_SETFL, fcntl(request.listen_sock, F_GETFL) | O_NONBLOCK);
@@ -31,8 +32,8 @@ RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
 
 int RequestAcceptor::Accept() {
     for (;;) {
-        // Where the web server has given no socket, accepting fails at once.
-        if (listensOnSocket && !Wait() && request.ipcFd >= 0) {
+        // Where the web server has given no socket that listens, accepting fails at once.
+        if (listens && !Wait() && request.ipcFd >= 0) {
             // A signal ends the waiting on a connection that the web server keeps open; libfcgi
             // would read from it and look at nothing else.
             FCGX_Free(&request, 1);

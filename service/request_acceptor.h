@@ -20,7 +20,8 @@ class RequestAcceptor {
     bool Wait() const;
 
     FCGX_Request& request;
-    bool listensOnSocket;
+    /// Whether connections can come; nothing else is worth waiting for.
+    bool listens;
     /// The thread's mask while it waits.
     sigset_t waitingMask;
 };

@@ -119,10 +119,21 @@ def test_without_a_socket_the_service_ends_by_itself(make_responder, redirection
     assert_ends_by_itself(responder, ["/bin/sh", "-c", f'exec "$0" {redirection}', str(paths.SERVICE)])
 
 
-def test_without_a_listening_socket_the_service_ends_by_itself(make_responder):
-    left, right = socket.socketpair()
-    right.close()
-    assert_ends_by_itself(make_responder(), [str(paths.SERVICE)], stdin=left)
+SOCKETS = {
+    "half of a pair": (socket.AF_UNIX, socket.SOCK_STREAM),
+    "half of a pair of datagrams": (socket.AF_UNIX, socket.SOCK_DGRAM),
+    "UDP": (socket.AF_INET, socket.SOCK_DGRAM),
+    "TCP": (socket.AF_INET, socket.SOCK_STREAM),
+}
+
+
+@pytest.mark.parametrize(("family", "kind"), SOCKETS.values(), ids=SOCKETS.keys())
+def test_with_a_socket_that_does_not_listen_the_service_ends_by_itself(make_responder, family, kind):
+    # The peer lives and says nothing.
+    pair = socket.socketpair(family, kind) if family == socket.AF_UNIX else (socket.socket(family, kind),)
+    assert_ends_by_itself(make_responder(), [str(paths.SERVICE)], stdin=pair[0])
+    for end in pair:
+        end.close()
 
 
 def assert_ends_by_itself(responder, command, **arguments):

@@ -2,7 +2,7 @@
 
 #include <fcgiapp.h>
 #include <sys/socket.h>
-#include <unistd.h>
+#include <sys/un.h>
 
 #include <array>
 #include <deque>
@@ -33,13 +33,20 @@ struct Exchange {
     }
 };
 
-/// A listening socket on which a request always waits.
+/// A listening socket on which a connection always waits.
 int ReadySocket() {
     static const int kReady = [] {
-        int ends[2] = {-1, -1};
-        (void)socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends);
-        (void)!write(ends[1], "", 1);
-        return ends[0];
+        const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        // A name of the kernel's choice, in no file system.
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (void)bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof(address.sun_family));
+        (void)listen(listener, 1);
+        socklen_t size = sizeof(address);
+        (void)getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+        const int waiting = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        (void)connect(waiting, reinterpret_cast<sockaddr*>(&address), size);
+        return listener;
     }();
     return kReady;
 }
