@@ -12,9 +12,12 @@
 #include "service/process.h"
 #include "service/request_loop.h"
 #include "service/signal_handlers.h"
+#include "service/standard_descriptors.h"
 
 int main(int /*argc*/, char** argv) {
     int result = 0;
+    // Before anything opens a descriptor.
+    OpenClosedStandardDescriptors();
     // Before any thread starts: one that took a termination would wait for its own end.
     HoldBackMainThreadSignals();
     // A log that has reached its size limit loses lines; it must not end the service.

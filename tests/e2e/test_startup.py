@@ -1,5 +1,6 @@
 """What the service does before its first request, and when it cannot have one."""
 
+import os
 import re
 import signal
 import socket
@@ -134,6 +135,20 @@ def test_with_a_socket_that_does_not_listen_the_service_ends_by_itself(make_resp
     assert_ends_by_itself(make_responder(), [str(paths.SERVICE)], stdin=pair[0])
     for end in pair:
         end.close()
+
+
+def test_with_closed_descriptors_a_connection_takes_none_of_their_numbers(make_server, work):
+    """A log line to standard error would go out in front of the answer."""
+    program = work / "kestal.cgi"
+    program.write_text(f'#!/bin/sh\nexec "{paths.SERVICE}" >&- 2>&-\n')
+    program.chmod(0o755)
+    server = make_server()
+    server.environment |= {"KESTAL_RESPONDER": str(program), "KESTAL_LOG_LEVEL": "6"}
+    del server.environment["KESTAL_LOG"]
+    server.start()
+    assert server.status()["statusBarSimStatus"] == "Ready"
+    for number in (1, 2):
+        assert os.readlink(f"/proc/{server.responder()}/fd/{number}") == "/dev/null"
 
 
 def assert_ends_by_itself(responder, command, **arguments):
