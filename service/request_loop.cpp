@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "components/systemservice/service_api.h"
 #include "components/systemservice/system_service_component.h"
 #include "framework/attempt.h"
 #include "framework/fixed_text.h"
@@ -21,10 +22,25 @@ constexpr const char* kFastcgiMainLoop = "int fastcgi_main_loop()";
 
 constexpr const char* kDefaultLanguage = "en_US";
 
-/// One step of the loop.
+/// One step of the loop, which @p name tells from the others in the log.
 template <typename Step>
-bool Attempt(Step step) {
-    return ::Attempt(kFastcgiMainLoop, "request", step);
+bool Attempt(const char* name, Step step) {
+    return ::Attempt(kFastcgiMainLoop, name, step);
+}
+
+const char* OperationStep(int api) {
+    switch (api) {
+        case SERVICE_API_NOTIFICATION:
+            return "request (notification)";
+        case SERVICE_API_STATUS:
+            return "request (status)";
+        case SERVICE_API_CONNECT:
+            return "request (connect)";
+        case SERVICE_API_DISCONNECT:
+            return "request (disconnect)";
+        default:
+            return "request (unknown operation)";
+    }
 }
 
 void ApplyLanguage() {
@@ -61,16 +77,18 @@ const std::string kDisabledAnswer = "WebUI feature disabled";
 
 void AnswerEnabled(const FCGX_Request& request, SystemServiceComponent& component,
                    CgiHelper& helper, CTPP::CDT& answer, int loginStatus) {
-    Attempt(ApplyLanguage);
-    Attempt([&] { component.Dispatch(answer, get_service_api(request.envp)); });
+    Attempt("request (language)", ApplyLanguage);
+    int api = SERVICE_API_UNKNOWN;
+    Attempt("request (routing)", [&] { api = get_service_api(request.envp); });
+    Attempt(OperationStep(api), [&] { component.Dispatch(answer, api); });
     std::string json;
-    const bool complete = Attempt([&] {
+    const bool complete = Attempt("request (JSON)", [&] {
         // Once more, in case there was no memory for it before.
         answer["loginStatus"] = loginStatus;
         json = Json(answer);
     });
     const std::string& fallback = loginStatus == 1 ? kLoggedInAnswer : kNotLoggedInAnswer;
-    Attempt([&] { helper.SendResponse(200, complete ? json : fallback); });
+    Attempt("request (response)", [&] { helper.SendResponse(200, complete ? json : fallback); });
 }
 
 void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiHelper& helper) {
@@ -78,22 +96,22 @@ void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiH
     const StandardOutputTo output(request.out);
     CTPP::CDT answer;
     const int loginStatus = GetLoginStatus(&helper, request);
-    Attempt([&] { answer["loginStatus"] = loginStatus; });
+    Attempt("request (login status)", [&] { answer["loginStatus"] = loginStatus; });
     KESTAL_DEBUG("[%s]:[%s] - %s - Starting %s request", KESTAL_MODULE);
     bool initialized = false;
-    Attempt([&] { initialized = InitializeSysinterface(); });
+    Attempt("request (start of the SDK)", [&] { initialized = InitializeSysinterface(); });
     if (!initialized) {
         KESTAL_FAILURE("[%s]:[%s] - %s - sysinterface initialization failed by returning [%d]",
                        initialized);
     }
     int enabled = 0;
-    Attempt([&] { sys_getWebUICarrierEnabled(&enabled); });
+    Attempt("request (carrier switch)", [&] { sys_getWebUICarrierEnabled(&enabled); });
     if (enabled == 0) {
-        Attempt([&] { helper.SendResponse(501, kDisabledAnswer); });
+        Attempt("request (response)", [&] { helper.SendResponse(501, kDisabledAnswer); });
     } else {
         AnswerEnabled(request, component, helper, answer, loginStatus);
     }
-    Attempt([] { UninitializeSysinterface(); });
+    Attempt("request (end of the SDK)", [] { UninitializeSysinterface(); });
     KESTAL_DEBUG("[%s]:[%s] - %s - End %s request", KESTAL_MODULE);
     WaitIfEndingByFatalSignal();
     FCGX_Finish_r(&request);
@@ -103,17 +121,17 @@ void ServeRequests(FCGX_Request& request) {
     KESTAL_SIGNATURE(kFastcgiMainLoop);
     SystemServiceComponent component;
     std::unique_ptr<CgiHelper> helper;
-    Attempt([&] { helper.reset(CgiHelper::GetInstance()); });
+    Attempt("response writer", [&] { helper.reset(CgiHelper::GetInstance()); });
     if (helper == nullptr) {
         KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed to create CgiHelper object");
         return;
     }
     const auto setType = [&] { helper->SetHeader("Content-Type", "application/json"); };
-    bool typed = Attempt(setType);
+    bool typed = Attempt("content type", setType);
     RequestAcceptor acceptor(request);
     while (acceptor.Accept() >= 0) {
         // Once more, in case there was no memory for it before.
-        typed = typed || Attempt(setType);
+        typed = typed || Attempt("content type", setType);
         ServeRequest(request, component, *helper);
     }
 }

@@ -7,6 +7,8 @@
 #include <iostream>
 #include <new>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 #include "bindings/recording/recording.h"
 #include "platform/sysint.h"
@@ -321,17 +323,21 @@ TEST_F(RequestLoopTest, NothingThrownInsideARequestEndsTheLoop) {
     }
     for (const std::string log : {"syslog 138 ", "log 3 "}) {
         EXPECT_EQ(recording::TranscriptText(log),
-                  Lines({log + "[KESTAL_CGI]:[ERROR]" + kLoop + " - request failed: std::bad_alloc",
-                         log + "[KESTAL_CGI]:[ERROR]" + kLoop + " - request failed"}));
+                  Lines({log + "[KESTAL_CGI]:[ERROR]" + kLoop +
+                             " - request (connect) failed: std::bad_alloc",
+                         log + "[KESTAL_CGI]:[ERROR]" + kLoop + " - request (connect) failed"}));
     }
     EXPECT_EQ(recording::CallCount("sys_sdkShutdown"), 3U);
     EXPECT_EQ(recording::CallCount("FCGX_Finish_r"), 3U);
 }
 
-TEST_F(RequestLoopTest, NoStepThatThrowsKeepsTheNextOnesFromRunning) {
-    for (const std::string step :
-         {"sys_sdkInitialize", "sys_getWebUICarrierEnabled", "webui_get_i18n_settings",
-          "sys_cellularDataConnect", "CgiHelper::SendResponse", "sys_sdkShutdown"}) {
+TEST_F(RequestLoopTest, StepThatThrowsIsNamedAndKeepsNoOtherFromRunning) {
+    const std::vector<std::pair<std::string, std::string>> steps = {
+        {"sys_sdkInitialize", "start of the SDK"}, {"sys_getWebUICarrierEnabled", "carrier switch"},
+        {"webui_get_i18n_settings", "language"},   {"sys_cellularDataConnect", "connect"},
+        {"CgiHelper::SendResponse", "response"},   {"sys_sdkShutdown", "end of the SDK"},
+    };
+    for (const auto& [step, name] : steps) {
         recording::Reset();
         fake_fcgi::Reset();
         SetUp();
@@ -345,7 +351,8 @@ TEST_F(RequestLoopTest, NoStepThatThrowsKeepsTheNextOnesFromRunning) {
         EXPECT_EQ(recording::CallCount("CgiHelper::SendResponse"), 1U) << step;
         EXPECT_EQ(recording::CallCount("sys_sdkShutdown"), 1U) << step;
         EXPECT_EQ(recording::CallCount("FCGX_Finish_r"), 1U) << step;
-        EXPECT_NE(recording::TranscriptText("log 3").find("request failed: std::bad_alloc"),
+        EXPECT_NE(recording::TranscriptText("log 3").find(kLoop + " - request (" + name +
+                                                          ") failed: std::bad_alloc"),
                   std::string::npos)
             << step;
     }
