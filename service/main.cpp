@@ -28,6 +28,7 @@ int main(int /*argc*/, char** argv) {
                         "[%s]:[%s] - %s Process Start with pthread ID:%lu, process ID:%d.",
                         KESTAL_MODULE, pthread_self(), getpid());
     InstallFatalSignalHandler();
+    InstallDeadlineHandler(OperationLimit());
     Attempt("int main(int, char**)", "text domain", [] {
         LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
     });
@@ -36,8 +37,10 @@ int main(int /*argc*/, char** argv) {
     // Only now, so that a termination always finds something to unregister.
     InstallTerminationHandler();
     result = fastcgi_main_loop();
+    gOperationDeadline.Begin("end of the process");
     gKeepAliveHandler.Shutdown();
     KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "[%s]:[%s] - %s Server Terminating.", KESTAL_MODULE);
     toru_dbg_stop();
+    gOperationDeadline.End();
     return result;
 }

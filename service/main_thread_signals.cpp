@@ -38,5 +38,18 @@ sigset_t MaskLettingMainThreadSignalsIn() {
     for (const int signo : kMainThreadSignals) {
         sigdelset(&mask, signo);
     }
+    sigaddset(&mask, DeadlineSignal());
     return mask;
+}
+
+int DeadlineSignal() {
+    constexpr int kNumber = 5;
+    return SIGRTMIN + kNumber;
+}
+
+void LetDeadlineSignalIn() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, DeadlineSignal());
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }

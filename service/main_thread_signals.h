@@ -13,5 +13,13 @@ void HoldBackMainThreadSignals();
 /// Whether one of them has come in meanwhile.
 bool IsMainThreadSignalPending();
 
-/// The calling thread's mask with them let in.
+/// What the main thread gets when an operation has passed its deadline. No signal that libraries
+/// use by themselves, such as SIGALRM.
+int DeadlineSignal();
+
+/// Lets it in, in the calling thread.
+void LetDeadlineSignalIn();
+
+/// The calling thread's mask with the main thread's signals let in and DeadlineSignal() held back:
+/// a thread that waits is in no operation, and must not be woken by the timer of an earlier one.
 sigset_t MaskLettingMainThreadSignalsIn();

@@ -3,3 +3,5 @@
 const char* gProgramName = "";
 
 KeepAliveHandler gKeepAliveHandler;
+
+OperationDeadline gOperationDeadline;

@@ -8,6 +8,7 @@
 #include <csignal>
 
 #include "service/main_thread_signals.h"
+#include "service/process.h"
 
 namespace {
 
@@ -38,8 +39,13 @@ int RequestAcceptor::Accept() {
             // would read from it and look at nothing else.
             FCGX_Free(&request, 1);
         }
+        gOperationDeadline.Begin("request (receipt)");
         errno = 0;
         const int result = FCGX_Accept_r(&request);
+        if (result >= 0) {
+            return result;
+        }
+        gOperationDeadline.End();
         if (result != -EAGAIN) {
             return result;
         }

@@ -12,7 +12,8 @@ class RequestAcceptor {
     /// accepts; it holds those signals back already.
     explicit RequestAcceptor(FCGX_Request& fcgiRequest);
 
-    /// Waits for the next request. Returns what FCGX_Accept_r returns.
+    /// Waits for the next request. Returns what FCGX_Accept_r returns. The request's deadline runs
+    /// from when its connection is there; whoever ends the request ends that, too.
     int Accept();
 
   private:

@@ -12,6 +12,7 @@
 #include "platform/sysint.h"
 #include "platform/webui.h"
 #include "service/answer_encoding.h"
+#include "service/process.h"
 #include "service/request_acceptor.h"
 #include "service/signal_handlers.h"
 #include "service/standard_output.h"
@@ -22,9 +23,10 @@ constexpr const char* kFastcgiMainLoop = "int fastcgi_main_loop()";
 
 constexpr const char* kDefaultLanguage = "en_US";
 
-/// One step of the loop, which @p name tells from the others in the log.
+/// One step of the loop, which @p name, a literal, tells from the others in the log.
 template <typename Step>
 bool Attempt(const char* name, Step step) {
+    gOperationDeadline.Enter(name);
     return ::Attempt(kFastcgiMainLoop, name, step);
 }
 
@@ -95,6 +97,7 @@ void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiH
     KESTAL_SIGNATURE(kFastcgiMainLoop);
     const StandardOutputTo output(request.out);
     CTPP::CDT answer;
+    gOperationDeadline.Enter("request (login status)");
     const int loginStatus = GetLoginStatus(&helper, request);
     Attempt("request (login status)", [&] { answer["loginStatus"] = loginStatus; });
     KESTAL_DEBUG("[%s]:[%s] - %s - Starting %s request", KESTAL_MODULE);
@@ -114,7 +117,9 @@ void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiH
     Attempt("request (end of the SDK)", [] { UninitializeSysinterface(); });
     KESTAL_DEBUG("[%s]:[%s] - %s - End %s request", KESTAL_MODULE);
     WaitIfEndingByFatalSignal();
+    gOperationDeadline.Enter("request (end)");
     FCGX_Finish_r(&request);
+    gOperationDeadline.End();
 }
 
 void ServeRequests(FCGX_Request& request) {

@@ -10,24 +10,27 @@
 #include <iostream>
 
 #include "framework/log.h"
+#include "service/main_thread_signals.h"
 #include "service/process.h"
 #include "service/signal_stack.h"
 
 namespace {
 
-// A literal, so that the compiler checks it against its arguments.
+// Literals, so that the compiler checks them against their arguments.
 #define RECEIVED_SIGNAL_FORMAT "[%s]:[%s] - %s received signal: %d, backtrace:"
+#define STUCK_FORMAT "[%s]:[%s] - %s is stuck: %s has not ended within %d ms, backtrace:"
 
 constexpr int kMaxFrames = 48;
 
 constexpr std::array kFatalSignals = {SIGILL, SIGABRT, SIGSEGV};
 
 /// A handler that has not ended the process by then never will.
-constexpr unsigned int kFatalDeadlineSeconds = 2;
+constexpr unsigned int kEndSeconds = 2;
 
-std::atomic<int> gFatalSignal = 0;
-std::atomic<pid_t> gFatalThread = 0;
-std::atomic<bool> gFatalSignalLogged = false;
+/// Of the end that is under way; 0 when there is none.
+std::atomic<int> gExitStatus = 0;
+std::atomic<pid_t> gEndingThread = 0;
+std::atomic<bool> gReasonLogged = false;
 
 void Install(int signo, void (*handler)(int), int flags) {
     struct sigaction action {};
@@ -43,40 +46,69 @@ void Install(int signo, void (*handler)(int), int flags) {
     }
 }
 
-/// Last resort, for a process whose handler does not get through: it crashed while it held a lock
-/// that logging or exit needs, or the handler itself crashes. Tells the debug log, which takes no
-/// locks, what happened unless it knows; should even that hang, the next deadline ends it.
-[[noreturn]] void EndNow() {
-    if (!gFatalSignalLogged.exchange(true)) {
-        alarm(kFatalDeadlineSeconds);
-        KESTAL_LOG_PLAIN(TORU_DBG_ERROR, RECEIVED_SIGNAL_FORMAT, gProgramName, gFatalSignal.load());
-    }
-    _exit(gFatalSignal);
+int LimitMilliseconds() {
+    return static_cast<int>(gOperationDeadline.Limit().count());
 }
 
-void DeadlineHandler(int /*signo*/) {
+/// Tells the debug log, which takes no locks, why the process ends.
+void LogReason() {
+    if (gExitStatus == kStuckExitStatus) {
+        KESTAL_LOG_PLAIN(TORU_DBG_ERROR, STUCK_FORMAT, gProgramName, gOperationDeadline.Step(),
+                         LimitMilliseconds());
+    } else {
+        KESTAL_LOG_PLAIN(TORU_DBG_ERROR, RECEIVED_SIGNAL_FORMAT, gProgramName, gExitStatus.load());
+    }
+}
+
+/// The same, first to the system log.
+void SyslogReason() {
+    if (gExitStatus == kStuckExitStatus) {
+        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, STUCK_FORMAT, gProgramName, gOperationDeadline.Step(),
+                            LimitMilliseconds());
+    } else {
+        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, RECEIVED_SIGNAL_FORMAT, gProgramName,
+                            gExitStatus.load());
+    }
+}
+
+/// Last resort, for a process whose handler does not get through: it crashed or is stuck while it
+/// holds a lock that logging or exit needs, or the handler itself crashes. Tells the debug log what
+/// happened unless it knows; should even that hang, the next deadline ends it.
+[[noreturn]] void EndNow() {
+    if (!gReasonLogged.exchange(true)) {
+        alarm(kEndSeconds);
+        LogReason();
+    }
+    _exit(gExitStatus);
+}
+
+void endHandler(int /*signo*/) {
     EndNow();
 }
 
-void fatalSignalHandler(int signo) {
+/// Makes the calling thread the one that ends the process, in a limited time. Does not return when
+/// the process is already ending.
+void BeginEnd(int status) {
     int none = 0;
-    if (!gFatalSignal.compare_exchange_strong(none, signo)) {
-        if (gFatalThread == gettid()) {
+    if (!gExitStatus.compare_exchange_strong(none, status)) {
+        if (gEndingThread == gettid()) {
             EndNow();
         }
         // Another thread is already ending the process.
         WaitForEnd();
     }
-    gFatalThread = gettid();
-    Install(SIGALRM, DeadlineHandler, SA_ONSTACK | SA_NODEFER);
-    alarm(kFatalDeadlineSeconds);
-    // What was half written of an answer must not leave at exit.
-    std::cout.rdbuf(nullptr);
+    gEndingThread = gettid();
+    Install(SIGALRM, endHandler, SA_ONSTACK | SA_NODEFER);
+    alarm(kEndSeconds);
+}
+
+/// Logs why the process ends and where the calling thread stands.
+void LogBacktrace() {
     std::array<void*, kMaxFrames> frames{};
     const int count = backtrace(frames.data(), kMaxFrames);
     char** symbols = backtrace_symbols(frames.data(), count);
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, RECEIVED_SIGNAL_FORMAT, gProgramName, signo);
-    gFatalSignalLogged = true;
+    SyslogReason();
+    gReasonLogged = true;
     for (int i = 0; i < count; ++i) {
         KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %p : %s",
                             frames[static_cast<std::size_t>(i)],
@@ -84,14 +116,35 @@ void fatalSignalHandler(int signo) {
     }
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the C library allocated them
     std::free(static_cast<void*>(symbols));
+}
+
+void fatalSignalHandler(int signo) {
+    BeginEnd(signo);
+    // What was half written of an answer must not leave at exit.
+    std::cout.rdbuf(nullptr);
+    LogBacktrace();
     std::exit(signo);
 }
 
+void deadlineHandler(int /*signo*/) {
+    // The timer outlives its operation. An end that is under way has its own time.
+    if (gExitStatus != 0 || !gOperationDeadline.IsPassed()) {
+        return;
+    }
+    BeginEnd(kStuckExitStatus);
+    LogBacktrace();
+    // Exit handlers may need what the stuck call holds.
+    _exit(kStuckExitStatus);
+}
+
 void terminationHandler(int /*signo*/) {
-    if (gFatalSignal != 0) {
+    if (gExitStatus != 0) {
         // The keep-alive thread has crashed and is ending the process.
         WaitForEnd();
     }
+    // Held back where the thread waited.
+    LetDeadlineSignalIn();
+    gOperationDeadline.Begin("termination");
     gKeepAliveHandler.Shutdown();
     KESTAL_SYSLOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - %s Server Terminating", KESTAL_MODULE);
     std::exit(0);
@@ -117,12 +170,18 @@ void InstallFatalSignalHandler() {
     pthread_sigmask(SIG_UNBLOCK, &needed, nullptr);
 }
 
+void InstallDeadlineHandler(std::chrono::milliseconds limit) {
+    Install(DeadlineSignal(), deadlineHandler, SA_ONSTACK | SA_RESTART);
+    LetDeadlineSignalIn();
+    gOperationDeadline.Watch(limit);
+}
+
 void InstallTerminationHandler() {
     Install(SIGTERM, terminationHandler, 0);
 }
 
 void WaitIfEndingByFatalSignal() {
-    if (gFatalSignal != 0) {
+    if (gExitStatus != 0) {
         WaitForEnd();
     }
 }

@@ -46,7 +46,10 @@ bool KeepAliveHandler::OnThreadNotify(unsigned int /*event*/) {
     KESTAL_SIGNATURE("virtual bool KeepAliveHandler::OnThreadNotify(unsigned int)");
     KESTAL_BEGIN();
     thread_local const SignalStack stack;
-    if (getppid() == parentProcessId && kill(parentProcessId, 0) != -1) {
+    // A process that is stuck ends by itself. One that cannot, because a library holds signals back
+    // or the kernel does not come back, has the watchdog left, which must not be told otherwise.
+    if (!gOperationDeadline.IsPassed() && getppid() == parentProcessId &&
+        kill(parentProcessId, 0) != -1) {
         KESTAL_LOG(TORU_DBG_INFO,
                    "[%s]:[%s] - %s - Watchdog timer event. lighttpd alive ( and kicking ). "
                    "Sending keep alive message");

@@ -5,12 +5,13 @@
 #include "platform/web_common.h"
 
 /// Keeps the device watchdog informed that this process, and the web server that started it, are
-/// alive: once per interval, and only while the web server is still the parent.
+/// alive: once per interval, and only while the web server is still the parent and nothing that the
+/// main thread does has passed its deadline.
 class KeepAliveHandler : public MaintenanceThreadCallbackInterface {
   public:
     KeepAliveHandler();
 
-    /// Sends one keep-alive message when the web server is alive. Runs on the maintenance thread.
+    /// Sends one keep-alive message when both are alive. Runs on the maintenance thread.
     bool OnThreadNotify(unsigned int event) override;
 
     ~KeepAliveHandler() override = default;

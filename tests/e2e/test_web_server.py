@@ -286,6 +286,7 @@ def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(ma
         "KESTAL_LOG",
         "KESTAL_LOG_LEVEL",
         "KESTAL_LOCALEDIR",
+        "KESTAL_TIMEOUT",
         "LOCPATH",
         "CGICC_MAX_CONTENTLENGTH",
         "LIBFCGI_OS_CLOSE_POLL_TIMEOUT",

@@ -5,9 +5,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 #include "bindings/recording/recording.h"
+#include "service/main_thread_signals.h"
 #include "service/process.h"
 #include "tests/support/vtable.h"
 
@@ -116,6 +119,27 @@ TEST_F(KeepAliveHandlerTest, NotifyIsSilentWhenTheParentCannotBeSignalled) {
     handler.OnThreadNotify(0);
     gParentIsGone = false;
     EXPECT_EQ(recording::CallCount("watchdog_application_send_keep_alive"), 0U);
+}
+
+TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck) {
+    using std::chrono::milliseconds;
+    KeepAliveHandler handler;
+    handler.Initialize();
+    // Nothing takes the deadline's signal here, as where a library holds it back.
+    const sigset_t heldBack = MaskLettingMainThreadSignalsIn();
+    pthread_sigmask(SIG_BLOCK, &heldBack, nullptr);
+    gOperationDeadline.Watch(milliseconds(1));
+    gOperationDeadline.Begin("request (status)");
+    while (!gOperationDeadline.IsPassed()) {
+        std::this_thread::yield();
+    }
+    recording::Reset();
+    handler.OnThreadNotify(0);
+    EXPECT_EQ(recording::CallCount("watchdog_application_send_keep_alive"), 0U);
+    gOperationDeadline.End();
+    handler.OnThreadNotify(0);
+    EXPECT_EQ(recording::CallCount("watchdog_application_send_keep_alive"), 1U);
+    gOperationDeadline.Watch(milliseconds(0));
 }
 
 TEST_F(KeepAliveHandlerTest, VirtualOperationsKeepTheirSlots) {

@@ -5,10 +5,12 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <string>
 
 #include "bindings/recording/recording.h"
 #include "service/process.h"
+#include "service/signal_handlers.h"
 #include "tests/support/fake_fcgi.h"
 
 int KestalMain(int argc, char** argv);
@@ -117,6 +119,23 @@ TEST_F(MainTest, FatalHandlersAreThereBeforeTheWatchdogAndTheTerminationHandlerO
     EXPECT_TRUE(installed[2]);
     EXPECT_FALSE(installed[3]);
     EXPECT_TRUE(custom(SIGTERM));
+}
+
+TEST_F(MainTest, StuckEndOfTheProcessEndsIt) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            recording::Echo();
+            setenv("KESTAL_TIMEOUT", "1", 1);
+            recording::Given("MaintenanceThread::Shutdown").Does([] {
+                for (;;) {
+                    pause();
+                }
+            });
+            RunMain("kestal.cgi");
+        },
+        testing::ExitedWithCode(kStuckExitStatus),
+        "is stuck: end of the process has not ended within 3000 ms, backtrace:\n");
 }
 
 TEST_F(MainTest, KeepAliveThreadIsStartedWithTheMainThreadsSignalsHeldBack) {

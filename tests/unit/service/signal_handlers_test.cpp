@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -76,6 +77,19 @@ extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept
 
 namespace {
 
+constexpr std::chrono::milliseconds kShort(50);
+constexpr std::chrono::milliseconds kLong(600'000);
+
+[[noreturn]] void HangForGood() {
+    for (;;) {
+        pause();
+    }
+}
+
+const std::string kStuck =
+    "log 3 .KESTAL_CGI.:.ERROR. - kestal.cgi is stuck: request .status. has not ended within 50 "
+    "ms, backtrace:";
+
 const std::string kReceived = "log 3 .KESTAL_CGI.:.ERROR. - kestal.cgi received signal: ";
 
 class SignalHandlersDeathTest : public testing::Test {
@@ -90,6 +104,13 @@ class SignalHandlersDeathTest : public testing::Test {
         recording::Echo();
         gSymbols = symbols;
         InstallFatalSignalHandler();
+    }
+
+    /// A process in which an operation may take @p limit.
+    static void PrepareDeadline(Symbols symbols = Symbols::come,
+                                std::chrono::milliseconds limit = kShort) {
+        Prepare(symbols);
+        InstallDeadlineHandler(limit);
     }
 };
 
@@ -245,6 +266,105 @@ TEST_F(SignalHandlersDeathTest, AlarmOfSomeoneElseIsNotTaken) {
     struct sigaction action {};
     sigaction(SIGALRM, nullptr, &action);
     EXPECT_EQ(action.sa_handler, SIG_DFL);
+}
+
+TEST_F(SignalHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            (void)std::atexit([] { recording::Record("exit handler"); });
+            gOperationDeadline.Begin("request (receipt)");
+            gOperationDeadline.Enter("request (status)");
+            HangForGood();
+        },
+        testing::ExitedWithCode(kStuckExitStatus),
+        testing::AllOf(
+            testing::ContainsRegex("^[0-9]+ frames\nsyslog 138 .KESTAL_CGI.:.ERROR. - "
+                                   "kestal.cgi is stuck: request .status. has not ended within 50 "
+                                   "ms, backtrace:\n" +
+                                   kStuck +
+                                   "\nsyslog 138 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : frame\n"
+                                   "log 3 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : frame\n"),
+            testing::Not(testing::HasSubstr("exit handler"))));
+}
+
+TEST_F(SignalHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsNamedAllTheSame) {
+    for (const Symbols symbols : {Symbols::neverCome, Symbols::crash}) {
+        EXPECT_EXIT(
+            {
+                PrepareDeadline(symbols);
+                gOperationDeadline.Begin("request (status)");
+                HangForGood();
+            },
+            testing::ExitedWithCode(kStuckExitStatus), "^" + kStuck + "\n$");
+    }
+}
+
+TEST_F(SignalHandlersDeathTest, EveryOperationHasItsTimeAlsoOneThatFollowsAnotherAtOnce) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            gOperationDeadline.Begin("request (connect)");
+            gOperationDeadline.End();
+            gOperationDeadline.Begin("request (status)");
+            HangForGood();
+        },
+        testing::ExitedWithCode(kStuckExitStatus), kStuck);
+}
+
+TEST_F(SignalHandlersDeathTest, TimerOfAnOperationThatHasEndedDisturbsNoLaterOne) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            // As while the process waits: the signal comes in with the next request.
+            const sigset_t waiting = MaskLettingMainThreadSignalsIn();
+            sigset_t usual;
+            pthread_sigmask(SIG_SETMASK, &waiting, &usual);
+            gOperationDeadline.Begin("request (connect)");
+            gOperationDeadline.End();
+            sigset_t pending;
+            do {
+                sigpending(&pending);
+            } while (sigismember(&pending, DeadlineSignal()) == 0);
+            gOperationDeadline.Watch(kLong);
+            gOperationDeadline.Begin("request (status)");
+            pthread_sigmask(SIG_SETMASK, &usual, nullptr);
+            std::exit(gOperationDeadline.IsPassed() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(SignalHandlersDeathTest, TerminationThatIsStuckEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            recording::Given("watchdog_application_register").Does(HangForGood);
+            HoldBackMainThreadSignals();
+            InstallTerminationHandler();
+            (void)raise(SIGTERM);
+            const sigset_t mask = MaskLettingMainThreadSignalsIn();
+            sigsuspend(&mask);
+        },
+        testing::ExitedWithCode(kStuckExitStatus),
+        "is stuck: termination has not ended within 50 ms, backtrace:\n");
+}
+
+TEST_F(SignalHandlersDeathTest, CrashWhoseHandlerTakesLongKeepsItsStatusWhenTheDeadlinePasses) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            gMeanwhile = [] {
+                while (!gOperationDeadline.IsPassed()) {
+                    std::this_thread::yield();
+                }
+                (void)raise(DeadlineSignal());
+            };
+            gOperationDeadline.Begin("request (status)");
+            (void)raise(SIGSEGV);
+        },
+        testing::ExitedWithCode(SIGSEGV),
+        testing::AllOf(testing::ContainsRegex("received signal: 11.*\n.*: frame"),
+                       testing::Not(testing::HasSubstr("is stuck"))));
 }
 
 TEST_F(SignalHandlersDeathTest, TerminationUnregistersAndEndsWithZero) {

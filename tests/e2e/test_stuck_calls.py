@@ -1,0 +1,115 @@
+"""Calls of the device that do not come back.
+
+A device that is told to connect changes its document, for which it waits until nobody else does. Who
+holds that lock and does not let go makes the call hang for good.
+"""
+
+import contextlib
+import fcntl
+import os
+import re
+import signal
+import subprocess
+
+import pytest
+
+from support import fastcgi, paths, processes
+from support.waiting import wait_until
+
+STUCK = 75
+CONNECT = {**fastcgi.STATUS, "REQUEST_URI": "/srv/connect"}
+FRAME = re.compile(r"\[KESTAL_CGI\]:\[ERROR\] - 0x[0-9a-f]+ : (?P<file>[^(]+)\((?P<symbol>[^)]*)\) .+")
+
+needs_signals = pytest.mark.skipif(
+    "thread" in paths.SANITIZERS, reason="the thread sanitizer holds a signal back until the call is over"
+)
+
+
+def message(step):
+    return f"[KESTAL_CGI]:[ERROR] - kestal.cgi is stuck: request ({step}) has not ended within 3000 ms, backtrace:"
+
+
+@contextlib.contextmanager
+def changes_hang(device):
+    directory = os.open(device.path.parent, os.O_RDONLY)
+    fcntl.flock(directory, fcntl.LOCK_EX)
+    try:
+        yield
+    finally:
+        os.close(directory)
+
+
+@pytest.fixture
+def impatient(make_responder):
+    """A service whose web server waits for one second."""
+    responder = make_responder()
+    responder.environment["KESTAL_TIMEOUT"] = "1"
+    return responder.start()
+
+
+def functions(frames):
+    """Names of the service's own functions in which frames of a backtrace stand."""
+    addresses = [FRAME.fullmatch(frame) for frame in frames]
+    assert all(addresses), frames
+    own = [match["symbol"] for match in addresses if match["file"] == str(paths.SERVICE)]
+    # Where symbols are exported they stand in front, and the rest is no address of the file.
+    offsets = [symbol for symbol in own if symbol.startswith("+0x")]
+    names = [symbol.partition("+")[0] for symbol in own if not symbol.startswith("+0x")]
+    command = ["addr2line", "-f", "-C", "-i", "-e", str(paths.SERVICE), *offsets]
+    return names + subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()[::2]
+
+
+@needs_signals
+def test_a_request_that_hangs_is_named_with_all_its_frames_and_ends_the_process(impatient):
+    with changes_hang(impatient.device), impatient.connect() as connection:
+        connection.send(fastcgi.request(CONNECT))
+        assert impatient.process.wait(20) == STUCK
+    messages = impatient.log.messages()
+    frames = messages[messages.index(message("connect")) + 1 :]
+    assert 4 < len(frames) <= 48
+    found = functions(frames)
+    order = ["sys_cellularDataConnect", "SystemServiceComponent::Dispatch", "fastcgi_main_loop", "main"]
+    places = [next(i for i, name in enumerate(found) if name.split("(")[0] == wanted) for wanted in order]
+    assert places == sorted(places)
+    # It stays registered, so that the watchdog notices when nobody starts it again.
+    assert impatient.log.count("unregistered") == 0
+
+
+@needs_signals
+def test_a_termination_of_a_service_that_hangs_does_not_keep_it_alive(impatient):
+    with changes_hang(impatient.device), impatient.connect() as connection:
+        connection.send(fastcgi.request(CONNECT))
+        impatient.log.wait_for("InitializeSysinterface() - END")
+        assert impatient.end(signal.SIGTERM) == STUCK
+    assert impatient.log.messages().count(message("connect")) == 1
+
+
+@needs_signals
+def test_a_peer_that_does_not_finish_its_request_keeps_nobody_waiting_for_good(impatient):
+    with impatient.connect() as connection:
+        connection.send(fastcgi.request(fastcgi.STATUS)[:30])
+        assert impatient.process.wait(20) == STUCK
+    assert impatient.log.messages().count(message("receipt")) == 1
+
+
+@needs_signals
+def test_the_web_server_starts_a_service_again_that_hangs(make_server):
+    server = make_server()
+    server.environment["KESTAL_TIMEOUT"] = "1"
+    server.start()
+    stuck = server.responder()
+    with changes_hang(server.device):
+        assert server.ask("/srv/connect").status == 504
+        # Three times what the web server waits.
+        server.log.wait_for(message("connect"))
+        wait_until(lambda: not processes.is_alive(stuck), "the service that hangs has ended")
+        # The device still hangs where it did; everything else is answered.
+        wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+    assert server.responder() != stuck
+    assert server.ask("/srv/connect").status == 200
+
+
+def test_without_being_told_the_service_takes_what_the_launcher_takes_for_its_limit(server):
+    told = processes.environment(server.responder())["KESTAL_TIMEOUT"]
+    source = (paths.ROOT / "service" / "operation_deadline.cpp").read_text()
+    assert re.search(r"kDefaultTimeoutSeconds = (\d+);", source)[1] == told
