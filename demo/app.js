@@ -2,46 +2,43 @@
 
 import { Cards, StatusBar } from "./cards.js";
 import { setText } from "./dom.js";
-import { isRightToLeft } from "./format.js";
+import { formatTime, t } from "./language.js";
+import { connection, traffic } from "./network.js";
+import { offerLanguages, startLanguage } from "./page_language.js";
 import { Poller } from "./poller.js";
 import { askNotifications, askStatus, connect, disconnect } from "./service.js";
-import { connection, smallCards, statusItems, traffic, translatedTexts } from "./status.js";
+import { smallCards, statusItems } from "./status.js";
 import { TrafficHistory } from "./traffic.js";
+import { UntoldNotice } from "./untold_notice.js";
 
 const byId = (id) => document.getElementById(id);
 
-const TROUBLES = {
-    gone: ["The hotspot does not answer.", "This page goes on by itself as soon as it is back."],
-    disabled: ["The web interface is switched off.", "The carrier has disabled it on this device."],
-    refused: [
-        "The hotspot refuses to answer this page.",
-        "Open it by an address that the hotspot knows.",
-    ],
-};
+/** What keeps the page from an answer, by the names of its texts. */
+const TROUBLES = ["gone", "disabled", "refused"];
 
-const REFUSED =
-    "The hotspot does not take this order from here. Open the page by an address that it knows.";
-
-const clock = new Intl.DateTimeFormat("en", {
-    hour: "2-digit",
-    minute: "2-digit",
-    second: "2-digit",
-    hourCycle: "h23",
-});
+startLanguage();
 
 const trafficHistory = new TrafficHistory();
-const cards = new Cards(byId("cards"), byId("details"), act, trafficHistory);
 const statusBar = new StatusBar(byId("status-items"));
+const untoldNotice = new UntoldNotice(byId("untold"));
 const poller = new Poller(ask);
 
+let cards = makeCards();
 let answer = null;
 let answeredAt = null;
 let trouble = null;
 /** The action under way: its name and the state that it is to change. */
 let pending = null;
+/** The name of what became of the last action. */
 let message = null;
 let announcedState = null;
 let announcedNotifications = null;
+let tellsNothing = false;
+let announcedNothing = false;
+
+function makeCards() {
+    return new Cards(byId("cards"), byId("details"), act, trafficHistory);
+}
 
 /** Tells it to screen readers. */
 function announce(text) {
@@ -51,17 +48,16 @@ function announce(text) {
 async function ask() {
     try {
         const { loggedIn, data } = await askStatus();
-        // "0" says that the list is empty.
-        const notifications =
-            data.statusBarNotificationFlag === "0" ? [] : await askNotifications();
-        take(loggedIn, data, notifications);
+        // Whatever the flag of the status says: a list that could not be read has the flag of an
+        // empty one.
+        take(loggedIn, data, await askNotifications());
         return true;
     } catch (error) {
         // Whatever has failed, be it this page: what is shown is no longer what is.
         if (error.kind === undefined) {
             console.error(error);
         }
-        lose(TROUBLES[error.kind] === undefined ? "gone" : error.kind);
+        lose(TROUBLES.includes(error.kind) ? error.kind : "gone");
         return false;
     }
 }
@@ -70,8 +66,10 @@ function take(loggedIn, data, notifications) {
     answer = { loggedIn, data, notifications };
     answeredAt = Date.now();
     const counters = traffic(data);
-    if (counters !== null) {
+    if (counters?.flows) {
         trafficHistory.add(answeredAt, counters.received, counters.sent);
+    } else {
+        trafficHistory.pause();
     }
     settle(connection(data));
     const wasLost = trouble !== null;
@@ -92,7 +90,7 @@ function lose(kind) {
     pending = null;
     poller.settle();
     show();
-    announce(TROUBLES[kind].join(" "));
+    announce(`${t(`trouble.${kind}.title`)} ${t(`trouble.${kind}.text`)}`);
 }
 
 /** An action is over when the device is in another state, or when it had its time. */
@@ -104,12 +102,9 @@ function settle(now) {
         pending = null;
         poller.settle();
     } else if (!poller.isWaitingForEffect) {
-        message =
-            pending.name === "connect"
-                ? "The hotspot has not connected."
-                : "The hotspot has not disconnected.";
+        message = `action.${pending.name}Failed`;
         pending = null;
-        announce(message);
+        announce(t(message));
     }
 }
 
@@ -124,8 +119,8 @@ async function act(name) {
     } catch (error) {
         if (error.kind === "refused") {
             pending = null;
-            message = REFUSED;
-            announce(message);
+            message = "action.refused";
+            announce(t(message));
             show();
         } else {
             lose(error.kind);
@@ -136,16 +131,20 @@ async function act(name) {
 function announceNews(wasLost) {
     const news = [];
     if (wasLost) {
-        news.push("The hotspot answers again.");
+        news.push(t("news.back"));
     }
     const state = connection(answer.data)?.label ?? null;
     if (announcedState !== null && state !== null && state !== announcedState) {
-        news.push(`${state}.`);
+        news.push(t("news.state", { state }));
     }
     announcedState = state ?? announcedState;
+    if (tellsNothing && !announcedNothing) {
+        news.push(t("untold.nothing"));
+    }
+    announcedNothing = tellsNothing;
     const number = answer.notifications?.length ?? 0;
     if (announcedNotifications !== null && number > announcedNotifications) {
-        news.push("There is a new notification.");
+        news.push(t("news.notification"));
     }
     announcedNotifications = number;
     if (news.length > 0) {
@@ -161,12 +160,10 @@ function showTrouble() {
     byId("trouble").hidden = trouble === null;
     document.body.classList.toggle("stale", trouble !== null);
     if (trouble !== null) {
-        const [title, text] = TROUBLES[trouble];
-        setText(byId("trouble-title"), title);
-        setText(
-            byId("trouble-text"),
-            answer === null ? text : `What you see is from ${clock.format(answeredAt)}. ${text}`,
-        );
+        const text = t(`trouble.${trouble}.text`);
+        const stale = answer && t("trouble.stale", { time: formatTime(answeredAt) });
+        setText(byId("trouble-title"), t(`trouble.${trouble}.title`));
+        setText(byId("trouble-text"), answer === null ? text : `${stale} ${text}`);
     }
 }
 
@@ -177,25 +174,34 @@ function show() {
         return;
     }
     const { loggedIn, data, notifications } = answer;
-    document.documentElement.dir = translatedTexts(data, notifications).some(isRightToLeft)
-        ? "rtl"
-        : "ltr";
     const login = byId("login");
-    setText(login, loggedIn ? "Signed in" : "Signed out");
+    setText(login, t(loggedIn ? "page.signedIn" : "page.signedOut"));
     login.classList.toggle("good", loggedIn);
     login.hidden = false;
     statusBar.show(statusItems(data));
+    tellsNothing = untoldNotice.show(data);
     cards.show({
         connection: connection(data),
         traffic: traffic(data),
         small: smallCards(data),
-        notifications,
+        // A device that tells nothing has not told that there are none.
+        notifications: tellsNothing && notifications?.length === 0 ? null : notifications,
         pending: pending?.name ?? null,
         message,
         time: answeredAt,
     });
-    setText(byId("updated"), `Updated ${clock.format(answeredAt)}`);
+    setText(byId("updated"), t("page.updated", { time: formatTime(answeredAt) }));
 }
 
+/** What stands on the page already is told once more. */
+function changeLanguage() {
+    cards = makeCards();
+    // The same state has another name now, which is no news.
+    announcedState = null;
+    announce("");
+    show();
+}
+
+offerLanguages(byId("language"), changeLanguage);
 byId("retry").addEventListener("click", () => poller.now());
 poller.start();

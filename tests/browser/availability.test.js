@@ -4,6 +4,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 
 import { shows, until } from "./support/browser.js";
+import { answers, settled, stopClock } from "./support/clock.js";
 import { device } from "./support/server.js";
 import { suite } from "./support/suite.js";
 
@@ -13,29 +14,6 @@ const GONE = /does not answer/;
 
 function isWell(page) {
     return until(page, () => document.querySelector("#trouble").hidden);
-}
-
-/** Everything that the page had at hand is done. */
-function settled(page) {
-    return page.evaluate(() => fetch("/favicon.svg").then((answer) => answer.text()));
-}
-
-/** Waits for the answer that something brings about; it must tell another second. */
-async function answers(page, action) {
-    const shown = await page.locator("#updated").innerText();
-    await action();
-    await until(page, (before) => document.querySelector("#updated").innerText !== before, shown);
-    await settled(page);
-}
-
-/** From here on the page's time passes by hand only. */
-async function stopClock(page) {
-    await page.clock.install({ time: new Date("2026-11-21T12:00:00") });
-    await page.clock.pauseAt(new Date("2026-11-21T13:00:00"));
-    // The page begins anew, with time at rest: no question is under way, and the next one is planned.
-    await page.reload();
-    await shows(page, "#updated", "Updated 13:00:00");
-    await settled(page);
 }
 
 test("a server that goes and comes back", async (t) => {
@@ -103,16 +81,23 @@ test("a service that hangs", async (t) => {
     await isWell(page);
 });
 
-test("a web interface that the carrier has switched off", async (t) => {
-    const document = device("default");
-    document.sys.getWebUICarrierEnabled = 0;
-    const server = await serve(t, document);
-    const page = await visit(t, server, { answered: false });
-    await shows(page, "#trouble", "The web interface is switched off.");
-    server.set({ getWebUICarrierEnabled: 1 });
-    await isWell(page);
-    await shows(page, "#connection .network", "Orvane");
-});
+for (const [cause, answer] of [
+    ["the carrier has switched it off", 0],
+    ["the device cannot be asked whether it may", { error: 5 }],
+]) {
+    test(`a web interface that is not available, because ${cause}`, async (t) => {
+        const document = device("default");
+        document.sys.getWebUICarrierEnabled = answer;
+        const server = await serve(t, document);
+        const page = await visit(t, server, { answered: false });
+        await shows(page, "#trouble", "The web interface is not available.");
+        // The two cannot be told apart.
+        await shows(page, "#trouble", /the carrier has switched it off.*no device to ask/);
+        server.set({ getWebUICarrierEnabled: 1 });
+        await isWell(page);
+        await shows(page, "#connection .network", "Orvane");
+    });
+}
 
 test("a page that is looked at asks every three seconds, a hidden one every minute", async (t) => {
     const server = await serve(t);
@@ -143,21 +128,4 @@ test("a page that is looked at asks every three seconds, a hidden one every minu
     await page.clock.runFor(1000);
     await answers(page, () => hide(false));
     await asksAfter(3);
-});
-
-test("an empty list of notifications is not asked for", async (t) => {
-    const document = device("default");
-    document.msgbus["zelt.ans.notifications"] = [];
-    const server = await serve(t, document);
-    const asked = [];
-    const page = await visit(t, server, { answered: false });
-    page.on("request", (request) => asked.push(new URL(request.url()).pathname));
-    await shows(page, "#notifications", "Nothing needs your attention.");
-    await until(
-        page,
-        (shown) => document.querySelector("#updated").textContent !== shown,
-        await page.locator("#updated").innerText(),
-    );
-    assert.ok(asked.includes("/srv/status"));
-    assert.ok(!asked.includes("/srv/notification"), String(asked));
 });

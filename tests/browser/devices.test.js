@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
-import { assertQuiet, cards, row, shows } from "./support/browser.js";
+import { assertQuiet, cards, row, shows, untold } from "./support/browser.js";
 import { device } from "./support/server.js";
 import { suite } from "./support/suite.js";
 
@@ -21,6 +21,21 @@ const EVERYTHING = [
     "gps",
     "sms",
     "update",
+];
+
+const ALL_PARTS = [
+    "Network",
+    "Traffic",
+    "Signal",
+    "SIM card",
+    "Battery",
+    "Connected devices",
+    "Wi-Fi",
+    "Memory card",
+    "GPS",
+    "Messages",
+    "Software update",
+    "Notifications",
 ];
 
 function statusBar(page) {
@@ -71,6 +86,7 @@ test("a 5G device with everything", async (t) => {
     await shows(page, "#login", "Signed out");
     assert.deepEqual(await statusBar(page), ["signal", "wifi", "sms", "bell", "gps", "battery"]);
     await assertQuiet(page);
+    assert.deepEqual(await untold(page), []);
 });
 
 test("an LTE device without a memory card", async (t) => {
@@ -80,6 +96,7 @@ test("an LTE device without a memory card", async (t) => {
     assert.equal(await row(page, "storage", "Used"), null);
     assert.equal(await row(page, "battery", "Powered by"), "Battery");
     await assertQuiet(page);
+    assert.deepEqual(await untold(page), []);
 });
 
 test("a 3G device tells another kind of signal quality", async (t) => {
@@ -89,6 +106,7 @@ test("a 3G device tells another kind of signal quality", async (t) => {
     assert.equal(await row(page, "signal", "SINR"), "7 dB");
     assert.equal(await row(page, "signal", "SNR"), null);
     assert.ok(!(await cards(page)).includes("gps"), "the device has no GPS");
+    assert.deepEqual(await untold(page), []);
 });
 
 test("no service", async (t) => {
@@ -101,6 +119,7 @@ test("no service", async (t) => {
     const button = page.getByRole("button", { name: "Connect", exact: true });
     assert.equal(await button.getAttribute("aria-disabled"), "true");
     await assertQuiet(page);
+    assert.deepEqual(await untold(page), []);
 });
 
 test("a SIM that waits for its PIN", async (t) => {
@@ -115,6 +134,7 @@ test("no SIM", async (t) => {
     await shows(page, "#sim .headline", "No SIM card");
     await shows(page, "#connection .note", "SIM card: No SIM card");
     await assertQuiet(page);
+    assert.deepEqual(await untold(page), []);
 });
 
 test("two SIMs, the second in use", async (t) => {
@@ -127,6 +147,7 @@ test("two SIMs, the second in use", async (t) => {
     await shows(page, "#sim .part:nth-of-type(1)", /SIM 1\s+Ready[^]*Orvane/);
     await shows(page, "#sim .part:nth-of-type(2)", /SIM 2\s+In use\s+Ready[^]*Velta Mobil/);
     await assertQuiet(page);
+    assert.deepEqual(await untold(page), []);
 });
 
 test("two slots, the second empty", async (t) => {
@@ -147,6 +168,7 @@ test("airplane mode", async (t) => {
     await shows(page, "#connection .state", "Airplane mode");
     assert.equal((await statusBar(page))[0], "airplane");
     await shows(page, "#local", "Wi-Fi");
+    assert.deepEqual(await untold(page), []);
 });
 
 test("an account out of credit that still holds its connection can be disconnected", async (t) => {
@@ -158,10 +180,10 @@ test("an account out of credit that still holds its connection can be disconnect
 
 test("a device of which nothing is known", async (t) => {
     const page = await visit(t, await serve(t, device("everything-failing")));
-    assert.deepEqual(
-        (await cards(page)).filter((id) => id !== "notifications"),
-        [],
-    );
+    await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
+    assert.deepEqual(await untold(page), ALL_PARTS);
+    // Least of all that there are no notifications.
+    assert.deepEqual(await cards(page), []);
     assert.deepEqual(await statusBar(page), []);
     assert.equal(await page.locator("#trouble").isVisible(), false);
     await shows(page, "h1", "Hotspot");
@@ -170,11 +192,20 @@ test("a device of which nothing is known", async (t) => {
 
 test("a device whose carrier enables everything and which tells nothing", async (t) => {
     const page = await visit(t, await serve(t, device("every-group-failing")));
-    assert.deepEqual(
-        (await cards(page)).filter((id) => !["notifications", "update"].includes(id)),
-        [],
-    );
+    await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
+    assert.deepEqual(await untold(page), ALL_PARTS);
+    assert.deepEqual(await cards(page), []);
     await assertQuiet(page);
+});
+
+test("a device that keeps some parts to itself", async (t) => {
+    const document = device("default");
+    document.sys.getBatteryStatus = { error: 5 };
+    document.sys.getConnectedDeviceList = { error: 5 };
+    const page = await visit(t, await serve(t, document));
+    await shows(page, "#untold", "The hotspot does not tell all of its state.");
+    assert.deepEqual(await untold(page), ["Battery", "Connected devices"]);
+    await shows(page, "#connection .network", /^Orvane$/);
 });
 
 test("a caller with a session is signed in", async (t) => {

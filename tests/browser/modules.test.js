@@ -9,10 +9,9 @@ import { ROOT } from "./support/paths.js";
 
 const module = (name) => import(pathToFileURL(path.join(ROOT, "demo", name)));
 
-const { bytes, duration, isRightToLeft, parseCount, parseInteger, rate, unitOf } =
-    await module("format.js");
+const { bytes, duration, parseCount, parseInteger, rate, unitOf } = await module("format.js");
+const network = await module("network.js");
 const status = await module("status.js");
-const { niceMaximum, TrafficHistory, WINDOW } = await module("traffic.js");
 const { safeAddress } = await module("notification_text.js");
 
 test("amounts have three digits and the unit that fits", () => {
@@ -70,54 +69,6 @@ test("what is no number is none", () => {
     }
     assert.equal(parseInteger("-1"), -1);
     assert.equal(parseInteger(7), 7);
-});
-
-test("letters decide the direction", () => {
-    assert.ok(isRightToLeft("Orvane Hotspot: رسائل"));
-    assert.ok(isRightToLeft("שלום"));
-    assert.ok(!isRightToLeft("新しいメッセージ 5G"));
-});
-
-test("rates are differences over time, and counters that go back are gaps", () => {
-    const history = new TrafficHistory();
-    history.add(0, 1000n, 100n);
-    assert.equal(history.now, null);
-    history.add(2000, 5000n, 100n);
-    assert.deepEqual(history.now, { from: 0, time: 2000, received: 2000, sent: 0 });
-    history.add(4000, 10n, 0n);
-    assert.equal(history.now, null);
-    history.add(6000, 10n, 50n);
-    assert.equal(history.now.sent, 25);
-    history.add(6000 + 91_000, 1010n, 50n);
-    assert.equal(history.now, null);
-    assert.equal(history.points.length, 4);
-    history.add(WINDOW + 5000, 1010n, 50n);
-    assert.deepEqual(
-        history.points.map((point) => point.time),
-        [6000, 97_000, WINDOW + 5000],
-    );
-});
-
-test("counters beyond what a floating number holds exactly still have exact differences", () => {
-    const history = new TrafficHistory();
-    history.add(0, 18446744073709551000n, 0n);
-    history.add(1000, 18446744073709551600n, 0n);
-    assert.equal(history.now.received, 600);
-});
-
-test("the scale ends at 1, 2 or 5 times a power of ten", () => {
-    const cases = [
-        [0, 1000],
-        [1000, 1000],
-        [1001, 2000],
-        [2001, 5000],
-        [5001, 10_000],
-        [10_001, 20_000],
-        [480_000_000, 500_000_000],
-    ];
-    for (const [value, maximum] of cases) {
-        assert.equal(niceMaximum(value), maximum);
-    }
 });
 
 test("addresses are own pages or pages of the web", () => {
@@ -185,22 +136,18 @@ test("an answer of wrong types is an answer without these values", () => {
         isDualSimSupported: "1",
         statusBarSmsUnreadCount: true,
     };
-    assert.equal(status.connection(odd), null);
-    assert.equal(status.traffic(odd), null);
+    assert.equal(network.connection(odd), null);
+    assert.equal(network.traffic(odd), null);
     assert.deepEqual(status.smallCards(odd), []);
     assert.deepEqual(status.statusItems(odd), []);
-    assert.deepEqual(
-        status.translatedTexts({ statusBarBandwidth: 3 }, [null, {}, { text: 1 }]),
-        [],
-    );
 });
 
 test("a state that this page does not know is shown as it is, without an action", () => {
-    const shown = status.connection({
+    const shown = network.connection({
         statusBarNetwork: "N",
         statusBarConnectionState: "Hibernating",
     });
     assert.deepEqual([shown.label, shown.action], ["Hibernating", null]);
-    const unknown = status.connection({ statusBarNetwork: "N", statusBarConnectionState: "" });
+    const unknown = network.connection({ statusBarNetwork: "N", statusBarConnectionState: "" });
     assert.equal(unknown.label, "State unknown");
 });

@@ -47,8 +47,8 @@ test("each has its severity, its title, its text and its link", async (t) => {
     );
     await shows(page, "#notifications [data-id=softwareUpdate]", /Warning/);
     assert.deepEqual(await links(page), [
-        ["View messages.", "/messages", "href"],
         ["Install now.", "/about/update", "href"],
+        ["View messages.", "/messages", "href"],
     ]);
     // A text that knows nothing of the link behind it is set apart from it.
     await shows(
@@ -79,7 +79,40 @@ test("a new one appears and is announced, one that is over goes", async (t) => {
     );
     document.msgbus[CHANNEL] = [];
     server.write(document);
-    await shows(page, "#notifications", "Nothing needs your attention.");
+    await shows(page, "#notifications", "The hotspot reports no notifications.");
+});
+
+test("the most urgent ones come first, those of one severity in the device's order", async (t) => {
+    const document = device("default");
+    const severities = ["info", "odd", "warning", "critical", "alert", "info", "critical"];
+    document.msgbus[CHANNEL] = severities.map((severity, i) => ({
+        id: `${i}`,
+        severity: severity === "odd" ? 9 : severity,
+    }));
+    const page = await visit(t, await serve(t, document));
+    const order = await page
+        .locator(".notification")
+        .evaluateAll((nodes) => nodes.map((node) => node.dataset.id));
+    assert.deepEqual(order, ["3", "6", "4", "2", "0", "5", "1"]);
+});
+
+test("a list that the status takes for an empty one is shown nevertheless", async (t) => {
+    const page = await visit(t, await serve(t), { answered: false });
+    await page.route("**/srv/status", async (route) => {
+        const response = await route.fetch();
+        const answer = await response.json();
+        answer.statusData.statusBarNotificationFlag = "0";
+        await route.fulfill({ response, json: answer });
+    });
+    await page.reload();
+    await shows(page, "#notifications [data-id=smsReceived]", "New message");
+});
+
+test("of a list that cannot be read, nobody is told that all is well", async (t) => {
+    const document = device("default");
+    document.msgbus[CHANNEL] = { error: 5 };
+    const page = await visit(t, await serve(t, document));
+    await shows(page, "#notifications .empty", /^The hotspot reports no notifications\.$/);
 });
 
 test("nothing in a text runs, is loaded or becomes part of the page", async (t) => {

@@ -33,8 +33,10 @@ test("every file of the page comes with its type and with the policy", async (t)
     const types = {
         "/": "text/html; charset=utf-8",
         "/style.css": "text/css; charset=utf-8",
+        "/notices.css": "text/css; charset=utf-8",
         "/glyphs.css": "text/css; charset=utf-8",
         "/cards.css": "text/css; charset=utf-8",
+        "/traffic.css": "text/css; charset=utf-8",
         "/favicon.svg": "image/svg+xml",
     };
     // The page does not wait for its pictures.

@@ -54,7 +54,8 @@ def test_everything_that_runs_is_installed(prefix, configuration):
     texts = {name for name in files if name.startswith("share/locale/")}
     assert texts == {f"share/locale/{language}/LC_MESSAGES/webui.mo" for language in LANGUAGES}
     page = {name for name in files if name.startswith("share/kestal/demo/")}
-    assert page == {f"share/kestal/demo/{path.name}" for path in (paths.ROOT / "demo").iterdir()}
+    shipped = [path for path in (paths.ROOT / "demo").rglob("*") if path.is_file()]
+    assert page == {f"share/kestal/{path.relative_to(paths.ROOT)}" for path in shipped}
     devices = {name for name in files if name.startswith("share/kestal/devices/")}
     assert devices == {f"share/kestal/devices/{path.name}" for path in paths.DEVICES.iterdir()}
     scenarios = {name for name in files if name.startswith("share/kestal/scenarios/")}

@@ -101,7 +101,13 @@ export async function row(page, card, name) {
 
 /** The cards that are shown, in their order. */
 export function cards(page) {
-    return page.locator("main section").evaluateAll((nodes) => nodes.map((node) => node.id));
+    return page.locator("main .card").evaluateAll((nodes) => nodes.map((node) => node.id));
+}
+
+/** What the page says that the device does not tell; empty when it says nothing of that kind. */
+export async function untold(page) {
+    const notice = page.locator("#untold");
+    return (await notice.isVisible()) ? notice.locator("li").allInnerTexts() : [];
 }
 
 /** Fails when the page has broken its own policy or complained in the console. */
