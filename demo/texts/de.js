@@ -10,6 +10,12 @@ export default {
     "page.signedIn": "Angemeldet",
     "page.signedOut": "Abgemeldet",
 
+    "missing.title": "Diese Seite gibt es hier nicht",
+    "missing.text":
+        "Die Links der Benachrichtigungen führen zu Seiten des Geräteherstellers. Diese Vorführung besteht aus einer einzigen Seite und zeigt an deren Stelle diesen Hinweis.",
+    "missing.address": "Aufgerufen wurde:",
+    "missing.back": "Zurück zur Übersicht",
+
     "trouble.retry": "Erneut versuchen",
     "trouble.stale": "Die Anzeige ist von {time} Uhr.",
     "trouble.gone.title": "Der Hotspot antwortet nicht.",

@@ -11,6 +11,12 @@ export default {
     "page.signedIn": "Signed in",
     "page.signedOut": "Signed out",
 
+    "missing.title": "This page is not here",
+    "missing.text":
+        "Links of notifications lead to pages of the device's maker. This demonstration has one page only and puts this one in their place.",
+    "missing.address": "You asked for:",
+    "missing.back": "Back to the overview",
+
     "trouble.retry": "Try again",
     "trouble.stale": "What you see is from {time}.",
     "trouble.gone.title": "The hotspot does not answer.",

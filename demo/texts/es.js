@@ -10,6 +10,12 @@ export default {
     "page.signedIn": "Sesión iniciada",
     "page.signedOut": "Sin sesión",
 
+    "missing.title": "Esta página no está aquí",
+    "missing.text":
+        "Los enlaces de las notificaciones llevan a páginas del fabricante del dispositivo. Esta demostración consta de una sola página y muestra esta en su lugar.",
+    "missing.address": "Página solicitada:",
+    "missing.back": "Volver al resumen",
+
     "trouble.retry": "Reintentar",
     "trouble.stale": "Los datos que ve son de las {time}.",
     "trouble.gone.title": "El punto de acceso no responde.",

@@ -10,6 +10,12 @@ export default {
     "page.signedIn": "Session ouverte",
     "page.signedOut": "Session fermée",
 
+    "missing.title": "Cette page n’existe pas ici",
+    "missing.text":
+        "Les liens des notifications mènent à des pages du fabricant de l’appareil. Cette démonstration ne comporte qu’une seule page et affiche celle-ci à leur place.",
+    "missing.address": "Page demandée\u00a0:",
+    "missing.back": "Retour à la vue d’ensemble",
+
     "trouble.retry": "Réessayer",
     "trouble.stale": "Les informations affichées datent de {time}.",
     "trouble.gone.title": "Le point d’accès ne répond pas.",

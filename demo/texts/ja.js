@@ -10,6 +10,12 @@ export default {
     "page.signedIn": "ログイン中",
     "page.signedOut": "未ログイン",
 
+    "missing.title": "このページはここにはありません",
+    "missing.text":
+        "通知のリンクは、デバイスのメーカーが用意するページへ移動します。このデモには1ページしかないため、代わりにこのページを表示しています。",
+    "missing.address": "要求されたページ:",
+    "missing.back": "概要に戻る",
+
     "trouble.retry": "再試行",
     "trouble.stale": "表示中の情報は{time}時点のものです。",
     "trouble.gone.title": "ホットスポットが応答しません。",

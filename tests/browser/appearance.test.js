@@ -101,6 +101,14 @@ test("the page is fit for everyone while the service is away", async (t) => {
     assert.deepEqual(await complaintsOfAxe(page), []);
 });
 
+test("what stands in place of a page that is not there is fit for everyone", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server, { locale: "ar", answered: false });
+    await page.goto(`${server.origin}/messages`);
+    await until(page, () => document.documentElement.dir === "rtl");
+    assert.deepEqual(await complaintsOfAxe(page), []);
+});
+
 test("landmarks and headings tell the structure", async (t) => {
     const page = await visit(t, await serve(t));
     for (const role of ["banner", "main", "contentinfo"]) {

@@ -221,3 +221,34 @@ test("in Arabic the page goes from right to left, and its plot does not", async 
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), DESKTOP.width);
     await assertQuiet(page);
 });
+
+test("a link of a notification leads to a page with a way back", async (t) => {
+    const page = await visit(t, await serve(t));
+    for (const [link, address] of [
+        ["View messages.", "/messages"],
+        ["Install now.", "/about/update"],
+    ]) {
+        const response = page.waitForResponse((each) => each.url().endsWith(address));
+        await page.getByRole("link", { name: link }).click();
+        assert.equal((await response).status(), 404);
+        await shows(page, "h1", "This page is not here");
+        await shows(page, "#address", `You asked for: ${address}`);
+        // Its style has come, wherever it stands.
+        await until(
+            page,
+            () => getComputedStyle(document.querySelector(".status-bar")).position === "sticky",
+        );
+        await page.getByRole("link", { name: "Back to the overview" }).click();
+        await shows(page, "#connection .network", "Orvane");
+    }
+    await assertQuiet(page, /status of 404/);
+});
+
+test("that page speaks the chosen language", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server);
+    await page.getByRole("combobox", { name: "Language" }).selectOption("العربية");
+    await page.goto(`${server.origin}/messages`);
+    await shows(page, "h1", "هذه الصفحة غير موجودة هنا");
+    assert.deepEqual(await direction(page), ["ar", "rtl"]);
+});

@@ -66,6 +66,16 @@ test("every file of the page comes with its type and with the policy", async (t)
     await assertQuiet(page);
 });
 
+test("what stands in place of a page that is not there comes with the policy, too", async (t) => {
+    const server = await serve(t);
+    const answer = await fetch(`${server.origin}/settings/sim`);
+    assert.equal(answer.status, 404);
+    assert.match(await answer.text(), /href="\/"/);
+    assert.match(answer.headers.get("content-type"), /^text\/html\b/);
+    assert.deepEqual(directives(answer.headers.get("content-security-policy")), POLICY);
+    assert.equal(answer.headers.get("referrer-policy"), "same-origin");
+});
+
 test("scripts and styles in the page itself, and all of other servers, are refused", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
