@@ -212,8 +212,9 @@ json& Notifications(json& document) {
 
 void AddNotification(json& document, const json& notification) {
     json& list = Notifications(document);
+    const auto id = notification.at("id").get<std::string>();
     const auto same = std::find_if(list.begin(), list.end(), [&](const json& one) {
-        return one.is_object() && one.value("id", "") == notification.at("id");
+        return one.is_object() && one.value("id", "") == id;
     });
     if (same == list.end()) {
         list.push_back(notification);

@@ -66,8 +66,11 @@ NotificationFields Usual(const std::string& type) {
 
 void MustBeSeverity(const nlohmann::ordered_json& severity) {
     const std::vector<std::string> known = {"info", "warning", "alert", "critical"};
-    if (severity.is_string() && std::find(known.begin(), known.end(), severity) == known.end()) {
-        const std::string& text = severity.get_ref<const std::string&>();
+    if (!severity.is_string()) {
+        return;
+    }
+    const std::string& text = severity.get_ref<const std::string&>();
+    if (std::find(known.begin(), known.end(), text) == known.end()) {
         throw std::runtime_error(
             "expected info, warning, alert, critical or an unsigned 32-bit integer for the "
             "severity, found '" +

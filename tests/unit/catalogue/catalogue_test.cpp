@@ -81,6 +81,11 @@ TEST_P(EachLanguageTest, EmptyIdReadsAsEmpty) {
     EXPECT_EQ(Translated(""), "");
 }
 
+TEST_F(CatalogueTest, CharacterSetOfTheLocaleChangesNoText) {
+    ASSERT_TRUE(Speak("ja_JP.eucJP"));
+    EXPECT_EQ(Translated("notification_sms_received_text"), "未読メッセージ：%3件。");
+}
+
 TEST_P(EachLanguageTest, UnknownIdStandsForItself) {
     ASSERT_TRUE(Speak(GetParam().name));
     EXPECT_EQ(Translated("nobody_translates_this_text"), "nobody_translates_this_text");

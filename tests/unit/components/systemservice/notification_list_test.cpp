@@ -150,13 +150,12 @@ TEST_F(NotificationListTest, IdAndCategoryAreNotTranslated) {
     EXPECT_EQ(only.GetCDT("category").GetString(), "category of it");
 }
 
-TEST_F(NotificationListTest, EmptyMessageIdIsLookedUpAsItStands) {
-    Give("webui", "", "header %1");
-    Give("webui", "webui_product_name", "Kestal");
+TEST_F(NotificationListTest, EmptyMessageIdDoesNotShowTheHeaderOfTheCatalogue) {
+    Give("webui", "", "Content-Type: text/plain");
     const CTPP::CDT only = Only(Notification("a"));
-    EXPECT_EQ(only.GetCDT("title").GetString(), "header %1");
-    EXPECT_EQ(only.GetCDT("text").GetString(), "header Kestal");
-    EXPECT_EQ(only.GetCDT("label").GetString(), "header %1");
+    EXPECT_EQ(only.GetCDT("title").GetString(), "");
+    EXPECT_EQ(only.GetCDT("text").GetString(), "");
+    EXPECT_EQ(only.GetCDT("label").GetString(), "");
 }
 
 TEST_F(NotificationListTest, FieldsWithoutTerminatorEndWithTheField) {
