@@ -30,9 +30,11 @@ struct Report {
 };
 
 /// Runs @p test in a process that has served nothing yet, and adds what it reports. That there is
-/// no such process, or that it dies, is a problem, too.
+/// no such process, or that it dies, is a problem, too, unless @p excused says otherwise of its
+/// status.
 void InFreshProcess(Report& report, const std::string& name,
-                    const std::function<void(Report&)>& test);
+                    const std::function<void(Report&)>& test,
+                    const std::function<bool(int)>& excused = nullptr);
 
 /// Why @p text is no answer that holds the login status and, unless it is empty, the member
 /// @p member; empty when it is.

@@ -1,0 +1,48 @@
+#include "tests/faults/watched_gettext.h"
+
+#include <libintl.h>
+#include <sys/mman.h>
+
+#include <clocale>
+#include <new>
+
+namespace {
+
+/// In a page that the processes share.
+volatile bool* gInside = nullptr;
+
+void SetInside(bool inside) {
+    if (gInside != nullptr) {
+        *gInside = inside;
+    }
+}
+
+}  // namespace
+
+namespace watched_gettext {
+
+void Start() {
+    if (gInside == nullptr) {
+        void* const page = mmap(nullptr, sizeof(*gInside), PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (page == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        gInside = static_cast<volatile bool*>(page);
+    }
+    *gInside = false;
+}
+
+bool IsInside() {
+    return gInside != nullptr && *gInside;
+}
+
+}  // namespace watched_gettext
+
+// Linked in place of the one of the system library, and does what that one does.
+char* dgettext(const char* domain, const char* id) noexcept {
+    SetInside(true);
+    char* const text = dcgettext(domain, id, LC_MESSAGES);
+    SetInside(false);
+    return text;
+}
