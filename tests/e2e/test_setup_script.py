@@ -121,4 +121,4 @@ def test_a_user_who_cannot_install_is_told_what_is_missing(machine):
 
 
 def test_another_argument_is_refused(machine):
-    assert machine("all") == (2, "usage: scripts/setup [run | test | coverage | bench | cross]\n", [])
+    assert machine("all") == (2, "usage: scripts/setup [run | test | coverage | bench | cross | fresh]\n", [])

@@ -1,0 +1,41 @@
+"""scripts/fresh says what it needs before it does anything. That it works, CI shows."""
+
+import subprocess
+
+import pytest
+
+from support import paths
+
+FRESH = paths.ROOT / "scripts" / "fresh"
+USAGE = "usage: scripts/fresh 12 | 13 [run | test [ARGUMENT...]]\n"
+
+
+@pytest.fixture
+def fresh(work):
+    """The script, run by somebody who is not root."""
+    (work / "id").write_text("#!/bin/sh\necho 1000\n")
+    (work / "id").chmod(0o755)
+
+    def run(*arguments):
+        done = subprocess.run(
+            [str(FRESH), *arguments],
+            env={**paths.CLEAN_ENVIRONMENT, "PATH": f"{work}:{paths.CLEAN_ENVIRONMENT['PATH']}"},
+            capture_output=True,
+            text=True,
+            timeout=20,
+        )
+        return done.returncode, done.stdout, done.stderr
+
+    return run
+
+
+@pytest.mark.parametrize("arguments", [[], ["11"], ["trixie"], ["13", "build"], ["12", "run", "more"]])
+def test_what_it_does_not_know_gets_the_usage(fresh, arguments):
+    assert fresh(*arguments) == (2, "", USAGE)
+
+
+@pytest.mark.parametrize("arguments", [["13"], ["12", "run"], ["12", "test", "-R", "routing"]])
+def test_who_is_not_root_is_told_why_it_has_to_be(fresh, arguments):
+    status, output, errors = fresh(*arguments)
+    assert (status, output) == (1, "")
+    assert errors.startswith("scripts/fresh: this needs root, for mmdebstrap, chroot and mounts")
