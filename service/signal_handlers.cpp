@@ -33,7 +33,7 @@ std::atomic<pid_t> gEndingThread = 0;
 std::atomic<bool> gReasonLogged = false;
 
 void Install(int signo, void (*handler)(int), int flags) {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = flags;
     sigemptyset(&action.sa_mask);

@@ -40,14 +40,14 @@ FileDescriptor::~FileDescriptor() {
 }
 
 FileStamp StampOf(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     return stat(path.c_str(), &status) == 0 ? StampOf(status) : FileStamp{.error = errno};
 }
 
 std::string ReadFile(const std::string& path, FileStamp& stamp) {
     // Without O_NONBLOCK, opening a pipe would wait for its writer.
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
+    struct stat status = {};
     if (file.Number() < 0 || fstat(file.Number(), &status) != 0) {
         ThrowSystemError(path);
     }

@@ -112,7 +112,7 @@ void UpdateFile(const std::string& path, MissingFile missing,
     const std::filesystem::path target =
         std::filesystem::weakly_canonical(std::filesystem::absolute(path));
     const LockedDirectory directory(target.parent_path());
-    struct stat original {};
+    struct stat original = {};
     const bool exists = stat(target.c_str(), &original) == 0;
     if (!exists && (errno != ENOENT || missing == MissingFile::fails)) {
         ThrowSystemError(path);

@@ -106,7 +106,7 @@ TEST_F(MainTest, FailingStartUpStepsDoNotStopTheProcess) {
 TEST_F(MainTest, FatalHandlersAreThereBeforeTheWatchdogAndTheTerminationHandlerOnlyAfterIt) {
     std::array<bool, 4> installed{};
     const auto custom = [](int signo) {
-        struct sigaction action {};
+        struct sigaction action = {};
         sigaction(signo, nullptr, &action);
         return action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN;
     };

@@ -263,7 +263,7 @@ TEST_F(SignalHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTakenAll
 
 TEST_F(SignalHandlersDeathTest, AlarmOfSomeoneElseIsNotTaken) {
     InstallFatalSignalHandler();
-    struct sigaction action {};
+    struct sigaction action = {};
     sigaction(SIGALRM, nullptr, &action);
     EXPECT_EQ(action.sa_handler, SIG_DFL);
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -85,8 +86,8 @@ class CDT {
     /// constexpr array that is not local. Up to its first NUL.
     class LiteralKey {
       public:
-        template <class Array>
-        requires std::same_as<Array, const char[sizeof(Array)]>
+        template <class Array,
+                  class = std::enable_if_t<std::same_as<Array, const char[sizeof(Array)]>>>
         consteval LiteralKey(Array& literal) : text(std::string_view(literal)) {}
 
       private:

@@ -19,13 +19,13 @@ using simulator::UpdateFile;
 class FileUpdate : public SimulatedDevice {
   protected:
     static mode_t Mode(const std::filesystem::path& path) {
-        struct stat status {};
+        struct stat status = {};
         EXPECT_EQ(stat(path.c_str(), &status), 0);
         return status.st_mode & 07777U;
     }
 
     static ino_t Inode(const std::filesystem::path& path) {
-        struct stat status {};
+        struct stat status = {};
         EXPECT_EQ(stat(path.c_str(), &status), 0);
         return status.st_ino;
     }

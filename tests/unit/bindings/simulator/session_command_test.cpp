@@ -74,7 +74,7 @@ TEST_F(SessionCommand, StoreHoldsNoIdentifierAndIsPrivate) {
     const std::string id = Open("--user-agent secret");
     EXPECT_THAT(ReadFile(store), Not(HasSubstr(id)));
     EXPECT_THAT(ReadFile(store), Not(HasSubstr("secret")));
-    struct stat status {};
+    struct stat status = {};
     ASSERT_EQ(stat(store.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
 }

@@ -82,7 +82,7 @@ TEST_F(Sysint, QueriesFailAsToldAndWriteNothing) {
 #define EXPECT_QUERY(Type, name)     \
     Entry(#name, "{\"error\": 42}"); \
     ExpectFailure(&sys_##name, 42, #name);
-    SIMULATOR_SYSINT_QUERIES(EXPECT_QUERY)
+    SIMULATOR_SYSINT_QUERIES(EXPECT_QUERY);
 #undef EXPECT_QUERY
 }
 

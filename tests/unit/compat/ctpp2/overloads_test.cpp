@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "to_json.h"
 
@@ -19,17 +20,13 @@ enum Plain { kPlainSeven = 7 };
 enum class Scoped { kOne };
 
 template <class T>
-concept Assignable = requires(CDT data, T value) {
-    data = value;
-};
+concept Assignable = std::is_assignable_v<CDT&, T&>;
 
 template <class T>
 concept Constructs = std::is_convertible_v<T, CDT>;
 
 template <class T>
-concept Pushable = requires(CDT data, T value) {
-    data.PushBack(value);
-};
+concept Pushable = std::is_void_v<decltype(std::declval<CDT&>().PushBack(std::declval<T&>()))>;
 
 template <class T>
 concept Storable = Assignable<T> && Constructs<T> && Pushable<T>;

@@ -92,7 +92,7 @@ class BandCombinationLogTest : public testing::Test {
 };
 
 TEST_F(BandCombinationLogTest, CreationAndDestructionAreSilent) {
-    { const BandCombination bandCombination; }
+    (void)BandCombination();
     EXPECT_EQ(TranscriptText(), "");
 }
 

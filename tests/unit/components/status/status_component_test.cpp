@@ -58,7 +58,7 @@ class StatusComponentTest : public testing::Test {
 };
 
 TEST_F(StatusComponentTest, ConstructionReadsTheCapabilitiesInOrderAndDestructionIsLogged) {
-    { const StatusComponent component; }
+    (void)StatusComponent();
     EXPECT_EQ(TranscriptText(),
               Steps({Log(7, kConstructor + " - BEGIN"), Log(7, kCapabilities + " - BEGIN"),
                      "sys_getSambaCarrierEnabled()", "sys_getGPSCarrierEnabled()",

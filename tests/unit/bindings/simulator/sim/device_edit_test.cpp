@@ -63,13 +63,10 @@ TEST(SetValue, AddsToAListOnlyAtItsEnd) {
     json document = json::parse(R"({"a":[1]})");
     SetValue(document, {"a", std::size_t{1}}, 2);
     EXPECT_EQ(document.dump(), R"({"a":[1,2]})");
-    EXPECT_EQ(Refusal([&] {
-                  SetValue(document, {"a", std::size_t{3}}, 2);
-              }),
-              "there is no a[3]: the list has 2");
-    EXPECT_EQ(Refusal([&] {
-                  SetValue(document, {"a", "b"}, 2);
-              }),
+    const KeyPath beyond = {"a", std::size_t{3}};
+    EXPECT_EQ(Refusal([&] { SetValue(document, beyond, 2); }), "there is no a[3]: the list has 2");
+    const KeyPath named = {"a", "b"};
+    EXPECT_EQ(Refusal([&] { SetValue(document, named, 2); }),
               "there is no a.b: 'b' would be a member of what is no object");
     EXPECT_EQ(Refusal([&] { SetValue(document, {std::size_t{0}}, 2); }),
               "there is no [0]: what should be the list is none");

@@ -61,9 +61,7 @@ TEST(JsonPatch, WritesAListAnew) {
 
 TEST(JsonPatch, AddsMembers) {
     EXPECT_EQ(Changed("{\n    \"a\": {\n        \"b\": 1\n    }\n}",
-                      [](json& d) {
-                          d["a"]["c"] = {{"d", 2}};
-                      }),
+                      [](json& d) { d["a"]["c"]["d"] = 2; }),
               "{\n    \"a\": {\n        \"c\": {\"d\": 2},\n        \"b\": 1\n    }\n}");
     EXPECT_EQ(Changed("{}", [](json& d) { d["a"]["b"] = 1; }), R"({"a": {"b": 1}})");
 }
