@@ -13,6 +13,7 @@
 #include "tools/sysint_commands.h"
 #include "tools/webui_commands.h"
 
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -87,10 +88,11 @@ TEST(Tool, HelpOfACommandTellsWhatItTakes) {
         "\n"
         "Options:\n"
         "  -h,--help                                 Print this help message and exit\n"
-        "  --loud                                    Say it loud\n"
-        "\n";
-    EXPECT_EQ(Shown(Example(), {"say", "--help"}), expected);
-    EXPECT_EQ(Shown(Example(), {"tell", "so", "--help"}), expected);
+        "  --loud                                    Say it loud\n";
+    // Some releases of the library add an empty line.
+    const std::string help = Shown(Example(), {"say", "--help"});
+    EXPECT_THAT(help, AnyOf(expected, expected + "\n"));
+    EXPECT_EQ(Shown(Example(), {"tell", "so", "--help"}), help);
 }
 
 TEST(Tool, TheNamesOfTheCommandsCanBeListed) {
