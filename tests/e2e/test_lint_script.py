@@ -13,18 +13,23 @@ GOOD_SCRIPT = "#!/bin/sh\necho fine\n"
 
 @pytest.fixture
 def lint(work):
-    """A source tree of two files, whose names a played git lists."""
+    """A source tree of two files, whose names a played git lists; clang-format tells a played release."""
     tree = work / "tree"
     (tree / "scripts").mkdir(parents=True)
     shutil.copy(paths.ROOT / "scripts" / "lint", tree / "scripts")
     git = work / "bin" / "git"
     git.parent.mkdir()
 
-    def run(listing="echo main.cpp; echo script", source=GOOD_SOURCE, script=GOOD_SCRIPT):
+    def run(listing="echo main.cpp; echo script", source=GOOD_SOURCE, script=GOOD_SCRIPT, release=14):
         (tree / "main.cpp").write_text(source)
         (tree / "script").write_text(script)
         git.write_text(f"#!/bin/sh\n{listing}\n")
         git.chmod(0o755)
+        formatter = git.parent / "clang-format-14"
+        formatter.write_text(
+            f'#!/bin/sh\n[ "$1" != --version ] || exec echo "version {release}.0.6"\nexec clang-format "$@"\n'
+        )
+        formatter.chmod(0o755)
         environment = {"PATH": f"{git.parent}:{paths.CLEAN_ENVIRONMENT['PATH']}"}
         return subprocess.run(
             [str(tree / "scripts" / "lint"), "--form"], env=environment, capture_output=True, text=True, timeout=60
@@ -45,6 +50,13 @@ def test_what_is_badly_formed_is_told(lint):
     done = lint(script="#!/bin/sh\necho $1\n")
     assert done.returncode == 1
     assert "SC2086" in done.stdout
+
+
+def test_what_another_release_finds_is_told_and_fails_nothing(lint):
+    done = lint(source="int  main(){return 0;}\n", release=19)
+    assert done.returncode == 0
+    assert "main.cpp:1" in done.stderr
+    assert "the findings of clang-format-14 count for nothing here" in done.stderr
 
 
 @pytest.mark.parametrize(
