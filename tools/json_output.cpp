@@ -1,5 +1,6 @@
 #include "tools/json_output.h"
 
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string_view>
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <iosfwd>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string>
 

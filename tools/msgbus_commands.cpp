@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <span>
 

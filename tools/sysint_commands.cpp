@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <span>
 
 #include "platform/sysint.h"

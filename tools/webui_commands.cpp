@@ -1,5 +1,7 @@
 #include "tools/webui_commands.h"
 
+#include <nlohmann/json.hpp>
+
 #include "platform/webui.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"

@@ -36,8 +36,8 @@ void ReadAnswer(Node node, Answer<T>& answer, ReadValue readValue) {
 template <typename T, typename ReadValue>
 void ReadNamedAnswers(const Node& node, NamedAnswers<T>& answers, ReadValue readValue) {
     node.MustBeObject();
-    for (const auto& item : node.Value().items()) {
-        ReadAnswer(node.Member(item.key()), answers[item.key()], readValue);
+    for (const std::string& name : node.MemberNames()) {
+        ReadAnswer(node.Member(name), answers[name], readValue);
     }
 }
 

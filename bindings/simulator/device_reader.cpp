@@ -1,5 +1,7 @@
 #include "bindings/simulator/device_reader.h"
 
+#include <nlohmann/json.hpp>
+
 #include "bindings/simulator/read_document.h"
 
 namespace simulator {
@@ -22,11 +24,11 @@ Device CompileDevice(const nlohmann::ordered_json& document) {
 }
 
 int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed) {
-    if (!node.Value().is_object() || !node.Value().contains("error")) {
+    if (!node.IsObject() || !node.HasMember("error")) {
         return 0;
     }
-    const bool keeps = node.Value().contains(kHealedName);
-    if (node.Value().size() != (keeps ? 2U : 1U)) {
+    const bool keeps = node.HasMember(kHealedName);
+    if (node.Size() != (keeps ? 2U : 1U)) {
         node.Expected("{\"error\": N} alone", "other names beside \"error\"");
     }
     if (keeps && !node.Value().at(kHealedName).is_null()) {

@@ -1,7 +1,7 @@
 // From document to device.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "bindings/simulator/answer_reader.h"

@@ -36,11 +36,10 @@ void ReadSeverity(const Node& node, std::uint32_t& severity) {
         severity = *number;
         return;
     }
+    const std::string* const text = node.Text();
     const auto* const found =
-        std::find_if(kSeverities.begin(), kSeverities.end(), [&](const auto& known) {
-            return node.Value().is_string() &&
-                   node.Value().get_ref<const std::string&>() == known.first;
-        });
+        std::find_if(kSeverities.begin(), kSeverities.end(),
+                     [&](const auto& known) { return text != nullptr && *text == known.first; });
     if (found == kSeverities.end()) {
         node.Expected("info, warning, alert, critical or an unsigned 32-bit integer");
     }
@@ -67,7 +66,7 @@ AnsNotificationRecord ReadNotification(const Node& node) {
 }
 
 Block ReadNotifications(const Node& list) {
-    const std::size_t count = list.Value().size();
+    const std::size_t count = list.Size();
     Block block;
     Append(block, static_cast<std::int32_t>(count));
     for (std::size_t index = 0; index < count; ++index) {
@@ -78,16 +77,16 @@ Block ReadNotifications(const Node& list) {
 
 Block ReadBytes(const Node& node) {
     constexpr const char* kExpected = "a text of pairs of hexadecimal digits";
-    if (!node.Value().is_string()) {
+    const std::string* const digits = node.Text();
+    if (digits == nullptr) {
         node.Expected(kExpected);
     }
-    const auto& digits = node.Value().get_ref<const std::string&>();
-    if (digits.size() % 2 != 0) {
-        node.Expected(kExpected, std::to_string(digits.size()) + " characters");
+    if (digits->size() % 2 != 0) {
+        node.Expected(kExpected, std::to_string(digits->size()) + " characters");
     }
     Block block;
-    for (std::size_t index = 0; index < digits.size(); index += 2) {
-        const char* const pair = digits.data() + index;
+    for (std::size_t index = 0; index < digits->size(); index += 2) {
+        const char* const pair = digits->data() + index;
         std::uint8_t byte = 0;
         if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2) {
             node.Expected(kExpected, "other characters");
@@ -98,11 +97,11 @@ Block ReadBytes(const Node& node) {
 }
 
 void ReadChannel(const Node& node, Block& block) {
-    if (node.Value().is_array()) {
+    if (node.IsList()) {
         block = ReadNotifications(node);
         return;
     }
-    if (!node.Value().is_object() || !node.Value().contains("bytes")) {
+    if (!node.IsObject() || !node.HasMember("bytes")) {
         node.Expected("a list of notifications, {\"bytes\": \"hexadecimal digits\"}");
     }
     Members members(node);

@@ -61,7 +61,7 @@ void ReadValue(const Node& node, sys_all_sim_slots_t& all) {
     Members members(node);
     if (const auto slots = members.Find("slots")) {
         slots->MustBeList();
-        const std::size_t count = slots->Value().size();
+        const std::size_t count = slots->Size();
         if (count > std::size(all.slots)) {
             slots->Expected("a list of at most 2 slots", "one of " + std::to_string(count));
         }
@@ -122,13 +122,13 @@ void ReadValue(const Node& node, Bands& bands) {
 
 void ReadValue(const Node& node, GroupId& gid) {
     constexpr const char* kExpected = "a list of at most 255 bytes";
-    if (!node.Value().is_array()) {
+    if (!node.IsList()) {
         node.Expected(kExpected);
     }
-    if (node.Value().size() > gid.bytes.size()) {
-        node.Expected(kExpected, "one of " + std::to_string(node.Value().size()));
+    if (node.Size() > gid.bytes.size()) {
+        node.Expected(kExpected, "one of " + std::to_string(node.Size()));
     }
-    gid.length = static_cast<std::uint8_t>(node.Value().size());
+    gid.length = static_cast<std::uint8_t>(node.Size());
     for (std::size_t index = 0; index < gid.length; ++index) {
         Read(node.Element(index), gid.bytes.at(index));
     }
@@ -136,7 +136,7 @@ void ReadValue(const Node& node, GroupId& gid) {
 
 void ReadValue(const Node& node, std::vector<sys_connected_device_t>& devices) {
     node.MustBeList();
-    devices.resize(node.Value().size());
+    devices.resize(node.Size());
     for (std::size_t index = 0; index < devices.size(); ++index) {
         Members(node.Element(index))
             .Field("connectionKind", devices[index].connectionKind)
@@ -157,12 +157,11 @@ void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int l
         answer.every.error = failure;
         return;
     }
-    if (!node.Value().is_object()) {
+    if (!node.IsObject()) {
         ReadAnswer(node, answer.every, readValue);
         return;
     }
-    for (const auto& item : node.Value().items()) {
-        const std::string& name = item.key();
+    for (const std::string& name : node.MemberNames()) {
         int index = -1;
         (void)std::from_chars(name.data(), name.data() + name.size(), index);
         if (index < smallest || index > largest || std::to_string(index) != name) {

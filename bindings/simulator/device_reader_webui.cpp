@@ -21,10 +21,10 @@ void ReadName(const Node& member, const std::string& name, std::span<char> field
 template <typename Record>
 void ReadRecords(const Node& node, std::vector<Record>& records) {
     node.MustBeObject();
-    for (const auto& item : node.Value().items()) {
-        const Node member = node.Member(item.key());
+    for (const std::string& name : node.MemberNames()) {
+        const Node member = node.Member(name);
         Record& record = records.emplace_back();
-        ReadName(member, item.key(), record.name);
+        ReadName(member, name, record.name);
         Read(member, record.value);
     }
 }

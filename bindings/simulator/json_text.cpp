@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 #include <vector>

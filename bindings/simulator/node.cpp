@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 namespace simulator {
 
@@ -20,6 +21,28 @@ std::string Description(const nlohmann::ordered_json& value) {
     }
 }
 
+}  // namespace
+
+template <typename T>
+std::optional<T> NumberOf(const nlohmann::ordered_json& value) {
+    if (value.is_number_unsigned() && std::in_range<T>(value.get<std::uint64_t>())) {
+        return static_cast<T>(value.get<std::uint64_t>());
+    }
+    if (value.is_number_integer() && !value.is_number_unsigned() &&
+        std::in_range<T>(value.get<std::int64_t>())) {
+        return static_cast<T>(value.get<std::int64_t>());
+    }
+    return std::nullopt;
+}
+
+template std::optional<std::uint8_t> NumberOf<std::uint8_t>(const nlohmann::ordered_json& value);
+template std::optional<std::int32_t> NumberOf<std::int32_t>(const nlohmann::ordered_json& value);
+template std::optional<std::uint32_t> NumberOf<std::uint32_t>(const nlohmann::ordered_json& value);
+template std::optional<std::int64_t> NumberOf<std::int64_t>(const nlohmann::ordered_json& value);
+template std::optional<std::uint64_t> NumberOf<std::uint64_t>(const nlohmann::ordered_json& value);
+
+namespace {
+
 template <typename T>
 void ReadNumber(const Node& node, T& number, const char* expected) {
     const auto found = NumberOf<T>(node.Value());
@@ -30,6 +53,43 @@ void ReadNumber(const Node& node, T& number, const char* expected) {
 }
 
 }  // namespace
+
+Node Node::Member(const std::string& name) const {
+    return {value.at(name), this, name};
+}
+
+Node Node::Element(std::size_t index) const {
+    return {value.at(index), this, index};
+}
+
+bool Node::IsObject() const {
+    return value.is_object();
+}
+
+bool Node::IsList() const {
+    return value.is_array();
+}
+
+std::size_t Node::Size() const {
+    return value.size();
+}
+
+bool Node::HasMember(const std::string& name) const {
+    return value.contains(name);
+}
+
+std::vector<std::string> Node::MemberNames() const {
+    std::vector<std::string> names;
+    names.reserve(value.size());
+    for (const auto& item : value.items()) {
+        names.push_back(item.key());
+    }
+    return names;
+}
+
+const std::string* Node::Text() const {
+    return value.get_ptr<const std::string*>();
+}
 
 KeyPath Node::Path() const {
     KeyPath path;
@@ -55,13 +115,13 @@ std::string Node::Complaint(const std::string& expected, const std::string& foun
 }
 
 void Node::MustBeObject() const {
-    if (!value.is_object()) {
+    if (!IsObject()) {
         Expected("an object");
     }
 }
 
 void Node::MustBeList() const {
-    if (!value.is_array()) {
+    if (!IsList()) {
         Expected("a list");
     }
 }
@@ -91,31 +151,31 @@ void Read(const Node& node, bool& value) {
 
 void ReadText(const Node& node, std::span<char> field) {
     const std::string expected = "a text of at most " + std::to_string(field.size() - 1) + " bytes";
-    if (!node.Value().is_string()) {
+    const std::string* const text = node.Text();
+    if (text == nullptr) {
         node.Expected(expected);
     }
-    const auto& text = node.Value().get_ref<const std::string&>();
-    if (text.size() >= field.size()) {
-        node.Expected(expected, "one of " + std::to_string(text.size()) + " bytes");
+    if (text->size() >= field.size()) {
+        node.Expected(expected, "one of " + std::to_string(text->size()) + " bytes");
     }
-    if (text.find('\0') != std::string::npos) {
+    if (text->find('\0') != std::string::npos) {
         node.Expected(expected, "one with a NUL in it");
     }
-    std::memcpy(field.data(), text.c_str(), text.size() + 1);
+    std::memcpy(field.data(), text->c_str(), text->size() + 1);
 }
 
 std::optional<Node> Members::Find(const std::string& name) {
     names.push_back(name);
-    if (!object.Value().contains(name)) {
+    if (!object.HasMember(name)) {
         return std::nullopt;
     }
     return object.Member(name);
 }
 
 void Members::RejectOthers(const std::string& what) const {
-    for (const auto& item : object.Value().items()) {
-        if (std::find(names.begin(), names.end(), item.key()) == names.end()) {
-            const Node member = object.Member(item.key());
+    for (const std::string& name : object.MemberNames()) {
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            const Node member = object.Member(name);
             throw UnknownName(member.Path(), member.Complaint(what, "an unknown name"), names);
         }
     }

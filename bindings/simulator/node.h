@@ -4,12 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <span>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -35,8 +33,18 @@ class Node {
     [[noreturn]] void Expected(const std::string& expected, const std::string& found) const;
 
     /// Member @p name of an object, element @p index of a list.
-    Node Member(const std::string& name) const { return {value.at(name), this, name}; }
-    Node Element(std::size_t index) const { return {value.at(index), this, index}; }
+    Node Member(const std::string& name) const;
+    Node Element(std::size_t index) const;
+
+    bool IsObject() const;
+    bool IsList() const;
+    /// How many members or elements there are.
+    std::size_t Size() const;
+    bool HasMember(const std::string& name) const;
+    /// The names of the members of an object, in their order.
+    std::vector<std::string> MemberNames() const;
+    /// The text, or null when it is something else.
+    const std::string* Text() const;
 
     void MustBeObject() const;
     void MustBeList() const;
@@ -56,18 +64,10 @@ class Node {
     bool mayFail = false;
 };
 
-/// The number @p value, when it is one of type T.
+/// The number @p value, when it is one of type T, which is an integer of 8 (unsigned), 32 or 64
+/// bits.
 template <typename T>
-std::optional<T> NumberOf(const nlohmann::ordered_json& value) {
-    if (value.is_number_unsigned() && std::in_range<T>(value.get<std::uint64_t>())) {
-        return static_cast<T>(value.get<std::uint64_t>());
-    }
-    if (value.is_number_integer() && !value.is_number_unsigned() &&
-        std::in_range<T>(value.get<std::int64_t>())) {
-        return static_cast<T>(value.get<std::int64_t>());
-    }
-    return std::nullopt;
-}
+std::optional<T> NumberOf(const nlohmann::ordered_json& value);
 
 void Read(const Node& node, std::uint8_t& number);
 void Read(const Node& node, std::int32_t& number);

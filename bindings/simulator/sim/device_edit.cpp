@@ -1,6 +1,7 @@
 #include "bindings/simulator/sim/device_edit.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 #include <vector>

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string_view>
 

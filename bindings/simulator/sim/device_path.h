@@ -1,7 +1,7 @@
 // Places in a device document as people name them, such as sys.getBatteryStatus.chargePercent.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

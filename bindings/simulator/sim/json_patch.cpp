@@ -1,6 +1,7 @@
 #include "bindings/simulator/sim/json_patch.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "bindings/simulator/json_text.h"
 

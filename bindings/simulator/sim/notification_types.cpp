@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "bindings/simulator/sim/nearest_name.h"
@@ -58,7 +59,7 @@ NotificationFields Usual(const std::string& type) {
     }
     const std::string prefix = "notification_";
     return {.category = found->category,
-            .severity = found->severity,
+            .severity = std::make_shared<nlohmann::ordered_json>(found->severity),
             .labelId = prefix + "category_" + found->category + "_label",
             .titleId = prefix + found->title + "_title",
             .textId = prefix + found->text + "_text"};

@@ -1,7 +1,8 @@
 // The types of notification that the device has.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ std::vector<std::string> NotificationTypeNames();
 /// What differs from what is usual for a type.
 struct NotificationFields {
     std::optional<std::string> category;
-    std::optional<nlohmann::ordered_json> severity;  ///< a name, or a number
+    std::shared_ptr<const nlohmann::ordered_json> severity;  ///< a name, or a number
     std::optional<std::string> labelId;
     std::optional<std::string> titleId;
     std::optional<std::string> textId;

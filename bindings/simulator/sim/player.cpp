@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <nlohmann/json.hpp>
 
 #include "bindings/simulator/sim/device_edit.h"
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -253,7 +254,7 @@ class ScenarioReader {
             };
             read("category", fields.category);
             if (const auto severity = members.Find("severity")) {
-                fields.severity = severity->Value();
+                fields.severity = std::make_shared<nlohmann::ordered_json>(severity->Value());
             }
             read("labelId", fields.labelId);
             read("titleId", fields.titleId);

@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -183,7 +184,7 @@ struct NotifyArguments {
             return text.empty() ? std::nullopt : std::optional<std::string>(text);
         };
         return {.category = given(category),
-                .severity = severity.empty() ? std::nullopt : std::optional(ValueOf(severity)),
+                .severity = severity.empty() ? nullptr : std::make_shared<json>(ValueOf(severity)),
                 .labelId = given(labelId),
                 .titleId = given(titleId),
                 .textId = given(textId),

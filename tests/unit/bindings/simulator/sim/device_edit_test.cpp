@@ -2,6 +2,7 @@
 #include "bindings/simulator/sim/device_edit.h"
 
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <thread>
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "tests/unit/bindings/simulator/document_reading.h"
@@ -29,7 +31,7 @@ TEST(NotificationTypes, ShareTheTextOfThePins) {
 
 TEST(NotificationTypes, FieldsCanBeOther) {
     EXPECT_EQ(MakeNotification("PCO3", {.category = "a",
-                                        .severity = 7,
+                                        .severity = std::make_shared<json>(7),
                                         .labelId = "b",
                                         .titleId = "c",
                                         .textId = "d",
@@ -51,7 +53,7 @@ TEST(NotificationTypes, AnUnknownOneMustSayEverything) {
     const std::string message = "there is no type of notification 'dataOf'; did you mean dataOff?";
     try {
         MakeNotification("dataOf", {.category = "a",
-                                    .severity = 0,
+                                    .severity = std::make_shared<json>(0),
                                     .labelId = "b",
                                     .titleId = "c",
                                     .textId = std::nullopt});
@@ -60,7 +62,7 @@ TEST(NotificationTypes, AnUnknownOneMustSayEverything) {
         EXPECT_EQ(error.what(), message);
     }
     EXPECT_EQ(MakeNotification("dataOf", {.category = "a",
-                                          .severity = 0,
+                                          .severity = std::make_shared<json>(0),
                                           .labelId = "b",
                                           .titleId = "c",
                                           .textId = "d"})["textId"],

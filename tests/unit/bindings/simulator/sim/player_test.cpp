@@ -2,6 +2,7 @@
 #include "bindings/simulator/sim/player.h"
 
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "tests/unit/bindings/simulator/scratch.h"
