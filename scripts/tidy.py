@@ -13,14 +13,16 @@ import hashlib
 import json
 import os
 import pathlib
+import re
+import shlex
 import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
-@functools.lru_cache(maxsize=None)
-def content(path):
+@functools.cache
+def digest(path):
     try:
         return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
     except OSError:
@@ -34,72 +36,76 @@ def commands(build):
         source = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
         inside = source.startswith(f"{ROOT}/") and not source.startswith(f"{build}/")
         if inside and (source not in chosen or "-fsanitize=" in chosen[source]["command"]):
-            chosen[source] = entry
+            # Precompiled headers are those of the compiler; each source names all that it needs.
+            command = re.sub(r" -Winvalid-pch| (-Xclang )?-include(-pch)? (-Xclang )?\S*/cmake_pch\.\S+", "", entry["command"])
+            chosen[source] = {**entry, "command": command}
     return chosen
 
 
 def included_headers(build):
     """The project's headers that each object file was compiled from, as the compiler reported them."""
-    listing = subprocess.run(
-        ["ninja", "-C", str(build), "-t", "deps"], capture_output=True, text=True, check=False
-    ).stdout
+    listing = subprocess.run(["ninja", "-C", str(build), "-t", "deps"], capture_output=True, text=True, check=False)
     headers = {}
-    for line in listing.splitlines():
+    for line in listing.stdout.splitlines():
         if line[:1].strip():
             name = line.split(": #deps")[0]
-            headers[name] = None if line.endswith("(STALE)") else []
-        elif line.strip() and headers.get(name) is not None:
+            headers[name] = [] if line.endswith("(VALID)") else None
+        elif line.strip() and headers[name] is not None:
             path = os.path.normpath(os.path.join(build, line.strip()))
-            if path.startswith(f"{ROOT}/"):
+            if path.startswith(f"{ROOT}/") and "/cmake_pch." not in path:
                 headers[name].append(path)
     return headers
 
 
 def state(source, entry, headers, version):
-    """A digest of all that decides what clang-tidy finds, or None where it is not known."""
-    used = headers.get(entry.get("output"))
+    """A digest of all that decides what clang-tidy finds, or None where the headers are not known."""
+    arguments = shlex.split(entry["command"])
+    used = headers.get(arguments[arguments.index("-o") + 1])
     if used is None:
         return None
-    parents = [folder / ".clang-tidy" for folder in pathlib.Path(source).parents]
-    configuration = [str(file) for file in parents if file.is_relative_to(ROOT) and file.exists()]
-    parts = [version, entry["command"]]
-    parts += [f"{file} {content(file)}" for file in sorted({source, *used, *configuration})]
+    above = [folder / ".clang-tidy" for folder in pathlib.Path(source).parents if folder.is_relative_to(ROOT)]
+    files = {source, *used, *(str(file) for file in above if file.exists())}
+    parts = [version, entry["command"], *(f"{file} {digest(file)}" for file in sorted(files))]
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
 
 def main(tidy, build, everything):
     build = pathlib.Path(build).resolve()
     version = subprocess.run([tidy, "--version"], capture_output=True, text=True, check=True).stdout
-    record = build / "clang-tidy-clean.json"
+    folder = build / "clang-tidy"
+    folder.mkdir(exist_ok=True)
+    record = folder / "clean.json"
     known = json.loads(record.read_text()) if record.exists() and not everything else {}
+    entries = commands(build)
+    (folder / "compile_commands.json").write_text(json.dumps(list(entries.values()), indent=0))
     headers = included_headers(build)
-    sources = commands(build)
-    states = {source: state(source, entry, headers, version) for source, entry in sources.items()}
-    stale = [source for source in sources if states[source] is None or known.get(source) != states[source]]
-    # The longest first, so that no processor waits for a last long one.
-    stale.sort(key=lambda source: len(headers.get(sources[source].get("output")) or []), reverse=True)
+    states = {source: state(source, entry, headers, version) for source, entry in entries.items()}
+    clean = {source: now for source, now in states.items() if now and known.get(source) == now}
+    # The largest first, so that no processor waits for a last long one.
+    stale = sorted(entries.keys() - clean.keys(), key=os.path.getsize, reverse=True)
 
     def look(source):
-        return source, subprocess.run(
-            [tidy, "--quiet", "-p", str(build), "--extra-arg=-Wno-unknown-warning-option", source],
+        return subprocess.run(
+            [tidy, "--quiet", "-p", str(folder), "--extra-arg=-Wno-unknown-warning-option", source],
             stdout=subprocess.PIPE,
             stderr=subprocess.PIPE,
             text=True,
             check=False,
         )
 
-    clean = {source: digest for source, digest in states.items() if source not in stale}
     found = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for source, done in pool.map(look, stale):
-            if done.returncode == 0:
-                if states[source]:
-                    clean[source] = states[source]
-            else:
+        runs = {pool.submit(look, source): source for source in stale}
+        for run in concurrent.futures.as_completed(runs):
+            source, done = runs[run], run.result()
+            if done.returncode != 0:
                 found += 1
                 print(done.stdout + done.stderr, end="", flush=True)
+            elif states[source]:
+                clean[source] = states[source]
+                record.write_text(json.dumps(clean, indent=0))
     record.write_text(json.dumps(clean, indent=0))
-    print(f"clang-tidy: {len(stale)} of {len(sources)} sources looked at, {found} with findings")
+    print(f"clang-tidy: {len(stale)} of {len(entries)} sources looked at, {found} with findings")
     return 1 if found else 0
 
 
