@@ -6,13 +6,10 @@ import pytest
 
 from support.contract import (
     ACTION_ANSWER,
-    DEVICES,
-    FIRST_OF_TWO,
     NOTHING_OF_ONE_SIM,
     NOTHING_OF_TWO_SIMS,
     NOTIFICATION_ANSWER,
     ONE_SIM,
-    STATUS,
     STATUS_ANSWER,
     TWO_SIMS,
     asker,
@@ -20,80 +17,9 @@ from support.contract import (
     shown,
 )
 
-# What else may be missing, each alone. The rest of an answer comes in groups, or always.
-ALONE = {
-    ONE_SIM: {
-        "statusBarGpsStatus",
-        "statusBarGuestWifiEnabled",
-        "statusBarMaxWiFiClientListSize",
-        "statusBarMobileDataEnabled",
-        "statusBarPreferredTechnology",
-        "statusBarRoaming",
-        "statusBarSdCardInUse",
-        "statusBarSimMMCode",
-        "statusBarSmsUnreadCount",
-        "statusBarWiFiEnabled",
-    },
-    TWO_SIMS: {
-        "statusBarActiveSimSlot",
-        "statusBarGpsStatus",
-        "statusBarGuestWifiEnabled",
-        "statusBarMaxWiFiClientListSize",
-        "statusBarMobileDataEnabled",
-        "statusBarNumSims",
-        "statusBarPreferredTechnology",
-        "statusBarRoaming",
-        "statusBarSdCardInUse",
-        "statusBarSmsUnreadCount",
-        "statusBarWiFiEnabled",
-    },
-}
 
-
-@pytest.mark.parametrize("name", ALONE)
-def test_only_what_may_be_missing_alone_may_be_missing(shown, name):
-    state = shown(name)[0][1]
-    assert is_within(state)
-    without = {key: {other: value for other, value in state.items() if other != key} for key in state}
-    assert {key for key in state if is_within(without[key])} == ALONE[name]
-
-
-# What a device that tells nothing else can tell.
-ON_ITS_OWN = {
-    "statusBarGpsStatus",
-    "statusBarGuestWifiEnabled",
-    "statusBarMaxWiFiClientListSize",
-    "statusBarMobileDataEnabled",
-    "statusBarSdCardStatus",
-    "statusBarSmsUnreadCount",
-    "statusBarWiFiEnabled",
-}
-
-
-@pytest.mark.parametrize(
-    ("name", "more"),
-    [
-        (NOTHING_OF_ONE_SIM, {"statusBarSimStatus"}),
-        (NOTHING_OF_TWO_SIMS, {"statusBarActiveSimSlot", "statusBarNumSims"}),
-    ],
-)
-def test_only_what_may_come_on_its_own_comes_on_its_own(shown, name, more):
-    bare = {key: value for key, value in shown(name)[0][1].items() if key not in ON_ITS_OWN | more}
-    assert is_within(bare)
-    # A value that some device shows may be one that asks for others.
-    accepted = {
-        key
-        for device in DEVICES
-        for state in shown(device)[0]
-        for key, value in state.items()
-        if key not in bare and is_within({**bare, key: value})
-    }
-    assert accepted == ON_ITS_OWN | more
-
-
-@pytest.mark.parametrize("name", DEVICES)
-def test_a_number_is_not_a_text_and_a_text_is_not_a_number(shown, name):
-    state = shown(name)[0][1]
+def test_a_number_is_not_a_text_and_a_text_is_not_a_number(shown):
+    state = shown(ONE_SIM)[0][1]
     for key, value in state.items():
         for other in ([str(value), value + 0.5, bool(value)] if isinstance(value, int) else [0, 1.5]):
             assert not is_within({**state, key: other}), (key, other)
@@ -126,22 +52,13 @@ OF_THE_SECOND_SLOT = dict.fromkeys(
 CODES_OF_THE_SECOND_SLOT = dict.fromkeys(
     ["statusBarSim2MMCode", "statusBarSim2CarrierBlockedStatus"], GONE
 )
-NO_FIRST_SIM = {"statusBarSimStatus": "Not Found", "statusBarConnectionState": "Not Found"}
-NO_SECOND_SIM = {"statusBarSim2Status": "Not Found", "statusBarSim2ConnectionState": "Not Found"}
 
-# device whose second answer is changed, what is changed in it
+# One for each kind of rule: device whose second answer is changed, what is changed in it
 WRONG = {
     "SINR beside SNR": (ONE_SIM, {"statusBarSINR": "3"}),
-    "SINR with 5G": (ONE_SIM, {"statusBarSINR": "3", "statusBarSNR": GONE}),
-    "SNR with 3G": ("3g-old-sim", {"statusBarSNR": "3", "statusBarSINR": GONE}),
-    "SNR beside SINR": ("3g-old-sim", {"statusBarSNR": "3"}),
-    "3G without its ratio": ("3g-old-sim", {"statusBarSINR": GONE}),
-    "SNR with 3G of the second SIM": (TWO_SIMS, {"statusBarSim2Technology": "HSPA+"}),
     "a connection without its ratio": (ONE_SIM, {"statusBarSNR": GONE}),
     "a connection in parts": (ONE_SIM, dict.fromkeys(OF_THE_CONNECTION, GONE)),
     "traffic without a connection": (NOTHING_OF_ONE_SIM, {"statusBarTrafficStatus": "None"}),
-    "roaming without a connection": (NOTHING_OF_ONE_SIM, {"statusBarRoaming": "None"}),
-    "operator without a connection": (NOTHING_OF_ONE_SIM, {"statusBarNetwork": "Orvane"}),
     "an account that lets the connection stand": (
         "out-of-credit",
         {"statusBarConnectionState": "Connected"},
@@ -150,34 +67,19 @@ WRONG = {
         "out-of-credit",
         {"pcoInitiatedConnectionStatus": GONE},
     ),
-    "an account without its limit": (ONE_SIM, {"pcoInitiatedConnectionStatus": "Connected"}),
-    "a state of the SIM in place of the connection's": (
-        ONE_SIM,
-        {"statusBarConnectionState": "PIN Locked"},
-    ),
     "no signal at all": (ONE_SIM, {"statusBarSignalBars": ""}),
-    "signal of a second SIM that does not exist": (ONE_SIM, {"statusBarSim2SignalBars": "4"}),
     "a second SIM that does not exist": (ONE_SIM, {"statusBarSim2Status": "Not Found"}),
     "slots on a device with one SIM": (ONE_SIM, {"statusBarSimSlotsCount": 1}),
-    "an active slot on a device with one SIM": (ONE_SIM, {"statusBarActiveSimSlot": 1}),
     "two SIMs that are not supported": (TWO_SIMS, {"isDualSimSupported": 0}),
-    "one SIM where two are supported": (ONE_SIM, {"isDualSimSupported": 1}),
-    "more than two kinds of devices": (TWO_SIMS, {"isDualSimSupported": 2}),
     "a code of a missing SIM": (
         "no-sim",
         {"statusBarSimMMCode": "0", "statusBarSimCarrierBlockedStatus": "0"},
     ),
-    "a lock of a missing SIM": ("no-sim", {"statusBarSimCarrierBlockedStatus": "0"}),
-    "an empty code on a device with one SIM": (ONE_SIM, {"statusBarSimMMCode": ""}),
     "signal of both SIMs": (TWO_SIMS, {"statusBarSignalBars": "4"}),
-    "signal of both SIMs with the first in use": (FIRST_OF_TWO, {"statusBarSim2SignalBars": "4"}),
     "signal of neither SIM": (TWO_SIMS, {"statusBarSim2SignalBars": ""}),
-    "signal of neither SIM with the first in use": (FIRST_OF_TWO, {"statusBarSignalBars": ""}),
     "technology of the first SIM not in use": (TWO_SIMS, {"statusBarTechnology": "LTE"}),
-    "technology of the second SIM not in use": (FIRST_OF_TWO, {"statusBarSim2Technology": "LTE"}),
     "a second slot that is not counted": (TWO_SIMS, {"statusBarSimSlotsCount": 1}),
     "a second slot that is counted and not there": (TWO_SIMS, OF_THE_SECOND_SLOT | CODES_OF_THE_SECOND_SLOT),
-    "slots where there are none": (TWO_SIMS, {"statusBarSimSlotsCount": 0}),
     "a second slot without a first": (TWO_SIMS, OF_THE_FIRST_SLOT),
     "codes without their slot": (
         TWO_SIMS,
@@ -198,52 +100,25 @@ WRONG = {
         },
     ),
     "slots that are not counted": (NOTHING_OF_TWO_SIMS, {"statusBarSimSlotsCount": GONE}),
-    "codes of the second SIM with the first in use": (TWO_SIMS, {"statusBarActiveSimSlot": 1}),
     "no codes of the second SIM in use": (
         TWO_SIMS,
         {**CODES_OF_THE_SECOND_SLOT, "statusBarSimMMCode": "", "statusBarSimCarrierBlockedStatus": ""},
     ),
-    "a code of the first SIM with none of the second": (FIRST_OF_TWO, {"statusBarSimMMCode": "0"}),
-    "a lock of the first SIM with none of the second": (
-        FIRST_OF_TWO,
-        {"statusBarSimCarrierBlockedStatus": "0"},
-    ),
-    "a code of an empty first slot": (
-        TWO_SIMS,
-        {**NO_FIRST_SIM, "statusBarSimCarrierBlockedStatus": ""},
-    ),
-    "a lock of an empty first slot": (TWO_SIMS, {**NO_FIRST_SIM, "statusBarSimMMCode": ""}),
-    "a code of an empty second slot": (
-        TWO_SIMS,
-        {**NO_SECOND_SIM, "statusBarSim2CarrierBlockedStatus": ""},
-    ),
-    "a lock of an empty second slot": (TWO_SIMS, {**NO_SECOND_SIM, "statusBarSim2MMCode": ""}),
     "a connection of a locked SIM": (
         TWO_SIMS,
         {"statusBarSimStatus": "PIN Locked", "statusBarConnectionState": "Connected"},
     ),
-    "a connection of a locked second SIM": (TWO_SIMS, {"statusBarSim2Status": "PIN Locked"}),
     "a locked SIM that is ready": (TWO_SIMS, {"statusBarConnectionState": "PIN Locked"}),
-    "a locked second SIM that is ready": (TWO_SIMS, {"statusBarSim2ConnectionState": "PIN Locked"}),
     "free space without a card": ("lte-plus-one-sim", {"statusBarSdCardFreeSpace": "1"}),
-    "used space without a card": ("lte-plus-one-sim", {"statusBarSdCardUsedSpace": "1"}),
     "a card without space": (
         ONE_SIM,
         {"statusBarSdCardUsedSpace": GONE, "statusBarSdCardFreeSpace": GONE},
     ),
     "a card in a slot that is not read": (NOTHING_OF_ONE_SIM, {"statusBarSdCardInUse": 0}),
-    **{
-        f"words of the carrier out of season: {key}": ("lte-plus-one-sim", {key: "Soon!"})
-        for key in STATUS
-        if key.startswith("StatusBarSoftwareUpdateCustom")
-    },
+    "words of the carrier out of season": ("lte-plus-one-sim", {"StatusBarSoftwareUpdateCustomDesc": "Soon!"}),
     "words of the carrier with the value of another state": (
         "lte-plus-one-sim",
         {"StatusBarSoftwareUpdateValue": 2, "StatusBarSoftwareUpdateCustomDesc": "Soon!"},
-    ),
-    "words of the carrier with another value": (
-        "software-update-9-2",
-        {"StatusBarSoftwareUpdateValue": 1},
     ),
     "a battery in parts": (
         ONE_SIM,
@@ -260,9 +135,7 @@ WRONG = {
     "an identifier of two words": (ONE_SIM, {"statusBarNetworkID": "310 48"}),
     "a switch beyond on": (ONE_SIM, {"statusBarMobileDataEnabled": 2}),
     "a number beyond 32 bits": (ONE_SIM, {"statusBarMnsScan": 2**31}),
-    "a negative number beyond 32 bits": (ONE_SIM, {"statusBarMnsScan": -(2**31) - 1}),
     "a card in use beyond 32 bits": (ONE_SIM, {"statusBarSdCardInUse": 2**32}),
-    "a card in negative use": (ONE_SIM, {"statusBarSdCardInUse": -1}),
     "a technology that has no name": (ONE_SIM, {"statusBarTechnology": "6G"}),
     "a flag that is empty": (ONE_SIM, {"statusBarNotificationFlag": ""}),
     "words for a technology": (ONE_SIM, {"statusBarTechnologyText": "5G"}),

@@ -13,30 +13,16 @@ from support import paths
 DEBUG = "[KESTAL_CGI]:[DEBUG] - "
 
 
-def test_the_start_is_logged_in_order(make_responder):
+def test_the_start_is_logged_before_the_first_request(make_responder):
     responder = make_responder().start()
-    process = responder.pid
     responder.log.wait_for("SystemServiceComponent::SystemServiceComponent() - END")
     messages = responder.log.messages()
     assert re.fullmatch(
         r"\[KESTAL_CGI\]:\[NOTICE\] - KESTAL_CGI Process Start with pthread ID:\d+, "
-        rf"process ID:{process}\.",
+        rf"process ID:{responder.pid}\.",
         messages[0],
     )
-    parent = re.search(r"Parent Process Id = (\d+)", messages[2])
-    begin = messages.index(f"{DEBUG}int fastcgi_main_loop() BEGIN")
-    assert messages[1 : begin + 1] == [
-        f"{DEBUG}int KeepAliveHandler::Initialize() - BEGIN",
-        f"{DEBUG}int KeepAliveHandler::Initialize() - Parent Process Id = {parent[1]} registering "
-        "kestal.cgi with watchdog",
-        "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered",
-        f"{DEBUG}int KeepAliveHandler::Initialize() - END returning 0",
-        f"{DEBUG}int KeepAliveHandler::Run() - BEGIN",
-        f"{DEBUG}int KeepAliveHandler::Run() - END returning 0",
-        f"{DEBUG}int fastcgi_main_loop() BEGIN",
-    ]
-    assert messages[begin + 1] == f"{DEBUG}SystemServiceComponent::SystemServiceComponent() - BEGIN"
-    assert messages[-1] == f"{DEBUG}SystemServiceComponent::SystemServiceComponent() - END"
+    assert "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered" in messages
 
 
 @pytest.mark.parametrize("first", ["/usr/bin/kestal.cgi", "kestal.cgi", "./kestal.cgi", "//x//kestal.cgi"])
@@ -54,33 +40,6 @@ def test_the_program_name_is_the_base_name_of_the_first_argument(make_responder,
 def test_further_arguments_are_not_read(make_responder):
     responder = make_responder().start(["kestal.cgi", "--help", "\x01", ""])
     assert responder.ask().status == 200
-
-
-def test_one_request_is_logged_in_order(responder):
-    responder.log.wait_for("SystemServiceComponent::SystemServiceComponent() - END")
-    start = len(responder.log.messages())
-    assert responder.ask("/srv/x").complete
-    loop = f"{DEBUG}int fastcgi_main_loop() - "
-    login = f"{DEBUG}int GetLoginStatus(CgiHelper*, FCGX_Request&) - "
-    dispatch = f"{DEBUG}virtual PageError SystemServiceComponent::Dispatch(CTPP::CDT&, int) - "
-    assert responder.log.messages()[start:] == [
-        f"{login}BEGIN",
-        f"{login}sessionId ",
-        f"{login}kestal admin not logged in",
-        f"{login}END by returning [0]",
-        f"{loop}Starting KESTAL_CGI request",
-        f"{DEBUG}bool InitializeSysinterface() - BEGIN",
-        f"{DEBUG}bool InitializeSysinterface() - END returning 1",
-        f"{loop}current language is en_US",
-        f"{DEBUG}int get_service_api(FCGX_ParamArray) BEGIN",
-        "[KESTAL_CGI]:[INFO] - int get_service_api(FCGX_ParamArray) - kestal.cgi /srv/x request received",
-        f"{DEBUG}int get_service_api(FCGX_ParamArray) END returning 4",
-        f"{dispatch}BEGIN",
-        f"{dispatch}END returning 1",
-        f"{DEBUG}bool UninitializeSysinterface() - BEGIN",
-        f"{DEBUG}bool UninitializeSysinterface() - END returning 1",
-        f"{loop}End KESTAL_CGI request",
-    ]
 
 
 def test_the_level_of_the_log_is_5_when_none_is_set(make_responder):
