@@ -6,44 +6,55 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "bindings/simulator/log.h"
+#include "bindings/simulator/maintenance_clock.h"
 #include "platform/web_common.h"
 
 namespace {
 
-/// What the thread needs; the thread keeps it alive when its owner goes first.
-struct Loop {
-    std::mutex mutex;
-    std::condition_variable_any stopped;
-
-    void Run(const std::stop_token& stop, MaintenanceThreadCallbackInterface& callback,
-             std::chrono::seconds interval) {
-        while (!StoppedWithin(interval, stop)) {
-            Notify(callback);
-        }
+class Steady : public simulator::MaintenanceClock {
+  public:
+    void Wait(std::chrono::milliseconds interval, const std::stop_token& stop) override {
+        std::unique_lock lock(mutex);
+        stopped.wait_for(lock, stop, interval, [] { return false; });
     }
 
   private:
-    /// A callback that fails must end neither the thread nor the process.
-    static void Notify(MaintenanceThreadCallbackInterface& callback) {
-        try {
-            callback.OnThreadNotify(0);
-        } catch (const std::exception& error) {
-            SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
-        } catch (...) {
-            SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: unknown exception");
-        }
-    }
-
-    bool StoppedWithin(std::chrono::seconds interval, const std::stop_token& stop) {
-        std::unique_lock lock(mutex);
-        stopped.wait_for(lock, stop, interval, [] { return false; });
-        return stop.stop_requested();
-    }
+    std::mutex mutex;
+    std::condition_variable_any stopped;
 };
 
+std::shared_ptr<simulator::MaintenanceClock>& CurrentClock() {
+    static std::shared_ptr<simulator::MaintenanceClock> clock = simulator::SteadyClock();
+    return clock;
+}
+
+/// A callback that fails must end neither the thread nor the process.
+void Notify(MaintenanceThreadCallbackInterface& callback) {
+    try {
+        callback.OnThreadNotify(0);
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
+    } catch (...) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: unknown exception");
+    }
+}
+
 }  // namespace
+
+namespace simulator {
+
+std::shared_ptr<MaintenanceClock> SteadyClock() {
+    return std::make_shared<Steady>();
+}
+
+void SetMaintenanceClock(std::shared_ptr<MaintenanceClock> clock) {
+    CurrentClock() = std::move(clock);
+}
+
+}  // namespace simulator
 
 bool MaintenanceThreadCallbackInterface::OnThreadNotify(unsigned int /*event*/) {
     return false;
@@ -83,9 +94,15 @@ int MaintenanceThread::Run() {
     try {
         // An interval of 0 would never let the thread rest.
         const std::chrono::seconds seconds(std::max(interval, 1U));
-        state->thread =
-            std::jthread([loop = std::make_shared<Loop>(), called = callback, seconds](
-                             const std::stop_token& stop) { loop->Run(stop, *called, seconds); });
+        // The thread keeps the clock alive when its owner goes first.
+        state->thread = std::jthread(
+            [clock = CurrentClock(), called = callback, seconds](const std::stop_token& stop) {
+                clock->Wait(seconds, stop);
+                while (!stop.stop_requested()) {
+                    Notify(*called);
+                    clock->Wait(seconds, stop);
+                }
+            });
         return 0;
     } catch (const std::exception& error) {
         SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());

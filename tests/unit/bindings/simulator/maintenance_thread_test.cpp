@@ -1,21 +1,61 @@
 // The maintenance thread calls back once per interval until it is stopped.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <stop_token>
 #include <thread>
+#include <vector>
 
+#include "bindings/simulator/maintenance_clock.h"
 #include "platform/web_common.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {
 
-constexpr unsigned int kOneSecond = 1;
-constexpr unsigned int kOneHour = 3600;
+using simulator::SetMaintenanceClock;
+using simulator::SteadyClock;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using testing::ElementsAre;
+
+/// Time passes when the test says so.
+class PlayedClock : public simulator::MaintenanceClock {
+  public:
+    void Wait(milliseconds interval, const std::stop_token& stop) override {
+        std::unique_lock lock(mutex);
+        intervals.push_back(interval);
+        if (!stop.stop_requested() && changed.wait(lock, stop, [&] { return passing > 0; })) {
+            --passing;
+        }
+    }
+
+    /// Lets @p count intervals pass.
+    void Pass(int count) {
+        const std::scoped_lock lock(mutex);
+        passing += count;
+        changed.notify_all();
+    }
+
+    /// What has been waited for, ended or not.
+    std::vector<milliseconds> Intervals() {
+        const std::scoped_lock lock(mutex);
+        return intervals;
+    }
+
+  private:
+    std::mutex mutex;
+    std::condition_variable_any changed;
+    std::vector<milliseconds> intervals;
+    int passing = 0;
+};
 
 class Callback : public MaintenanceThreadCallbackInterface {
   public:
@@ -48,45 +88,54 @@ class Callback : public MaintenanceThreadCallbackInterface {
     int calls = 0;
 };
 
-class FailingCallback : public SimulatedDevice {};
+/// In a folder of its own, as the log needs it.
+class MaintenanceThreadTest : public SimulatedDevice {
+  protected:
+    MaintenanceThreadTest() { SetMaintenanceClock(clock); }
+    ~MaintenanceThreadTest() override { SetMaintenanceClock(SteadyClock()); }
 
-TEST(MaintenanceThreadTest, CallsBackAgainAndAgain) {
+    std::shared_ptr<PlayedClock> clock = std::make_shared<PlayedClock>();
     Callback callback;
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+};
+
+TEST_F(MaintenanceThreadTest, CallsBackOncePerInterval) {
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Initialize(), 0);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(2);
     callback.WaitForCalls(2);
     EXPECT_EQ(thread.Shutdown(), 0);
+    EXPECT_EQ(callback.Calls(), 2);
+    EXPECT_THAT(clock->Intervals(), ElementsAre(seconds(5), seconds(5), seconds(5)));
 }
 
-TEST(MaintenanceThreadTest, FirstCallComesAfterAnInterval) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneHour, 0);
+TEST_F(MaintenanceThreadTest, FirstCallComesAfterAnInterval) {
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Run(), 0);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(callback.Calls(), 0);
 }
 
-TEST(MaintenanceThreadTest, NewIntervalCountsFromTheNextRun) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneHour, 0);
-    thread.SetInterval(kOneSecond);
+TEST_F(MaintenanceThreadTest, NewIntervalCountsFromTheNextRun) {
+    MaintenanceThread thread(&callback, 5, 0);
+    thread.SetInterval(7);
     EXPECT_EQ(thread.Run(), 0);
+    thread.SetInterval(9);
+    clock->Pass(1);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
+    EXPECT_THAT(clock->Intervals(), ElementsAre(seconds(7), seconds(7)));
 }
 
-TEST(MaintenanceThreadTest, IntervalOfZeroIsASecond) {
-    Callback callback;
+TEST_F(MaintenanceThreadTest, IntervalOfZeroIsASecond) {
     MaintenanceThread thread(&callback, 0, 0);
     EXPECT_EQ(thread.Run(), 0);
-    callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
+    EXPECT_THAT(clock->Intervals(), ElementsAre(seconds(1)));
 }
 
-TEST(MaintenanceThreadTest, ShutdownIsHarmlessAtAnyTime) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneHour, 0);
+TEST_F(MaintenanceThreadTest, ShutdownIsHarmlessAtAnyTime) {
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(thread.Initialize(), 0);
     EXPECT_EQ(thread.Shutdown(), 0);
@@ -95,91 +144,86 @@ TEST(MaintenanceThreadTest, ShutdownIsHarmlessAtAnyTime) {
     EXPECT_EQ(thread.Shutdown(), 0);
 }
 
-TEST(MaintenanceThreadTest, RunningTwiceIsRunningOnce) {
-    Callback callback;
-    std::thread::id first;
-    callback.action = [&] {
-        if (first == std::thread::id()) {
-            first = std::this_thread::get_id();
-        }
-        EXPECT_EQ(first, std::this_thread::get_id());
-    };
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+TEST_F(MaintenanceThreadTest, RunningTwiceIsRunningOnce) {
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Run(), 0);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(2);
     callback.WaitForCalls(2);
     EXPECT_EQ(thread.Shutdown(), 0);
+    EXPECT_EQ(clock->Intervals().size(), 3U);
 }
 
-TEST(MaintenanceThreadTest, MayRunAgainAfterShutdown) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+TEST_F(MaintenanceThreadTest, MayRunAgainAfterShutdown) {
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Run(), 0);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(1);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
 }
 
-TEST(MaintenanceThreadTest, MayBeShutDownFromItsOwnCallback) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+TEST_F(MaintenanceThreadTest, MayBeShutDownFromItsOwnCallback) {
+    MaintenanceThread thread(&callback, 5, 0);
     callback.action = [&] { EXPECT_EQ(thread.Shutdown(), 0); };
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(2);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(callback.Calls(), 1);
 }
 
-TEST(MaintenanceThreadTest, MayRunAgainAfterItsCallbackShutItDown) {
-    Callback callback;
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+TEST_F(MaintenanceThreadTest, MayRunAgainAfterItsCallbackShutItDown) {
+    MaintenanceThread thread(&callback, 5, 0);
     callback.action = [&] { EXPECT_EQ(thread.Shutdown(), 0); };
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(1);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(1);
     callback.WaitForCalls(2);
 }
 
-TEST(MaintenanceThreadTest, DestructionStopsIt) {
-    Callback callback;
+TEST_F(MaintenanceThreadTest, DestructionStopsIt) {
     {
-        MaintenanceThread thread(&callback, kOneHour, 0);
+        MaintenanceThread thread(&callback, 5, 0);
         EXPECT_EQ(thread.Run(), 0);
     }
+    clock->Pass(1);
     EXPECT_EQ(callback.Calls(), 0);
+    EXPECT_EQ(clock->Intervals().size(), 1U);
 }
 
-TEST(MaintenanceThreadTest, NeedsACallback) {
-    MaintenanceThread thread(nullptr, kOneSecond, 0);
+TEST_F(MaintenanceThreadTest, NeedsACallback) {
+    MaintenanceThread thread(nullptr, 5, 0);
     EXPECT_NE(thread.Initialize(), 0);
     EXPECT_NE(thread.Run(), 0);
     EXPECT_EQ(thread.Shutdown(), 0);
 }
 
-TEST(MaintenanceThreadTest, InheritsTheSignalMaskOfItsCreator) {
+TEST_F(MaintenanceThreadTest, InheritsTheSignalMaskOfItsCreator) {
     sigset_t blocked;
     sigset_t original;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGUSR1);
     ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &blocked, &original), 0);
-    Callback callback;
     int isBlocked = 0;
     callback.action = [&] {
         sigset_t own;
         pthread_sigmask(SIG_SETMASK, nullptr, &own);
         isBlocked = sigismember(&own, SIGUSR1);
     };
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(1);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(isBlocked, 1);
     ASSERT_EQ(pthread_sigmask(SIG_SETMASK, &original, nullptr), 0);
 }
 
-TEST_F(FailingCallback, IsLoggedAndTheThreadGoesOn) {
-    Callback callback;
+TEST_F(MaintenanceThreadTest, FailingCallbackIsLoggedAndTheThreadGoesOn) {
     int round = 0;
     callback.action = [&] {
         ++round;
@@ -190,20 +234,33 @@ TEST_F(FailingCallback, IsLoggedAndTheThreadGoesOn) {
             throw 7;  // Not even a std::exception.
         }
     };
-    MaintenanceThread thread(&callback, kOneSecond, 0);
+    MaintenanceThread thread(&callback, 5, 0);
     EXPECT_EQ(thread.Run(), 0);
+    clock->Pass(3);
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
-    // A late shutdown leaves time for more.
-    EXPECT_GE(round, 3);
-    EXPECT_THAT(Log(), ::testing::ElementsAre(
-                           "[SIMULATOR]:[ERROR] - maintenance thread: out of order",
-                           "[SIMULATOR]:[ERROR] - maintenance thread: unknown exception"));
+    EXPECT_EQ(round, 3);
+    EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - maintenance thread: out of order",
+                                   "[SIMULATOR]:[ERROR] - maintenance thread: unknown exception"));
 }
 
-TEST(MaintenanceThreadTest, CallbackOfTheBaseDoesNothing) {
+TEST(MaintenanceThreadCallback, OfTheBaseDoesNothing) {
     MaintenanceThreadCallbackInterface base;
     EXPECT_FALSE(base.OnThreadNotify(0));
+}
+
+TEST(SteadyMaintenanceClock, WaitsAsLongAsItIsTold) {
+    const std::stop_source never;
+    const auto begin = std::chrono::steady_clock::now();
+    SteadyClock()->Wait(milliseconds(2), never.get_token());
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(2));
+}
+
+TEST(SteadyMaintenanceClock, StopsWaitingWhenItIsAskedTo) {
+    std::jthread waiting([clock = SteadyClock()](const std::stop_token& stop) {
+        clock->Wait(std::chrono::hours(1), stop);
+    });
+    waiting.request_stop();
 }
 
 }  // namespace
