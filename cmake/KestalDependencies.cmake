@@ -42,3 +42,15 @@ if(KESTAL_TESTS)
     find_package(GTest REQUIRED)
     include(GoogleTest)
 endif()
+
+# Only for those who compile it all again and again; the product is built without.
+if(KESTAL_TESTS OR KESTAL_FUZZ)
+    kestal_add_precompiled(kestal_json_headers
+        HEADERS <nlohmann/json.hpp>
+        LINKS nlohmann_json::nlohmann_json)
+endif()
+if(KESTAL_TESTS)
+    kestal_add_precompiled(kestal_gtest_headers HEADERS <gtest/gtest.h> LINKS GTest::gmock)
+    # For tests most of whose files need it: it takes longer to load.
+    kestal_add_precompiled(kestal_gmock_headers HEADERS <gmock/gmock.h> <gtest/gtest.h> LINKS GTest::gmock)
+endif()

@@ -53,17 +53,52 @@ function(kestal_link_twin name)
     endforeach()
 endfunction()
 
-# kestal_add_library(NAME SOURCES ... [INCLUDES dir...] [LINKS library...])
+# kestal_add_library(NAME [OBJECT] SOURCES ... [INCLUDES dir...] [LINKS library...] [DEFINITIONS ...])
+#
+# With OBJECT, all of it goes into what links it, in place of what other libraries have by its names.
 function(kestal_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;INCLUDES;LINKS")
-    add_library(${name} STATIC ${arg_SOURCES})
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "" "SOURCES;INCLUDES;LINKS;DEFINITIONS")
+    set(kind STATIC)
+    if(arg_OBJECT)
+        set(kind OBJECT)
+    endif()
+    add_library(${name} ${kind} ${arg_SOURCES})
     target_include_directories(${name} PUBLIC ${arg_INCLUDES})
+    target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     target_link_libraries(${name} PUBLIC kestal_options ${arg_LINKS})
     if(KESTAL_TWINS)
-        add_library(${name}_san STATIC EXCLUDE_FROM_ALL ${arg_SOURCES})
+        add_library(${name}_san ${kind} EXCLUDE_FROM_ALL ${arg_SOURCES})
         target_include_directories(${name}_san PUBLIC ${arg_INCLUDES})
+        target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
         target_link_libraries(${name}_san PUBLIC kestal_options kestal_options_san)
         kestal_link_twin(${name} ${arg_LINKS})
+    endif()
+endfunction()
+
+# kestal_add_precompiled(NAME HEADERS header... [LINKS library...]): headers that take longer to read
+# than most of what includes them takes to compile.
+function(kestal_add_precompiled name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;LINKS")
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "")
+    kestal_add_library(${name} OBJECT SOURCES ${source} LINKS ${arg_LINKS})
+    foreach(target ${name} ${name}_san)
+        if(TARGET ${target})
+            set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+            target_precompile_headers(${target} PRIVATE ${arg_HEADERS})
+        endif()
+    endforeach()
+endfunction()
+
+# kestal_use_precompiled(TARGET NAME): TARGET, and its twin, is compiled with the headers NAME, where
+# this build has them.
+function(kestal_use_precompiled target name)
+    if(NOT TARGET ${name})
+        return()
+    endif()
+    target_precompile_headers(${target} REUSE_FROM ${name})
+    if(TARGET ${target}_san)
+        target_precompile_headers(${target}_san REUSE_FROM ${name}_san)
     endif()
 endfunction()
 
@@ -81,9 +116,13 @@ function(kestal_link_test name twin)
     endforeach()
 endfunction()
 
-# kestal_add_unit_test(NAME SOURCES ... [LINKS library...] [DEFINITIONS definition...])
+# kestal_add_unit_test(NAME SOURCES ... [LINKS library...] [DEFINITIONS definition...]
+#                      [PRECOMPILED name])
 function(kestal_add_unit_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;DEFINITIONS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "PRECOMPILED" "SOURCES;LINKS;DEFINITIONS")
+    if(NOT arg_PRECOMPILED)
+        set(arg_PRECOMPILED kestal_gtest_headers)
+    endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE kestal_options GTest::gmock GTest::gtest_main)
     kestal_link_test(${name} OFF ${arg_LINKS})
@@ -102,7 +141,11 @@ function(kestal_add_unit_test name)
         gtest_discover_tests(${name}_san TEST_PREFIX ${name}_san. DISCOVERY_TIMEOUT 60
             PROPERTIES LABELS "unit;sanitized" TIMEOUT ${timeout})
     endif()
+    kestal_use_precompiled(${name} ${arg_PRECOMPILED})
 endfunction()
+
+# What clang-tidy needs besides the sources.
+add_custom_target(kestal_generated_headers)
 
 # NAME and its twin can include declared_calls.h, which lists the calls that platform/ declares.
 function(kestal_list_declared_calls name)
@@ -113,6 +156,8 @@ function(kestal_list_declared_calls name)
         COMMAND /usr/bin/python3 ${script} ${list} ${headers}
         DEPENDS ${script} ${headers}
         VERBATIM)
+    add_custom_target(${name}_declared_calls DEPENDS ${list})
+    add_dependencies(kestal_generated_headers ${name}_declared_calls)
     foreach(target ${name} ${name}_san)
         if(TARGET ${target})
             target_sources(${target} PRIVATE ${list})
