@@ -40,7 +40,6 @@ endif()
 
 if(KESTAL_TESTS)
     find_package(GTest REQUIRED)
-    include(GoogleTest)
 endif()
 
 # Only for those who compile it all again and again; the product is built without.

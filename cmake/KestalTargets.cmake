@@ -116,6 +116,36 @@ function(kestal_link_test name twin)
     endforeach()
 endfunction()
 
+# kestal_add_suites(NAME LABELS): CTest knows the suites of the GoogleTest program NAME when it is built.
+function(kestal_add_suites name labels)
+    set(suites ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
+    set(tests ${CMAKE_CURRENT_BINARY_DIR}/${name}_tests.cmake)
+    file(CONFIGURE OUTPUT ${tests} @ONLY CONTENT [=[
+if(EXISTS "@suites@")
+    include("@suites@")
+else()
+    add_test(@name@_NOT_BUILT @name@_NOT_BUILT)
+endif()
+]=])
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${tests})
+    get_target_property(command ${name} CROSSCOMPILING_EMULATOR)
+    if(NOT command)
+        set(command)
+    endif()
+    list(APPEND command $<TARGET_FILE:${name}>)
+    list(JOIN command "|" command)
+    # The longest take minutes where others keep the processors busy.
+    set(properties "LABELS [==[${labels}]==] TIMEOUT 900")
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -D name=${name} -D program=${command} -D "properties=${properties}"
+            -D output=${suites} -P ${PROJECT_SOURCE_DIR}/cmake/list_suites.cmake
+        BYPRODUCTS ${suites}
+        VERBATIM)
+endfunction()
+
+# The plain unit tests, which scripts/test runs before it builds anything else.
+add_custom_target(kestal_unit_tests)
+
 # kestal_add_unit_test(NAME SOURCES ... [LINKS library...] [DEFINITIONS definition...]
 #                      [PRECOMPILED name])
 function(kestal_add_unit_test name)
@@ -128,18 +158,15 @@ function(kestal_add_unit_test name)
     kestal_link_test(${name} OFF ${arg_LINKS})
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     kestal_emulate(${name})
-    # The longest take a minute where others keep the processors busy.
-    set(timeout 600)
-    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60
-        PROPERTIES LABELS unit TIMEOUT ${timeout})
+    kestal_add_suites(${name} "unit;plain")
+    add_dependencies(kestal_unit_tests ${name})
     if(KESTAL_TWINS)
         add_executable(${name}_san ${arg_SOURCES})
         target_link_libraries(${name}_san PRIVATE kestal_options kestal_options_san
             GTest::gmock GTest::gtest_main)
         kestal_link_test(${name}_san ON ${arg_LINKS})
         target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
-        gtest_discover_tests(${name}_san TEST_PREFIX ${name}_san. DISCOVERY_TIMEOUT 60
-            PROPERTIES LABELS "unit;sanitized" TIMEOUT ${timeout})
+        kestal_add_suites(${name}_san "unit;sanitized")
     endif()
     kestal_use_precompiled(${name} ${arg_PRECOMPILED})
 endfunction()

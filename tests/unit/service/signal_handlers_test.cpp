@@ -114,6 +114,9 @@ class SignalHandlersDeathTest : public testing::Test {
     }
 };
 
+/// Those in which a signal arrives while the handler of another runs.
+class SignalsInHandlersDeathTest : public SignalHandlersDeathTest {};
+
 TEST_F(SignalHandlersDeathTest, FatalSignalIsLoggedWithItsFramesAndBecomesTheExitStatus) {
     for (const int signo : {SIGILL, SIGABRT, SIGSEGV}) {
         const std::string received =
@@ -151,7 +154,7 @@ TEST_F(SignalHandlersDeathTest, FramesAreLoggedWithoutTheirNamesWhenThereIsNoMem
         "log 3 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : \n");
 }
 
-TEST_F(SignalHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
+TEST_F(SignalsInHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
     EXPECT_EXIT(
         {
             Prepare(Symbols::neverCome);
@@ -160,7 +163,7 @@ TEST_F(SignalHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndE
         testing::ExitedWithCode(SIGSEGV), "^" + kReceived + "11, backtrace:\n$");
 }
 
-TEST_F(SignalHandlersDeathTest, HandlerThatCrashesItselfTellsTheDebugLogAndEnds) {
+TEST_F(SignalsInHandlersDeathTest, HandlerThatCrashesItselfTellsTheDebugLogAndEnds) {
     for (const int signo : {SIGABRT, SIGSEGV}) {
         EXPECT_EXIT(
             {
@@ -193,7 +196,7 @@ TEST_F(SignalHandlersDeathTest, UsedUpStackOfTheKeepAliveThreadGivesTheSignalAsE
         testing::ExitedWithCode(SIGSEGV), kReceived + "11, backtrace:");
 }
 
-TEST_F(SignalHandlersDeathTest, SecondThreadThatCrashesLeavesTheEndToTheFirst) {
+TEST_F(SignalsInHandlersDeathTest, SecondThreadThatCrashesLeavesTheEndToTheFirst) {
     EXPECT_EXIT(
         {
             Prepare();
@@ -249,7 +252,7 @@ TEST_F(SignalHandlersDeathTest, FaultInAnExitHandlerKeepsTheFirstSignalAsExitSta
         testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
 }
 
-TEST_F(SignalHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTakenAllTheSame) {
+TEST_F(SignalsInHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTakenAllTheSame) {
     EXPECT_EXIT(
         {
             sigset_t all;
