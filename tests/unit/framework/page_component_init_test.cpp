@@ -315,6 +315,41 @@ TEST_F(PageComponentInitTest, ListThatFindsNoMemoryIsAFailureThatAnotherInitCanM
     EXPECT_EQ(ToJson(component.features), R"({"A":1,"B":2})");
 }
 
+TEST_F(PageComponentInitTest, RecordThatCannotBeKeptIsAFailureOfItsList) {
+    /// A library with one feature, and no memory when the record is to be kept.
+    class OneFeature : public recording::Director {
+      public:
+        int Answer(const recording::Call& call) override {
+            if (!call.outputs[0].empty()) {
+                return WEBUI_SUCCESS;
+            }
+            call.outputs[1][0] = std::byte{1};
+            return WEBUI_BUFFER_NEEDED;
+        }
+        void See(const std::string& line) override {
+            if (line.find("feature name") != std::string::npos) {
+                throw std::bad_alloc();
+            }
+        }
+    } library;
+    component.useCommonFeatures = 1;
+    recording::Direct(&library);
+    const int status = component.GetFeatures();
+    recording::Direct(nullptr);
+    EXPECT_EQ(status, WEBUI_BUFFER_NEEDED);
+    EXPECT_TRUE(component.WasCutShort());
+}
+
+TEST_F(PageComponentInitTest, CountThatTheLibraryDoesNotWriteIsZero) {
+    component.useCommonFeatures = 1;
+    Given("webui_get_common_features").Returns(WEBUI_BUFFER_NEEDED);
+    Given("webui_get_common_features").Returns(WEBUI_SUCCESS);
+    EXPECT_EQ(component.GetFeatures(), WEBUI_SUCCESS);
+    EXPECT_EQ(
+        recording::TranscriptText("webui_"),
+        Lines({"webui_get_common_features(no buffer)", "webui_get_common_features(room for 0)"}));
+}
+
 TEST_F(PageComponentInitTest, OnlyAListOfUsualLengthWaitsForMemory) {
     component.useCommonFeatures = 1;
     const LimitedMemory limited(0);
