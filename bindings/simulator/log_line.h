@@ -1,4 +1,4 @@
-// One line of the debug log.
+// One line of a log.
 #pragma once
 
 #include <array>
@@ -8,22 +8,35 @@
 
 namespace simulator {
 
-/// Builds "2026-11-21T12:00:00.123Z program[pid] message" in place. Allocates nothing and takes no
-/// lock; small enough for the stack of a signal handler.
+/// Builds a line in place: a head and a message. Allocates nothing and takes no lock; small
+/// enough for the stack of a signal handler. Whatever is added, the line is valid UTF-8 without
+/// control characters.
 class LogLine {
   public:
-    /// Begins with the time, @p programName and the process.
-    explicit LogLine(const char* programName);
+    /// Begins with "2026-11-21T12:00:00.123Z program[pid] ", as the debug log does.
+    static LogLine ForDebugLog(const char* programName);
 
-    /// Adds the message. A line feed at its end is dropped, other control characters become '?',
-    /// and what does not fit is cut off, visibly.
+    /// Begins with "<priority>program[pid]: ". Without a time: the system log notes when a line
+    /// came.
+    static LogLine ForSystemLog(const char* programName, int priority);
+
+    /// Adds a message. A line feed at its end is dropped. '?' stands for every other character that
+    /// a terminal obeys instead of showing, and for every byte that is not UTF-8. What does not fit
+    /// is cut off, visibly.
     [[gnu::format(printf, 2, 0)]] void Append(const char* format, std::va_list arguments);
 
-    /// The whole line with its line feed; valid as long as the object.
+    /// The whole line; valid as long as the object.
+    std::string_view Text() const { return {text.data(), length}; }
+
+    /// The same with a line feed.
     std::string_view Finish();
 
   private:
-    std::array<char, 4096> text;
+    LogLine() = default;
+
+    [[gnu::format(printf, 2, 3)]] void Begin(const char* format, ...);
+
+    std::array<char, 4096> text{};
     std::size_t length = 0;
 };
 

@@ -94,7 +94,8 @@ bool IsWritable(int file) {
 [[gnu::noinline, gnu::format(printf, 1, 0)]] void WriteLine(const char* format,
                                                             std::va_list arguments) {
     const int callersError = errno;
-    simulator::LogLine line(ProgramName());
+    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    errno = callersError;
     line.Append(format, arguments);
     const std::string_view text = line.Finish();
     const int file = Destination();

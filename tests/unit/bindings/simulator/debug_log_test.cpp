@@ -162,8 +162,41 @@ TEST_F(DebugLog, OneTrailingLineFeedIsDropped) {
 }
 
 TEST_F(DebugLog, ControlCharactersAreMadeHarmless) {
-    toru_dbg_log("M", TORU_DBG_ERROR, "a\nb\rc\td\033[1me\x7f g\xc3\xa9\xff");
-    EXPECT_THAT(Log(), ElementsAre("a?b?c?d?[1me? g\xc3\xa9\xff"));
+    toru_dbg_log("M", TORU_DBG_ERROR, "a\nb\rc\td\033[1me\x7f g\xc3\xa9");
+    toru_dbg_log("M", TORU_DBG_ERROR, "C1 \u0080 \u0085 \u009b31m \u009f \u00a0");
+    EXPECT_THAT(Log(), ElementsAre("a?b?c?d?[1me? g\xc3\xa9", "C1 ? ? ?31m ? \u00a0"));
+}
+
+TEST_F(DebugLog, SeparatorsOfLinesAreMadeHarmless) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "a\u2028b\u2029c \u2027 \u202f");
+    EXPECT_THAT(Log(), ElementsAre("a?b?c \u2027 \u202f"));
+}
+
+TEST_F(DebugLog, WhatTurnsTextAroundIsMadeHarmless) {
+    toru_dbg_log("M", TORU_DBG_ERROR,
+                 "\u061c\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069");
+    toru_dbg_log("M", TORU_DBG_ERROR, "\u061b\u200d\u2010\u2065\u206a \u0627");
+    EXPECT_THAT(Log(), ElementsAre("????????????", "\u061b\u200d\u2010\u2065\u206a \u0627"));
+}
+
+TEST_F(DebugLog, BytesThatAreNotUtf8AreMadeHarmless) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "lone \x80, no byte \xff, short \xe2\x82, \xf0\x9f\x98\x80");
+    toru_dbg_log("M", TORU_DBG_ERROR, "overlong \xc0\x8a, surrogate \xed\xa0\x80, end \xc3");
+    EXPECT_THAT(Log(), ElementsAre("lone ?, no byte ?, short ??, \xf0\x9f\x98\x80",
+                                   "overlong ??, surrogate ???, end ?"));
+}
+
+TEST_F(DebugLog, BytesThatAreNotUtf8AreNotCutOffWithTheEnd) {
+    toru_dbg_log("M", TORU_DBG_ERROR, "%s", std::string(5000, '\x80').c_str());
+    ASSERT_EQ(Log().size(), 1U);
+    EXPECT_GT(Log().front().size(), 3900U);
+    EXPECT_THAT(Log().front(), MatchesRegex("\\?+\\.\\.\\.\\[cut\\]"));
+}
+
+TEST_F(DebugLog, ProgramNameIsMadeHarmless) {
+    (void)toru_dbg_start("a\n\xff\u202e");
+    toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    EXPECT_THAT(ReadFile(directory / "log"), MatchesRegex("[^ ]+Z a\\?\\?\\?\\[[0-9]+\\] text\n"));
 }
 
 TEST_F(DebugLog, LongLinesAreCutVisibly) {

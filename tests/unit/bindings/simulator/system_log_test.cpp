@@ -11,6 +11,8 @@
 
 namespace {
 
+using ::testing::EndsWith;
+
 /// The system log's end.
 class Receiver {
   public:
@@ -58,11 +60,19 @@ TEST_F(SystemLog, GetsEveryLineWithItsPriority) {
     EXPECT_TRUE(Log().empty());
 }
 
-TEST_F(SystemLog, LosesTheEndOfALineThatIsTooLong) {
+TEST_F(SystemLog, GetsTheBeginningOfALineThatIsTooLong) {
     const Receiver log(path);
-    const std::string text(5000, 'x');
-    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "%s", text.c_str());
-    EXPECT_EQ(log.Next(), (Head() + text).substr(0, 4095));
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "%s", std::string(5000, 'x').c_str());
+    const std::string line = log.Next();
+    EXPECT_LE(line.size(), 4096U);
+    EXPECT_GT(line.size(), 4000U);
+    EXPECT_THAT(line, EndsWith("xxx...[cut]"));
+}
+
+TEST_F(SystemLog, GetsNothingThatATerminalWouldObeyAndNoBytesThatAreNotUtf8) {
+    const Receiver log(path);
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "a\nb\u009bc\u2028d\u202ee\xff\n");
+    EXPECT_EQ(log.Next(), Head() + "a?b?c?d?e?");
 }
 
 TEST_F(SystemLog, NamesTheErrorOfTheCallerAndLeavesIt) {
