@@ -1,6 +1,7 @@
 #include "bindings/simulator/datagram.h"
 
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 
 #include <cerrno>
@@ -10,15 +11,32 @@
 
 namespace simulator {
 
-int SendDatagram(std::string_view name, std::string_view text) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
+namespace {
+
+bool LimitWaiting(int sender, std::chrono::milliseconds patience) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(patience);
+    const auto rest = std::chrono::microseconds(patience - seconds);
+    timeval limit{};
+    limit.tv_sec = static_cast<decltype(limit.tv_sec)>(seconds.count());
+    limit.tv_usec = static_cast<decltype(limit.tv_usec)>(rest.count());
+    return setsockopt(sender, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)) == 0;
+}
+
+}  // namespace
+
+int CheckSocketName(std::string_view name) {
     if (name.empty() || (name.front() != '/' && name.front() != '@')) {
         return EINVAL;
     }
-    if (name.size() >= sizeof(address.sun_path)) {
-        return ENAMETOOLONG;
+    return name.size() < sizeof(sockaddr_un::sun_path) ? 0 : ENAMETOOLONG;
+}
+
+int SendDatagram(std::string_view name, std::string_view text, std::chrono::milliseconds patience) {
+    if (const int error = CheckSocketName(name); error != 0) {
+        return error;
     }
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
     name.copy(address.sun_path, name.size());
     if (name.front() == '@') {
         // The name of an abstract socket begins with a NUL and has no terminator.
@@ -29,11 +47,16 @@ int SendDatagram(std::string_view name, std::string_view text) {
         return errno;
     }
     const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
-    const ssize_t sent =
-        sendto(sender.Number(), text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
-               // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
-               reinterpret_cast<const sockaddr*>(&address), length);
-    return sent < 0 ? errno : 0;
+    const auto send = [&](int flags) {
+        const ssize_t sent = sendto(
+            sender.Number(), text.data(), text.size(), MSG_NOSIGNAL | flags,
+            // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
+            reinterpret_cast<const sockaddr*>(&address), length);
+        return sent < 0 ? errno : 0;
+    };
+    const int error = send(MSG_DONTWAIT);
+    const bool mayWait = error == EAGAIN && patience > std::chrono::milliseconds(0);
+    return mayWait && LimitWaiting(sender.Number(), patience) ? send(0) : error;
 }
 
 }  // namespace simulator

@@ -14,8 +14,11 @@ namespace {
 
 constexpr std::string_view kCut = "...[cut]";
 
-/// How far a message may reach, so that the mark and the line feed have room.
-constexpr std::size_t kEndOfMessage = 4096 - kCut.size() - 1;
+/// Room for the notes; the longest two of them have 41 bytes each.
+constexpr std::size_t kNotes = 88;
+
+/// How far a message may reach, so that the mark, the notes and the line feed have room.
+constexpr std::size_t kEndOfMessage = 4096 - kCut.size() - kNotes - 1;
 
 bool IsPlain(char byte) {
     return byte >= ' ' && byte < '\x7f';
@@ -118,6 +121,16 @@ void LogLine::Append(const char* format, std::va_list arguments) {
     if (isCut) {
         length += kCut.copy(text.data() + length, kCut.size());
     }
+}
+
+void LogLine::Note(const char* format, ...) {
+    // The last byte is the line feed's.
+    const std::size_t room = text.size() - length - 1;
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int wanted = std::vsnprintf(text.data() + length, room, format, arguments);
+    va_end(arguments);
+    length += std::min(static_cast<std::size_t>(std::max(wanted, 0)), room - 1);
 }
 
 std::string_view LogLine::Finish() {

@@ -8,7 +8,7 @@
 
 namespace simulator {
 
-/// Builds a line in place: a head and a message. Allocates nothing and takes no lock; small
+/// Builds a line in place: a head, a message and notes. Allocates nothing and takes no lock; small
 /// enough for the stack of a signal handler. Whatever is added, the line is valid UTF-8 without
 /// control characters.
 class LogLine {
@@ -24,6 +24,9 @@ class LogLine {
     /// a terminal obeys instead of showing, and for every byte that is not UTF-8. What does not fit
     /// is cut off, visibly.
     [[gnu::format(printf, 2, 0)]] void Append(const char* format, std::va_list arguments);
+
+    /// Adds a few words on the line, for which there is always room.
+    [[gnu::format(printf, 2, 3)]] void Note(const char* format, ...);
 
     /// The whole line; valid as long as the object.
     std::string_view Text() const { return {text.data(), length}; }

@@ -1,18 +1,37 @@
 #include "bindings/simulator/system_log.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 
 #include "bindings/simulator/datagram.h"
+#include "bindings/simulator/log.h"
 #include "bindings/simulator/log_line.h"
 
 namespace simulator {
 
 namespace {
 
-std::string_view SocketName() {
+/// Enough for a log that takes milliseconds for a line; little enough for one that hangs while the
+/// device fails in everything, or while the process crashes: either makes some 50 lines.
+constexpr std::chrono::milliseconds kPatience(5);
+
+std::atomic<unsigned int> linesLost = 0;
+
+const char* SocketName() {
     const char* name = std::getenv("KESTAL_SYSLOG");
     return name == nullptr || *name == '\0' ? "/dev/log" : name;
+}
+
+void Send(LogLine& line) {
+    const unsigned int lost = linesLost.exchange(0);
+    if (lost > 0) {
+        line.Note(" [%u lines lost before]", lost);
+    }
+    if (SendDatagram(SocketName(), line.Text(), kPatience) != 0) {
+        linesLost += lost + 1;
+    }
 }
 
 }  // namespace
@@ -22,8 +41,22 @@ void SendToSystemLog(const char* name, int priority, const char* format, std::va
     LogLine line = LogLine::ForSystemLog(name, priority);
     errno = callersError;
     line.Append(format, arguments);
-    (void)SendDatagram(SocketName(), line.Text());
+    Send(line);
     errno = callersError;
+}
+
+void EndSystemLog() {
+    linesLost = 0;
+}
+
+void CheckSystemLog() {
+    if (CheckSocketName(SocketName()) != 0) {
+        SIMULATOR_LOG(
+            TORU_DBG_ERROR,
+            "KESTAL_SYSLOG: expected a path from the root or \"@\" and a name, at most 107 "
+            "bytes, found \"%s\" (lines for the system log are lost)",
+            SocketName());
+    }
 }
 
 }  // namespace simulator

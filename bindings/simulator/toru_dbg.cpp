@@ -112,10 +112,12 @@ int toru_dbg_start(const char* newProgramName) {
     programName = newProgramName;
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
+    simulator::CheckSystemLog();
     return 0;
 }
 
 void toru_dbg_stop() {
+    simulator::EndSystemLog();
     Close(destination.exchange(kUnknown));
 }
 
