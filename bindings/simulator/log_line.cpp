@@ -4,7 +4,6 @@
 #include <utf8.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 
@@ -100,6 +99,7 @@ void LogLine::Begin(const char* format, ...) {
     va_start(arguments, format);
     Append(format, arguments);
     va_end(arguments);
+    head = length;
 }
 
 void LogLine::Append(const char* format, std::va_list arguments) {
@@ -123,6 +123,10 @@ void LogLine::Append(const char* format, std::va_list arguments) {
     }
 }
 
+void LogLine::Append(std::string_view earlier) {
+    length += earlier.copy(text.data() + length, kEndOfMessage - length);
+}
+
 void LogLine::Note(const char* format, ...) {
     // The last byte is the line feed's.
     const std::size_t room = text.size() - length - 1;
@@ -131,6 +135,16 @@ void LogLine::Note(const char* format, ...) {
     const int wanted = std::vsnprintf(text.data() + length, room, format, arguments);
     va_end(arguments);
     length += std::min(static_cast<std::size_t>(std::max(wanted, 0)), room - 1);
+}
+
+void LogLine::NoteCount(unsigned int count) {
+    if (count > 1) {
+        Note(" [%u times]", count);
+    }
+}
+
+void LogLine::NoteHeld(unsigned int count, std::chrono::seconds age) {
+    Note(" [%u times, last %lld s ago]", count, static_cast<long long>(age.count()));
 }
 
 std::string_view LogLine::Finish() {

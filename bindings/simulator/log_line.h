@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdarg>
 #include <cstddef>
 #include <string_view>
@@ -20,13 +21,27 @@ class LogLine {
     /// came.
     static LogLine ForSystemLog(const char* programName, int priority);
 
+    LogLine() = default;
+
     /// Adds a message. A line feed at its end is dropped. '?' stands for every other character that
     /// a terminal obeys instead of showing, and for every byte that is not UTF-8. What does not fit
     /// is cut off, visibly.
     [[gnu::format(printf, 2, 0)]] void Append(const char* format, std::va_list arguments);
 
+    /// Adds text of an earlier line.
+    void Append(std::string_view earlier);
+
     /// Adds a few words on the line, for which there is always room.
     [[gnu::format(printf, 2, 3)]] void Note(const char* format, ...);
+
+    /// Notes that the line stands for @p count, unless that is 1.
+    void NoteCount(unsigned int count);
+
+    /// Notes that the line came @p count times, @p age ago for the last time.
+    void NoteHeld(unsigned int count, std::chrono::seconds age);
+
+    /// What follows the head.
+    std::string_view Message() const { return {text.data() + head, length - head}; }
 
     /// The whole line; valid as long as the object.
     std::string_view Text() const { return {text.data(), length}; }
@@ -35,12 +50,11 @@ class LogLine {
     std::string_view Finish();
 
   private:
-    LogLine() = default;
-
     [[gnu::format(printf, 2, 3)]] void Begin(const char* format, ...);
 
     std::array<char, 4096> text{};
     std::size_t length = 0;
+    std::size_t head = 0;
 };
 
 }  // namespace simulator

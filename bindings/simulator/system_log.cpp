@@ -8,6 +8,7 @@
 #include "bindings/simulator/datagram.h"
 #include "bindings/simulator/log.h"
 #include "bindings/simulator/log_line.h"
+#include "bindings/simulator/repeated_lines.h"
 
 namespace simulator {
 
@@ -17,6 +18,7 @@ namespace {
 /// device fails in everything, or while the process crashes: either makes some 50 lines.
 constexpr std::chrono::milliseconds kPatience(5);
 
+constinit RepeatedLines repeats;
 std::atomic<unsigned int> linesLost = 0;
 
 const char* SocketName() {
@@ -34,18 +36,31 @@ void Send(LogLine& line) {
     }
 }
 
+void TellHeld(std::string_view text, unsigned int count, std::chrono::seconds age) {
+    LogLine line;
+    line.Append(text);
+    line.NoteHeld(count, age);
+    Send(line);
+}
+
 }  // namespace
 
-void SendToSystemLog(const char* name, int priority, const char* format, std::va_list arguments) {
+void SendToSystemLog(const char* name, int priority, bool mayBeHeld, const char* format,
+                     std::va_list arguments) {
     const int callersError = errno;
     LogLine line = LogLine::ForSystemLog(name, priority);
     errno = callersError;
     line.Append(format, arguments);
-    Send(line);
+    const unsigned int count = mayBeHeld ? repeats.Take(line.Text(), LogTime(), TellHeld) : 1;
+    if (count > 0) {
+        line.NoteCount(count);
+        Send(line);
+    }
     errno = callersError;
 }
 
 void EndSystemLog() {
+    repeats.End(LogTime(), TellHeld);
     linesLost = 0;
 }
 

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "bindings/simulator/log_line.h"
+#include "bindings/simulator/repeated_lines.h"
 #include "bindings/simulator/system_log.h"
 
 namespace {
@@ -28,6 +29,8 @@ constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT",
 std::atomic<int> threshold = kUnknown;
 std::atomic<int> destination = kUnknown;
 std::atomic<const char*> programName = nullptr;
+
+constinit simulator::RepeatedLines repeats;
 
 const char* ProgramName() {
     const char* name = programName.load();
@@ -89,26 +92,66 @@ bool IsWritable(int file) {
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
+void Write(std::string_view line) {
+    const int file = Destination();
+    if (file != STDERR_FILENO || IsWritable(file)) {
+        while (write(file, line.data(), line.size()) < 0 && errno == EINTR) {
+        }
+    }
+}
+
+void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds age) {
+    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    line.Append(message);
+    line.NoteHeld(count, age);
+    Write(line.Finish());
+}
+
+/// Nothing is held back from who reads everything, nor of a crash.
+bool HoldsRepeats() {
+    return Threshold() < TORU_DBG_DEBUG && !simulator::IsOnSignalStack();
+}
+
+/// How many lines @p message of @p level stands for; 0 when it is held back.
+unsigned int Count(int level, std::string_view message) {
+    if (!HoldsRepeats()) {
+        return 1;
+    }
+    if (level == TORU_DBG_ERROR) {
+        return repeats.Take(message, simulator::LogTime(), TellHeld);
+    }
+    repeats.TellOverdue(simulator::LogTime(), TellHeld);
+    return 1;
+}
+
 /// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for
 /// one.
-[[gnu::noinline, gnu::format(printf, 1, 0)]] void WriteLine(const char* format,
+[[gnu::noinline, gnu::format(printf, 2, 0)]] void WriteLine(int level, const char* format,
                                                             std::va_list arguments) {
     const int callersError = errno;
     simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
     errno = callersError;
     line.Append(format, arguments);
-    const std::string_view text = line.Finish();
-    const int file = Destination();
-    if (file != STDERR_FILENO || IsWritable(file)) {
-        while (write(file, text.data(), text.size()) < 0 && errno == EINTR) {
-        }
+    const unsigned int count = Count(level, line.Message());
+    if (count > 0) {
+        line.NoteCount(count);
+        Write(line.Finish());
     }
+    errno = callersError;
+}
+
+/// Also at an exit without toru_dbg_stop, such as that of a signal handler.
+[[gnu::destructor]] void TellAllHeld() {
+    const int callersError = errno;
+    repeats.End(simulator::LogTime(), TellHeld);
+    simulator::EndSystemLog();
     errno = callersError;
 }
 
 }  // namespace
 
 int toru_dbg_start(const char* newProgramName) {
+    TellAllHeld();
     programName = newProgramName;
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
@@ -117,7 +160,7 @@ int toru_dbg_start(const char* newProgramName) {
 }
 
 void toru_dbg_stop() {
-    simulator::EndSystemLog();
+    TellAllHeld();
     Close(destination.exchange(kUnknown));
 }
 
@@ -127,14 +170,14 @@ void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
     }
     std::va_list arguments;
     va_start(arguments, format);
-    WriteLine(format, arguments);
+    WriteLine(level, format, arguments);
     va_end(arguments);
 }
 
 void toru_dbg_syslog(int priority, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    simulator::SendToSystemLog(ProgramName(), priority, format, arguments);
+    simulator::SendToSystemLog(ProgramName(), priority, HoldsRepeats(), format, arguments);
     va_end(arguments);
 }
 

@@ -1,10 +1,15 @@
 """A debug log that has no room loses lines and nothing else."""
 
+import contextlib
 import os
+import re
 import resource
+
+import pytest
 
 from support.load import Load
 from support.waiting import wait_until
+from support.watchdog import Watchdog as Receiver
 
 
 def is_right(answer):
@@ -41,3 +46,27 @@ def test_a_log_that_is_gone_loses_lines_only(responder):
     responder.log.path.unlink()
     assert is_right(responder.ask())
     assert responder.end() == 0
+
+
+def times(line):
+    """What a line stands for: once, unless a note tells a number."""
+    note = re.search(r" \[(\d+) times(?:, last \d+ s ago)?\]", line)
+    return 1 if note is None else int(note[1])
+
+
+def test_a_fault_that_stays_is_told_at_once_and_then_counted(make_responder, work):
+    responder = make_responder()
+    responder.environment |= {"KESTAL_LOG_LEVEL": "5", "KESTAL_SYSLOG": str(work / "syslog.sock")}
+    responder.device.set(getGPSStatus={"error": 5}, getBatteryStatus={"error": 6})
+    with contextlib.closing(Receiver(work / "syslog.sock")) as system_log:
+        responder.start()
+        for _ in range(39):
+            assert is_right(responder.ask())
+        assert responder.end() == 0
+        for log in responder.log.messages(), system_log.waiting():
+            for call in "sys_getGPSStatus", "sys_getBatteryStatus":
+                counts = [times(line) for line in log if f"{call} failed" in line]
+                assert counts[0] == 1
+                assert sum(counts) == 40
+                # One for each minute that the test takes, and one at the end.
+                assert len(counts) < 10

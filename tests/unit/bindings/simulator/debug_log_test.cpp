@@ -7,10 +7,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <regex>
+#include <thread>
 
 #include "bindings/simulator/file_io.h"
+#include "bindings/simulator/repeated_lines.h"
 #include "platform/toru_dbg.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
@@ -297,6 +301,121 @@ TEST_F(DebugLog, KeepsTheErrorNumberOfItsCaller) {
     errno = ENOENT;
     toru_dbg_log("M", TORU_DBG_ERROR, "text");
     EXPECT_EQ(errno, ENOENT);
+}
+
+/// A debug log whose minutes pass as told.
+class DebugLogOfAFaultThatStays : public DebugLog {
+  protected:
+    DebugLogOfAFaultThatStays() {
+        now = {};
+        simulator::SetLogClock([] { return now; });
+    }
+    ~DebugLogOfAFaultThatStays() override { simulator::SetLogClock(nullptr); }
+
+    static void Fail(int code) { toru_dbg_log("M", TORU_DBG_ERROR, "call failed [%d]", code); }
+
+    static inline simulator::RepeatedLines::TimePoint now;
+};
+
+TEST_F(DebugLogOfAFaultThatStays, HasALineAtOnceAndThenOneForAMinute) {
+    for (int poll = 0; poll <= 40; ++poll) {
+        Fail(5);
+        now += std::chrono::seconds(3);
+    }
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [20 times]",
+                                   "call failed [5] [20 times]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, HasALineForEachOtherFault) {
+    Fail(5);
+    Fail(6);
+    Fail(5);
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [6]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, HasOtherLinesInFull) {
+    toru_dbg_log("M", TORU_DBG_NOTICE, "connected");
+    toru_dbg_log("M", TORU_DBG_NOTICE, "connected");
+    EXPECT_THAT(Log(), ElementsAre("connected", "connected"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWithTheNextLineAfterTheMinute) {
+    Fail(5);
+    Fail(5);
+    toru_dbg_log("M", TORU_DBG_NOTICE, "early");
+    now += std::chrono::seconds(100);
+    toru_dbg_log("M", TORU_DBG_DEBUG, "not shown");
+    toru_dbg_log("M", TORU_DBG_NOTICE, "late");
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "early",
+                                   "call failed [5] [1 times, last 100 s ago]", "late"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, TellsTheRestAtItsEnd) {
+    Fail(5);
+    Fail(5);
+    toru_dbg_stop();
+    toru_dbg_stop();
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [1 times, last 0 s ago]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWhenTheProcessExits) {
+    EXPECT_EXIT(
+        {
+            Fail(5);
+            Fail(5);
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [1 times, last 0 s ago]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, HasEveryLineAtLevelSeven) {
+    Level("7");
+    Fail(5);
+    Fail(5);
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, HasEveryFrameOfARecursionThatEndsInACrash) {
+    std::array<char, 65536> memory{};
+    stack_t before{};
+    const stack_t stack{.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
+    ASSERT_EQ(sigaltstack(&stack, &before), 0);
+    struct sigaction action {};
+    action.sa_handler = [](int /*signo*/) {
+        for (int frame = 0; frame < 3; ++frame) {
+            Fail(5);
+        }
+    };
+    action.sa_flags = SA_ONSTACK;
+    sigaction(SIGUSR1, &action, nullptr);
+    (void)raise(SIGUSR1);
+    (void)sigaltstack(&before, nullptr);
+    EXPECT_EQ(Log(), std::vector<std::string>(3, "call failed [5]"));
+}
+
+TEST_F(DebugLogOfAFaultThatStays, LosesNothingToSeveralThreads) {
+    constexpr int kThreads = 4;
+    constexpr int kLines = 500;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([] {
+            for (int line = 0; line < kLines; ++line) {
+                Fail(5);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    toru_dbg_stop();
+    int count = 0;
+    for (const std::string& line : Log()) {
+        std::smatch note;
+        count +=
+            std::regex_search(line, note, std::regex("\\[(\\d+) times")) ? std::stoi(note[1]) : 1;
+    }
+    EXPECT_EQ(count, kThreads * kLines);
 }
 
 TEST_F(DebugLog, LevelsHaveTheirSyslogNames) {

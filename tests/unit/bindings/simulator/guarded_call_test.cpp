@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "bindings/simulator/calls.h"
+#include "platform/toru_dbg.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {
@@ -22,8 +23,9 @@ TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
     const auto fail = []() -> int { throw std::runtime_error("out of order"); };
     EXPECT_EQ(simulator::Guarded(0, fail), kSimulatorFailed);
     EXPECT_EQ(simulator::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kSimulatorFailed);
+    toru_dbg_stop();
     EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - out of order",
-                                   "[SIMULATOR]:[ERROR] - out of order"));
+                                   "[SIMULATOR]:[ERROR] - out of order [1 times, last 0 s ago]"));
 }
 
 TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsOneToo) {

@@ -182,6 +182,29 @@ TEST_F(SystemLog, ThatTakesMillisecondsForALineIsToldOfEachThatItMissed) {
     EXPECT_EQ(count, std::size_t{kLines});
 }
 
+TEST_F(SystemLog, HoldsALineBackThatComesAgain) {
+    const Receiver log(path);
+    const auto fail = [] { toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed"); };
+    fail();
+    fail();
+    fail();
+    EXPECT_EQ(log.Next(), Head() + "failed");
+    EXPECT_EQ(log.Next(), "");
+    toru_dbg_stop();
+    EXPECT_EQ(log.Next(), Head() + "failed [2 times, last 0 s ago]");
+    EXPECT_EQ(log.Next(), "");
+}
+
+TEST_F(SystemLog, GetsEveryLineAtLevelSeven) {
+    environment.Set("KESTAL_LOG_LEVEL", "7");
+    (void)toru_dbg_start("kestal.cgi");
+    const Receiver log(path);
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed");
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed");
+    EXPECT_EQ(log.Next(), Head() + "failed");
+    EXPECT_EQ(log.Next(), Head() + "failed");
+}
+
 TEST_F(SystemLog, ThatIsNoSocketIsRefusedAloud) {
     environment.Set("KESTAL_LOG_LEVEL", "3");
     const std::string tooLong = "/" + std::string(107, 'x');
