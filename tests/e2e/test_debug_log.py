@@ -1,13 +1,17 @@
 """A debug log that has no room loses lines and nothing else."""
 
 import contextlib
+import gzip
 import os
 import re
 import resource
+import subprocess
 
 import pytest
 
+from support import paths
 from support.load import Load
+from support.logs import Log
 from support.waiting import wait_until
 from support.watchdog import Watchdog as Receiver
 
@@ -70,3 +74,26 @@ def test_a_fault_that_stays_is_told_at_once_and_then_counted(make_responder, wor
                 assert sum(counts) == 40
                 # One for each minute that the test takes, and one at the end.
                 assert len(counts) < 10
+
+
+def test_the_shipped_rotation_keeps_every_line(responder, work):
+    log = responder.log
+    shipped = (paths.ROOT / "docs" / "kestal.logrotate").read_text()
+    assert "/var/lib/kestal/debug.log" in shipped
+    configuration = work / "logrotate.conf"
+    configuration.write_text(shipped.replace("/var/lib/kestal/debug.log", str(log.path)))
+    # It takes no orders that others could have written.
+    configuration.chmod(0o600)
+    rotate = ["/usr/sbin/logrotate", "--force", "--state", work / "state", configuration]
+    written = []
+    for number in range(3):
+        assert is_right(responder.ask(f"/srv/status?{number}"))
+        wait_until(lambda: log.count("End KESTAL_CGI request") == 1, "the end of the request")
+        written.append(log.text())
+        subprocess.run(rotate, check=True, timeout=20)
+        assert log.path.stat().st_size == 0
+    assert responder.end() == 0
+    assert log.count("Server Terminating") == 1
+    kept = [Log(f"{log.path}.1").text()]
+    kept += [gzip.decompress((work / f"{log.path.name}.{number}.gz").read_bytes()).decode() for number in (2, 3)]
+    assert kept == written[::-1]
