@@ -271,7 +271,7 @@ TEST_F(SignalHandlersDeathTest, AlarmOfSomeoneElseIsNotTaken) {
     EXPECT_EQ(action.sa_handler, SIG_DFL);
 }
 
-TEST_F(SignalHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsTheProcess) {
+TEST_F(SignalsInHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsTheProcess) {
     EXPECT_EXIT(
         {
             PrepareDeadline();
@@ -291,7 +291,7 @@ TEST_F(SignalHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsThePro
             testing::Not(testing::HasSubstr("exit handler"))));
 }
 
-TEST_F(SignalHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsNamedAllTheSame) {
+TEST_F(SignalsInHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsNamedAllTheSame) {
     for (const Symbols symbols : {Symbols::neverCome, Symbols::crash}) {
         EXPECT_EXIT(
             {
@@ -352,7 +352,7 @@ TEST_F(SignalHandlersDeathTest, TerminationThatIsStuckEndsTheProcess) {
         "is stuck: termination has not ended within 50 ms, backtrace:\n");
 }
 
-TEST_F(SignalHandlersDeathTest, CrashWhoseHandlerTakesLongKeepsItsStatusWhenTheDeadlinePasses) {
+TEST_F(SignalsInHandlersDeathTest, CrashWhoseHandlerTakesLongKeepsItsStatusWhenTheDeadlinePasses) {
     EXPECT_EXIT(
         {
             PrepareDeadline();
