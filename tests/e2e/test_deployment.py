@@ -151,8 +151,7 @@ def test_a_page_loads_nothing_from_elsewhere_and_is_shown_in_no_other(make_serve
 
 
 def test_a_large_body_is_refused(server):
-    assert server.ask("/srv/status", method="POST", body=b"a" * 65536).status == 200
-    assert server.ask("/srv/status", method="POST", body=b"a" * 65537).status == 413
+    assert server.ask("/srv/status", method="POST", body=b"a" * 1025).status == 413
     headers = [("Content-Length", "99999999999")]
     assert server.ask("/srv/status", headers, method="POST").status == 413
     assert server.ask("/srv/status").status == 200
