@@ -37,7 +37,7 @@ def configuration(image):
 
 
 def test_everything_that_runs_is_installed(prefix, configuration):
-    assert configuration.is_file()
+    assert configuration.is_file() and configuration.with_name("firewall.nft").is_file()
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
         "bin/kestal-session",

@@ -1,0 +1,88 @@
+"""How long an honest client waits while one other client attacks; see scripts/attack."""
+
+import argparse
+import pathlib
+import shutil
+import statistics
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
+
+from support import namespaces, web
+from support.attacks import KINDS, Attack
+from support.server import Server
+
+PORT = 8080
+# Seconds between two requests of the honest client, each on a connection of its own.
+PAUSE = 0.05
+
+
+def arguments():
+    parser = argparse.ArgumentParser(prog="scripts/attack", description=__doc__)
+    parser.add_argument("--seconds", type=float, default=20.0, help="for each attack (default 20)")
+    parser.add_argument("--without-firewall", action="store_true", help="without deploy/firewall.nft")
+    return parser.parse_args()
+
+
+def ask(address, seconds):
+    """The times of all answers, and how many requests got none."""
+    times, failures = [], 0
+    end = time.monotonic() + seconds
+    while (begun := time.monotonic()) < end:
+        try:
+            right = web.ask(PORT, "/srv/status", address=address).status == 200
+        except OSError:
+            right = False
+        if right:
+            times.append(time.monotonic() - begun)
+        else:
+            failures += 1
+        time.sleep(PAUSE)
+    return times, failures
+
+
+def row(*cells):
+    print("|", " | ".join(cells), "|", flush=True)
+
+
+def tell(name, times, failures, refused=""):
+    median, worst = (f"{1000 * f(times):.1f}" if times else "" for f in (statistics.median, max))
+    row(name, str(len(times)), str(failures), median, worst, refused)
+
+
+def main():
+    options = arguments()
+    if not namespaces.may_be_made():
+        sys.exit("scripts/attack: only root can make the networks that this needs")
+    work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-attack-"))
+    network = namespaces.Network()
+    if not options.without_firewall:
+        network.protect()
+    server = Server(work)
+    server.port = PORT
+    server.environment |= {"KESTAL_PORT": str(PORT), "KESTAL_ADDRESS": "0.0.0.0"}
+    # That of a device.
+    server.environment["KESTAL_LOG_LEVEL"] = "5"
+    attacked, asked = (addresses[0] for addresses in network.server_addresses)
+    try:
+        with network.server.entered():
+            server.start()
+        with network.clients[1].entered():
+            ask(asked, 1)
+            row("attack", "answers", "none", "median ms", "worst ms", "refused of the attacker's connections")
+            row("---", "---:", "---:", "---:", "---:", "---:")
+            tell("none", *ask(asked, options.seconds))
+            for kind in KINDS:
+                with Attack(network.clients[0], attacked, PORT, kind) as attack:
+                    result = ask(asked, options.seconds)
+                    tell(f"{kind.connections} {kind.name}", *result, f"{attack.refused} of {attack.tried}")
+    finally:
+        server.close()
+        network.close()
+        shutil.rmtree(work)
+
+
+if __name__ == "__main__":
+    main()
