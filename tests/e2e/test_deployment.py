@@ -185,6 +185,24 @@ def test_an_existing_run_directory_is_closed_to_other_users(make_server):
     assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
 
 
+@pytest.mark.parametrize("slashes", ["", "/", "//"])
+@pytest.mark.parametrize("command", ["start", "sweep"])
+def test_a_run_directory_that_is_a_link_is_refused(make_server, work, command, slashes):
+    """Whoever made the link would choose whose files are closed to others and removed."""
+    server = make_server()
+    folder = work / "folder"
+    folder.mkdir(mode=0o755)
+    (folder / "responder.sock-0").touch()
+    server.run.symlink_to(folder)
+    server.environment["KESTAL_RUN_DIRECTORY"] = f"{server.run}{slashes}"
+    launcher = server.launch(command)
+    assert launcher.wait(20) == 1
+    assert f"the run directory {server.run} is a symbolic link\n" in launcher.stderr.read().decode()
+    launcher.stderr.close()
+    assert stat.S_IMODE(folder.stat().st_mode) == 0o755
+    assert [path.name for path in folder.iterdir()] == ["responder.sock-0"]
+
+
 @pytest.mark.parametrize("name", ["mine.json", "@mine.json", "mine="])
 def test_the_device_may_be_named_relative_to_the_callers_folder(make_server, work, monkeypatch, name):
     monkeypatch.chdir(work)

@@ -73,6 +73,20 @@ def test_the_installed_service_serves(prefix, configuration, make_server):
     assert server.ask("/").body == (paths.ROOT / "demo" / "index.html").read_bytes()
 
 
+@pytest.mark.parametrize("prefix", ["usr", "usr/local", "opt/kestal"])
+def test_the_installed_launcher_finds_its_configuration_by_itself(make_server, work, prefix):
+    """What has no configuration beside it: started by hand, not by the unit."""
+    build, image = work / "build", work / "image"
+    order = ["cmake", "-S", str(paths.ROOT), "-B", str(build), "-G", "Ninja"]
+    subprocess.run([*order, f"-DCMAKE_INSTALL_PREFIX=/{prefix}"], check=True, capture_output=True, timeout=300)
+    install = ["cmake", "--install", str(build / "deploy")]
+    environment = {**os.environ, "DESTDIR": str(image)}
+    subprocess.run(install, check=True, capture_output=True, timeout=60, env=environment)
+    server = make_server()
+    server.launcher = image / prefix / "libexec" / "kestal" / "kestal-server"
+    assert server.start().ask("/srv/status").json()["statusData"]
+
+
 def test_the_unit_names_the_folders_of_the_build(prefix):
     unit = (prefix / "lib" / "systemd" / "system" / "kestal.service").read_text()
     assert "@CMAKE" not in unit
