@@ -1,0 +1,105 @@
+"""What deploy/kestal.service allows is enough for launcher, web server and service, as far as that can be
+tried without a systemd at work."""
+
+import os
+import re
+import shlex
+import signal
+import subprocess
+
+import pytest
+
+from support import paths, processes
+from support.waiting import wait_until
+
+UNIT = (paths.BUILD / "deploy" / "kestal.service").read_text()
+
+
+def run(*command):
+    done = subprocess.run(command, capture_output=True, text=True, timeout=60)
+    assert done.returncode == 0, done.stderr
+    return done.stdout + done.stderr
+
+
+def system_calls(group):
+    """All that belong to a group of systemd's and to the groups in it."""
+    names = set()
+    for line in run("systemd-analyze", "syscall-filter", "--no-pager", group).splitlines()[1:]:
+        name = line.strip()
+        if name.startswith("@"):
+            names |= system_calls(name)
+        elif name and not name.startswith("#"):
+            names.add(name)
+    return names
+
+
+def allowed():
+    names = set()
+    for line in re.findall(r"(?m)^SystemCallFilter=(.*)$", UNIT):
+        listed = set().union(*map(system_calls, line.lstrip("~").split()))
+        names = names - listed if line.startswith("~") else names | listed
+    return names
+
+
+def filtered(trace):
+    """A command line that runs what follows it under the filter and writes down what that refuses."""
+    others = "!" + ",".join(f"?{name}" for name in sorted(allowed()))
+    orders = ["-e", f"trace={others}", "-e", f"inject={others}:error=EPERM", "-e", "signal=none"]
+    return ["strace", "-D", "-f", "-q", "-o", str(trace), *orders]
+
+
+def start_wrapped(server, *wrapper):
+    launcher = server.work / "launcher"
+    launcher.write_text(f'#!/bin/sh\nexec {shlex.join(wrapper)} {paths.LAUNCHER} "$@"\n')
+    launcher.chmod(0o755)
+    server.launcher = launcher
+    return server.start()
+
+
+def live(server):
+    """All operations, and a service that dies and is started again."""
+    for target in ("/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"):
+        assert server.ask(target).status == 200
+    dead = server.responder()
+    os.kill(dead, signal.SIGSEGV)
+    wait_until(lambda: not processes.is_alive(dead), "the service is gone")
+    wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
+
+
+def test_systemd_understands_every_line(tmp_path):
+    """It warns of what it does not know, and goes on without."""
+    unit = tmp_path / "kestal.service"
+    # The program has to exist.
+    unit.write_text(re.sub(r"(?m)^ExecStart=.*$", "ExecStart=/bin/true", UNIT))
+    assert run("systemd-analyze", "verify", "--man=no", str(unit)) == ""
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers do not run beside strace")
+def test_the_allowed_system_calls_are_enough(make_server, work):
+    server = make_server()
+    trace = work / "trace"
+    start_wrapped(server, *filtered(trace))
+    live(server)
+    server.process.terminate()
+    server.process.wait(20)
+    end = rf"(?m)^{server.process.pid} +\+\+\+ exited"
+    wait_until(lambda: re.search(end, trace.read_text()), "all is written down")
+    # The simulator tries to keep the owner of a device document that it replaces, which proves that
+    # the filter is there.
+    assert set(re.findall(r"(?m)^\d+ +(\w+)\(", trace.read_text())) == {"fchown"}
+    assert "(INJECTED)" in trace.read_text()
+
+
+@pytest.mark.skipif(os.geteuid() != 0, reason="only root can mount")
+def test_proc_without_anything_but_processes_is_enough(make_server):
+    server = make_server()
+    mount = 'mount -t proc -o subset=pid proc /proc && [ ! -e /proc/net ] && exec "$@"'
+    start_wrapped(server, "unshare", "--mount", "sh", "-c", mount, "sh")
+    live(server)
+    # What one that was killed leaves behind has to be found there, too.
+    stray = server.responder()
+    server.process.kill()
+    server.process.wait()
+    server.start()
+    wait_until(lambda: not processes.is_alive(stray), "the stray service has been ended")
+    assert server.ask("/srv/status").status == 200
