@@ -287,6 +287,35 @@ def test_a_users_own_session_store_is_used_and_stays(run, work):
     assert (work / "own.sessions").exists()
 
 
+def test_a_build_for_a_devices_own_libraries_runs_without_talk_of_a_simulator(run, work):
+    """Such a build has neither the tools nor the locales of the simulator."""
+    build = work / "vendor"
+    (build / "service").mkdir(parents=True)
+    # Its libraries answer from this device here.
+    device = Device(work / "device.json")
+    (build / "service" / "kestal.cgi").symlink_to(paths.SERVICE)
+    (build / "CMakeCache.txt").write_text("KESTAL_PLATFORM:STRING=vendor\n")
+    script = run(KESTAL_BUILD=str(build), KESTAL_DEVICE=str(device.path))
+    script.wait_for("Ctrl-C stops it.")
+    assert f"  curl http://127.0.0.1:{script.port}/srv/status\n" in script.output
+    assert web.ask(script.port, "/srv/status").json()["statusData"]
+    for word in ("simulat", "kestal-sim", "kestal-session", "export ", str(device.path)):
+        assert word not in script.output.replace(str(build), "")
+    (service,) = processes.children(server_of(script), "kestal.cgi")
+    assert not processes.environment(service).keys() & {"LOCPATH", "KESTAL_SESSIONS"}
+
+
+def test_a_build_for_a_devices_own_libraries_has_a_preset_and_leaves_the_release_alone(work):
+    def platform(preset):
+        order = ["cmake", "--preset", preset, "-B", str(work / "build"), "-DKESTAL_VENDOR_LIBRARIES=none"]
+        subprocess.run(order, cwd=paths.ROOT, check=True, capture_output=True, timeout=300)
+        return re.findall(r"(?m)^KESTAL_PLATFORM:\w+=(.*)$", (work / "build" / "CMakeCache.txt").read_text())
+
+    assert platform("vendor") == ["vendor"]
+    # Even where one was made in its folder by hand.
+    assert platform("release") == ["simulator"]
+
+
 def test_a_port_that_is_taken_is_told(run):
     with socket.socket() as other:
         other.bind(("127.0.0.1", 0))
