@@ -1,6 +1,8 @@
 # Targets are made by these functions. With KESTAL_TESTS, each library and each unit test exists
 # twice: NAME, and NAME_san with address and undefined-behaviour sanitizers.
 
+include(CheckCXXCompilerFlag)
+
 add_library(kestal_options INTERFACE)
 target_compile_features(kestal_options INTERFACE cxx_std_20)
 target_include_directories(kestal_options INTERFACE ${PROJECT_SOURCE_DIR})
@@ -25,10 +27,28 @@ if(KESTAL_COVERAGE)
     target_link_options(kestal_options INTERFACE --coverage)
 endif()
 
+# An index or iterator beyond its container ends the process.
+target_compile_definitions(kestal_options INTERFACE _GLIBCXX_ASSERTIONS)
+
 # Hardening, wherever the compiler optimises.
 target_compile_options(kestal_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong -fstack-clash-protection -fPIE
                         -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>)
+# Not every compiler and processor has these: no variable shows what stood in its place before, and the
+# program jumps only to where a jump can be meant to go (x86, 64-bit ARM).
+foreach(flag -ftrivial-auto-var-init=zero -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER "KESTAL_HAS${flag}" has)
+    # clang only warns of a flag for another processor.
+    set(CMAKE_REQUIRED_FLAGS -Werror)
+    check_cxx_compiler_flag(${flag} ${has})
+    unset(CMAKE_REQUIRED_FLAGS)
+    if(${has})
+        target_compile_options(kestal_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:${flag}>)
+    endif()
+endforeach()
+# A build is the same bytes in whichever folder.
+target_compile_options(kestal_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build>)
 target_link_options(kestal_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-pie -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--as-needed>)
 
