@@ -2,6 +2,8 @@
 
 find_program(KESTAL_SCDOC scdoc REQUIRED)
 add_custom_target(kestal_man_pages ALL)
+# The day that the pages bear, in seconds: they are the same on whichever day they are built.
+set(KESTAL_MAN_DATE 1767225600)
 
 # kestal_add_man_page(NAME): builds docs/man/NAME.1.scd and installs it.
 function(kestal_add_man_page name)
@@ -9,7 +11,8 @@ function(kestal_add_man_page name)
     set(folder ${PROJECT_BINARY_DIR}/man/man1)
     file(MAKE_DIRECTORY ${folder})
     add_custom_command(OUTPUT ${folder}/${name}.1
-        COMMAND ${KESTAL_SCDOC} < ${source} > ${folder}/${name}.1
+        COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=${KESTAL_MAN_DATE}
+            ${KESTAL_SCDOC} < ${source} > ${folder}/${name}.1
         DEPENDS ${source}
         COMMENT "Building the man page ${name}(1)"
         VERBATIM)
