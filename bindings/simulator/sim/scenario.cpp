@@ -174,7 +174,8 @@ class ScenarioReader {
             if (!value.Value().is_primitive() || value.Value().is_null()) {
                 value.Expected("a number, a text, true or false");
             }
-            condition.push_back({PlaceOf(value), item.key(), value.Value()});
+            condition.push_back(
+                {PlaceOf(value), item.key(), std::make_shared<const json>(value.Value())});
         }
         return std::make_shared<const Condition>(std::move(condition));
     }
@@ -408,7 +409,7 @@ bool Holds(const Change& change, const json& document) {
                            Blame(requirement.where, [&] {
                                const json* const found =
                                    FindAt(document, ResolvePath(requirement.path, document));
-                               isMet = found != nullptr && *found == requirement.value;
+                               isMet = found != nullptr && *found == *requirement.value;
                            });
                            return isMet;
                        });
@@ -417,7 +418,7 @@ bool Holds(const Change& change, const json& document) {
 /// A value that the device cannot have would make a condition that never holds.
 void MustBePossible(const Requirement& requirement, json document) {
     Blame(requirement.where, [&] {
-        SetValue(document, ResolvePath(requirement.path, document), requirement.value);
+        SetValue(document, ResolvePath(requirement.path, document), *requirement.value);
         MustBeGood(document);
     });
 }

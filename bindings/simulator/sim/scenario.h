@@ -17,7 +17,7 @@ using Milliseconds = std::chrono::duration<std::int64_t, std::milli>;
 struct Requirement {
     std::string where;  ///< file, line and key that ask for it
     std::string path;
-    nlohmann::ordered_json value;
+    std::shared_ptr<const nlohmann::ordered_json> value;
 };
 
 using Condition = std::vector<Requirement>;
