@@ -4,7 +4,8 @@
 usage: scripts/tidy.py CLANG_TIDY BUILD [--all]
 
 A source that was clean is looked at again only when it, a project header it includes, its command, a
-.clang-tidy above it or clang-tidy itself has changed. Exits with 1 when something was found.
+.clang-tidy above it or clang-tidy itself has changed. Exits with 3 when it found something in every
+source that did not pass, and with 1 when clang-tidy failed in another way or could not be run.
 """
 
 import concurrent.futures
@@ -19,6 +20,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
+FINDING = re.compile(r"(?m)^\S.*: (warning|error): .* \[[\w.,+-]+\]$")
 
 
 @functools.cache
@@ -69,13 +71,22 @@ def state(source, entry, headers, version):
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
 
+def known_clean(record):
+    """What an earlier run found clean; nothing where its record is damaged."""
+    try:
+        known = json.loads(record.read_text())
+    except (OSError, ValueError):
+        return {}
+    return known if isinstance(known, dict) else {}
+
+
 def main(tidy, build, everything):
     build = pathlib.Path(build).resolve()
     version = subprocess.run([tidy, "--version"], capture_output=True, text=True, check=True).stdout
     folder = build / "clang-tidy"
     folder.mkdir(exist_ok=True)
     record = folder / "clean.json"
-    known = json.loads(record.read_text()) if record.exists() and not everything else {}
+    known = {} if everything else known_clean(record)
     entries = commands(build)
     (folder / "compile_commands.json").write_text(json.dumps(list(entries.values()), indent=0))
     headers = included_headers(build)
@@ -93,20 +104,33 @@ def main(tidy, build, everything):
             check=False,
         )
 
-    found = 0
+    def write_down():
+        # In one step, so that a run that is broken off leaves a whole record.
+        new = folder / "clean.json.new"
+        new.write_text(json.dumps(clean, indent=0))
+        os.replace(new, record)
+
+    found = failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         runs = {pool.submit(look, source): source for source in stale}
         for run in concurrent.futures.as_completed(runs):
             source, done = runs[run], run.result()
             if done.returncode != 0:
-                found += 1
+                # A crash has another status than 1; a configuration that it cannot read has no findings.
+                if done.returncode == 1 and FINDING.search(done.stdout):
+                    found += 1
+                else:
+                    failed += 1
+                    print(f"{tidy} failed on {source} with status {done.returncode}:", file=sys.stderr)
                 print(done.stdout + done.stderr, end="", flush=True)
             elif states[source]:
                 clean[source] = states[source]
-                record.write_text(json.dumps(clean, indent=0))
-    record.write_text(json.dumps(clean, indent=0))
-    print(f"clang-tidy: {len(stale)} of {len(entries)} sources looked at, {found} with findings")
-    return 1 if found else 0
+                write_down()
+    write_down()
+    print(f"clang-tidy: {len(stale)} of {len(entries)} sources looked at, {found} with findings, {failed} failed")
+    if failed:
+        return 1
+    return 3 if found else 0
 
 
 if __name__ == "__main__":

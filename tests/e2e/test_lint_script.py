@@ -20,6 +20,7 @@ def tree(work):
         shutil.copy(paths.ROOT / "scripts" / name, tree / "scripts")
     (tree / "main.cpp").write_text("int main() { return 0; }\n")
     (tree / "script").write_text("#!/bin/sh\necho fine\n")
+    (tree / ".gitignore").write_text("build\n")
     subprocess.run(["git", "init", "-q", tree], check=True, timeout=20)
     return tree
 
@@ -36,16 +37,18 @@ def test_a_well_formed_tree_passes(tree):
     assert done.returncode == 0, done.stdout + done.stderr
 
 
-def play_release(work, version, rest):
-    """The folder of a clang-format that is found as that of the reference release and tells version."""
+def play(folder, name, script):
+    folder.mkdir(exist_ok=True)
+    (folder / name).write_text(f"#!/bin/sh\n{script}\n")
+    (folder / name).chmod(0o755)
+
+
+def play_release(work, version, rest, tool="clang-format"):
+    """The folder of a tool that is found as that of the reference release and tells version."""
     reference = LINT.read_text().split("\nreference=")[1].split("\n")[0]
-    played = work / "bin" / f"clang-format-{reference}"
-    played.parent.mkdir()
-    played.write_text(
-        f'#!/bin/sh\n[ "$1" = --version ] && echo "clang-format version {version or reference}.0.0" && exit\n{rest}\n'
-    )
-    played.chmod(0o755)
-    return played.parent
+    told = f'[ "$1" = --version ] && echo "{tool} version {version or reference}.0.0" && exit'
+    play(work / "bin", f"{tool}-{reference}", f"{told}\n{rest}")
+    return work / "bin"
 
 
 def test_what_is_badly_formed_is_told(tree, work):
@@ -66,43 +69,67 @@ def test_a_tree_without_git_does_not_pass(tree):
 
 
 def test_what_only_another_release_finds_is_told_and_fails_nothing(tree, work):
-    done = run(tree / "scripts" / "lint", "--form", path=play_release(work, 999, "exit 1"))
+    finds = "echo 'main.cpp:1:1: error: code should be clang-formatted [-Wclang-format-violations]' >&2; exit 1"
+    done = run(tree / "scripts" / "lint", "--form", path=play_release(work, 999, finds))
     assert done.returncode == 0, done.stdout + done.stderr
     assert "count for nothing here: the reference is release" in done.stderr
 
 
+@pytest.mark.parametrize("failure", ["kill -s SEGV $$", "echo 'Error reading .clang-format' >&2; exit 1"])
+def test_a_failure_of_another_release_is_no_finding(tree, work, failure):
+    done = run(tree / "scripts" / "lint", "--form", path=play_release(work, 999, failure))
+    assert done.returncode == 1
+    assert "count for nothing here" not in done.stderr
+
+
 @pytest.fixture
-def tidy(tree, work):
-    """Runs clang-tidy, played, over a.cpp and b.cpp of a build; returns its exit status and what was looked at."""
-    build = tree / "build"
-    build.mkdir()
+def build(tree, work):
+    """The configured build of a.cpp, which includes a.h, and b.cpp. cmake and ninja are played."""
+    build = tree / "build" / "debug"
+    build.mkdir(parents=True)
+    (build / "build.ninja").touch()
     for name in ("a", "b"):
         (tree / f"{name}.cpp").write_text("\n")
     (tree / "a.h").write_text("\n")
     commands = [
-        {"directory": str(build), "file": str(tree / f"{name}.cpp"), "command": f"c++ -o {name}.o -c ../{name}.cpp"}
+        {"directory": str(build), "file": str(tree / f"{name}.cpp"), "command": f"c++ -o {name}.o -c ../../{name}.cpp"}
         for name in ("a", "b")
     ]
     (build / "compile_commands.json").write_text(json.dumps(commands))
-    tools = work / "bin"
-    tools.mkdir()
+    listing = r"a.o: #deps 1, deps mtime 1 (VALID)\n    ../../a.h\n\nb.o: #deps 0, deps mtime 1 (VALID)\n"
+    play(work / "bin", "ninja", f"printf '{listing}'")
+    play(work / "bin", "cmake", "exit 0")
+    return build
+
+
+FIND_BAD = """for file do :; done
+! grep -q bad "$file" || { echo "$file:1:1: error: it is bad [played-check]"; exit 1; }"""
+
+
+@pytest.mark.parametrize(
+    ("behaviour", "status"), [(FIND_BAD, 0), (f"{FIND_BAD}\nkill -s SEGV $$", 1), ("exit 1", 1)]
+)
+def test_what_only_another_clang_tidy_finds_fails_nothing_but_its_failure_does(tree, build, work, behaviour, status):
+    (tree / "a.cpp").write_text("bad\n")
+    play_release(work, "", "exit 0")
+    tools = play_release(work, 999, behaviour, tool="clang-tidy")
+    done = run(tree / "scripts" / "lint", path=tools)
+    assert done.returncode == status, done.stdout + done.stderr
+    assert ("count for nothing here" in done.stderr) == (status == 0)
+
+
+@pytest.fixture
+def tidy(build, work):
+    """Runs clang-tidy, played, on the build; returns its exit status and what was looked at."""
     looked_at = work / "looked-at"
-    played = {
-        "clang-tidy": f'''[ "$1" = --version ] && echo "version $VERSION" && exit
-for file do :; done
-basename "$file" >> {looked_at}
-! grep -H bad "$file"''',
-        "ninja": "printf 'a.o: #deps 1, deps mtime 1 (VALID)\\n    ../a.h\\n\\nb.o: #deps 0, deps mtime 1 (VALID)\\n'",
-    }
-    for name, script in played.items():
-        (tools / name).write_text(f"#!/bin/sh\n{script}\n")
-        (tools / name).chmod(0o755)
+    version = '[ "$1" = --version ] && echo "version $VERSION" && exit'
+    play(work / "bin", "clang-tidy", f'{version}\nfor file do :; done\nbasename "$file" >> {looked_at}\n{FIND_BAD}')
 
     def look(*options, version="1"):
         looked_at.write_text("")
         done = subprocess.run(
-            [tree / "scripts" / "tidy.py", "clang-tidy", build, *options],
-            env={"PATH": f"{tools}:{paths.CLEAN_ENVIRONMENT['PATH']}", "VERSION": version},
+            [build.parent.parent / "scripts" / "tidy.py", "clang-tidy", build, *options],
+            env={"PATH": f"{work / 'bin'}:{paths.CLEAN_ENVIRONMENT['PATH']}", "VERSION": version},
             capture_output=True,
             text=True,
             timeout=60,
@@ -127,7 +154,15 @@ def test_clang_tidy_looks_again_at_what_changed(tidy, tree):
 
 def test_clang_tidy_tells_a_finding_until_it_is_gone(tidy, tree):
     (tree / "a.cpp").write_text("bad\n")
-    assert tidy() == (1, ["a.cpp", "b.cpp"])
-    assert tidy() == (1, ["a.cpp"])
+    assert tidy() == (3, ["a.cpp", "b.cpp"])
+    assert tidy() == (3, ["a.cpp"])
     (tree / "a.cpp").write_text("good\n")
     assert tidy() == (0, ["a.cpp"])
+
+
+@pytest.mark.parametrize("damaged", ["", '{"a.cpp": "12', "[]"])
+def test_a_damaged_record_counts_as_none(tidy, build, damaged):
+    assert tidy() == (0, ["a.cpp", "b.cpp"])
+    (build / "clang-tidy" / "clean.json").write_text(damaged)
+    assert tidy() == (0, ["a.cpp", "b.cpp"])
+    assert tidy() == (0, [])
