@@ -99,12 +99,16 @@ def test_the_device_itself_is_not_limited(network, listener, connect, address):
 def test_an_attack_from_one_address_leaves_room_for_others(network, make_server, kind, address):
     server = make_server()
     server.port = PORT
+    # The server ends no connection of the attacker's, so who had to wait for that would wait too long.
+    server.limit(max_read_idle=600, max_write_idle=600, max_keep_alive_idle=600)
     server.environment |= {"KESTAL_PORT": str(PORT), "KESTAL_ADDRESS": ["0.0.0.0", "::"][address]}
     with network.server.entered():
         server.start()
     targets = [network.server_addresses[client][address] for client in range(2)]
     with attacks.Attack(network.clients[0], targets[0], PORT, kind) as attack, network.clients[1].entered():
         wait_until(lambda: attack.refused >= kind.connections - LIMIT, "the attacker is limited")
+        tried = attack.tried
         for _ in range(20):
             assert web.ask(PORT, "/srv/status", address=targets[1]).status == 200
             assert network.established(0) <= LIMIT
+        wait_until(lambda: attack.tried > tried, "the attack goes on")

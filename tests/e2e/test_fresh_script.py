@@ -1,4 +1,4 @@
-"""scripts/fresh says what it needs before it does anything. That it works, CI shows."""
+"""Scripts that need root say so before they do anything. That scripts/fresh works, CI shows."""
 
 import subprocess
 
@@ -12,13 +12,13 @@ USAGE = "usage: scripts/fresh 12 | 13 [run | test [ARGUMENT...]]\n"
 
 @pytest.fixture
 def fresh(work):
-    """The script, run by somebody who is not root."""
+    """scripts/fresh, run by somebody who is not root."""
     (work / "id").write_text("#!/bin/sh\necho 1000\n")
     (work / "id").chmod(0o755)
 
-    def run(*arguments):
+    def run(*arguments, script=FRESH):
         done = subprocess.run(
-            [str(FRESH), *arguments],
+            [str(script), *arguments],
             env={**paths.CLEAN_ENVIRONMENT, "PATH": f"{work}:{paths.CLEAN_ENVIRONMENT['PATH']}"},
             capture_output=True,
             text=True,
@@ -39,3 +39,9 @@ def test_who_is_not_root_is_told_why_it_has_to_be(fresh, arguments):
     status, output, errors = fresh(*arguments)
     assert (status, output) == (1, "")
     assert errors.startswith("scripts/fresh: this needs root, for mmdebstrap, chroot and mounts")
+
+
+def test_an_attack_needs_root_too(fresh):
+    status, output, errors = fresh("--seconds", "1", script=paths.ROOT / "scripts" / "attack")
+    assert (status, output) == (1, "")
+    assert errors.startswith("scripts/attack: this needs root, to make networks")

@@ -1,4 +1,5 @@
-"""How long an honest client waits while one other client attacks; see scripts/attack."""
+"""How long an honest client waits while one other client attacks; see scripts/attack. Ends with status 1 if
+a request of the honest client got no answer or if, behind the firewall, one waited too long."""
 
 import argparse
 import pathlib
@@ -17,6 +18,8 @@ from support.server import Server
 PORT = 8080
 # Seconds between two requests of the honest client, each on a connection of its own.
 PAUSE = 0.05
+# Seconds that an answer may take behind the firewall, several times what an idle machine needs.
+LONGEST = 0.05
 
 
 def arguments():
@@ -66,6 +69,13 @@ def main():
     # That of a device.
     server.environment["KESTAL_LOG_LEVEL"] = "5"
     attacked, asked = (addresses[0] for addresses in network.server_addresses)
+    bad = []
+
+    def judge(name, times, failures, refused=""):
+        tell(name, times, failures, refused)
+        if failures or not times or (max(times) > LONGEST and not options.without_firewall):
+            bad.append(name)
+
     try:
         with network.server.entered():
             server.start()
@@ -73,15 +83,17 @@ def main():
             ask(asked, 1)
             row("attack", "answers", "none", "median ms", "worst ms", "refused of the attacker's connections")
             row("---", "---:", "---:", "---:", "---:", "---:")
-            tell("none", *ask(asked, options.seconds))
+            judge("none", *ask(asked, options.seconds))
             for kind in KINDS:
                 with Attack(network.clients[0], attacked, PORT, kind) as attack:
                     result = ask(asked, options.seconds)
-                    tell(f"{kind.connections} {kind.name}", *result, f"{attack.refused} of {attack.tried}")
+                    judge(f"{kind.connections} {kind.name}", *result, f"{attack.refused} of {attack.tried}")
     finally:
         server.close()
         network.close()
         shutil.rmtree(work)
+    if bad:
+        sys.exit(f"scripts/attack: no answer, or one that was late: {', '.join(bad)}")
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@ import dataclasses
 import errno
 import multiprocessing
 import os
+import resource
 import select
 import socket
 import time
@@ -60,6 +61,9 @@ class Attack:
 
     def _run(self):
         starter = os.getppid()
+        # Many systems let a process open 1024 files unless it asks for more.
+        most = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
+        resource.setrlimit(resource.RLIMIT_NOFILE, (most, most))
         with self.namespace.entered():
             self.poll = select.epoll()
             due = [0.0] * self.kind.connections
