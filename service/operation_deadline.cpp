@@ -42,7 +42,8 @@ std::chrono::seconds OperationLimit() {
     const std::string_view text = given == nullptr ? "" : given;
     int timeout = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), timeout);
-    constexpr int kMaxTimeout = 24 * 60 * 60;
+    // What the launcher allows at most.
+    constexpr int kMaxTimeout = 600;
     if (error != std::errc() || end != text.data() + text.size() || timeout < 1 ||
         timeout > kMaxTimeout) {
         timeout = kDefaultTimeoutSeconds;

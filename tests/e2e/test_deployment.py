@@ -256,6 +256,7 @@ def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
         ("KESTAL_PORT", "65536", "KESTAL_PORT must lie between 1 and 65535: '65536'"),
         ("KESTAL_PORT", "00080", "KESTAL_PORT must not begin with 0: '00080'"),
         ("KESTAL_TIMEOUT", "soon", "KESTAL_TIMEOUT is no number: 'soon'"),
+        ("KESTAL_TIMEOUT", "601", "KESTAL_TIMEOUT must lie between 1 and 600: '601'"),
         ("KESTAL_RESPONDER", "/nowhere/kestal.cgi", "no such program: /nowhere/kestal.cgi"),
         ("KESTAL_RESPONDER", "/tmp", "no such program: /tmp"),
         ("KESTAL_CONFIGURATION", "/nowhere", "no configuration: /nowhere"),

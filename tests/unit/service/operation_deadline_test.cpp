@@ -24,11 +24,13 @@ class OperationDeadlineTest : public testing::Test {
 TEST_F(OperationDeadlineTest, LimitIsThreeTimesThatOfTheWebServer) {
     setenv("KESTAL_TIMEOUT", "7", 1);
     EXPECT_EQ(OperationLimit(), seconds(21));
+    setenv("KESTAL_TIMEOUT", "600", 1);
+    EXPECT_EQ(OperationLimit(), seconds(1800));
 }
 
 TEST_F(OperationDeadlineTest, WebServerThatTellsNoLimitHasTheUsualOne) {
     EXPECT_EQ(OperationLimit(), seconds(30));
-    for (const char* text : {"", "0", "-3", "ten", "1 ", "1.5", "99999999999"}) {
+    for (const char* text : {"", "0", "-3", "ten", "1 ", "1.5", "601", "99999999999"}) {
         setenv("KESTAL_TIMEOUT", text, 1);
         EXPECT_EQ(OperationLimit(), seconds(30)) << text;
     }
