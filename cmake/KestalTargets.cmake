@@ -34,8 +34,8 @@ target_compile_definitions(kestal_options INTERFACE _GLIBCXX_ASSERTIONS)
 target_compile_options(kestal_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong -fstack-clash-protection -fPIE
                         -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>)
-# Not every compiler and processor has these: no variable shows what stood in its place before, and the
-# program jumps only to where a jump can be meant to go (x86, 64-bit ARM).
+# Not every compiler and processor has these: variables start as zero; indirect jumps reach only marked
+# targets (x86, 64-bit ARM).
 foreach(flag -ftrivial-auto-var-init=zero -fcf-protection -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "KESTAL_HAS${flag}" has)
     # clang only warns of a flag for another processor.

@@ -3,7 +3,7 @@
 // A device that hangs is given up by the web server after ten to twenty seconds.
 const PATIENCE = 25_000;
 
-/** What went wrong: "gone" (no answer), "disabled" (switched off by the carrier) or "refused". */
+/** What went wrong: "gone" (no answer), "disabled" (by the carrier, or there is no device to ask) or "refused". */
 export class ServiceError extends Error {
     constructor(kind, message) {
         super(message);
