@@ -306,14 +306,28 @@ def test_a_build_for_a_devices_own_libraries_runs_without_talk_of_a_simulator(ru
 
 
 def test_a_build_for_a_devices_own_libraries_has_a_preset_and_leaves_the_release_alone(work):
-    def platform(preset):
-        order = ["cmake", "--preset", preset, "-B", str(work / "build"), "-DKESTAL_VENDOR_LIBRARIES=none"]
-        subprocess.run(order, cwd=paths.ROOT, check=True, capture_output=True, timeout=300)
-        return re.findall(r"(?m)^KESTAL_PLATFORM:\w+=(.*)$", (work / "build" / "CMakeCache.txt").read_text())
+    source = work / "source"
+    source.mkdir()
+    for file in paths.ROOT.iterdir():
+        if file.name not in ("build", ".git"):
+            (source / file.name).symlink_to(file)
 
-    assert platform("vendor") == ["vendor"]
-    # Even where one was made in its folder by hand.
-    assert platform("release") == ["simulator"]
+    def configure(preset, *options):
+        order = ["cmake", "--preset", preset, *options, "-DKESTAL_VENDOR_LIBRARIES=none"]
+        subprocess.run(order, cwd=source, check=True, capture_output=True, timeout=300)
+
+    def platforms():
+        return {
+            cache.parent.name: re.findall(r"(?m)^KESTAL_PLATFORM:\w+=(.*)$", cache.read_text())
+            for cache in source.glob("build/*/CMakeCache.txt")
+        }
+
+    # As one made by hand.
+    configure("release", "-DKESTAL_PLATFORM=vendor")
+    assert platforms() == {"release": ["vendor"]}
+    configure("release")
+    configure("vendor")
+    assert platforms() == {"release": ["simulator"], "vendor": ["vendor"]}
 
 
 def test_a_port_that_is_taken_is_told(run):
