@@ -52,9 +52,14 @@ unsigned int RepeatedLines::Take(std::string_view line, TimePoint now, Tell tell
         return 1;
     }
     Line& known = lines.at(index);
+    const bool isBack = now - known.seen >= kPause;
+    if (isBack) {
+        // The fault had gone: its number is not one of what comes now.
+        TellHeld(index, now, tell);
+    }
     known.seen = now;
     unsigned int count = 0;
-    if (now - known.shown < kPause) {
+    if (!isBack && now - known.shown < kPause) {
         linesHeld += known.held == 0 ? 1 : 0;
         ++known.held;
     } else {

@@ -10,7 +10,8 @@
 namespace simulator {
 
 /// Lets a line through at once, and the same line at most once a minute after that, with the number
-/// of times that it stands for. Remembers the lines that came last, in memory of its own.
+/// of times that it stands for. One that has not come for a minute is new again. Remembers the
+/// lines that came last, in memory of its own.
 ///
 /// Works in any thread and in signal handlers, because it never waits: whoever finds it in use lets
 /// the line through. It does not wake up by itself either. What it has held back is told by the
@@ -41,7 +42,7 @@ class RepeatedLines {
     struct Line {
         std::size_t length = 0;  ///< 0 when nothing is remembered
         unsigned int held = 0;   ///< how often it was held back since it was let through
-        TimePoint shown;         ///< when it was let through for the last time
+        TimePoint shown;         ///< when it was let through, or its number told, for the last time
         TimePoint seen;          ///< when it came for the last time
     };
 

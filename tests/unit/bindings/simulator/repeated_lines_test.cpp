@@ -64,10 +64,10 @@ TEST_F(RepeatedLinesTest, AnyLineAfterTheMinuteTellsWhatWasHeldBack) {
     EXPECT_THAT(told, IsEmpty());
     lines.TellOverdue(At(61), Tell);
     EXPECT_THAT(told, ElementsAre("a 1 51"));
+    // That was a line of this minute.
+    EXPECT_EQ(Take("a", 69), 0U);
     EXPECT_EQ(Take("c", 95), 1U);
     EXPECT_THAT(told, ElementsAre("a 1 51", "b 1 64"));
-    // That was a line of this minute.
-    EXPECT_EQ(Take("a", 100), 0U);
     EXPECT_EQ(Take("a", 121), 2U);
 }
 
@@ -77,6 +77,27 @@ TEST_F(RepeatedLinesTest, ALineThatIsHeldBackTellsOthersToo) {
     (void)Take("b", 50);
     EXPECT_EQ(Take("b", 60), 0U);
     EXPECT_THAT(told, ElementsAre("a 1 59"));
+}
+
+TEST_F(RepeatedLinesTest, AFaultThatComesBackGoesOutAtOnceThoughItsPastWasJustTold) {
+    (void)Take("a", 0);
+    (void)Take("a", 1);
+    lines.TellOverdue(At(100), Tell);
+    EXPECT_THAT(told, ElementsAre("a 1 99"));
+    EXPECT_EQ(Take("a", 101), 1U);
+    EXPECT_EQ(Take("a", 150), 0U);
+    lines.TellOverdue(At(161), Tell);
+    EXPECT_THAT(told, ElementsAre("a 1 99", "a 1 11"));
+    EXPECT_EQ(Take("a", 210), 1U);
+}
+
+TEST_F(RepeatedLinesTest, AFaultThatComesBackIsNotCountedTogetherWithItsPast) {
+    (void)Take("a", 0);
+    (void)Take("a", 1);
+    EXPECT_EQ(Take("a", 3600), 1U);
+    EXPECT_THAT(told, ElementsAre("a 1 3599"));
+    EXPECT_EQ(Take("a", 3659), 0U);
+    EXPECT_EQ(Take("a", 3660), 2U);
 }
 
 TEST_F(RepeatedLinesTest, TheEndTellsEverythingAndForgetsIt) {
