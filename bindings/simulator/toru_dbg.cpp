@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -29,6 +30,9 @@ constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT",
 std::atomic<int> threshold = kUnknown;
 std::atomic<int> destination = kUnknown;
 std::atomic<const char*> programName = nullptr;
+
+/// There was room for the beginning of the last line only.
+std::atomic<bool> endsInHalfALine = false;
 
 constinit simulator::RepeatedLines repeats;
 
@@ -92,11 +96,33 @@ bool IsWritable(int file) {
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
+/// How many bytes of @p text were written; 0 when none.
+std::size_t Put(int file, std::string_view text) {
+    if (file == STDERR_FILENO && !IsWritable(file)) {
+        return 0;
+    }
+    ssize_t written = -1;
+    do {
+        written = write(file, text.data(), text.size());
+    } while (written < 0 && errno == EINTR);
+    return written < 0 ? 0 : static_cast<std::size_t>(written);
+}
+
+/// Whether nothing is left in a file, as after its rotation.
+bool IsEmpty(int file) {
+    struct stat state {};
+    return fstat(file, &state) == 0 && S_ISREG(state.st_mode) && state.st_size == 0;
+}
+
 void Write(std::string_view line) {
     const int file = Destination();
-    if (file != STDERR_FILENO || IsWritable(file)) {
-        while (write(file, line.data(), line.size()) < 0 && errno == EINTR) {
-        }
+    if (endsInHalfALine.exchange(false) && !IsEmpty(file) && Put(file, "\n") == 0) {
+        endsInHalfALine = true;
+        return;
+    }
+    const std::size_t written = Put(file, line);
+    if (written > 0 && written < line.size()) {
+        endsInHalfALine = true;
     }
 }
 

@@ -1,6 +1,7 @@
 // The debug log: one write per line, filtered by level, harmless whatever the message holds.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <thread>
@@ -295,6 +297,67 @@ TEST_F(DebugLog, FullDiskLosesTheLineOnly) {
     errno = 0;
     toru_dbg_log("M", TORU_DBG_ERROR, "text");
     EXPECT_EQ(errno, 0);
+}
+
+/// A debug log in a file that is not allowed to grow as it wants.
+class DebugLogWithoutRoom : public DebugLog {
+  protected:
+    DebugLogWithoutRoom() : signalBefore(std::signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    }
+    ~DebugLogWithoutRoom() override {
+        MakeRoom();
+        (void)std::signal(SIGXFSZ, signalBefore);
+    }
+
+    static void Write(const char* text) { toru_dbg_log("M", TORU_DBG_ERROR, "%s", text); }
+
+    /// Lets the file grow by @p bytes only.
+    void Limit(std::size_t bytes) const {
+        rlimit limit = before;
+        limit.rlim_cur = static_cast<rlim_t>(std::filesystem::file_size(directory / "log")) + bytes;
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+
+    void MakeRoom() const { EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0); }
+
+    /// Leaves half a line at the end of the file.
+    void WriteHalfALine() const {
+        Write("before");
+        Limit(10);
+        Write("cut");
+        Write("lost");
+        MakeRoom();
+    }
+
+    rlimit before{};
+    void (*signalBefore)(int);
+};
+
+TEST_F(DebugLogWithoutRoom, AddsNothingToHalfALine) {
+    WriteHalfALine();
+    Write("after");
+    Write("and after");
+    EXPECT_THAT(ReadFile(directory / "log"),
+                MatchesRegex("[^\n]+ before\n[0-9T:-]{10}\n[^\n]+ after\n[^\n]+ and after\n"));
+}
+
+TEST_F(DebugLogWithoutRoom, EndsHalfALineOnceWhenThereIsRoomForNothingElse) {
+    WriteHalfALine();
+    Limit(1);
+    Write("lost");
+    Write("lost");
+    MakeRoom();
+    Write("after");
+    EXPECT_THAT(ReadFile(directory / "log"),
+                MatchesRegex("[^\n]+ before\n[0-9T:-]{10}\n[^\n]+ after\n"));
+}
+
+TEST_F(DebugLogWithoutRoom, HasNoEmptyLineWhereTheFileWasEmptied) {
+    WriteHalfALine();
+    std::filesystem::resize_file(directory / "log", 0);
+    Write("after");
+    EXPECT_THAT(ReadFile(directory / "log"), MatchesRegex("[^\n]+ after\n"));
 }
 
 TEST_F(DebugLog, KeepsTheErrorNumberOfItsCaller) {
