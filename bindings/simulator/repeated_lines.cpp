@@ -32,6 +32,11 @@ class Turn {
     bool isOurs;
 };
 
+bool IsOnSignalStack() {
+    stack_t stack{};
+    return sigaltstack(nullptr, &stack) == 0 && (stack.ss_flags & SS_ONSTACK) != 0;
+}
+
 }  // namespace
 
 unsigned int RepeatedLines::Take(std::string_view line, TimePoint now, Tell tell) {
@@ -128,9 +133,17 @@ void RepeatedLines::TellAllOverdue(TimePoint now, Tell tell) {
     }
 }
 
-bool IsOnSignalStack() {
-    stack_t stack{};
-    return sigaltstack(nullptr, &stack) == 0 && (stack.ss_flags & SS_ONSTACK) != 0;
+unsigned int CountLine(RepeatedLines& lines, std::string_view line, bool isFailure,
+                       RepeatedLines::Tell tell) {
+    if (IsOnSignalStack()) {
+        lines.End(LogTime(), tell);
+        return 1;
+    }
+    if (isFailure) {
+        return lines.Take(line, LogTime(), tell);
+    }
+    lines.TellOverdue(LogTime(), tell);
+    return 1;
 }
 
 RepeatedLines::TimePoint LogTime() {

@@ -60,9 +60,13 @@ class RepeatedLines {
     std::array<std::array<char, kLongestLine>, kLines> texts{};
 };
 
-/// Whether this is a handler on a stack of its own, as a crash has: its lines are the last ones of
-/// the process, and identical ones are frames of a recursion, not a fault that stays.
-bool IsOnSignalStack();
+/// Takes in a line that comes now, and returns how many it stands for; 0 when @p lines hold it
+/// back, which they do with failures only. Never in a handler on a stack of its own, as a crash
+/// has: its lines are the last ones of the process, and identical ones are frames of a recursion,
+/// not a fault that stays. All that is held back is then told first, because the process may end
+/// without telling it.
+unsigned int CountLine(RepeatedLines& lines, std::string_view line, bool isFailure,
+                       RepeatedLines::Tell tell);
 
 /// The time that the logs take minutes from. A test sets another clock; null sets the real one.
 RepeatedLines::TimePoint LogTime();

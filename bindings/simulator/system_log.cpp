@@ -26,12 +26,12 @@ const char* SocketName() {
     return name == nullptr || *name == '\0' ? "/dev/log" : name;
 }
 
-void Send(LogLine& line) {
+void Send(LogLine& line, std::chrono::milliseconds patience = kPatience) {
     const unsigned int lost = linesLost.exchange(0);
     if (lost > 0) {
         line.Note(" [%u lines lost before]", lost);
     }
-    if (SendDatagram(SocketName(), line.Text(), kPatience) != 0) {
+    if (SendDatagram(SocketName(), line.Text(), patience) != 0) {
         linesLost += lost + 1;
     }
 }
@@ -40,18 +40,20 @@ void TellHeld(std::string_view text, unsigned int count, std::chrono::seconds ag
     LogLine line;
     line.Append(text);
     line.NoteHeld(count, age);
-    Send(line);
+    // There may be many at once, and a process that crashes has not much time.
+    Send(line, linesLost == 0 ? kPatience : std::chrono::milliseconds(0));
 }
 
 }  // namespace
 
-void SendToSystemLog(const char* name, int priority, bool mayBeHeld, const char* format,
+void SendToSystemLog(const char* name, int priority, bool holdsRepeats, const char* format,
                      std::va_list arguments) {
     const int callersError = errno;
     LogLine line = LogLine::ForSystemLog(name, priority);
     errno = callersError;
     line.Append(format, arguments);
-    const unsigned int count = mayBeHeld ? repeats.Take(line.Text(), LogTime(), TellHeld) : 1;
+    const unsigned int count =
+        holdsRepeats ? CountLine(repeats, line.Text(), true, TellHeld) : 1;
     if (count > 0) {
         line.NoteCount(count);
         Send(line);

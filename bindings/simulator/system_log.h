@@ -5,13 +5,14 @@
 
 namespace simulator {
 
-/// Sends a line of the program @p name with a syslog @p priority to the system log, unless it
-/// @p mayBeHeld and RepeatedLines holds it back. Unlike syslog(3) it takes no locks, and waits for
+/// Sends a line of the program @p name with a syslog @p priority to the system log. A failure that
+/// comes again is held back when @p holdsRepeats. Unlike syslog(3) it takes no locks, and waits for
 /// a few milliseconds at most: a log that hangs must not stop the service. A line that the log does
 /// not take by then is lost, and the next one that it takes tells how many were. Leaves errno as it
 /// is.
-[[gnu::format(printf, 4, 0)]] void SendToSystemLog(const char* name, int priority, bool mayBeHeld,
-                                                   const char* format, std::va_list arguments);
+[[gnu::format(printf, 4, 0)]] void SendToSystemLog(const char* name, int priority,
+                                                   bool holdsRepeats, const char* format,
+                                                   std::va_list arguments);
 
 /// Sends what was held back, and forgets what was lost.
 void EndSystemLog();

@@ -133,21 +133,16 @@ void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds
     Write(line.Finish());
 }
 
-/// Nothing is held back from who reads everything, nor of a crash.
+/// Nothing is held back from who reads everything.
 bool HoldsRepeats() {
-    return Threshold() < TORU_DBG_DEBUG && !simulator::IsOnSignalStack();
+    return Threshold() < TORU_DBG_DEBUG;
 }
 
 /// How many lines @p message of @p level stands for; 0 when it is held back.
 unsigned int Count(int level, std::string_view message) {
-    if (!HoldsRepeats()) {
-        return 1;
-    }
-    if (level == TORU_DBG_ERROR) {
-        return repeats.Take(message, simulator::LogTime(), TellHeld);
-    }
-    repeats.TellOverdue(simulator::LogTime(), TellHeld);
-    return 1;
+    return HoldsRepeats()
+               ? simulator::CountLine(repeats, message, level == TORU_DBG_ERROR, TellHeld)
+               : 1;
 }
 
 /// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for

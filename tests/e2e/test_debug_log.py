@@ -3,7 +3,6 @@
 import contextlib
 import gzip
 import os
-import re
 import resource
 import subprocess
 
@@ -11,7 +10,7 @@ import pytest
 
 from support import paths
 from support.load import Load
-from support.logs import Log
+from support.logs import Log, times
 from support.waiting import wait_until
 from support.watchdog import Watchdog as Receiver
 
@@ -50,12 +49,6 @@ def test_a_log_that_is_gone_loses_lines_only(responder):
     responder.log.path.unlink()
     assert is_right(responder.ask())
     assert responder.end() == 0
-
-
-def times(line):
-    """What a line stands for: once, unless a note tells a number."""
-    note = re.search(r" \[(\d+) times(?:, last \d+ s ago)?\]", line)
-    return 1 if note is None else int(note[1])
 
 
 def test_a_fault_that_stays_is_told_at_once_and_then_counted(make_responder, work):

@@ -14,7 +14,9 @@ import subprocess
 import pytest
 
 from support import fastcgi, paths, processes
+from support.logs import times
 from support.waiting import wait_until
+from support.watchdog import Watchdog as Receiver
 
 STUCK = 75
 CONNECT = {**fastcgi.STATUS, "REQUEST_URI": "/srv/connect"}
@@ -73,6 +75,29 @@ def test_a_request_that_hangs_is_named_with_all_its_frames_and_ends_the_process(
     assert places == sorted(places)
     # It stays registered, so that the watchdog notices when nobody starts it again.
     assert impatient.log.count("unregistered") == 0
+
+
+@needs_signals
+def test_failures_before_the_hang_that_were_held_back_are_told_in_front_of_the_frames(make_responder, work):
+    responder = make_responder()
+    responder.environment |= {
+        "KESTAL_LOG_LEVEL": "5",
+        "KESTAL_SYSLOG": str(work / "syslog.sock"),
+        "KESTAL_TIMEOUT": "1",
+    }
+    responder.device.set(getGPSStatus={"error": 5})
+    with contextlib.closing(Receiver(work / "syslog.sock")) as system_log:
+        responder.start()
+        for _ in range(4):
+            assert responder.ask().status == 200
+        with changes_hang(responder.device), responder.connect() as connection:
+            connection.send(fastcgi.request(CONNECT))
+            assert responder.process.wait(20) == STUCK
+        for log in responder.log.messages(), system_log.waiting():
+            reason = next(i for i, line in enumerate(log) if message("connect") in line)
+            failures = [i for i, line in enumerate(log) if "sys_getGPSStatus failed" in line]
+            assert sum(times(log[i]) for i in failures) == 5
+            assert failures[-1] == reason - 1
 
 
 @needs_signals

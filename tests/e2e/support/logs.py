@@ -13,6 +13,12 @@ LINE = re.compile(
 )
 
 
+def times(message):
+    """What a line stands for: once, unless a note tells a number."""
+    note = re.search(r" \[(\d+) times(?:, last \d+ s ago)?\]", message)
+    return 1 if note is None else int(note[1])
+
+
 class Log:
     def __init__(self, path):
         self.path = pathlib.Path(path)

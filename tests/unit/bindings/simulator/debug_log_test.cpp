@@ -439,7 +439,9 @@ TEST_F(DebugLogOfAFaultThatStays, HasEveryLineAtLevelSeven) {
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, HasEveryFrameOfARecursionThatEndsInACrash) {
+TEST_F(DebugLogOfAFaultThatStays, TellsTheRestInFrontOfACrashAndEveryFrameOfIt) {
+    Fail(5);
+    Fail(5);
     std::array<char, 65536> memory{};
     stack_t before{};
     const stack_t stack{.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
@@ -454,7 +456,8 @@ TEST_F(DebugLogOfAFaultThatStays, HasEveryFrameOfARecursionThatEndsInACrash) {
     sigaction(SIGUSR1, &action, nullptr);
     (void)raise(SIGUSR1);
     (void)sigaltstack(&before, nullptr);
-    EXPECT_EQ(Log(), std::vector<std::string>(3, "call failed [5]"));
+    EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [1 times, last 0 s ago]",
+                                   "call failed [5]", "call failed [5]", "call failed [5]"));
 }
 
 TEST_F(DebugLogOfAFaultThatStays, LosesNothingToSeveralThreads) {
