@@ -44,6 +44,13 @@ void TellHeld(std::string_view text, unsigned int count, std::chrono::seconds ag
     Send(line, linesLost == 0 ? kPatience : std::chrono::milliseconds(0));
 }
 
+/// Whether @p message is of level 3, whose name then follows the module.
+bool IsFailure(std::string_view message) {
+    const std::size_t endOfModule = message.find("]:[");
+    return message.starts_with('[') && endOfModule != std::string_view::npos &&
+           message.substr(endOfModule).starts_with("]:[ERROR]");
+}
+
 }  // namespace
 
 void SendToSystemLog(const char* name, int priority, bool holdsRepeats, const char* format,
@@ -53,7 +60,7 @@ void SendToSystemLog(const char* name, int priority, bool holdsRepeats, const ch
     errno = callersError;
     line.Append(format, arguments);
     const unsigned int count =
-        holdsRepeats ? CountLine(repeats, line.Text(), true, TellHeld) : 1;
+        holdsRepeats ? CountLine(repeats, line.Text(), IsFailure(line.Message()), TellHeld) : 1;
     if (count > 0) {
         line.NoteCount(count);
         Send(line);

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "bindings/simulator/datagram.h"
+#include "bindings/simulator/repeated_lines.h"
 #include "platform/toru_dbg.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
@@ -66,6 +67,10 @@ class SystemLog : public SimulatedDevice {
         environment.Set("KESTAL_SYSLOG", path);
         environment.Set("KESTAL_LOG_LEVEL", "0");
         (void)toru_dbg_start("kestal.cgi");
+    }
+
+    static void Fail() {
+        toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "[%s]:[%s] - failed", "M", "ERROR");
     }
 
     static std::string Head() { return "<138>kestal.cgi[" + std::to_string(getpid()) + "]: "; }
@@ -184,25 +189,49 @@ TEST_F(SystemLog, ThatTakesMillisecondsForALineIsToldOfEachThatItMissed) {
 
 TEST_F(SystemLog, HoldsALineBackThatComesAgain) {
     const Receiver log(path);
-    const auto fail = [] { toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed"); };
-    fail();
-    fail();
-    fail();
-    EXPECT_EQ(log.Next(), Head() + "failed");
+    Fail();
+    Fail();
+    Fail();
+    EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed");
     EXPECT_EQ(log.Next(), "");
     toru_dbg_stop();
-    EXPECT_EQ(log.Next(), Head() + "failed [2 times, last 0 s ago]");
+    EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed [2 times, last 0 s ago]");
     EXPECT_EQ(log.Next(), "");
+}
+
+TEST_F(SystemLog, GetsEveryLineThatIsNoFailure) {
+    const Receiver log(path);
+    for (const std::string text : {"[M]:[NOTICE] - connecting", "[M]:[NOTICE] - [N]:[ERROR]",
+                                   "ERROR", "]:[ERROR]", "[M]:"}) {
+        for (int count = 0; count < 2; ++count) {
+            toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "%s", text.c_str());
+            EXPECT_EQ(log.Next(), Head() + text);
+        }
+    }
+}
+
+TEST_F(SystemLog, GetsTheRestWithAnyLineAfterTheMinute) {
+    static simulator::RepeatedLines::TimePoint now;
+    simulator::SetLogClock([] { return now; });
+    const Receiver log(path);
+    Fail();
+    Fail();
+    log.Drain();
+    now += std::chrono::seconds(100);
+    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "[M]:[NOTICE] - connecting");
+    simulator::SetLogClock(nullptr);
+    EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed [1 times, last 100 s ago]");
+    EXPECT_EQ(log.Next(), Head() + "[M]:[NOTICE] - connecting");
 }
 
 TEST_F(SystemLog, GetsEveryLineAtLevelSeven) {
     environment.Set("KESTAL_LOG_LEVEL", "7");
     (void)toru_dbg_start("kestal.cgi");
     const Receiver log(path);
-    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed");
-    toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "failed");
-    EXPECT_EQ(log.Next(), Head() + "failed");
-    EXPECT_EQ(log.Next(), Head() + "failed");
+    Fail();
+    Fail();
+    EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed");
+    EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed");
 }
 
 TEST_F(SystemLog, ThatIsNoSocketIsRefusedAloud) {
