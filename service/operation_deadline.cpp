@@ -62,8 +62,9 @@ void OperationDeadline::Watch(std::chrono::milliseconds newLimit) {
     event.sigev_notify_thread_id = gettid();
     hasTimer = hasTimer || timer_create(CLOCK_MONOTONIC, &event, &timer) == 0;
     if (!hasTimer) {
+        const int error = errno;
         // The keep-alives still end with an operation that does not.
-        KESTAL_FAILURE("[%s]:[%s] - %s - timer_create failed, returned error code [%d]", errno);
+        KESTAL_FAILURE("[%s]:[%s] - %s - timer_create failed, returned error code [%d]", error);
     }
 }
 

@@ -162,6 +162,20 @@ int Play(const std::string& call, const std::string& arguments,
     return answer.result;
 }
 
+void Act(const std::string& call) {
+    std::function<void()> action;
+    {
+        const std::scoped_lock lock(TheState().mutex);
+        const auto found = TheState().script.find(call);
+        if (TheState().director == nullptr && found != TheState().script.end()) {
+            action = found->second.front().action;
+        }
+    }
+    if (action) {
+        action();
+    }
+}
+
 int PlayUnrecorded(const std::string& call) {
     const std::scoped_lock lock(TheState().mutex);
     Director* const director = TheState().director;

@@ -50,6 +50,7 @@ class Answer {
     }
 
   private:
+    friend void Act(const std::string& call);
     friend int Play(const std::string& call, const std::string& arguments,
                     std::initializer_list<std::span<std::byte>> outputs, int unscripted);
     Answer& WritesBytes(std::span<const std::byte> bytes);
@@ -129,6 +130,9 @@ class InsidePlatform {
 
 /// Adds a line to the transcript.
 void Record(std::string line);
+
+/// Does what the script says for @p call, which gives no answer; a director is not asked.
+void Act(const std::string& call);
 
 /// Lets a director answer a call that is not recorded; returns 0 without one.
 int PlayUnrecorded(const std::string& call);

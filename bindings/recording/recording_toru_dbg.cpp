@@ -47,6 +47,7 @@ void toru_dbg_syslog(int priority, const char* format, ...) {
     va_start(arguments, format);
     recording::Record("syslog " + std::to_string(priority) + " " + Format(format, arguments));
     va_end(arguments);
+    recording::Act("toru_dbg_syslog");
 }
 
 const char* toru_dbg_get_level_name(int level) {
