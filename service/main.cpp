@@ -29,6 +29,7 @@ int main(int /*argc*/, char** argv) {
                         KESTAL_MODULE, pthread_self(), getpid());
     InstallFatalSignalHandler();
     InstallDeadlineHandler(OperationLimit());
+    gOperationDeadline.Begin("start of the process");
     Attempt("int main(int, char**)", "text domain", [] {
         LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
     });
@@ -41,6 +42,6 @@ int main(int /*argc*/, char** argv) {
     gKeepAliveHandler.Shutdown();
     KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "[%s]:[%s] - %s Server Terminating.", KESTAL_MODULE);
     toru_dbg_stop();
-    gOperationDeadline.End();
+    // The deadline still holds: the libraries' exit handlers come next.
     return result;
 }

@@ -76,7 +76,7 @@ void OperationDeadline::Begin(const char* name) {
     const Clock::duration now = Clock::now().time_since_epoch();
     end.store((now + limit).count(), std::memory_order_relaxed);
     if (hasTimer && now >= setAgainAt) {
-        const Clock::duration slack = Clock::duration(limit) / kSlack;
+        const Clock::duration slack = Slack();
         setAgainAt = now + slack;
         itimerspec expiry{};
         expiry.it_value = ToTimespec(limit + slack);
@@ -84,7 +84,17 @@ void OperationDeadline::Begin(const char* name) {
     }
 }
 
-bool OperationDeadline::IsPassed() const {
+bool OperationDeadline::IsLongPassed() const {
+    // Once for the timer, once more for the signal to be taken on a busy device.
+    return IsPassedBy(2 * Slack());
+}
+
+bool OperationDeadline::IsPassedBy(Clock::duration time) const {
     const Clock::rep deadline = end.load(std::memory_order_relaxed);
-    return deadline != kNever && Clock::now().time_since_epoch().count() >= deadline;
+    return deadline != kNever &&
+           Clock::now().time_since_epoch() >= Clock::duration(deadline) + time;
+}
+
+OperationDeadline::Clock::duration OperationDeadline::Slack() const {
+    return Clock::duration(limit) / kSlack;
 }

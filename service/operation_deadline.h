@@ -9,9 +9,9 @@
 /// its own limit only now and then.
 std::chrono::seconds OperationLimit();
 
-/// Tells when the main thread, in a request or at its end, is stuck in a call that does not come
-/// back. An operation costs a look at the clock; the timer behind it is only set when that was some
-/// time ago, and left alone at the end.
+/// Tells when the main thread, at its start, in a request or at its end, is stuck in a call that
+/// does not come back. An operation costs a look at the clock; the timer behind it is only set when
+/// that was some time ago, and left alone at the end.
 class OperationDeadline {
   public:
     /// From now on a limit holds. The calling thread, the main thread, gets DeadlineSignal() when
@@ -28,7 +28,11 @@ class OperationDeadline {
     void End() { end.store(kNever, std::memory_order_relaxed); }
 
     /// Whether an operation is under way that has passed its limit. For any thread.
-    bool IsPassed() const;
+    bool IsPassed() const { return IsPassedBy(Clock::duration(0)); }
+
+    /// The same, and so long ago that DeadlineSignal() would have ended the process if the main
+    /// thread took it. For any thread.
+    bool IsLongPassed() const;
 
     /// The step that has begun last.
     const char* Step() const { return step.load(std::memory_order_relaxed); }
@@ -38,6 +42,11 @@ class OperationDeadline {
   private:
     /// Stands still while the device sleeps, which is no fault of the operation.
     using Clock = std::chrono::steady_clock;
+
+    bool IsPassedBy(Clock::duration time) const;
+
+    /// How much later than the limit the timer may expire.
+    Clock::duration Slack() const;
 
     static constexpr Clock::rep kNever = 0;
     static_assert(std::atomic<Clock::rep>::is_always_lock_free, "a signal handler reads it");

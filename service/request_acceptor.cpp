@@ -33,20 +33,24 @@ RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
 
 int RequestAcceptor::Accept() {
     for (;;) {
+        // A process that waits is stuck in nothing.
+        gOperationDeadline.End();
         // Where the web server has given no socket that listens, accepting fails at once.
-        if (listens && !Wait() && request.ipcFd >= 0) {
+        const bool signalled = listens && !Wait();
+        gOperationDeadline.Begin("request (receipt)");
+        if (signalled && request.ipcFd >= 0) {
             // A signal ends the waiting on a connection that the web server keeps open; libfcgi
             // would read from it and look at nothing else.
             FCGX_Free(&request, 1);
         }
-        gOperationDeadline.Begin("request (receipt)");
         errno = 0;
         const int result = FCGX_Accept_r(&request);
         if (result >= 0) {
             return result;
         }
-        gOperationDeadline.End();
         if (result != -EAGAIN) {
+            // No request comes any more. What was built for them is taken down next.
+            gOperationDeadline.Begin("end of the process");
             return result;
         }
     }

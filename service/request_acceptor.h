@@ -12,8 +12,9 @@ class RequestAcceptor {
     /// accepts; it holds those signals back already.
     explicit RequestAcceptor(FCGX_Request& fcgiRequest);
 
-    /// Waits for the next request. Returns what FCGX_Accept_r returns. The request's deadline runs
-    /// from when its connection is there; whoever ends the request ends that, too.
+    /// Waits for the next request. Returns what FCGX_Accept_r returns. Ends the operation before;
+    /// the request's deadline runs from when its connection is there, and that of the end of the
+    /// process from when no request comes any more.
     int Accept();
 
   private:

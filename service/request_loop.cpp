@@ -119,7 +119,6 @@ void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiH
     WaitIfEndingByFatalSignal();
     gOperationDeadline.Enter("request (end)");
     FCGX_Finish_r(&request);
-    gOperationDeadline.End();
 }
 
 void ServeRequests(FCGX_Request& request) {

@@ -40,6 +40,13 @@ void Install(int signo, void (*handler)(int), int flags) {
     sigaction(signo, &action, nullptr);
 }
 
+void LetIn(int signo) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signo);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
 [[noreturn]] void WaitForEnd() {
     for (;;) {
         pause();
@@ -99,6 +106,8 @@ void BeginEnd(int status) {
     }
     gEndingThread = gettid();
     Install(SIGALRM, endHandler, SA_ONSTACK | SA_NODEFER);
+    // A library may have held it back in this thread.
+    LetIn(SIGALRM);
     alarm(kEndSeconds);
 }
 
@@ -139,7 +148,7 @@ void deadlineHandler(int /*signo*/) {
 
 void terminationHandler(int /*signo*/) {
     if (gExitStatus != 0) {
-        // The keep-alive thread has crashed and is ending the process.
+        // The keep-alive thread is ending the process.
         WaitForEnd();
     }
     // Held back where the thread waited.
@@ -178,6 +187,18 @@ void InstallDeadlineHandler(std::chrono::milliseconds limit) {
 
 void InstallTerminationHandler() {
     Install(SIGTERM, terminationHandler, 0);
+}
+
+void EndIfStuck() {
+    // An end that is under way has its own time.
+    if (gExitStatus != 0 || !gOperationDeadline.IsLongPassed()) {
+        return;
+    }
+    BeginEnd(kStuckExitStatus);
+    SyslogReason();
+    gReasonLogged = true;
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - none, for the main thread takes no signals");
+    _exit(kStuckExitStatus);
 }
 
 void WaitIfEndingByFatalSignal() {

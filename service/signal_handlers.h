@@ -14,10 +14,15 @@ void InstallFatalSignalHandler();
 /// with kStuckExitStatus. It stays registered with the watchdog, as after a fatal signal.
 void InstallDeadlineHandler(std::chrono::milliseconds limit);
 
+/// Ends the process in the same way, without the frames, when the deadline has passed and its
+/// signal has not ended it: a library holds signals back in the main thread. For the keep-alive
+/// thread, which has a SignalStack.
+void EndIfStuck();
+
 /// From now on SIGTERM unregisters from the watchdog, stops the keep-alive thread and ends the
 /// process with exit status 0, wherever it is let in. That, too, has the deadline.
 void InstallTerminationHandler();
 
-/// Does not return once a fatal signal has come, in the other thread that is: its handler takes the
+/// Does not return once the other thread ends the process: the handler of a fatal signal takes the
 /// standard output away, and an answer that lost something by that must not be finished.
 void WaitIfEndingByFatalSignal();

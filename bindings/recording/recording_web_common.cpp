@@ -20,6 +20,7 @@ CgiHelper::CgiHelper() = default;
 CgiHelper::~CgiHelper() {
     const InsidePlatform inside;
     recording::Record("~CgiHelper()");
+    recording::Act("~CgiHelper");
 }
 
 CgiHelper* CgiHelper::GetInstance() {

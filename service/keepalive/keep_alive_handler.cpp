@@ -9,6 +9,7 @@
 #include "platform/sysint.h"
 #include "platform/watchdog.h"
 #include "service/process.h"
+#include "service/signal_handlers.h"
 #include "service/signal_stack.h"
 
 namespace {
@@ -46,8 +47,9 @@ bool KeepAliveHandler::OnThreadNotify(unsigned int /*event*/) {
     KESTAL_SIGNATURE("virtual bool KeepAliveHandler::OnThreadNotify(unsigned int)");
     KESTAL_BEGIN();
     thread_local const SignalStack stack;
-    // A process that is stuck ends by itself. One that cannot, because a library holds signals back
-    // or the kernel does not come back, has the watchdog left, which must not be told otherwise.
+    EndIfStuck();
+    // A process that is stuck and does not end, because the kernel does not come back, has the
+    // watchdog left, which must not be told otherwise.
     if (!gOperationDeadline.IsPassed() && getppid() == parentProcessId &&
         kill(parentProcessId, 0) != -1) {
         KESTAL_LOG(TORU_DBG_INFO,

@@ -11,7 +11,8 @@ class KeepAliveHandler : public MaintenanceThreadCallbackInterface {
   public:
     KeepAliveHandler();
 
-    /// Sends one keep-alive message when both are alive. Runs on the maintenance thread.
+    /// Sends one keep-alive message when both are alive, and ends a process that is stuck and could
+    /// not end by itself. Runs on the maintenance thread.
     bool OnThreadNotify(unsigned int event) override;
 
     ~KeepAliveHandler() override = default;

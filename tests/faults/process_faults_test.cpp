@@ -23,6 +23,7 @@ int RunMain() {
     char name[] = "kestal.cgi";
     std::array<char*, 2> arguments = {name, nullptr};
     const int result = KestalMain(1, arguments.data());
+    gOperationDeadline.End();
     if (result != 0) {
         (void)std::fprintf(stderr, "main returned %d\n", result);
         _exit(1);

@@ -133,6 +133,8 @@ TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck)
     while (!gOperationDeadline.IsPassed()) {
         std::this_thread::yield();
     }
+    // Not so long passed that this thread would end the process.
+    gOperationDeadline.Watch(std::chrono::hours(1));
     recording::Reset();
     handler.OnThreadNotify(0);
     EXPECT_EQ(recording::CallCount("watchdog_application_send_keep_alive"), 0U);

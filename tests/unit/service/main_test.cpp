@@ -7,6 +7,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "bindings/recording/recording.h"
 #include "service/process.h"
@@ -20,9 +22,16 @@ using recording::Log;
 
 namespace {
 
-int RunMain(std::string path) {
+int RunMainOnly(std::string path) {
     std::array<char*, 2> arguments = {path.data(), nullptr};
     return KestalMain(1, arguments.data());
+}
+
+/// The test's own process goes on behind it, without a deadline.
+int RunMain(const std::string& path) {
+    const int result = RunMainOnly(path);
+    gOperationDeadline.End();
+    return result;
 }
 
 class MainTest : public testing::Test {
@@ -31,6 +40,17 @@ class MainTest : public testing::Test {
         recording::Reset();
         fake_fcgi::Reset();
         (void)std::signal(SIGTERM, SIG_DFL);
+    }
+
+    /// A short limit, and @p call does not come back.
+    static void HangIn(const std::string& call) {
+        recording::Echo();
+        setenv("KESTAL_TIMEOUT", "1", 1);
+        recording::Given(call).Does([] {
+            for (;;) {
+                pause();
+            }
+        });
     }
 
     static std::string StartLine() {
@@ -121,20 +141,34 @@ TEST_F(MainTest, FatalHandlersAreThereBeforeTheWatchdogAndTheTerminationHandlerO
     EXPECT_TRUE(custom(SIGTERM));
 }
 
-TEST_F(MainTest, StuckEndOfTheProcessEndsIt) {
+TEST_F(MainTest, StuckStartOrEndOfTheProcessEndsIt) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const std::vector<std::pair<std::string, std::string>> steps = {
+        {"MaintenanceThread::Run", "start of the process"},
+        {"CgiHelper::GetInstance", "response writer"},
+        {"~CgiHelper", "end of the process"},
+        {"MaintenanceThread::Shutdown", "end of the process"}};
+    for (const auto& [call, step] : steps) {
+        EXPECT_EXIT(
+            {
+                HangIn(call);
+                RunMain("kestal.cgi");
+            },
+            testing::ExitedWithCode(kStuckExitStatus),
+            "is stuck: " + step + " has not ended within 3000 ms, backtrace:\n");
+    }
+}
+
+TEST_F(MainTest, StuckExitHandlerOfALibraryEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {
-            recording::Echo();
-            setenv("KESTAL_TIMEOUT", "1", 1);
-            recording::Given("MaintenanceThread::Shutdown").Does([] {
-                for (;;) {
-                    pause();
-                }
-            });
-            RunMain("kestal.cgi");
+            (void)std::atexit([] { recording::Play("exit handler", "", {}, 0); });
+            HangIn("exit handler");
+            std::exit(RunMainOnly("kestal.cgi"));
         },
         testing::ExitedWithCode(kStuckExitStatus),
+        "toru_dbg_stop..\nexit handler..\n(.*\n)*.*"
         "is stuck: end of the process has not ended within 3000 ms, backtrace:\n");
 }
 

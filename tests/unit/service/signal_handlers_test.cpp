@@ -86,6 +86,20 @@ constexpr std::chrono::milliseconds kLong(600'000);
     }
 }
 
+/// As in a call of a library that takes no signals, while the keep-alive thread runs.
+[[noreturn]] void HangWithSignalsHeldBack() {
+    std::thread([] {
+        while (!gOperationDeadline.IsLongPassed()) {
+            std::this_thread::yield();
+        }
+        gKeepAliveHandler.OnThreadNotify(0);
+    }).detach();
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+    HangForGood();
+}
+
 const std::string kStuck =
     "log 3 .KESTAL_CGI.:.ERROR. - kestal.cgi is stuck: request .status. has not ended within 50 "
     "ms, backtrace:";
@@ -368,6 +382,54 @@ TEST_F(SignalsInHandlersDeathTest, CrashWhoseHandlerTakesLongKeepsItsStatusWhenT
         testing::ExitedWithCode(SIGSEGV),
         testing::AllOf(testing::ContainsRegex("received signal: 11.*\n.*: frame"),
                        testing::Not(testing::HasSubstr("is stuck"))));
+}
+
+TEST_F(SignalHandlersDeathTest, StuckCallThatHoldsBackAllSignalsIsEndedByTheKeepAliveThread) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            gOperationDeadline.Begin("request (status)");
+            HangWithSignalsHeldBack();
+        },
+        testing::ExitedWithCode(kStuckExitStatus),
+        testing::AllOf(testing::ContainsRegex(
+                           "syslog 138 .KESTAL_CGI.:.ERROR. - kestal.cgi is stuck: request "
+                           ".status. has not ended within 50 ms, backtrace:\n" +
+                           kStuck +
+                           "\nsyslog 138 .KESTAL_CGI.:.ERROR. - none, for the main thread "
+                           "takes no signals\n"
+                           "log 3 .KESTAL_CGI.:.ERROR. - none, for the main thread takes no "
+                           "signals\n$"),
+                       testing::Not(testing::HasSubstr("frames\n"))));
+}
+
+TEST_F(SignalHandlersDeathTest, KeepAliveThreadThatHangsInItsLogEndsTheProcessAllTheSame) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            recording::Given("toru_dbg_syslog").Does(HangForGood);
+            gOperationDeadline.Begin("request (status)");
+            HangWithSignalsHeldBack();
+        },
+        testing::ExitedWithCode(kStuckExitStatus), kStuck + "\n$");
+}
+
+TEST_F(SignalHandlersDeathTest, KeepAliveThreadLeavesTheEndToTheHandlerThatIsAtIt) {
+    EXPECT_EXIT(
+        {
+            PrepareDeadline();
+            gMeanwhile = [] {
+                while (!gOperationDeadline.IsLongPassed()) {
+                    std::this_thread::yield();
+                }
+                std::thread([] { gKeepAliveHandler.OnThreadNotify(0); }).join();
+            };
+            gOperationDeadline.Begin("request (status)");
+            HangForGood();
+        },
+        testing::ExitedWithCode(kStuckExitStatus),
+        testing::AllOf(testing::ContainsRegex(kStuck + "\n.*: frame"),
+                       testing::Not(testing::HasSubstr("none, for"))));
 }
 
 TEST_F(SignalHandlersDeathTest, TerminationUnregistersAndEndsWithZero) {
