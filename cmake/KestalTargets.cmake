@@ -136,6 +136,11 @@ function(kestal_link_test name twin)
     endforeach()
 endfunction()
 
+# For tests that limit memory: what the program itself asks of calloc goes to a __wrap_calloc of its
+# own. By the name calloc, none could stand in for a sanitizer's.
+add_library(kestal_wrapped_calloc INTERFACE)
+target_link_options(kestal_wrapped_calloc INTERFACE -Wl,--wrap=calloc)
+
 # kestal_add_suites(NAME LABELS): CTest knows the suites of the GoogleTest program NAME when it is built.
 function(kestal_add_suites name labels)
     set(suites ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)

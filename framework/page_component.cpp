@@ -35,7 +35,7 @@ int ReadRecords(const char* signature, const char* name, bool& cutShort, Call ca
         const int room = std::max(count, 0);
         // One record at least: a missing buffer would ask for the size again.
         const auto length = static_cast<std::size_t>(std::max(room, 1));
-        const std::unique_ptr<Record[]> buffer = NothrowArray<Record>(length);
+        const auto buffer = NothrowArray<Record>(length);
         if (buffer == nullptr) {
             // The records are read once per process: where a list of this size is only short of
             // memory at the moment, the next request tries again.

@@ -11,7 +11,6 @@
 #include <iterator>
 #include <map>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <set>
 
@@ -28,16 +27,12 @@
 
 // A device may say that it has any number of anything. Memory for all of it is not there, at a
 // limit that leaves the fuzzer fast.
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+extern "C" {
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size) {
     constexpr std::size_t kLimit = std::size_t{1} << 24U;
-    if (size > kLimit) {
-        return nullptr;
-    }
-    try {
-        return operator new[](size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return size != 0 && count > kLimit / size ? nullptr : __real_calloc(count, size);
+}
 }
 
 namespace {

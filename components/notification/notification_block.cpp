@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "framework/log.h"
-#include "framework/nothrow_array.h"
 
 NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     KESTAL_SIGNATURE("NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&)");

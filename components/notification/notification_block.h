@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 
+#include "framework/nothrow_array.h"
 #include "platform/notification.h"
 #include "platform/web_common.h"
 
@@ -39,7 +40,7 @@ class NotificationBlock {
     /// How many records there are with all their bytes, whatever the block claims.
     std::size_t ReceivedCount() const;
 
-    std::unique_ptr<std::byte[]> bytes;
+    std::unique_ptr<std::byte[], FreeMemory> bytes;
     std::size_t size = 0;
 };
 

@@ -45,6 +45,11 @@ bool Grants(std::size_t size, const void* caller) {
     return false;
 }
 
+bool GrantsAll(std::size_t count, std::size_t size, const void* caller) {
+    const bool countable = size == 0 || count <= kLargestBlock / size;
+    return Grants(countable ? count * size : kLargestBlock + 1, caller);
+}
+
 void* Counted(void* block) {
     if (block != nullptr) {
         ++gOutstanding;
@@ -79,7 +84,18 @@ long Outstanding() {
 
 }  // namespace failing_memory
 
+// Linked in the place of calloc where the program itself calls it (--wrap=calloc).
+extern "C" {
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+}
+
 #if defined(__SANITIZE_ADDRESS__)
+
+/// Not counted as outstanding, for free is the sanitizer's.
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return GrantsAll(count, size, CALLER) ? __real_calloc(count, size) : nullptr;
+}
 
 namespace {
 
@@ -154,12 +170,15 @@ void* malloc(std::size_t size) {
 }
 
 void* calloc(std::size_t count, std::size_t size) {
-    if (!Grants(size == 0 || count <= kLargestBlock / size ? count * size : kLargestBlock + 1,
-                CALLER)) {
+    if (!GrantsAll(count, size, CALLER)) {
         errno = ENOMEM;
         return nullptr;
     }
     return Counted(__libc_calloc(count, size));
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return calloc(count, size);
 }
 
 void* realloc(void* block, std::size_t size) {

@@ -1,6 +1,7 @@
 // The memory of the whole process: it counts, and fails when told to. Nothing inside the platform
-// fails. Sanitized, only what C++ allocates goes through here; otherwise everything does, the
-// allocations of the system library and the other libraries included.
+// fails. Sanitized, only what C++ allocates and what the product asks of calloc goes through here;
+// otherwise everything does, the allocations of the system library and the other libraries
+// included.
 #pragma once
 
 namespace failing_memory {

@@ -2,7 +2,10 @@
 // gigabyte cannot be had, on any machine.
 #include "tests/support/limited_memory.h"
 
-#include <new>
+extern "C" {
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+}
 
 namespace {
 
@@ -20,13 +23,7 @@ LimitedMemory::~LimitedMemory() {
     limit = kUsualLimit;
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    if (size > limit) {
-        return nullptr;
-    }
-    try {
-        return operator new[](size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+/// Linked in the place of calloc (--wrap=calloc).
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return size != 0 && count > limit / size ? nullptr : __real_calloc(count, size);
 }

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// For its lifetime, new (std::nothrow) gives no array of more than @p bytes.
+/// For its lifetime, NothrowArray gives none of more than @p bytes.
 class LimitedMemory {
   public:
     explicit LimitedMemory(std::size_t bytes);

@@ -23,7 +23,7 @@ TEST(NothrowArray, ElementsAreCleared) {
 TEST(NothrowArray, SizeThatNoNumberCanExpressIsNoMemory) {
     constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
     for (const std::size_t count : {kMost, kMost / 2, kMost / sizeof(Record) + 1}) {
-        std::unique_ptr<Record[]> records;
+        auto records = NothrowArray<Record>(1);
         EXPECT_NO_THROW(records = NothrowArray<Record>(count)) << count;
         EXPECT_EQ(records, nullptr) << count;
     }

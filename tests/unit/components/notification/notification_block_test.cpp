@@ -1,7 +1,11 @@
 #include "components/notification/notification_block.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <vector>
@@ -120,6 +124,23 @@ TEST_F(NotificationBlockTest, NoMemoryIsToldFromAFailure) {
     EXPECT_EQ(block.Read(bus), Result::kNoMemory);
     EXPECT_TRUE(block.Records().empty());
     EXPECT_EQ(recording::TranscriptText(), kGetSize);
+}
+
+TEST_F(NotificationBlockTest, OnlyWhatIsDeliveredTakesMemoryHoweverMuchIsAnnounced) {
+    constexpr std::size_t kAnnounced = std::size_t{200} << 20U;
+    GivenSize(kAnnounced);
+    Given(kGetData).WritesRecords(NotificationList({Notification("a")})).Writes(468U);
+    EXPECT_EQ(block.Read(bus), Result::kRead);
+    ASSERT_EQ(Ids(), "a ");
+    const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    // From the page in which the records begin.
+    const auto first = reinterpret_cast<std::uintptr_t>(block.Records().data()) & ~(pageSize - 1);
+    std::vector<unsigned char> pages(kAnnounced / pageSize);
+    ASSERT_EQ(mincore(reinterpret_cast<void*>(first), pages.size() * pageSize, pages.data()), 0);
+    const auto resident = std::count_if(pages.begin(), pages.end(),
+                                        [](unsigned char page) { return (page & 1U) != 0; });
+    // The system may give large pages.
+    EXPECT_LT(static_cast<std::size_t>(resident), pages.size() / 10);
 }
 
 TEST_F(NotificationBlockTest, EveryReadingReplacesTheOneBefore) {
