@@ -6,6 +6,8 @@ import os
 import pathlib
 import struct
 
+from support.waiting import wait_until
+
 
 def field(pid, name):
     """A field of the process's status; None when the process is gone."""
@@ -20,9 +22,11 @@ def field(pid, name):
 
 
 def environment(pid):
-    """What a process was started with."""
-    entries = pathlib.Path(f"/proc/{pid}/environ").read_text(errors="replace").split("\0")
-    return dict(entry.split("=", 1) for entry in entries if entry)
+    """What a process was started with. For a moment after the start of a program, the kernel shows nothing."""
+    text = wait_until(
+        lambda: pathlib.Path(f"/proc/{pid}/environ").read_text(errors="replace"), "the process has an environment"
+    )
+    return dict(entry.split("=", 1) for entry in text.split("\0") if entry)
 
 
 def descriptors(pid):
