@@ -105,7 +105,7 @@ TEST(CDTCopies, ATreePutIntoItselfIsACopyNotACycle) {
     array.PushBack(array);
     EXPECT_EQ(ToJSON(array), "[1,[1]]");
     array.PushBack(std::move(array));
-    EXPECT_EQ(ToJSON(array), "[[1,[1]]]");  // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(ToJSON(array), "[[1,[1]]]");
 }
 
 TEST(CDTCopies, SelfAssignmentChangesNothing) {
