@@ -110,7 +110,7 @@ std::size_t Put(int file, std::string_view text) {
 
 /// Whether nothing is left in a file, as after its rotation.
 bool IsEmpty(int file) {
-    struct stat state {};
+    struct stat state = {};
     return fstat(file, &state) == 0 && S_ISREG(state.st_mode) && state.st_size == 0;
 }
 

@@ -446,7 +446,7 @@ TEST_F(DebugLogOfAFaultThatStays, TellsTheRestInFrontOfACrashAndEveryFrameOfIt) 
     stack_t before{};
     const stack_t stack{.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
     ASSERT_EQ(sigaltstack(&stack, &before), 0);
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = [](int /*signo*/) {
         for (int frame = 0; frame < 3; ++frame) {
             Fail(5);
