@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "components/notification/notification_block.h"
+#include "platform/notification.h"
 #include "platform/sysint.h"
 
 namespace bench {
@@ -30,7 +30,7 @@ std::string DocumentWith(int notifications) {
                         {"titleId", "notification_sms_received_title"},
                         {"textId", "notification_sms_received_text"}});
     }
-    document["msgbus"][kNotificationChannel] = list;
+    document["msgbus"][ANS_NOTIFICATION_CHANNEL] = list;
     return document.dump();
 }
 

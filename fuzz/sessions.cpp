@@ -6,7 +6,7 @@
 #include "bindings/simulator/session_store.h"
 #include "fuzz/scratch.h"
 #include "fuzz/target.h"
-#include "platform/web_common.h"
+#include "platform/auth_session.h"
 
 namespace {
 

@@ -1,10 +1,13 @@
 // The device's notifications as its notification service publishes them on the message bus, on the
-// channel "zelt.ans.notifications": the whole list as one block, a signed 32-bit count of records
+// channel ANS_NOTIFICATION_CHANNEL: the whole list as one block, a signed 32-bit count of records
 // and then the records, in the byte order of the processor.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+
+/// The channel of the message bus on which the list is published.
+inline constexpr const char* ANS_NOTIFICATION_CHANNEL = "zelt.ans.notifications";
 
 /// Where the records begin in the block, behind their count.
 enum ans_notification_list_e : std::size_t {

@@ -9,6 +9,8 @@
 #include <string_view>
 
 #include "framework/log.h"
+#include "platform/auth_session.h"
+#include "platform/cgi_helper.h"
 #include "service/request_loop.h"
 
 namespace {

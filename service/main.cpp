@@ -7,7 +7,7 @@
 #include "framework/attempt.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
-#include "platform/web_common.h"
+#include "platform/language_support.h"
 #include "service/main_thread_signals.h"
 #include "service/process.h"
 #include "service/request_loop.h"

@@ -3,7 +3,7 @@
 
 #include <fcgiapp.h>
 
-#include "platform/web_common.h"
+#include "platform/cgi_helper.h"
 
 /// Serves requests one after another until the FastCGI library stops accepting. Returns 0 after a
 /// normal end, or the library's status when it could not be started.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/msgbus.h"
 #include "platform/notification.h"
 #include "platform/sysint.h"
-#include "platform/web_common.h"
 #include "platform/webui.h"
 
 namespace {

@@ -36,7 +36,7 @@ extern const Enumeration kChargingSource;
 
 extern const Enumeration kWebuiStatus;
 
-// platform/web_common.h and platform/notification.h
+// platform/msgbus.h and platform/notification.h
 
 extern const Enumeration kMsgbusResult;
 extern const Enumeration kSeverity;

@@ -6,15 +6,13 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <span>
+#include <string>
 
+#include "platform/msgbus.h"
 #include "platform/notification.h"
-#include "platform/web_common.h"
 #include "tools/json_output.h"
 
 namespace {
-
-/// The channel whose content has a meaning here.
-constexpr const char* kNotificationChannel = "zelt.ans.notifications";
 
 using Block = std::vector<std::uint8_t>;
 
@@ -131,7 +129,8 @@ void MsgBusGet(const Arguments& arguments, std::ostream& out) {
     if (arguments.option) {
         std::copy(block.begin(), block.end(), std::ostreambuf_iterator<char>(out));
     } else {
-        WriteJson(out, channel == kNotificationChannel ? NotificationList(block) : Bytes(block));
+        WriteJson(out,
+                  channel == ANS_NOTIFICATION_CHANNEL ? NotificationList(block) : Bytes(block));
     }
     bus.End();
 }
@@ -139,14 +138,14 @@ void MsgBusGet(const Arguments& arguments, std::ostream& out) {
 }  // namespace
 
 Tool MsgbusTool() {
+    static const std::string kChannel =
+        std::string("Name of the channel, such as ") + ANS_NOTIFICATION_CHANNEL;
     return {.name = "msgbus_cli",
             .description = "Prints what has been published on the device's message bus.",
             .codes = kMsgbusResult,
             .commands = {{.names = {"MsgBusGet"},
                           .description = "What was last published on a channel",
-                          .parameters = {{"CHANNEL",
-                                          "Name of the channel, such as "
-                                          "zelt.ans.notifications"}},
+                          .parameters = {{"CHANNEL", kChannel.c_str()}},
                           .run = MsgBusGet,
                           .option = "--raw",
                           .optionDescription = "Write the bytes as they are"}}};

@@ -1,4 +1,6 @@
 // The session check. It only asks: polling pages must not keep a session alive for ever.
+#include "platform/auth_session.h"
+
 #include <algorithm>
 #include <exception>
 #include <memory>
@@ -9,7 +11,6 @@
 #include "bindings/simulator/log.h"
 #include "bindings/simulator/session_store.h"
 #include "bindings/simulator/watched_file.h"
-#include "platform/web_common.h"
 
 namespace {
 

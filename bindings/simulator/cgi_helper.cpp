@@ -1,5 +1,8 @@
 // CgiHelper and the address family.
+#include "platform/cgi_helper.h"
+
 #include <arpa/inet.h>
+#include <cgicc/CgiEnvironment.h>
 #include <cgicc/HTTPCookie.h>
 #include <netinet/in.h>
 
@@ -12,7 +15,6 @@
 #include <vector>
 
 #include "bindings/simulator/log.h"
-#include "platform/web_common.h"
 
 namespace {
 

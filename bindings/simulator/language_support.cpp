@@ -1,9 +1,10 @@
+#include "platform/language_support.h"
+
 #include <libintl.h>
 
 #include <cstdlib>
 
 #include "bindings/simulator/log.h"
-#include "platform/web_common.h"
 
 void LanguageSupport::SetTextDomainProperties(const std::string& textDomain,
                                               const std::string& codeSet,

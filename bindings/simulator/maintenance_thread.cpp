@@ -1,3 +1,5 @@
+#include "platform/maintenance_thread.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -10,7 +12,6 @@
 
 #include "bindings/simulator/log.h"
 #include "bindings/simulator/maintenance_clock.h"
-#include "platform/web_common.h"
 
 namespace {
 

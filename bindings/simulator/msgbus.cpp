@@ -1,11 +1,12 @@
 // The message bus, on which nothing moves: each channel holds what the document says.
+#include "platform/msgbus.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
 
 #include "bindings/simulator/calls.h"
-#include "platform/web_common.h"
 
 using simulator::Device;
 using simulator::FailureOf;

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bindings/simulator/session_store.h"
-#include "platform/web_common.h"
+#include "platform/cgi_helper.h"
 
 namespace simulator {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "framework/attempt.h"
-#include "platform/web_common.h"
+#include "platform/msgbus.h"
 
 /// Joins the message bus, runs @p step with its client and leaves the bus again, also when
 /// something throws. What is thrown goes no further: it is logged as a failure of @p name, a step

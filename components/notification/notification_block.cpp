@@ -11,7 +11,7 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     KESTAL_SIGNATURE("NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler&)");
     bytes.reset();
     size = 0;
-    const std::string channel = kNotificationChannel;
+    const std::string channel = ANS_NOTIFICATION_CHANNEL;
     unsigned int needed = 0;
     if (bus.GetData(channel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
         return ReadResult::kFailed;
@@ -32,7 +32,7 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
         KESTAL_FAILURE(
             "[%s]:[%s] - %s - malformed notification list, [%d] announced, [%zu] received in [%zu] "
             "bytes. Try msgbus_cli MsgBusGet %s",
-            AnnouncedCount(), ReceivedCount(), size, kNotificationChannel);
+            AnnouncedCount(), ReceivedCount(), size, ANS_NOTIFICATION_CHANNEL);
     }
     return ReadResult::kRead;
 }

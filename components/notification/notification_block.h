@@ -6,11 +6,8 @@
 #include <span>
 
 #include "framework/nothrow_array.h"
+#include "platform/msgbus.h"
 #include "platform/notification.h"
-#include "platform/web_common.h"
-
-/// Channel of the message bus on which the device's notification service publishes its list.
-constexpr const char* kNotificationChannel = "zelt.ans.notifications";
 
 /// The published notifications, read as one block. What a malformed block announces beyond the
 /// bytes that were received is logged and not there.

@@ -19,7 +19,7 @@ void StatusComponent::GetNotificationFlagStatus(CTPP::CDT& statusData) {
                 break;
             case NotificationBlock::ReadResult::kFailed:
                 KESTAL_FAILURE("[%s]:[%s] - %s: msgbus.GetData for %s channel failed",
-                               kNotificationChannel);
+                               ANS_NOTIFICATION_CHANNEL);
                 break;
             case NotificationBlock::ReadResult::kNoMemory:
                 KESTAL_FAILURE("[%s]:[%s] - %s: Failed to allocate memory");

@@ -100,7 +100,7 @@ CTPP::CDT SystemServiceComponent::ReadNotificationList(MsgbusHandler& bus) {
             KESTAL_FAILURE(
                 "[%s]:[%s] - %s - msgbus failed to read notification data. Try msgbus_cli "
                 "MsgBusGet %s",
-                kNotificationChannel);
+                ANS_NOTIFICATION_CHANNEL);
             break;
         case NotificationBlock::ReadResult::kNoMemory:
             KESTAL_FAILURE("[%s]:[%s] - %s - Failed to allocate memory for notification list");

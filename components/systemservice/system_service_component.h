@@ -5,8 +5,8 @@
 
 #include "components/systemservice/custom_message_cache.h"
 #include "framework/page_component.h"
+#include "platform/msgbus.h"
 #include "platform/notification.h"
-#include "platform/web_common.h"
 
 /// Answers the operations of the system-service API.
 class SystemServiceComponent : public PageComponent {

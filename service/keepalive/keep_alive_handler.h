@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include "platform/web_common.h"
+#include "platform/maintenance_thread.h"
 
 /// Keeps the device watchdog informed that this process, and the web server that started it, are
 /// alive: once per interval, and only while the web server is still the parent and nothing that the

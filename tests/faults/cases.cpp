@@ -6,8 +6,9 @@
 #include <iterator>
 
 #include "declared_calls.h"
+#include "platform/cgi_helper.h"
+#include "platform/msgbus.h"
 #include "platform/sysint.h"
-#include "platform/web_common.h"
 #include "platform/webui.h"
 #include "tests/faults/expectations.h"
 

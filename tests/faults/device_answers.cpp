@@ -2,9 +2,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/auth_session.h"
+#include "platform/cgi_helper.h"
+#include "platform/language_support.h"
+#include "platform/maintenance_thread.h"
+#include "platform/msgbus.h"
 #include "platform/sysint.h"
 #include "platform/watchdog.h"
-#include "platform/web_common.h"
 #include "platform/webui.h"
 #include "tests/faults/device.h"
 #include "tests/support/records.h"

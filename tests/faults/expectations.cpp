@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/auth_session.h"
+#include "platform/cgi_helper.h"
+#include "platform/maintenance_thread.h"
+#include "platform/msgbus.h"
 #include "platform/sysint.h"
-#include "platform/web_common.h"
 #include "platform/webui.h"
 
 namespace {

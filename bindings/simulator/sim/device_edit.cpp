@@ -16,6 +16,7 @@
 #include "bindings/simulator/sim/json_patch.h"
 #include "bindings/simulator/sim/nearest_name.h"
 #include "bindings/simulator/sim/notification_types.h"
+#include "platform/notification.h"
 
 namespace simulator {
 
@@ -96,7 +97,7 @@ void MustBeCall(const json& document, const KeyPath& path) {
 }
 
 KeyPath NotificationsPath() {
-    return {"msgbus", "zelt.ans.notifications"};
+    return {"msgbus", ANS_NOTIFICATION_CHANNEL};
 }
 
 }  // namespace

@@ -104,7 +104,7 @@ TEST(Enumerations, OfTheWebUiLibraryAreComplete) {
 }
 
 TEST(Enumerations, OfTheMessageBusAreComplete) {
-    ExpectNames(EnumerationsOf("web_common.h"), {{"msgbus_result_e", kMsgbusResult}});
+    ExpectNames(EnumerationsOf("msgbus.h"), {{"msgbus_result_e", kMsgbusResult}});
 }
 
 TEST(Enumerations, OfTheNotificationsAreComplete) {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "bindings/recording/recording.h"
-#include "platform/web_common.h"
+#include "platform/msgbus.h"
 #include "tests/support/records.h"
 #include "tests/unit/tools/transcript.h"
 #include "tools/msgbus_commands.h"

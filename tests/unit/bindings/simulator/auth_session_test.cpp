@@ -1,11 +1,13 @@
 // Who counts as logged in.
+#include "platform/auth_session.h"
+
 #include <arpa/inet.h>
 
 #include <cstdint>
 
 #include "bindings/simulator/codes.h"
 #include "bindings/simulator/session_store.h"
-#include "platform/web_common.h"
+#include "platform/cgi_helper.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {

@@ -1,4 +1,7 @@
 // What is written to the web server and read from the request.
+#include "platform/cgi_helper.h"
+
+#include <cgicc/CgiEnvironment.h>
 #include <cgicc/CgiInput.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -7,8 +10,6 @@
 #include <map>
 #include <memory>
 #include <sstream>
-
-#include "platform/web_common.h"
 
 namespace {
 

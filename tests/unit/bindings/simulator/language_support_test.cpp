@@ -1,7 +1,8 @@
 // Where translations are looked for.
+#include "platform/language_support.h"
+
 #include <libintl.h>
 
-#include "platform/web_common.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {

@@ -1,4 +1,6 @@
 // The maintenance thread calls back once per interval until it is stopped.
+#include "platform/maintenance_thread.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -15,7 +17,6 @@
 #include <vector>
 
 #include "bindings/simulator/maintenance_clock.h"
-#include "platform/web_common.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {

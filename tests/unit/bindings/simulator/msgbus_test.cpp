@@ -1,4 +1,6 @@
 // The message bus: the protocol of reading a channel, notifications, raw blocks, failures.
+#include "platform/msgbus.h"
+
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -7,7 +9,6 @@
 #include "bindings/simulator/codes.h"
 #include "platform/notification.h"
 #include "platform/sysint.h"
-#include "platform/web_common.h"
 #include "tests/support/records.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 

@@ -6,7 +6,8 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/web_common.h"
+#include "platform/auth_session.h"
+#include "platform/cgi_helper.h"
 #include "tests/unit/bindings/simulator/scratch.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "platform/web_common.h"
+#include "platform/msgbus.h"
 #include "tests/unit/components/status/status_group_test.h"
 
 using recording::CallCount;

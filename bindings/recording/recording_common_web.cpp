@@ -1,4 +1,5 @@
 #include <arpa/inet.h>
+#include <cgicc/CgiEnvironment.h>
 #include <cgicc/HTTPCookie.h>
 
 #include <array>
@@ -7,7 +8,11 @@
 #include <span>
 
 #include "bindings/recording/recording.h"
-#include "platform/web_common.h"
+#include "platform/auth_session.h"
+#include "platform/cgi_helper.h"
+#include "platform/language_support.h"
+#include "platform/maintenance_thread.h"
+#include "platform/msgbus.h"
 
 using recording::InsidePlatform;
 using recording::Output;

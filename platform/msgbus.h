@@ -1,0 +1,41 @@
+// Common web library: the message bus.
+#pragma once
+
+#include <memory>
+#include <string>
+
+/// Result codes of MsgbusHandler that callers tell apart; every other one is an error.
+enum msgbus_result_e : int {
+    MSGBUS_SUCCESS = 0,
+    /// The buffer is missing or too small; the size has been set to the one that is needed.
+    MSGBUS_BUFFER_NEEDED = 4,
+};
+
+/// What a MsgbusHandler calls when a channel changes.
+class MsgbusCallbackInterface;
+
+/// A client of the message bus, on whose channels the services of the device publish their state.
+class MsgbusHandler {
+  public:
+    /// @p callback is null for a client that only reads.
+    explicit MsgbusHandler(MsgbusCallbackInterface* callback);
+    ~MsgbusHandler();
+    MsgbusHandler(const MsgbusHandler&) = delete;
+    MsgbusHandler& operator=(const MsgbusHandler&) = delete;
+
+    /// Joins the bus. Returns MSGBUS_SUCCESS on success.
+    int Initialize();
+
+    /// Copies what was last published on @p channel to @p buffer, which has room for @p size bytes,
+    /// and sets @p size to the number of bytes copied. Returns MSGBUS_SUCCESS then,
+    /// MSGBUS_BUFFER_NEEDED with the size that is needed when the buffer is null or too small, and
+    /// another code, with nothing written, on failure.
+    int GetData(const std::string& channel, void* buffer, unsigned int& size);
+
+    /// Leaves the bus. Returns MSGBUS_SUCCESS on success.
+    int Uninitialize();
+
+  private:
+    struct State;
+    std::unique_ptr<State> state;
+};
