@@ -27,12 +27,7 @@ find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 find_package(CLI11 2.1 REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)
 
-if(KESTAL_PLATFORM STREQUAL "simulator")
-    find_library(MD_LIBRARY md REQUIRED)
-elseif(NOT KESTAL_PLATFORM STREQUAL "vendor")
-    message(FATAL_ERROR "KESTAL_PLATFORM is '${KESTAL_PLATFORM}'; it must be simulator or vendor")
-endif()
-if(KESTAL_TESTS OR KESTAL_PLATFORM STREQUAL "simulator")
+if(KESTAL_TESTS OR KESTAL_SIMULATED)
     find_program(KESTAL_LOCALEDEF localedef REQUIRED)
     find_path(KESTAL_LOCALE_SOURCES de_DE PATHS /usr/share/i18n/locales REQUIRED
         NO_CMAKE_FIND_ROOT_PATH)

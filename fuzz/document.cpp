@@ -2,10 +2,10 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "bindings/simulator/device_reader.h"
-#include "bindings/simulator/json_text.h"
-#include "bindings/simulator/sim/device_path.h"
-#include "bindings/simulator/sim/json_patch.h"
+#include "bindings/document/device_reader.h"
+#include "bindings/document/json_text.h"
+#include "bindings/simulator/edit/device_path.h"
+#include "bindings/simulator/edit/json_patch.h"
 #include "bindings/simulator/snapshot.h"
 #include "components/status/status_component.h"
 #include "components/systemservice/service_api.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "bindings/simulator/session_store.h"
+#include "bindings/posix/session/session_store.h"
 #include "fuzz/answers.h"
 #include "fuzz/scratch.h"
 #include "fuzz/target.h"

@@ -1,11 +1,11 @@
 // Scenarios: the input is the file.
-#include "bindings/simulator/sim/scenario.h"
+#include "bindings/simulator/play/scenario.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 
-#include "bindings/simulator/sim/device_edit.h"
+#include "bindings/simulator/edit/device_edit.h"
 #include "fuzz/scratch.h"
 #include "fuzz/target.h"
 

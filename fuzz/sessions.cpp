@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "bindings/simulator/session_login.h"
-#include "bindings/simulator/session_store.h"
+#include "bindings/posix/session/session_login.h"
+#include "bindings/posix/session/session_store.h"
 #include "fuzz/scratch.h"
 #include "fuzz/target.h"
 #include "platform/auth_session.h"

@@ -3,9 +3,9 @@
 #include <exception>
 #include <nlohmann/json.hpp>
 
-#include "bindings/simulator/sim/device_edit.h"
-#include "bindings/simulator/sim/device_path.h"
-#include "bindings/simulator/sim/json_patch.h"
+#include "bindings/simulator/edit/device_edit.h"
+#include "bindings/simulator/edit/device_path.h"
+#include "bindings/simulator/edit/json_patch.h"
 #include "fuzz/scratch.h"
 #include "fuzz/target.h"
 

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <mutex>
 
-#include "bindings/simulator/device_reader.h"
-#include "bindings/simulator/log.h"
-#include "bindings/simulator/watched_file.h"
+#include "bindings/document/device_reader.h"
+#include "bindings/log.h"
+#include "bindings/posix/files/watched_file.h"
 
 namespace simulator {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "bindings/simulator/device.h"
+#include "bindings/device/device.h"
 
 namespace simulator {
 

@@ -2,10 +2,10 @@
 #include <exception>
 #include <string>
 
-#include "bindings/simulator/calls.h"
-#include "bindings/simulator/device_reader.h"
-#include "bindings/simulator/file_update.h"
-#include "bindings/simulator/json_text.h"
+#include "bindings/device/calls.h"
+#include "bindings/document/device_reader.h"
+#include "bindings/document/json_text.h"
+#include "bindings/posix/files/file_update.h"
 #include "platform/sysint.h"
 
 using simulator::Device;

@@ -7,7 +7,7 @@ ROOT = pathlib.Path(os.environ.get("KESTAL_ROOT", pathlib.Path(__file__).parents
 BUILD = pathlib.Path(os.environ.get("KESTAL_BUILD", ROOT / "build" / "debug"))
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", BUILD / "service" / "kestal.cgi"))
 SESSION_TOOL = pathlib.Path(
-    os.environ.get("KESTAL_SESSION_TOOL", BUILD / "bindings" / "simulator" / "kestal-session")
+    os.environ.get("KESTAL_SESSION_TOOL", BUILD / "tools" / "kestal-session")
 )
 # Texts, and locales that the machine itself may lack.
 CATALOGUE = BUILD / "catalogue"
@@ -15,9 +15,7 @@ LOCALES = BUILD / "locales"
 # Where the build is to be installed.
 PREFIX = os.environ.get("KESTAL_PREFIX", "/usr")
 SYSCONFDIR = os.environ.get("KESTAL_SYSCONFDIR", "/etc")
-SIM = pathlib.Path(
-    os.environ.get("KESTAL_SIM", BUILD / "bindings" / "simulator" / "sim" / "kestal-sim")
-)
+SIM = pathlib.Path(os.environ.get("KESTAL_SIM", BUILD / "tools" / "kestal-sim"))
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
 # Whose answer tree the build has: compat or system.

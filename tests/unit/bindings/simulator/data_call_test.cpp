@@ -3,9 +3,9 @@
 
 #include <thread>
 
-#include "bindings/simulator/codes.h"
+#include "bindings/device/codes.h"
 #include "platform/sysint.h"
-#include "tests/unit/bindings/simulator/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/bindings/simulator/document_reading.h"
+#include "tests/unit/bindings/document/document_reading.h"
 
 namespace {
 

@@ -1,0 +1,58 @@
+// How calls answer from the snapshot.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string_view>
+
+#include "bindings/device/codes.h"
+#include "bindings/device/device.h"
+#include "bindings/log.h"
+#include "bindings/simulator/snapshot.h"
+
+namespace simulator {
+
+/// Runs @p call(), whose code it returns. @p codeBase is added to the simulator's own codes. No
+/// exception leaves.
+template <typename Call>
+int Guarded(int codeBase, Call call) noexcept {
+    try {
+        return call();
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "%s", error.what());
+        return codeBase + kSimulatorFailed;
+    }
+}
+
+/// Runs @p call(device) on the device in force, guarded.
+template <typename Call>
+int WithDevice(int codeBase, Call call) noexcept {
+    return Guarded(codeBase, [&] {
+        if (const Device* device = SessionDevice()) {
+            return call(*device);
+        }
+        const std::shared_ptr<const Device> device = CurrentDevice();
+        return device ? call(*device) : codeBase + kNoDocument;
+    });
+}
+
+/// The code that @p answer fails with; 0 when it has a value.
+template <typename T>
+int FailureOf(const Answer<T>& answer, int codeBase) {
+    return answer.named ? answer.error : codeBase + kNotSimulated;
+}
+
+/// Runs @p deliver on what @p answers say about @p name. Nothing is simulated for a null name.
+template <typename T, typename DeliverOne>
+int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, int codeBase,
+                 DeliverOne deliver) {
+    const int failure = FailureOf(answers, codeBase);
+    if (failure != 0) {
+        return failure;
+    }
+    const auto found =
+        name == nullptr ? answers.value.end() : answers.value.find(std::string_view(name));
+    return found == answers.value.end() ? codeBase + kNotSimulated : deliver(found->second);
+}
+
+}  // namespace simulator

@@ -1,0 +1,97 @@
+// The device as its document describes it, compiled into ready platform records: a call is a copy.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "bindings/device/sysint_queries.h"
+#include "platform/sysint.h"
+#include "platform/webui.h"
+
+namespace simulator {
+
+/// What one call answers.
+template <typename T>
+struct Answer {
+    bool named = false;  ///< whether the document names the call; it says nothing else otherwise
+    int error = 0;       ///< code to fail with; 0 when the call works
+    T value{};
+};
+
+/// What a call with an index answers.
+template <typename T>
+struct IndexedAnswer {
+    Answer<T> every;
+    std::map<int, Answer<T>> byIndex;
+
+    const Answer<T>& At(int index) const {
+        const auto found = byIndex.find(index);
+        return found == byIndex.end() ? every : found->second;
+    }
+};
+
+/// What a call for a field, an application, a page or a language answers, by its name.
+template <typename T>
+using NamedAnswers = std::map<std::string, Answer<T>, std::less<>>;
+
+using NamedNumbers = NamedAnswers<std::int32_t>;
+
+/// One group identifier of the SIM.
+struct GroupId {
+    std::array<std::uint8_t, UINT8_MAX> bytes{};
+    std::uint8_t length = 0;
+};
+static_assert(sizeof(GroupId::bytes) <= SYS_SIM_CARRIER_GID_SIZE);
+
+/// The NR bands in use.
+struct Bands {
+    std::int32_t band = 0;
+    std::int32_t second = 0;
+};
+
+/// Manual network selection.
+struct MnsInfo {
+    std::int32_t allowed = 0;
+    std::int32_t selected = 0;
+    std::int32_t scanStatus = 0;
+};
+
+struct Device {
+    /// Codes with which calls without a result fail; 0 when they work.
+    int sdkInitialize = 0;
+    int cellularDataConnect = 0;
+    int cellularDataDisconnect = 0;
+
+#define SIMULATOR_ANSWER(Type, name) Answer<Type> name;
+    SIMULATOR_SYSINT_QUERIES(SIMULATOR_ANSWER)
+#undef SIMULATOR_ANSWER
+    IndexedAnswer<GroupId> getSIMCarrierGID;
+    Answer<MnsInfo> getModemMnsInfo;
+    Answer<Bands> getCellular5GBand;
+    Answer<std::vector<sys_connected_device_t>> getConnectedDeviceList;
+    IndexedAnswer<std::int32_t> getWiFiGuestProfileEnabled;
+#define SIMULATOR_NAMED_ANSWERS(name) Answer<NamedNumbers> name;
+    SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_NAMED_ANSWERS)
+#undef SIMULATOR_NAMED_ANSWERS
+
+    Answer<std::vector<webui_feature_t>> commonFeatures;
+    Answer<NamedAnswers<std::vector<webui_feature_t>>> appFeatures;
+    Answer<std::vector<webui_configuration_t>> commonConfigurations;
+    Answer<NamedAnswers<std::vector<webui_configuration_t>>> appConfigurations;
+    Answer<NamedAnswers<webui_uri_data_t>> uriData;
+    Answer<NamedAnswers<webui_external_uri_data_t>> externalUriData;
+    Answer<webui_i18n_settings_t> i18nSettings;
+    Answer<webui_software_update_status_t> softwareUpdateStatus;
+    Answer<std::int32_t> softwareInstallationDuration;
+    Answer<NamedAnswers<SoftwareUpdateCustomMessages>> softwareUpdateCustomMsgs;
+
+    /// Message bus: the blocks that have been published, by channel.
+    NamedAnswers<std::vector<std::byte>> channels;
+};
+
+}  // namespace simulator

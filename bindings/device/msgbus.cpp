@@ -1,0 +1,62 @@
+// The message bus, on which nothing moves: each channel holds what the document says.
+#include "platform/msgbus.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "bindings/device/calls.h"
+
+using simulator::Device;
+using simulator::FailureOf;
+using simulator::WithDevice;
+
+namespace {
+
+constexpr int kCodeBase = 0;
+
+}  // namespace
+
+struct MsgbusHandler::State {
+    bool joined = false;
+};
+
+MsgbusHandler::MsgbusHandler(MsgbusCallbackInterface* /*callback*/)
+    : state(std::make_unique<State>()) {}
+
+MsgbusHandler::~MsgbusHandler() = default;
+
+int MsgbusHandler::Initialize() {
+    state->joined = true;
+    return MSGBUS_SUCCESS;
+}
+
+int MsgbusHandler::GetData(const std::string& channel, void* buffer, unsigned int& size) {
+    if (!state->joined) {
+        return simulator::kBusNotJoined;
+    }
+    return WithDevice(kCodeBase, [&](const Device& device) {
+        const auto found = device.channels.find(channel);
+        if (found == device.channels.end()) {
+            return static_cast<int>(simulator::kNotSimulated);
+        }
+        const int failure = FailureOf(found->second, kCodeBase);
+        if (failure != MSGBUS_SUCCESS) {
+            return failure;
+        }
+        const std::vector<std::byte>& block = found->second.value;
+        const bool fits = buffer != nullptr && size >= block.size();
+        size = static_cast<unsigned int>(block.size());
+        if (!fits) {
+            return static_cast<int>(MSGBUS_BUFFER_NEEDED);
+        }
+        std::copy(block.begin(), block.end(), static_cast<std::byte*>(buffer));
+        return static_cast<int>(MSGBUS_SUCCESS);
+    });
+}
+
+int MsgbusHandler::Uninitialize() {
+    state->joined = false;
+    return MSGBUS_SUCCESS;
+}

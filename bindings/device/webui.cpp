@@ -1,0 +1,113 @@
+// The web UI configuration library.
+#include "platform/webui.h"
+
+#include <algorithm>
+
+#include "bindings/device/calls.h"
+
+using simulator::Answer;
+using simulator::Device;
+using simulator::FailureOf;
+using simulator::kWebuiCodeBase;
+using simulator::NamedAnswers;
+using simulator::WithDevice;
+
+namespace {
+
+template <typename T>
+int Deliver(const Answer<T>& answer, T* value) {
+    const int failure = FailureOf(answer, kWebuiCodeBase);
+    if (failure != 0) {
+        return failure;
+    }
+    *value = answer.value;
+    return WEBUI_SUCCESS;
+}
+
+template <typename Record>
+int DeliverList(const Answer<std::vector<Record>>& answer, Record* buffer, int* count) {
+    const int failure = FailureOf(answer, kWebuiCodeBase);
+    if (failure != 0) {
+        return failure;
+    }
+    const int room = buffer == nullptr ? 0 : *count;
+    *count = static_cast<int>(answer.value.size());
+    if (room < *count) {
+        return WEBUI_BUFFER_NEEDED;
+    }
+    std::copy(answer.value.begin(), answer.value.end(), buffer);
+    return WEBUI_SUCCESS;
+}
+
+/// Runs @p deliver on what @p answers say about @p name.
+template <typename T, typename DeliverOne>
+int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, DeliverOne deliver) {
+    return simulator::DeliverNamed(answers, name, kWebuiCodeBase, deliver);
+}
+
+}  // namespace
+
+int webui_get_common_features(webui_feature_t* buffer, int* count) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverList(device.commonFeatures, buffer, count);
+    });
+}
+
+int webui_get_app_features(const char* appName, webui_feature_t* buffer, int* count) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverNamed(device.appFeatures, appName,
+                            [&](const auto& answer) { return DeliverList(answer, buffer, count); });
+    });
+}
+
+int webui_get_common_configurations(webui_configuration_t* buffer, int* count) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverList(device.commonConfigurations, buffer, count);
+    });
+}
+
+int webui_get_app_configurations(const char* appName, webui_configuration_t* buffer, int* count) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverNamed(device.appConfigurations, appName,
+                            [&](const auto& answer) { return DeliverList(answer, buffer, count); });
+    });
+}
+
+int webui_get_uri_data(const char* uriId, webui_uri_data_t* data) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverNamed(device.uriData, uriId,
+                            [&](const auto& answer) { return Deliver(answer, data); });
+    });
+}
+
+int webui_get_external_uri_data(const char* uriId, webui_external_uri_data_t* data) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverNamed(device.externalUriData, uriId,
+                            [&](const auto& answer) { return Deliver(answer, data); });
+    });
+}
+
+int webui_get_i18n_settings(webui_i18n_settings_t* settings) {
+    return WithDevice(kWebuiCodeBase,
+                      [&](const Device& device) { return Deliver(device.i18nSettings, settings); });
+}
+
+int webui_get_software_update_status(webui_software_update_status_t* status) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return Deliver(device.softwareUpdateStatus, status);
+    });
+}
+
+int webui_get_software_installation_duration(int* duration) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return Deliver(device.softwareInstallationDuration, duration);
+    });
+}
+
+int webui_get_software_update_custom_msgs(const char* language,
+                                          SoftwareUpdateCustomMessages* messages) {
+    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+        return DeliverNamed(device.softwareUpdateCustomMsgs, language,
+                            [&](const auto& answer) { return Deliver(answer, messages); });
+    });
+}

@@ -1,0 +1,24 @@
+// From document to device.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "bindings/device/device.h"
+#include "bindings/document/answer_reader.h"
+
+namespace simulator {
+
+/// Compiles the document @p text. Throws std::runtime_error, whose text begins with @p file and the
+/// line, when anything in it is not as it must be.
+Device ReadDevice(const std::string& file, const std::string& text);
+
+/// Compiles a parsed document. Throws ValueError.
+Device CompileDevice(const nlohmann::ordered_json& document);
+
+/// Parts of CompileDevice: the objects "sys", "webui" and "msgbus".
+void ReadSys(const Node& node, Device& device);
+void ReadWebui(const Node& node, Device& device);
+void ReadMsgbus(const Node& node, Device& device);
+
+}  // namespace simulator

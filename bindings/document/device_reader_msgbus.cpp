@@ -1,0 +1,118 @@
+// The object "msgbus": what has been published on the channels of the message bus.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "bindings/document/device_reader.h"
+#include "platform/notification.h"
+
+namespace simulator {
+
+namespace {
+
+using Block = std::vector<std::byte>;
+
+template <typename T>
+void Append(Block& block, const T& value) {
+    const auto bytes = std::as_bytes(std::span(&value, 1));
+    block.insert(block.end(), bytes.begin(), bytes.end());
+}
+
+void ReadSeverity(const Node& node, std::uint32_t& severity) {
+    static constexpr std::array<std::pair<std::string_view, ans_severity_e>, 4> kSeverities = {{
+        {"info", ANS_SEVERITY_INFO},
+        {"warning", ANS_SEVERITY_WARNING},
+        {"alert", ANS_SEVERITY_ALERT},
+        {"critical", ANS_SEVERITY_CRITICAL},
+    }};
+    if (const auto number = NumberOf<std::uint32_t>(node.Value())) {
+        severity = *number;
+        return;
+    }
+    const std::string* const text = node.Text();
+    const auto* const found =
+        std::find_if(kSeverities.begin(), kSeverities.end(),
+                     [&](const auto& known) { return text != nullptr && *text == known.first; });
+    if (found == kSeverities.end()) {
+        node.Expected("info, warning, alert, critical or an unsigned 32-bit integer");
+    }
+    severity = found->second;
+}
+
+AnsNotificationRecord ReadNotification(const Node& node) {
+    AnsNotificationRecord record{};
+    bool active = true;
+    Members members(node);
+    members.Field("id", record.id).Field("category", record.category);
+    if (const auto severity = members.Find("severity")) {
+        ReadSeverity(*severity, record.severity);
+    }
+    members.Field("labelId", record.labelId)
+        .Field("titleId", record.titleId)
+        .Field("textId", record.textId)
+        .Field("active", active)
+        .RejectOthers();
+    if (active) {
+        record.flags = ANS_NOTIFICATION_ACTIVE;
+    }
+    return record;
+}
+
+Block ReadNotifications(const Node& list) {
+    const std::size_t count = list.Size();
+    Block block;
+    Append(block, static_cast<std::int32_t>(count));
+    for (std::size_t index = 0; index < count; ++index) {
+        Append(block, ReadNotification(list.Element(index)));
+    }
+    return block;
+}
+
+Block ReadBytes(const Node& node) {
+    constexpr const char* kExpected = "a text of pairs of hexadecimal digits";
+    const std::string* const digits = node.Text();
+    if (digits == nullptr) {
+        node.Expected(kExpected);
+    }
+    if (digits->size() % 2 != 0) {
+        node.Expected(kExpected, std::to_string(digits->size()) + " characters");
+    }
+    Block block;
+    for (std::size_t index = 0; index < digits->size(); index += 2) {
+        const char* const pair = digits->data() + index;
+        std::uint8_t byte = 0;
+        if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2) {
+            node.Expected(kExpected, "other characters");
+        }
+        block.push_back(std::byte{byte});
+    }
+    return block;
+}
+
+void ReadChannel(const Node& node, Block& block) {
+    if (node.IsList()) {
+        block = ReadNotifications(node);
+        return;
+    }
+    if (!node.IsObject() || !node.HasMember("bytes")) {
+        node.Expected("a list of notifications, {\"bytes\": \"hexadecimal digits\"}");
+    }
+    Members members(node);
+    block = ReadBytes(*members.Find("bytes"));
+    members.RejectOthers();
+}
+
+}  // namespace
+
+void ReadMsgbus(const Node& node, Device& device) {
+    ReadNamedAnswers(node, device.channels, ReadChannel);
+}
+
+}  // namespace simulator

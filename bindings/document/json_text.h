@@ -1,0 +1,34 @@
+// JSON as text: strict parsing, the place of a value, and changing one value while every other byte
+// stays as it is.
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+
+#include "bindings/document/document_error.h"
+
+namespace simulator {
+
+/// Parses a document in which no object names a member twice and which is not nested too deeply for
+/// the recursion of those who copy it; the order of the members is kept.
+/// Throws SyntaxError.
+nlohmann::ordered_json ParseStrictly(const std::string& text);
+
+/// Where a value stands in its text.
+struct Place {
+    std::size_t line;   ///< from 1: of its name, or of the value in a list
+    std::size_t begin;  ///< offset of the value's first byte; only for members of objects
+    std::size_t end;    ///< offset behind its last byte
+};
+
+/// Finds the value at @p path in a text that ParseStrictly accepts.
+std::optional<Place> FindValue(const std::string& text, const KeyPath& path);
+
+/// The text with the member @p name of the object at @p object set to @p value, which is JSON. A
+/// missing member becomes the first one.
+std::string WithMember(const std::string& text, const KeyPath& object, const std::string& name,
+                       const std::string& value);
+
+}  // namespace simulator

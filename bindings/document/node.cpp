@@ -1,0 +1,192 @@
+#include "bindings/document/node.h"
+
+#include <algorithm>
+#include <cstring>
+#include <nlohmann/json.hpp>
+
+namespace simulator {
+
+namespace {
+
+std::string Description(const nlohmann::ordered_json& value) {
+    switch (value.type()) {
+        case nlohmann::json::value_t::object:
+            return "an object";
+        case nlohmann::json::value_t::array:
+            return "a list";
+        case nlohmann::json::value_t::string:
+            return "a text";
+        default:
+            return value.dump();
+    }
+}
+
+}  // namespace
+
+template <typename T>
+std::optional<T> NumberOf(const nlohmann::ordered_json& value) {
+    if (value.is_number_unsigned() && std::in_range<T>(value.get<std::uint64_t>())) {
+        return static_cast<T>(value.get<std::uint64_t>());
+    }
+    if (value.is_number_integer() && !value.is_number_unsigned() &&
+        std::in_range<T>(value.get<std::int64_t>())) {
+        return static_cast<T>(value.get<std::int64_t>());
+    }
+    return std::nullopt;
+}
+
+template std::optional<std::uint8_t> NumberOf<std::uint8_t>(const nlohmann::ordered_json& value);
+template std::optional<std::int32_t> NumberOf<std::int32_t>(const nlohmann::ordered_json& value);
+template std::optional<std::uint32_t> NumberOf<std::uint32_t>(const nlohmann::ordered_json& value);
+template std::optional<std::int64_t> NumberOf<std::int64_t>(const nlohmann::ordered_json& value);
+template std::optional<std::uint64_t> NumberOf<std::uint64_t>(const nlohmann::ordered_json& value);
+
+namespace {
+
+template <typename T>
+void ReadNumber(const Node& node, T& number, const char* expected) {
+    const auto found = NumberOf<T>(node.Value());
+    if (!found) {
+        node.Expected(expected);
+    }
+    number = *found;
+}
+
+}  // namespace
+
+Node Node::Member(const std::string& name) const {
+    return {value.at(name), this, name};
+}
+
+Node Node::Element(std::size_t index) const {
+    return {value.at(index), this, index};
+}
+
+bool Node::IsObject() const {
+    return value.is_object();
+}
+
+bool Node::IsList() const {
+    return value.is_array();
+}
+
+std::size_t Node::Size() const {
+    return value.size();
+}
+
+bool Node::HasMember(const std::string& name) const {
+    return value.contains(name);
+}
+
+std::vector<std::string> Node::MemberNames() const {
+    std::vector<std::string> names;
+    names.reserve(value.size());
+    for (const auto& item : value.items()) {
+        names.push_back(item.key());
+    }
+    return names;
+}
+
+const std::string* Node::Text() const {
+    return value.get_ptr<const std::string*>();
+}
+
+KeyPath Node::Path() const {
+    KeyPath path;
+    for (const Node* node = this; node->parent != nullptr; node = node->parent) {
+        path.push_back(node->step);
+    }
+    std::reverse(path.begin(), path.end());
+    return path;
+}
+
+void Node::Expected(const std::string& expected) const {
+    Expected(expected, Description(value));
+}
+
+void Node::Expected(const std::string& expected, const std::string& found) const {
+    throw ValueError(Path(), Complaint(expected, found));
+}
+
+std::string Node::Complaint(const std::string& expected, const std::string& found) const {
+    const std::string path = PathText(Path());
+    return (path.empty() ? "" : path + ": ") + "expected " + expected +
+           (mayFail ? " or {\"error\": N}" : "") + ", found " + found;
+}
+
+void Node::MustBeObject() const {
+    if (!IsObject()) {
+        Expected("an object");
+    }
+}
+
+void Node::MustBeList() const {
+    if (!IsList()) {
+        Expected("a list");
+    }
+}
+
+void Read(const Node& node, std::uint8_t& number) {
+    ReadNumber(node, number, "a number from 0 to 255");
+}
+
+void Read(const Node& node, std::int32_t& number) {
+    ReadNumber(node, number, "a 32-bit integer");
+}
+
+void Read(const Node& node, std::uint32_t& number) {
+    ReadNumber(node, number, "an unsigned 32-bit integer");
+}
+
+void Read(const Node& node, std::uint64_t& number) {
+    ReadNumber(node, number, "an unsigned 64-bit integer");
+}
+
+void Read(const Node& node, bool& value) {
+    if (!node.Value().is_boolean()) {
+        node.Expected("true or false");
+    }
+    value = node.Value().get<bool>();
+}
+
+void ReadText(const Node& node, std::span<char> field) {
+    const std::string expected = "a text of at most " + std::to_string(field.size() - 1) + " bytes";
+    const std::string* const text = node.Text();
+    if (text == nullptr) {
+        node.Expected(expected);
+    }
+    if (text->size() >= field.size()) {
+        node.Expected(expected, "one of " + std::to_string(text->size()) + " bytes");
+    }
+    if (text->find('\0') != std::string::npos) {
+        node.Expected(expected, "one with a NUL in it");
+    }
+    std::memcpy(field.data(), text->c_str(), text->size() + 1);
+}
+
+std::optional<Node> Members::Find(const std::string& name) {
+    names.push_back(name);
+    if (!object.HasMember(name)) {
+        return std::nullopt;
+    }
+    return object.Member(name);
+}
+
+void Members::RejectOthers(const std::string& what) const {
+    for (const std::string& name : object.MemberNames()) {
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            const Node member = object.Member(name);
+            throw UnknownName(member.Path(), member.Complaint(what, "an unknown name"), names);
+        }
+    }
+}
+
+void Members::RejectOthers() const {
+    std::string list;
+    for (const std::string& name : names) {
+        list += (list.empty() ? "" : ", ") + name;
+    }
+    RejectOthers("one of " + list);
+}
+
+}  // namespace simulator

@@ -1,0 +1,114 @@
+// Strict reading of the values of a parsed document: whatever is not as expected is a ValueError
+// that says where, what was expected and what was found.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "bindings/document/document_error.h"
+
+namespace simulator {
+
+/// A value of a document that knows its way from the root. Lives no longer than its parent.
+class Node {
+  public:
+    /// The root.
+    explicit Node(const nlohmann::ordered_json& newValue) : value(newValue) {}
+
+    const nlohmann::ordered_json& Value() const { return value; }
+    KeyPath Path() const;
+
+    /// Whether `{"error": N}` may stand in place of the value.
+    void AllowFailure() { mayFail = true; }
+
+    /// The value is not @p expected.
+    [[noreturn]] void Expected(const std::string& expected) const;
+    [[noreturn]] void Expected(const std::string& expected, const std::string& found) const;
+
+    /// Member @p name of an object, element @p index of a list.
+    Node Member(const std::string& name) const;
+    Node Element(std::size_t index) const;
+
+    bool IsObject() const;
+    bool IsList() const;
+    /// How many members or elements there are.
+    std::size_t Size() const;
+    bool HasMember(const std::string& name) const;
+    /// The names of the members of an object, in their order.
+    std::vector<std::string> MemberNames() const;
+    /// The text, or null when it is something else.
+    const std::string* Text() const;
+
+    void MustBeObject() const;
+    void MustBeList() const;
+
+  private:
+    friend class Members;
+
+    Node(const nlohmann::ordered_json& newValue, const Node* newParent,
+         std::variant<std::string, std::size_t> newStep)
+        : value(newValue), parent(newParent), step(std::move(newStep)) {}
+
+    std::string Complaint(const std::string& expected, const std::string& found) const;
+
+    const nlohmann::ordered_json& value;
+    const Node* parent = nullptr;
+    std::variant<std::string, std::size_t> step;
+    bool mayFail = false;
+};
+
+/// The number @p value, when it is one of type T, which is an integer of 8 (unsigned), 32 or 64
+/// bits.
+template <typename T>
+std::optional<T> NumberOf(const nlohmann::ordered_json& value);
+
+void Read(const Node& node, std::uint8_t& number);
+void Read(const Node& node, std::int32_t& number);
+void Read(const Node& node, std::uint32_t& number);
+void Read(const Node& node, std::uint64_t& number);
+void Read(const Node& node, bool& value);
+
+/// Fills @p field, which must have room for the text and its terminator.
+void ReadText(const Node& node, std::span<char> field);
+
+template <std::size_t Size>
+void Read(const Node& node, char (&field)[Size]) {
+    ReadText(node, field);
+}
+
+/// The members of an object, each of which must be asked for.
+class Members {
+  public:
+    explicit Members(const Node& newObject) : object(newObject) { object.MustBeObject(); }
+
+    /// The member @p name, if the object has one.
+    std::optional<Node> Find(const std::string& name);
+
+    /// Reads the member @p name; without one, @p out stays as it is.
+    template <typename T>
+    Members& Field(const std::string& name, T& out) {
+        if (const auto member = Find(name)) {
+            Read(*member, out);
+        }
+        return *this;
+    }
+
+    /// A member that nobody has asked for is an error; @p what says what members are.
+    void RejectOthers(const std::string& what) const;
+
+    /// The same, naming the members.
+    void RejectOthers() const;
+
+  private:
+    const Node& object;
+    std::vector<std::string> names;
+};
+
+}  // namespace simulator

@@ -1,0 +1,137 @@
+#include "bindings/posix/files/file_update.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "bindings/posix/files/file_io.h"
+
+namespace simulator {
+
+namespace {
+
+/// Locks a directory for this process; the lock ends with the object.
+class LockedDirectory {
+  public:
+    explicit LockedDirectory(const std::string& path)
+        : directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (directory.Number() < 0) {
+            ThrowSystemError(path);
+        }
+        while (flock(directory.Number(), LOCK_EX) != 0) {
+            if (errno != EINTR) {
+                ThrowSystemError(path);
+            }
+        }
+    }
+
+    /// Makes the names in the directory durable.
+    void Synchronise() const { (void)fsync(directory.Number()); }
+
+  private:
+    FileDescriptor directory;
+};
+
+/// A new file that takes another one's place, or disappears.
+class Replacement {
+  public:
+    explicit Replacement(const std::filesystem::path& newTarget)
+        : target(newTarget),
+          name(newTarget.parent_path() / ("." + newTarget.filename().string() + ".XXXXXX")),
+          file(mkostemp(name.data(), O_CLOEXEC)) {
+        if (file.Number() < 0) {
+            ThrowSystemError(name);
+        }
+    }
+
+    ~Replacement() {
+        if (!used) {
+            (void)unlink(name.c_str());
+        }
+    }
+
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    void Write(std::string_view contents) const {
+        while (!contents.empty()) {
+            const ssize_t count = write(file.Number(), contents.data(), contents.size());
+            if (count > 0) {
+                contents.remove_prefix(static_cast<std::size_t>(count));
+            } else if (errno != EINTR) {
+                ThrowSystemError(name);
+            }
+        }
+    }
+
+    void Resemble(const struct stat& original) const {
+        // Only a privileged process may give files away; others keep what they create.
+        const int given = fchown(file.Number(), original.st_uid, original.st_gid);
+        static_cast<void>(given);
+        if (fchmod(file.Number(), original.st_mode & 07777U) != 0) {
+            ThrowSystemError(name);
+        }
+    }
+
+    /// Gives the file the mode of any other that this process would create.
+    void BeUsual() const {
+        // The mask can only be read by setting it; meanwhile it is the strictest.
+        const mode_t mask = umask(0777);
+        (void)umask(mask);
+        if (fchmod(file.Number(), 0666U & ~mask) != 0) {
+            ThrowSystemError(name);
+        }
+    }
+
+    void TakePlace() {
+        if (fsync(file.Number()) != 0 || rename(name.c_str(), target.c_str()) != 0) {
+            ThrowSystemError(target);
+        }
+        used = true;
+    }
+
+  private:
+    std::filesystem::path target;
+    std::string name;
+    FileDescriptor file;
+    bool used = false;
+};
+
+}  // namespace
+
+void UpdateFile(const std::string& path, MissingFile missing,
+                const std::function<std::string(const std::string&)>& change) {
+    // A link keeps pointing to the file; the file behind it is replaced.
+    const std::filesystem::path target =
+        std::filesystem::weakly_canonical(std::filesystem::absolute(path));
+    const LockedDirectory directory(target.parent_path());
+    struct stat original = {};
+    const bool exists = stat(target.c_str(), &original) == 0;
+    if (!exists && (errno != ENOENT || missing == MissingFile::fails)) {
+        ThrowSystemError(path);
+    }
+    FileStamp stamp;
+    const std::string before = exists ? ReadFile(target, stamp) : std::string();
+    const std::string after = change(before);
+    if (exists && after == before) {
+        return;
+    }
+    Replacement replacement(target);
+    replacement.Write(after);
+    if (exists) {
+        replacement.Resemble(original);
+    } else if (missing == MissingFile::createdForAll) {
+        replacement.BeUsual();
+    }
+    replacement.TakePlace();
+    directory.Synchronise();
+}
+
+}  // namespace simulator

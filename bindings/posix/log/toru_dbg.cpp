@@ -1,0 +1,208 @@
+// The debug log: a line is one write, formatted on the stack, so that it works at any time, in
+// signal handlers too.
+#include "platform/toru_dbg.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "bindings/posix/log/log_line.h"
+#include "bindings/posix/log/repeated_lines.h"
+#include "bindings/posix/log/system_log.h"
+
+namespace {
+
+constexpr int kUnknown = -1;
+constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT", "ERROR",
+                                                    "WARNING", "NOTICE", "INFO", "DEBUG"};
+
+// Each is found out on first use: the product may log before it starts the log.
+std::atomic<int> threshold = kUnknown;
+std::atomic<int> destination = kUnknown;
+std::atomic<const char*> programName = nullptr;
+
+/// There was room for the beginning of the last line only.
+std::atomic<bool> endsInHalfALine = false;
+
+constinit simulator::RepeatedLines repeats;
+
+const char* ProgramName() {
+    const char* name = programName.load();
+    return name == nullptr ? program_invocation_short_name : name;
+}
+
+int ThresholdFromEnvironment() {
+    const char* text = std::getenv("KESTAL_LOG_LEVEL");
+    const std::string_view digits = text == nullptr ? "" : text;
+    int level = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), level);
+    const bool usable = error == std::errc() && end == digits.data() + digits.size() &&
+                        level >= 0 && level <= TORU_DBG_DEBUG;
+    return usable ? level : TORU_DBG_NOTICE;
+}
+
+int Threshold() {
+    int level = threshold.load(std::memory_order_relaxed);
+    if (level == kUnknown) {
+        level = ThresholdFromEnvironment();
+        threshold = level;
+    }
+    return level;
+}
+
+/// Never waits for the reader of a pipe, neither here nor in a write to what was opened.
+int OpenDestination() {
+    const char* path = std::getenv("KESTAL_LOG");
+    const int file =
+        path == nullptr || *path == '\0'
+            ? -1
+            : open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0640);
+    return file < 0 ? STDERR_FILENO : file;
+}
+
+void Close(int file) {
+    if (file > STDERR_FILENO) {
+        (void)close(file);
+    }
+}
+
+int Destination() {
+    int file = destination.load();
+    if (file == kUnknown) {
+        const int opened = OpenDestination();
+        if (destination.compare_exchange_strong(file, opened)) {
+            return opened;
+        }
+        Close(opened);
+    }
+    return file;
+}
+
+/// Whether a write to @p file would be done at once. The standard error stream is not ours and may
+/// be blocking; a pipe that is not full has room for a whole line. One whose reader is gone takes
+/// nothing.
+bool IsWritable(int file) {
+    pollfd state{.fd = file, .events = POLLOUT, .revents = 0};
+    return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
+}
+
+/// How many bytes of @p text were written; 0 when none.
+std::size_t Put(int file, std::string_view text) {
+    if (file == STDERR_FILENO && !IsWritable(file)) {
+        return 0;
+    }
+    ssize_t written = -1;
+    do {
+        written = write(file, text.data(), text.size());
+    } while (written < 0 && errno == EINTR);
+    return written < 0 ? 0 : static_cast<std::size_t>(written);
+}
+
+/// Whether nothing is left in a file, as after its rotation.
+bool IsEmpty(int file) {
+    struct stat state = {};
+    return fstat(file, &state) == 0 && S_ISREG(state.st_mode) && state.st_size == 0;
+}
+
+void Write(std::string_view line) {
+    const int file = Destination();
+    if (endsInHalfALine.exchange(false) && !IsEmpty(file) && Put(file, "\n") == 0) {
+        endsInHalfALine = true;
+        return;
+    }
+    const std::size_t written = Put(file, line);
+    if (written > 0 && written < line.size()) {
+        endsInHalfALine = true;
+    }
+}
+
+void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds age) {
+    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    line.Append(message);
+    line.NoteHeld(count, age);
+    Write(line.Finish());
+}
+
+/// Nothing is held back from who reads everything.
+bool HoldsRepeats() {
+    return Threshold() < TORU_DBG_DEBUG;
+}
+
+/// How many lines @p message of @p level stands for; 0 when it is held back.
+unsigned int Count(int level, std::string_view message) {
+    return HoldsRepeats()
+               ? simulator::CountLine(repeats, message, level == TORU_DBG_ERROR, TellHeld)
+               : 1;
+}
+
+/// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for
+/// one.
+[[gnu::noinline, gnu::format(printf, 2, 0)]] void WriteLine(int level, const char* format,
+                                                            std::va_list arguments) {
+    const int callersError = errno;
+    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    errno = callersError;
+    line.Append(format, arguments);
+    const unsigned int count = Count(level, line.Message());
+    if (count > 0) {
+        line.NoteCount(count);
+        Write(line.Finish());
+    }
+    errno = callersError;
+}
+
+/// Also at an exit without toru_dbg_stop, such as that of a signal handler.
+[[gnu::destructor]] void TellAllHeld() {
+    const int callersError = errno;
+    repeats.End(simulator::LogTime(), TellHeld);
+    simulator::EndSystemLog();
+    errno = callersError;
+}
+
+}  // namespace
+
+int toru_dbg_start(const char* newProgramName) {
+    TellAllHeld();
+    programName = newProgramName;
+    threshold = ThresholdFromEnvironment();
+    Close(destination.exchange(OpenDestination()));
+    simulator::CheckSystemLog();
+    return 0;
+}
+
+void toru_dbg_stop() {
+    TellAllHeld();
+    Close(destination.exchange(kUnknown));
+}
+
+void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
+    if (level > Threshold()) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    WriteLine(level, format, arguments);
+    va_end(arguments);
+}
+
+void toru_dbg_syslog(int priority, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    simulator::SendToSystemLog(ProgramName(), priority, HoldsRepeats(), format, arguments);
+    va_end(arguments);
+}
+
+const char* toru_dbg_get_level_name(int level) {
+    return level >= 0 && level <= TORU_DBG_DEBUG ? kLevelNames.at(static_cast<std::size_t>(level))
+                                                 : "UNKNOWN";
+}

@@ -1,0 +1,124 @@
+#include "platform/maintenance_thread.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "bindings/log.h"
+#include "bindings/posix/maintenance_clock.h"
+
+namespace {
+
+class Steady : public simulator::MaintenanceClock {
+  public:
+    void Wait(std::chrono::milliseconds interval, const std::stop_token& stop) override {
+        std::unique_lock lock(mutex);
+        stopped.wait_for(lock, stop, interval, [] { return false; });
+    }
+
+  private:
+    std::mutex mutex;
+    std::condition_variable_any stopped;
+};
+
+std::shared_ptr<simulator::MaintenanceClock>& CurrentClock() {
+    static std::shared_ptr<simulator::MaintenanceClock> clock = simulator::SteadyClock();
+    return clock;
+}
+
+/// A callback that fails must end neither the thread nor the process.
+void Notify(MaintenanceThreadCallbackInterface& callback) {
+    try {
+        callback.OnThreadNotify(0);
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
+    } catch (...) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: unknown exception");
+    }
+}
+
+}  // namespace
+
+namespace simulator {
+
+std::shared_ptr<MaintenanceClock> SteadyClock() {
+    return std::make_shared<Steady>();
+}
+
+void SetMaintenanceClock(std::shared_ptr<MaintenanceClock> clock) {
+    CurrentClock() = std::move(clock);
+}
+
+}  // namespace simulator
+
+bool MaintenanceThreadCallbackInterface::OnThreadNotify(unsigned int /*event*/) {
+    return false;
+}
+
+MaintenanceThreadCallbackInterface::~MaintenanceThreadCallbackInterface() = default;
+
+struct MaintenanceThread::State {
+    std::mutex mutex;
+    std::jthread thread;
+};
+
+MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCallback,
+                                     unsigned int newInterval, unsigned int /*reserved*/)
+    : callback(newCallback), interval(newInterval), state(std::make_unique<State>()) {}
+
+MaintenanceThread::~MaintenanceThread() {
+    Shutdown();
+    if (state->thread.joinable()) {
+        // The thread destroys its own owner, at exit for instance.
+        state->thread.detach();
+    }
+}
+
+int MaintenanceThread::Initialize() {
+    return callback == nullptr ? EINVAL : 0;
+}
+
+int MaintenanceThread::Run() {
+    if (callback == nullptr) {
+        return EINVAL;
+    }
+    const std::scoped_lock lock(state->mutex);
+    if (state->thread.joinable() && !state->thread.get_stop_token().stop_requested()) {
+        return 0;
+    }
+    try {
+        // An interval of 0 would never let the thread rest.
+        const std::chrono::seconds seconds(std::max(interval, 1U));
+        // The thread keeps the clock alive when its owner goes first.
+        state->thread = std::jthread(
+            [clock = CurrentClock(), called = callback, seconds](const std::stop_token& stop) {
+                clock->Wait(seconds, stop);
+                while (!stop.stop_requested()) {
+                    Notify(*called);
+                    clock->Wait(seconds, stop);
+                }
+            });
+        return 0;
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
+        return EAGAIN;
+    }
+}
+
+int MaintenanceThread::Shutdown() {
+    std::jthread ending;
+    {
+        const std::scoped_lock lock(state->mutex);
+        state->thread.request_stop();
+        if (state->thread.get_id() != std::this_thread::get_id()) {
+            ending = std::move(state->thread);
+        }
+    }
+    return 0;
+}

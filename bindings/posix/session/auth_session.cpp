@@ -1,0 +1,110 @@
+// The session check. It only asks: polling pages must not keep a session alive for ever.
+#include "platform/auth_session.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "bindings/device/codes.h"
+#include "bindings/log.h"
+#include "bindings/posix/files/watched_file.h"
+#include "bindings/posix/session/session_store.h"
+
+namespace {
+
+using simulator::Session;
+
+/// The sessions of this moment, read again when the store has changed.
+class StoredSessions {
+  public:
+    std::shared_ptr<const std::vector<Session>> Current() {
+        const std::scoped_lock lock(mutex);
+        const std::string path = simulator::SessionStorePath();
+        const auto reading = file.ReadIfChanged(path);
+        if (!reading) {
+            return sessions;
+        }
+        sessions = std::make_shared<const std::vector<Session>>();
+        std::string problem = reading->missing ? "" : reading->problem;
+        try {
+            sessions = std::make_shared<const std::vector<Session>>(
+                simulator::ReadSessions(reading->contents));
+        } catch (const std::exception& error) {
+            problem = path + ": " + error.what();
+        }
+        if (!problem.empty()) {
+            SIMULATOR_LOG(TORU_DBG_ERROR, "%s (nobody is logged in)", problem.c_str());
+        }
+        return sessions;
+    }
+
+  private:
+    std::mutex mutex;
+    simulator::WatchedFile file;
+    std::shared_ptr<const std::vector<Session>> sessions;
+};
+
+StoredSessions& TheSessions() {
+    static StoredSessions sessions;
+    return sessions;
+}
+
+/// 0 when the caller has a live session.
+int Check(const std::string& sessionId, const webui_addr_t& address, const std::string& userAgent) {
+    const std::string digest = simulator::DigestOf(sessionId);
+    const auto sessions = TheSessions().Current();
+    const auto found = std::find_if(
+        sessions->begin(), sessions->end(),
+        [&](const Session& session) { return simulator::SameDigest(session.digest, digest); });
+    if (found == sessions->end()) {
+        return simulator::kSessionUnknown;
+    }
+    const std::string addressText = simulator::AddressText(address);
+    if (addressText.empty() || addressText != found->address) {
+        return simulator::kSessionOtherAddress;
+    }
+    if (!simulator::SameDigest(found->userAgentDigest, simulator::DigestOf(userAgent))) {
+        return simulator::kSessionOtherUserAgent;
+    }
+    return found->IsLive(simulator::Now()) ? 0 : simulator::kSessionExpired;
+}
+
+}  // namespace
+
+struct AuthSession::State {
+    bool loggedOn = false;
+};
+
+AuthSession::AuthSession() : state(std::make_unique<State>()) {}
+
+AuthSession::~AuthSession() = default;
+
+int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
+                      const std::string& userAgent, int mode) {
+    constexpr int kOnlyAsks = 2;
+    state->loggedOn = false;
+    if (mode != kOnlyAsks) {
+        return simulator::kSessionMode;
+    }
+    if (sessionId.empty()) {
+        return simulator::kSessionUnknown;
+    }
+    try {
+        const int refusal = Check(sessionId, address, userAgent);
+        state->loggedOn = refusal == 0;
+        return refusal;
+    } catch (const std::exception& error) {
+        SIMULATOR_LOG(TORU_DBG_ERROR, "session check: %s", error.what());
+        return simulator::kSimulatorFailed;
+    }
+}
+
+int AuthSession::LoggedOn(bool& loggedOn) {
+    if (!state->loggedOn) {
+        return simulator::kSessionUnknown;
+    }
+    loggedOn = true;
+    return 0;
+}

@@ -1,0 +1,247 @@
+#include "bindings/simulator/edit/device_edit.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "bindings/document/answer_reader.h"
+#include "bindings/document/device_reader.h"
+#include "bindings/document/json_text.h"
+#include "bindings/document/node.h"
+#include "bindings/document/read_document.h"
+#include "bindings/posix/files/file_update.h"
+#include "bindings/simulator/edit/device_path.h"
+#include "bindings/simulator/edit/json_patch.h"
+#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/simulator/edit/notification_types.h"
+#include "platform/notification.h"
+
+namespace simulator {
+
+namespace {
+
+using json = nlohmann::ordered_json;
+
+bool HasBeenMadeToFail(const json& value) {
+    return value.is_object() && value.contains("error") && value.contains(kHealedName);
+}
+
+/// The value itself, or what it keeps when it has been made to fail.
+json& Behind(json& value) {
+    return HasBeenMadeToFail(value) ? value.at(kHealedName) : value;
+}
+
+/// The value at @p step of @p value, made where there is none.
+json& Step(json& value, const KeyPath::value_type& step, const std::string& whole) {
+    if (const auto* const name = std::get_if<std::string>(&step)) {
+        if (!value.is_object() && !value.is_null()) {
+            throw std::runtime_error("there is no " + whole + ": '" + *name +
+                                     "' would be a member of what is no object");
+        }
+        return value[*name];
+    }
+    const std::size_t position = std::get<std::size_t>(step);
+    const std::size_t size = value.is_array() ? value.size() : 0;
+    if (!(value.is_array() || value.is_null()) || position > size) {
+        throw std::runtime_error("there is no " + whole + ": " +
+                                 (value.is_array()
+                                      ? "the list has " + std::to_string(size)
+                                      : std::string("what should be the list is none")));
+    }
+    if (position == size) {
+        value.push_back(nullptr);
+    }
+    return value[position];
+}
+
+/// The value at @p path, made where there is none, as it stands in the document.
+json& Reach(json& document, const KeyPath& path) {
+    json* value = &document;
+    for (const auto& step : path) {
+        value = &Step(Behind(*value), step, PathText(path));
+    }
+    return *value;
+}
+
+std::string TextOf(const std::string& text, const json& before, const json& after) {
+    try {
+        return Patched(text, before, after);
+    } catch (const json::type_error& /*error*/) {
+        throw std::runtime_error("what is no UTF-8 text can be no part of a document");
+    }
+}
+
+void MakeFail(json& document, const KeyPath& path, std::int64_t code) {
+    json& value = Reach(document, path);
+    json kept = Behind(value);
+    value = json{{"error", code}, {kHealedName, std::move(kept)}};
+}
+
+/// Throws UnknownName, and std::runtime_error when what is at @p path is nothing that can fail.
+void MustBeCall(const json& document, const KeyPath& path) {
+    json probe = document;
+    MakeFail(probe, path, 1);
+    try {
+        (void)CompileDevice(probe);
+        return;
+    } catch (const UnknownName& error) {
+        // A longer path is that of the failure, where there can be none.
+        if (error.Path().size() <= path.size()) {
+            throw;
+        }
+    } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): what it says is of the probe
+    }
+    throw std::runtime_error(PathText(path) + ": this is no call, and no page or channel");
+}
+
+KeyPath NotificationsPath() {
+    return {"msgbus", ANS_NOTIFICATION_CHANNEL};
+}
+
+}  // namespace
+
+json ReadGoodDocument(const std::string& file, const std::string& text) {
+    return ReadDocument(file, text, [](json document) {
+        MustBeGood(document);
+        return document;
+    });
+}
+
+void MustBeGood(const json& document) {
+    try {
+        (void)CompileDevice(document);
+    } catch (const UnknownName& error) {
+        throw ValueError(error.Path(), WithSuggestion(error));
+    }
+}
+
+void ChangeDevice(const std::string& path, const std::function<void(json&)>& change) {
+    UpdateFile(path, MissingFile::fails, [&](const std::string& text) {
+        const json before = ReadGoodDocument(path, text);
+        json after = before;
+        change(after);
+        std::string patched = TextOf(text, before, after);
+        MustBeGood(ParseStrictly(patched));
+        return patched;
+    });
+}
+
+void SetValue(json& document, const KeyPath& path, json value) {
+    Behind(Reach(document, path)) = std::move(value);
+}
+
+KeyPath FailingCallOn(const json& document, const KeyPath& path) {
+    for (auto end = path.begin(); end != path.end();) {
+        const KeyPath call(path.begin(), ++end);
+        const json* const value = FindAt(document, call);
+        if (value == nullptr || HasBeenMadeToFail(*value)) {
+            return value == nullptr ? KeyPath() : call;
+        }
+    }
+    return {};
+}
+
+void MoveNumber(json& document, const KeyPath& path, const Move& move) {
+    json& value = Behind(Reach(document, path));
+    const auto moved = [&](auto number) {
+        if ((move.least && std::cmp_less(number, *move.least)) ||
+            (move.most && std::cmp_greater(number, *move.most))) {
+            return number;
+        }
+        decltype(number) result = 0;
+        if (__builtin_add_overflow(number, move.by, &result)) {
+            throw std::runtime_error(PathText(path) + ": " + std::to_string(number) +
+                                     " cannot move by " + std::to_string(move.by));
+        }
+        if (move.least && std::cmp_less(result, *move.least)) {
+            result = static_cast<decltype(number)>(*move.least);
+        }
+        if (move.most && std::cmp_greater(result, *move.most)) {
+            result = static_cast<decltype(number)>(*move.most);
+        }
+        return result;
+    };
+    // As a signed number where that is possible: it may become negative.
+    if (const auto number = NumberOf<std::int64_t>(value)) {
+        value = moved(*number);
+    } else if (const auto large = NumberOf<std::uint64_t>(value)) {
+        value = moved(*large);
+    } else {
+        throw std::runtime_error(PathText(path) + ": expected an integer to move, found " +
+                                 (value.is_null() ? "nothing" : value.dump()));
+    }
+}
+
+void FailCall(json& document, const KeyPath& path, std::int64_t code) {
+    MustBeCall(document, path);
+    MakeFail(document, path, code);
+}
+
+void HealCall(json& document, const KeyPath& path) {
+    MustBeCall(document, path);
+    const json* const found = FindAt(document, path);
+    if (found == nullptr || !found->is_object() || !found->contains("error")) {
+        return;
+    }
+    if (!HasBeenMadeToFail(*found)) {
+        throw std::runtime_error(PathText(path) +
+                                 ": what it answered before it failed is not in the document; set "
+                                 "its value");
+    }
+    json healed = found->at(kHealedName);
+    if (!healed.is_null()) {
+        Reach(document, path) = std::move(healed);
+        return;
+    }
+    // The document did not name the call.
+    json& parent = Reach(document, {path.begin(), path.end() - 1});
+    parent.erase(std::get<std::string>(path.back()));
+}
+
+json& Notifications(json& document) {
+    json& list = Behind(Reach(document, NotificationsPath()));
+    if (list.is_null()) {
+        list = json::array();
+    }
+    if (!list.is_array()) {
+        throw std::runtime_error(PathText(NotificationsPath()) +
+                                 ": expected a list of notifications, found " + list.dump());
+    }
+    return list;
+}
+
+void AddNotification(json& document, const json& notification) {
+    json& list = Notifications(document);
+    const auto id = notification.at("id").get<std::string>();
+    const auto same = std::find_if(list.begin(), list.end(), [&](const json& one) {
+        return one.is_object() && one.value("id", "") == id;
+    });
+    if (same == list.end()) {
+        list.push_back(notification);
+    } else {
+        *same = notification;
+    }
+}
+
+void ClearNotifications(json& document, const std::string& id) {
+    json& list = Notifications(document);
+    if (id.empty()) {
+        list.clear();
+        return;
+    }
+    std::vector<std::string> known = NotificationTypeNames();
+    for (const json& one : list) {
+        known.push_back(one.value("id", ""));
+    }
+    if (std::find(known.begin(), known.end(), id) == known.end()) {
+        throw std::runtime_error("there is no notification '" + id + "'" +
+                                 Suggestion(NearestName(id, known)));
+    }
+    list.erase(std::remove_if(list.begin(), list.end(),
+                              [&](const json& one) { return one.value("id", "") == id; }),
+               list.end());
+}
+
+}  // namespace simulator

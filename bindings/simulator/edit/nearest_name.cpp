@@ -1,0 +1,73 @@
+#include "bindings/simulator/edit/nearest_name.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+
+namespace simulator {
+
+namespace {
+
+bool SameLetter(char left, char right) {
+    return std::tolower(static_cast<unsigned char>(left)) ==
+           std::tolower(static_cast<unsigned char>(right));
+}
+
+/// Letters to add, to take away or to exchange, and neighbours to swap.
+std::size_t Distance(const std::string& left, const std::string& right) {
+    // Distances of the first letters of left to each beginning of right: of as many as have been
+    // seen, of one and of two fewer.
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    std::vector<std::size_t> last;
+    std::vector<std::size_t> lastButOne;
+    for (std::size_t seen = 1; seen <= left.size(); ++seen) {
+        lastButOne = std::exchange(last, row);
+        row[0] = seen;
+        for (std::size_t size = 1; size <= right.size(); ++size) {
+            const bool same = SameLetter(left[seen - 1], right[size - 1]);
+            row[size] =
+                std::min({last[size - 1] + (same ? 0U : 1U), row[size - 1] + 1, last[size] + 1});
+            if (seen > 1 && size > 1 && SameLetter(left[seen - 1], right[size - 2]) &&
+                SameLetter(left[seen - 2], right[size - 1])) {
+                row[size] = std::min(row[size], lastButOne[size - 2] + 1);
+            }
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+std::string NearestName(const std::string& name, const std::vector<std::string>& known) {
+    // Nobody means a name by something that is far longer than all of them.
+    constexpr std::size_t kLongestName = 256;
+    std::string nearest;
+    std::size_t fewest = 0;
+    for (const std::string& candidate : known) {
+        if (name.size() > kLongestName || candidate.size() > kLongestName) {
+            continue;
+        }
+        const std::size_t distance = Distance(name, candidate);
+        if (distance * 2 < candidate.size() && (nearest.empty() || distance < fewest)) {
+            nearest = candidate;
+            fewest = distance;
+        }
+    }
+    return nearest;
+}
+
+std::string Suggestion(const std::string& name) {
+    return name.empty() ? "" : "; did you mean " + name + "?";
+}
+
+std::string WithSuggestion(const UnknownName& error) {
+    KeyPath path = error.Path();
+    const std::string nearest = NearestName(std::get<std::string>(path.back()), error.Known());
+    path.back() = nearest;
+    return error.what() + Suggestion(nearest.empty() ? "" : PathText(path));
+}
+
+}  // namespace simulator

@@ -1,0 +1,38 @@
+// No exception of the simulator reaches its callers, which are C functions.
+#include <new>
+#include <stdexcept>
+
+#include "bindings/device/calls.h"
+#include "platform/toru_dbg.h"
+#include "tests/support/scratch.h"
+
+namespace {
+
+using simulator::kSimulatorFailed;
+using simulator::kWebuiCodeBase;
+using ::testing::ElementsAre;
+
+class GuardedCall : public SimulatedDevice {};
+
+TEST_F(GuardedCall, ReturnsItsOwnCode) {
+    EXPECT_EQ(simulator::Guarded(kWebuiCodeBase, [] { return 42; }), 42);
+    EXPECT_TRUE(Log().empty());
+}
+
+TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
+    const auto fail = []() -> int { throw std::runtime_error("out of order"); };
+    EXPECT_EQ(simulator::Guarded(0, fail), kSimulatorFailed);
+    EXPECT_EQ(simulator::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kSimulatorFailed);
+    toru_dbg_stop();
+    EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - out of order",
+                                   "[SIMULATOR]:[ERROR] - out of order [1 times, last 0 s ago]"));
+}
+
+TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsOneToo) {
+    Document("{}");
+    EXPECT_EQ(simulator::WithDevice(
+                  0, [](const simulator::Device& /*device*/) -> int { throw std::bad_alloc(); }),
+              kSimulatorFailed);
+}
+
+}  // namespace

@@ -1,0 +1,361 @@
+// Changes of a device document.
+#include "bindings/simulator/edit/device_edit.h"
+
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <thread>
+
+#include "bindings/simulator/edit/device_path.h"
+#include "bindings/simulator/edit/notification_types.h"
+#include "tests/support/scratch.h"
+#include "tests/unit/bindings/document/document_reading.h"
+
+namespace {
+
+using json = nlohmann::ordered_json;
+using simulator::AddNotification;
+using simulator::ChangeDevice;
+using simulator::ClearNotifications;
+using simulator::FailCall;
+using simulator::FailingCallOn;
+using simulator::HealCall;
+using simulator::KeyPath;
+using simulator::MoveNumber;
+using simulator::SetValue;
+
+const KeyPath kStatus = {"sys", "getSIMStatus"};
+const KeyPath kPercent = {"sys", "getBatteryStatus", "chargePercent"};
+const KeyPath kBattery = {"sys", "getBatteryStatus"};
+
+/// What @p action throws.
+template <typename Action>
+std::string Refusal(Action action) {
+    try {
+        action();
+        return "";
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
+/// A document after @p change; it is a good one.
+template <typename Change>
+std::string After(const std::string& before, Change change) {
+    json document = json::parse(before);
+    change(document);
+    EXPECT_EQ(Complaint(document.dump()), "");
+    return document.dump();
+}
+
+TEST(SetValue, ReplacesOrMakesWhatIsOnTheWay) {
+    const auto set = [](const KeyPath& path, const json& value) {
+        return [=](json& document) { SetValue(document, path, value); };
+    };
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})", set(kStatus, 6)),
+              R"({"sys":{"getSIMStatus":6}})");
+    EXPECT_EQ(After("{}", set(kPercent, 6)), R"({"sys":{"getBatteryStatus":{"chargePercent":6}}})");
+    const KeyPath first = {"sys", "getConnectedDeviceList", std::size_t{0}, "connectionKind"};
+    EXPECT_EQ(After("{}", set(first, 2)),
+              R"({"sys":{"getConnectedDeviceList":[{"connectionKind":2}]}})");
+}
+
+TEST(SetValue, AddsToAListOnlyAtItsEnd) {
+    json document = json::parse(R"({"a":[1]})");
+    SetValue(document, {"a", std::size_t{1}}, 2);
+    EXPECT_EQ(document.dump(), R"({"a":[1,2]})");
+    const KeyPath beyond = {"a", std::size_t{3}};
+    EXPECT_EQ(Refusal([&] { SetValue(document, beyond, 2); }), "there is no a[3]: the list has 2");
+    const KeyPath named = {"a", "b"};
+    EXPECT_EQ(Refusal([&] { SetValue(document, named, 2); }),
+              "there is no a.b: 'b' would be a member of what is no object");
+    EXPECT_EQ(Refusal([&] { SetValue(document, {std::size_t{0}}, 2); }),
+              "there is no [0]: what should be the list is none");
+}
+
+TEST(MoveNumber, MovesAnInteger) {
+    const auto moved = [](const json& number, std::int64_t by) {
+        json document = {{"a", number}};
+        MoveNumber(document, {"a"}, {.by = by});
+        return document["a"].dump();
+    };
+    EXPECT_EQ(moved(5, 3), "8");
+    EXPECT_EQ(moved(5, -8), "-3");
+    EXPECT_EQ(moved(-5, -8), "-13");
+    constexpr auto kMost = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_EQ(moved(kMost - 1, 1), std::to_string(kMost));
+    EXPECT_EQ(moved(kMost, -1), std::to_string(kMost - 1));
+}
+
+TEST(MoveNumber, StopsAtTheLimits) {
+    const auto moved = [](const json& number, std::int64_t by) {
+        json document = {{"a", number}};
+        MoveNumber(document, {"a"}, {.by = by, .least = 2, .most = 10});
+        return document["a"].get<std::int64_t>();
+    };
+    EXPECT_EQ(moved(5, -2), 3);
+    EXPECT_EQ(moved(3, -2), 2);
+    EXPECT_EQ(moved(9, 2), 10);
+    EXPECT_EQ(moved(10, 2), 10);
+}
+
+TEST(MoveNumber, LeavesWhatIsOutsideTheLimits) {
+    const auto moved = [](const json& number, std::int64_t by) {
+        json document = {{"a", number}};
+        MoveNumber(document, {"a"}, {.by = by, .least = 2, .most = 10});
+        return document["a"];
+    };
+    EXPECT_EQ(moved(1, 5), 1);
+    EXPECT_EQ(moved(11, -5), 11);
+    EXPECT_EQ(moved(-1, 5), -1);
+    constexpr auto kMost = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_EQ(moved(kMost, -5), kMost);
+}
+
+TEST(MoveNumber, RefusesWhatDoesNotFitAndWhatIsNoInteger) {
+    json document =
+        json::parse(R"({"a":18446744073709551615,"b":"x","c":1.5,"d":-9223372036854775808})");
+    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"a"}, {.by = 1}); }),
+              "a: 18446744073709551615 cannot move by 1");
+    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"d"}, {.by = -1}); }),
+              "d: -9223372036854775808 cannot move by -1");
+    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"b"}, {.by = 1}); }),
+              "b: expected an integer to move, found \"x\"");
+    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"c"}, {.by = 1}); }),
+              "c: expected an integer to move, found 1.5");
+    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"e"}, {.by = 1}); }),
+              "e: expected an integer to move, found nothing");
+}
+
+TEST(FailCall, KeepsWhatTheCallAnswered) {
+    const auto fail = [](const KeyPath& call) {
+        return [=](json& document) { FailCall(document, call, 5); };
+    };
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})", fail(kStatus)),
+              R"({"sys":{"getSIMStatus":{"error":5,"healed":7}}})");
+    EXPECT_EQ(After("{}", fail(kStatus)), R"({"sys":{"getSIMStatus":{"error":5,"healed":null}}})");
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":{"error":3}}})", fail(kStatus)),
+              R"({"sys":{"getSIMStatus":{"error":5,"healed":{"error":3}}}})");
+}
+
+TEST(FailCall, AnotherCodeKeepsTheSame) {
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})",
+                    [](json& document) {
+                        FailCall(document, kStatus, 5);
+                        FailCall(document, kStatus, 6);
+                    }),
+              R"({"sys":{"getSIMStatus":{"error":6,"healed":7}}})");
+}
+
+TEST(HealCall, RestoresEveryKindOfCall) {
+    // Whatever the document is, what fails and is healed is as before.
+    for (const auto& each : std::vector<std::pair<KeyPath, std::string>>{
+             {kStatus, "7"},
+             {kStatus, R"({"error":3})"},
+             {kBattery, R"({"chargePercent":3})"},
+             {{"sys", "getSIMCarrierGID"}, R"({"0":[1,2],"1":{"error":4}})"},
+             {{"sys", "getSIMCarrierGID", "1"}, "[3]"},
+             {{"sys", "getConnectedDeviceList"}, "[]"},
+             {{"sys", "getWiFiGuestProfileEnabled"}, "1"},
+             {{"sys", "cellularDataConnect"}, R"({"error":3})"},
+             {{"webui", "uriData"}, R"({"sim":{"address":"/a"}})"},
+             {{"webui", "uriData", "sim"}, R"({"address":"/a"})"},
+             {{"webui", "softwareUpdateCustomMsgs", "en_US"}, R"({"download":"x"})"},
+             {{"msgbus", "zelt.ans.notifications"}, R"([{"id":"dataOff"}])"},
+             {{"msgbus", "zelt.ans.notifications"}, R"({"bytes":"00ff"})"}}) {
+        const KeyPath& call = each.first;
+        const std::string& value = each.second;
+        SCOPED_TRACE(simulator::PathText(call) + " " + value);
+        json before = json::object();
+        SetValue(before, call, json::parse(value));
+        const std::string failing =
+            After(before.dump(), [&](json& document) { FailCall(document, call, 5); });
+        EXPECT_NE(failing, before.dump());
+        EXPECT_EQ(After(failing, [&](json& document) { HealCall(document, call); }), before.dump());
+    }
+}
+
+TEST(HealCall, TakesAwayWhatTheDocumentDidNotName) {
+    EXPECT_EQ(After(R"({"sys":{"getNumSims":1}})",
+                    [](json& document) {
+                        FailCall(document, kStatus, 5);
+                        HealCall(document, kStatus);
+                    }),
+              R"({"sys":{"getNumSims":1}})");
+}
+
+TEST(HealCall, LeavesACallThatWorks) {
+    const auto heal = [](json& document) { HealCall(document, kStatus); };
+    EXPECT_EQ(After("{}", heal), "{}");
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})", heal), R"({"sys":{"getSIMStatus":7}})");
+}
+
+TEST(HealCall, RefusesWhatItCannotRestore) {
+    json document = json::parse(R"({"sys":{"getSIMStatus":{"error":3}}})");
+    EXPECT_EQ(Refusal([&] { HealCall(document, kStatus); }),
+              "sys.getSIMStatus: what it answered before it failed is not in the document; set its "
+              "value");
+    EXPECT_THROW(HealCall(document, {"sys", "getSIMState"}), simulator::UnknownName);
+}
+
+TEST(MadeToFail, ChangesAreOfWhatTheCallWillAnswer) {
+    json document = json::parse(R"({"sys":{"getBatteryStatus":{"chargePercent":7}}})");
+    FailCall(document, kBattery, 5);
+    SetValue(document, kPercent, 9);
+    MoveNumber(document, kPercent, {.by = -1});
+    EXPECT_EQ(document.dump(),
+              R"({"sys":{"getBatteryStatus":{"error":5,"healed":{"chargePercent":8}}}})");
+    SetValue(document, kBattery, {{"chargePercent", 1}});
+    EXPECT_EQ(FailingCallOn(document, kPercent), kBattery);
+    EXPECT_EQ(FailingCallOn(document, kBattery), kBattery);
+    EXPECT_EQ(FailingCallOn(document, kStatus), KeyPath());
+    HealCall(document, kBattery);
+    EXPECT_EQ(document.dump(), R"({"sys":{"getBatteryStatus":{"chargePercent":1}}})");
+    EXPECT_EQ(FailingCallOn(document, kPercent), KeyPath());
+}
+
+TEST(MadeToFail, AFailureWrittenByHandGivesWayToAValue) {
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":{"error":3}}})",
+                    [](json& document) { SetValue(document, kStatus, 7); }),
+              R"({"sys":{"getSIMStatus":7}})");
+}
+
+TEST(MadeToFail, WhatIsKeptIsCheckedLikeAnAnswer) {
+    EXPECT_EQ(
+        SysComplaint("getSIMStatus", R"({"error": 5, "healed": "x"})"),
+        "device.json:3: sys.getSIMStatus.healed: expected a 32-bit integer or {\"error\": N}, "
+        "found a text");
+    EXPECT_EQ(SysComplaint("getSIMCarrierGID", R"({"error": 5, "healed": {"256": []}})"),
+              "device.json:3: sys.getSIMCarrierGID.healed.256: expected an index from 0 to 255, "
+              "found an unknown name");
+    EXPECT_EQ(SysComplaint("getSIMCarrierGID", R"({"error": 5, "healed": {"255": []}})"), "");
+    EXPECT_EQ(SysComplaint("sdkInitialize", R"({"error": 5, "healed": null})"), "");
+    EXPECT_EQ(SysComplaint("sdkInitialize", R"({"error": 5, "healed": 0})"),
+              "device.json:3: sys.sdkInitialize.healed: expected {\"error\": N}, found 0");
+    EXPECT_EQ(SysComplaint("getSIMStatus", R"({"error": 5, "healed": 1, "more": 1})"),
+              "device.json:3: sys.getSIMStatus: expected {\"error\": N} alone, found other names "
+              "beside \"error\"");
+    EXPECT_EQ(ChannelComplaint(R"({"error": 5, "healed": [{"id": 1}]})"),
+              "device.json:3: msgbus.a.healed[0].id: expected a text of at most 29 bytes, found 1");
+}
+
+TEST(MadeToFail, TheCallFailsWithTheCodeAndHasNoValue) {
+    const simulator::Device device = Read(R"({"sys":{"getSIMStatus":{"error":5,"healed":7},
+        "getSIMCarrierGID":{"error":6,"healed":{"0":[1]}}}})");
+    EXPECT_TRUE(device.getSIMStatus.named);
+    EXPECT_EQ(device.getSIMStatus.error, 5);
+    EXPECT_EQ(device.getSIMStatus.value, 0);
+    EXPECT_TRUE(device.getSIMCarrierGID.At(0).named);
+    EXPECT_EQ(device.getSIMCarrierGID.At(0).error, 6);
+}
+
+json Notification(const std::string& type) {
+    return simulator::MakeNotification(type, {});
+}
+
+TEST(Notifications, AreAddedAndReplaced) {
+    json document = json::object();
+    AddNotification(document, Notification("dataOff"));
+    AddNotification(document, Notification("noService"));
+    json other = Notification("dataOff");
+    other["severity"] = "alert";
+    AddNotification(document, other);
+    EXPECT_EQ(
+        document,
+        (json{{"msgbus",
+               {{"zelt.ans.notifications", json::array({other, Notification("noService")})}}}}));
+}
+
+TEST(Notifications, AreTakenAway) {
+    json document = json::object();
+    for (const std::string type : {"dataOff", "noService", "PCO3"}) {
+        AddNotification(document, Notification(type));
+    }
+    ClearNotifications(document, "noService");
+    ClearNotifications(document, "smsReceived");
+    EXPECT_EQ(simulator::Notifications(document),
+              json::array({Notification("dataOff"), Notification("PCO3")}));
+    ClearNotifications(document, "");
+    EXPECT_EQ(simulator::Notifications(document), json::array());
+    EXPECT_EQ(Refusal([&] { ClearNotifications(document, "noServices"); }),
+              "there is no notification 'noServices'; did you mean noService?");
+}
+
+TEST(Notifications, MayHaveNoId) {
+    json document = json::parse(R"({"msgbus":{"zelt.ans.notifications":[{"severity":7}]}})");
+    AddNotification(document, Notification("dataOff"));
+    ClearNotifications(document, "dataOff");
+    EXPECT_EQ(document.dump(), R"({"msgbus":{"zelt.ans.notifications":[{"severity":7}]}})");
+}
+
+TEST(Notifications, OfAFailingChannelAreThoseThatItWillHave) {
+    json document = json::object();
+    FailCall(document, {"msgbus", "zelt.ans.notifications"}, 8);
+    AddNotification(document, Notification("dataOff"));
+    HealCall(document, {"msgbus", "zelt.ans.notifications"});
+    EXPECT_EQ(simulator::Notifications(document), json::array({Notification("dataOff")}));
+}
+
+TEST(Notifications, AreRefusedWhereTheChannelHoldsOtherBytes) {
+    json document = json::parse(R"({"msgbus":{"zelt.ans.notifications":{"bytes":"00"}}})");
+    EXPECT_EQ(Refusal([&] { AddNotification(document, Notification("dataOff")); }),
+              "msgbus.zelt.ans.notifications: expected a list of notifications, found "
+              "{\"bytes\":\"00\"}");
+}
+
+class ChangeDeviceTest : public SimulatedDevice {};
+
+TEST_F(ChangeDeviceTest, WritesTheChangedDocument) {
+    Document("{\n  \"sys\" : {\"getSIMStatus\": 7}\n}\n");
+    ChangeDevice(device, [](json& document) { SetValue(document, kStatus, 6); });
+    EXPECT_EQ(ReadFile(device), "{\n  \"sys\" : {\"getSIMStatus\": 6}\n}\n");
+}
+
+TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
+    const std::string before = R"({"sys":{"getSIMStatus":7}})";
+    Document(before);
+    const auto set = [this](const KeyPath& path, const json& value) {
+        return Refusal([&] {
+            ChangeDevice(device, [&](json& document) { SetValue(document, path, value); });
+        });
+    };
+    EXPECT_EQ(set(kStatus, "x"),
+              "sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, found a text");
+    EXPECT_EQ(set({"sys", "getSimStatus"}, 1),
+              "sys.getSimStatus: expected the name of a call, found an unknown name; did you mean "
+              "sys.getSIMStatus?");
+    EXPECT_EQ(set({"webui", "i18nSettings", "language"}, "\xff"),
+              "what is no UTF-8 text can be no part of a document");
+    EXPECT_EQ(ReadFile(device), before);
+}
+
+TEST_F(ChangeDeviceTest, LeavesADamagedDocumentAlone) {
+    Document("{\"sys\": {\n\"getSIMStatus\": \"x\"}}");
+    EXPECT_EQ(Refusal([this] {
+                  ChangeDevice(device, [](json& document) { SetValue(document, kStatus, 1); });
+              }),
+              device.string() +
+                  ":2: sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, "
+                  "found a text");
+    EXPECT_EQ(ReadFile(device), "{\"sys\": {\n\"getSIMStatus\": \"x\"}}");
+}
+
+TEST_F(ChangeDeviceTest, LosesNothingOfOthers) {
+    Document(R"({"sys":{"getSIMStatus":0}})");
+    std::vector<std::thread> threads;
+    threads.reserve(4);
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([this] {
+            for (int round = 0; round < 25; ++round) {
+                ChangeDevice(device,
+                             [](json& document) { MoveNumber(document, kStatus, {.by = 1}); });
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(ReadFile(device), R"({"sys":{"getSIMStatus":100}})");
+}
+
+}  // namespace

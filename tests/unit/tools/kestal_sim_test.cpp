@@ -1,0 +1,340 @@
+// kestal-sim, as it is run from a shell.
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+
+#include "bindings/posix/session/session_store.h"
+#include "tests/support/scratch.h"
+
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::StartsWith;
+
+class SimCommand : public SimulatedDevice {
+  protected:
+    SimCommand() { Document(kDocument); }
+
+    static constexpr const char* kDocument =
+        "{\n"
+        "    \"sys\": {\n"
+        "        \"getSIMStatus\": 7,\n"
+        "\n"
+        "        \"getBatteryStatus\": {\"chargePercent\": 84, \"chargingState\": 1}\n"
+        "    },\n"
+        "    \"webui\": {\"i18nSettings\": {\"language\": \"en_US\"}}\n"
+        "}\n";
+
+    /// Runs the command; returns the exit code and the output of both streams.
+    static std::string Run(const std::string& arguments) {
+        const std::string command = std::string(KESTAL_SIM_COMMAND) + " " + arguments + " 2>&1";
+        std::FILE* pipe = popen(command.c_str(), "r");
+        EXPECT_NE(pipe, nullptr);
+        std::string output;
+        std::array<char, 4096> bytes{};
+        std::size_t size = 0;
+        while ((size = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0) {
+            output.append(bytes.data(), size);
+        }
+        return std::to_string(WEXITSTATUS(pclose(pipe))) + " " + output;
+    }
+
+    /// The document with one text in place of another.
+    static std::string With(const std::string& before, const std::string& after) {
+        std::string text = kDocument;
+        return text.replace(text.find(before), before.size(), after);
+    }
+};
+
+TEST_F(SimCommand, ShowsTheDocumentAndItsParts) {
+    EXPECT_EQ(Run("show sys.getSIMStatus"), "0 7\n");
+    EXPECT_EQ(Run("show getBatteryStatus"), "0 {\"chargePercent\": 84, \"chargingState\": 1}\n");
+    EXPECT_EQ(Run("show webui.i18nSettings.language"), "0 \"en_US\"\n");
+    EXPECT_EQ(Run("show"),
+              "0 {\n"
+              "    \"sys\": {\"getSIMStatus\": 7, \"getBatteryStatus\": {\"chargePercent\": 84, "
+              "\"chargingState\": 1}},\n"
+              "    \"webui\": {\"i18nSettings\": {\"language\": \"en_US\"}}\n"
+              "}\n");
+    EXPECT_THAT(Run("show --paths"), StartsWith("0 sys\nsys.getSIMStatus\nsys.getBatteryStatus\n"
+                                                "sys.getBatteryStatus.chargePercent\n"));
+    EXPECT_EQ(Run("show sys.getGPSStatus"),
+              "1 kestal-sim: sys.getGPSStatus: not in the document\n");
+    EXPECT_EQ(Run("show sys.getSIMState"),
+              "1 kestal-sim: sys.getSIMState: expected the name of a call, found an unknown name; "
+              "did you mean sys.getSIMStatus?\n");
+}
+
+TEST_F(SimCommand, SetsJsonAndTextsThatAreNone) {
+    EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercent 9"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("84", "9"));
+    EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercent 84"), "0 ");
+    EXPECT_EQ(Run("set webui.i18nSettings.language de_DE"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("en_US", "de_DE"));
+    EXPECT_EQ(Run("set webui.i18nSettings.language '\"12\"'"), "0 ");
+    EXPECT_EQ(Run("set webui.i18nSettings '{\"language\": \"\"}'"), "0 ");
+    EXPECT_EQ(Run("set sys.getSIMStatus -3"), "0 ");
+    EXPECT_EQ(Run("set sys.getConnectedDeviceList '[]'"), "0 ");
+    EXPECT_EQ(Run("show sys.getConnectedDeviceList"), "0 []\n");
+}
+
+TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
+    EXPECT_EQ(
+        Run("set sys.getSIMStatus x"),
+        "1 kestal-sim: sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, found a "
+        "text\n");
+    EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercnt 9"),
+              "1 kestal-sim: sys.getBatteryStatus.chargePercnt: expected one of chargePercent, "
+              "chargingState, detection, chargingSource, found an unknown name; did you mean "
+              "sys.getBatteryStatus.chargePercent?\n");
+    EXPECT_EQ(Run("set sys.getBatteryStatus '{\"chargePercent\": 1, \"chargePercent\": 2}'"),
+              "1 kestal-sim: the value: chargePercent: expected once, found twice\n");
+    EXPECT_EQ(Run("set webui.i18nSettings.language \"$(printf '\\377')\""),
+              "1 kestal-sim: what is no UTF-8 text can be no part of a document\n");
+    EXPECT_EQ(Run("fail sys.getSIMStatus 0"),
+              "1 kestal-sim: sys.getSIMStatus.error: expected a 32-bit integer other than 0 and "
+              "983040, found 0\n");
+    EXPECT_EQ(Run("fail getSIMStats 5"),
+              "1 kestal-sim: there is no call 'getSIMStats'; did you mean getSIMStatus?\n");
+    EXPECT_EQ(Run("heal sys.getSIMStats"),
+              "1 kestal-sim: sys.getSIMStats: expected the name of a call, found an unknown name; "
+              "did you mean sys.getSIMStatus?\n");
+    EXPECT_EQ(Run("notify noServce"),
+              "1 kestal-sim: there is no type of notification 'noServce'; did you mean "
+              "noService?\n");
+    EXPECT_EQ(Run("notify noService --severity high"),
+              "1 kestal-sim: expected info, warning, alert, critical or an unsigned 32-bit integer "
+              "for the severity, found 'high'\n");
+    EXPECT_THAT(Run("notify noService --severity critcal"),
+                EndsWith(", found 'critcal'; did you mean critical?\n"));
+    for (const std::string wrong :
+         {"sys", "sys.getBatteryStatus.chargePercent", "sys.getConnectedDeviceList[0]",
+          "webui.i18nSettings.language"}) {
+        const std::string told =
+            "1 kestal-sim: " + wrong + ": this is no call, and no page or channel\n";
+        EXPECT_EQ(Run("fail '" + wrong + "' 5"), told);
+        EXPECT_EQ(Run("heal '" + wrong + "'"), told);
+    }
+    EXPECT_EQ(ReadFile(device), kDocument);
+}
+
+TEST_F(SimCommand, FailsAndHeals) {
+    EXPECT_EQ(Run("fail getSIMStatus 5"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": {\"error\": 5, \"healed\": 7}"));
+    EXPECT_EQ(Run("set getSIMStatus 6"),
+              "0 kestal-sim: sys.getSIMStatus fails; the new value shows once it is healed\n");
+    EXPECT_EQ(Run("heal getSIMStatus"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": 6"));
+}
+
+TEST_F(SimCommand, LoadsAnotherDevice) {
+    const std::filesystem::path other = directory / "other.json";
+    WriteFile(other, "{\"sys\": {\"getSIMStatus\":  1}}");
+    EXPECT_EQ(Run("load " + other.string()), "0 ");
+    EXPECT_EQ(ReadFile(device), "{\"sys\": {\"getSIMStatus\":  1}}");
+    WriteFile(other, "{\"sys\": {\"getSIMState\":  1}}");
+    EXPECT_EQ(
+        Run("load " + other.string()),
+        "1 kestal-sim: " + other.string() +
+            ":1: sys.getSIMState: expected the name of a call, found an unknown name; did you mean "
+            "sys.getSIMStatus?\n");
+    EXPECT_EQ(ReadFile(device), "{\"sys\": {\"getSIMStatus\":  1}}");
+    EXPECT_EQ(Run("load nosuchdevice"), "1 kestal-sim: nosuchdevice: No such file or directory\n");
+}
+
+TEST_F(SimCommand, LoadsWhereADocumentIsDamagedOrMissing) {
+    const std::string file = KESTAL_SHIPPED_DEVICES "/default.json";
+    Document("{");
+    EXPECT_EQ(Run("load " + file), "0 ");
+    EXPECT_EQ(ReadFile(device), ReadFile(file));
+    std::filesystem::remove(device);
+    EXPECT_EQ(Run("load " + file), "0 ");
+    EXPECT_EQ(ReadFile(device), ReadFile(file));
+}
+
+TEST_F(SimCommand, CreatesADocumentForAllWhomTheMaskPermitsAndSessionsForNobodyElse) {
+    using std::filesystem::perms;
+    const auto modeOf = [](const std::filesystem::path& file) {
+        return std::filesystem::status(file).permissions();
+    };
+    const std::string file = KESTAL_SHIPPED_DEVICES "/default.json";
+    const mode_t mask = umask(027);
+    std::filesystem::remove(device);
+    EXPECT_EQ(Run("load " + file), "0 ");
+    EXPECT_EQ(modeOf(device), perms(0640));
+    (void)umask(022);
+    std::filesystem::remove(device);
+    EXPECT_EQ(Run("load " + file), "0 ");
+    EXPECT_EQ(modeOf(device), perms(0644));
+    EXPECT_THAT(Run("login"), StartsWith("0 "));
+    EXPECT_EQ(modeOf(device.string() + ".sessions"), perms(0600));
+    (void)umask(mask);
+}
+
+TEST_F(SimCommand, SuggestsForWhatIsWrongInADamagedDocument) {
+    Document("{\"sys\": {\n\"getSIMState\": 1}}");
+    for (const std::string command : {"show", "set sys.getNumSims 1"}) {
+        EXPECT_EQ(Run(command), "1 kestal-sim: " + device.string() +
+                                    ":2: sys.getSIMState: expected the name of a call, found an "
+                                    "unknown name; did you mean sys.getSIMStatus?\n");
+    }
+}
+
+TEST_F(SimCommand, TakesAnEmptyTextForNothingRatherThanForAll) {
+    EXPECT_EQ(Run("notify smsReceived"), "0 ");
+    for (const std::string clear : {"--clear ''", "--clear="}) {
+        EXPECT_EQ(Run("notify " + clear),
+                  "2 kestal-sim: --clear: expected a type, found nothing\n"
+                  "Try 'kestal-sim --help'.\n");
+    }
+    EXPECT_EQ(Run("show msgbus.zelt.ans.notifications[0].id"), "0 \"smsReceived\"\n");
+    EXPECT_THAT(Run("login"), StartsWith("0 "));
+    EXPECT_EQ(Run("logout ''"),
+              "2 kestal-sim: COOKIE: expected what login printed, found nothing\n"
+              "Try 'kestal-sim --help'.\n");
+    EXPECT_EQ(simulator::LiveSessions().size(), 1U);
+}
+
+TEST_F(SimCommand, NotifiesAndClears) {
+    EXPECT_EQ(Run("notify smsReceived"), "0 ");
+    EXPECT_EQ(Run("notify PCO3 --severity critical --inactive --title mine"), "0 ");
+    EXPECT_THAT(Run("show msgbus.zelt.ans.notifications[1]"),
+                HasSubstr("\"severity\": \"critical\",\n    \"labelId\": "
+                          "\"notification_category_account_label\",\n    \"titleId\": \"mine\""));
+    EXPECT_EQ(Run("notify --clear smsReceived"), "0 ");
+    EXPECT_EQ(Run("show msgbus.zelt.ans.notifications[0].id"), "0 \"PCO3\"\n");
+    EXPECT_EQ(Run("notify --clear"), "0 ");
+    EXPECT_EQ(Run("show msgbus.zelt.ans.notifications"), "0 []\n");
+    EXPECT_THAT(Run("notify --types"), HasSubstr("\nsmsReceived\n"));
+}
+
+TEST_F(SimCommand, LogsInAndOut) {
+    const std::string first = Run("login --user-agent me --address ::ffff:10.0.0.1 --idle 7");
+    EXPECT_THAT(first, MatchesRegex("0 torusess=[0-9a-f]+\n"));
+    auto sessions = simulator::LiveSessions();
+    ASSERT_EQ(sessions.size(), 1U);
+    EXPECT_EQ(sessions[0].address, "10.0.0.1");
+    EXPECT_EQ(sessions[0].userAgentDigest, simulator::DigestOf("me"));
+    EXPECT_EQ(sessions[0].idleSeconds, 7);
+    EXPECT_EQ(sessions[0].digest, simulator::DigestOf(first.substr(11, 64)));
+
+    EXPECT_THAT(Run("login"), StartsWith("0 torusess="));
+    EXPECT_EQ(Run("logout " + first.substr(2, 73)), "0 ");
+    sessions = simulator::LiveSessions();
+    ASSERT_EQ(sessions.size(), 1U);
+    EXPECT_EQ(sessions[0].address, "127.0.0.1");
+    EXPECT_EQ(sessions[0].idleSeconds, 600);
+    EXPECT_EQ(Run("logout " + first.substr(11, 64)), "1 kestal-sim: no such session\n");
+
+    EXPECT_EQ(Run("logout"), "0 ");
+    EXPECT_TRUE(simulator::LiveSessions().empty());
+}
+
+TEST_F(SimCommand, TakesTheDeviceThatItIsGiven) {
+    const std::filesystem::path other = directory / "other.json";
+    WriteFile(other, "{\"sys\": {\"getSIMStatus\": 1}}");
+    EXPECT_EQ(Run("--device " + other.string() + " set sys.getSIMStatus 2"), "0 ");
+    EXPECT_EQ(ReadFile(other), "{\"sys\": {\"getSIMStatus\": 2}}");
+    EXPECT_EQ(ReadFile(device), kDocument);
+    EXPECT_THAT(Run("--device " + other.string() + " login"), StartsWith("0 torusess="));
+    EXPECT_TRUE(std::filesystem::exists(other.string() + ".sessions"));
+}
+
+TEST_F(SimCommand, PlaysAndTells) {
+    const std::filesystem::path scenario = directory / "scenario.json";
+    WriteFile(scenario, R"({"events": [
+        {"at": 0, "say": "first", "set": {"sys.getSIMStatus": 1}},
+        {"at": 100, "say": "last", "set": {"sys.getSIMStatus": 2}}]})");
+    const std::string play = "play --speed 1000000 " + scenario.string();
+    EXPECT_EQ(Run(play), "0      0.0 s  first\n   100.0 s  last\n");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": 2"));
+    EXPECT_EQ(Run(play + " --quiet"), "0 ");
+}
+
+TEST_F(SimCommand, ChecksAScenarioBeforeItPlaysIt) {
+    const std::filesystem::path scenario = directory / "scenario.json";
+    WriteFile(scenario, R"({"events": [
+        {"at": 0, "say": "first", "set": {"sys.getSIMStatus": 1}},
+        {"at": 1, "say": "last", "set": {"sys.getSIMStats": 2}}]})");
+    for (const std::string option : {"", " --check"}) {
+        EXPECT_EQ(Run("play " + scenario.string() + option),
+                  "1 kestal-sim: " + scenario.string() +
+                      ":3: events[1].set.sys.getSIMStats: sys.getSIMStats: expected the name of a "
+                      "call, found an unknown name; did you mean sys.getSIMStatus?\n");
+    }
+    WriteFile(scenario, R"({"events": [{"at": 0, "say": "a", "set": {"sys.getSIMStatus": 1}}]})");
+    EXPECT_EQ(Run("play --check " + scenario.string()), "0 ");
+    EXPECT_EQ(ReadFile(device), kDocument);
+    EXPECT_EQ(Run("play --loop " + scenario.string()),
+              "1 kestal-sim: " + scenario.string() +
+                  ": what takes no time cannot begin again and again\n");
+}
+
+TEST_F(SimCommand, ExplainsItself) {
+    EXPECT_THAT(Run("--help"), StartsWith("0 Changes the device"));
+    EXPECT_THAT(Run("--help"), HasSubstr("\nCommands:\n"));
+    EXPECT_THAT(Run("set --help"), HasSubstr("\nArguments:\n"));
+    for (const std::string command :
+         {"show", "set", "fail", "heal", "load", "notify", "login", "logout", "play"}) {
+        EXPECT_THAT(Run("--help"), HasSubstr("\n  " + command + " "));
+        EXPECT_THAT(Run(command + " --help"), HasSubstr("\nUsage: kestal-sim " + command + " "));
+        EXPECT_THAT(Run(command + " --help"), StartsWith("0 "));
+    }
+}
+
+TEST_F(SimCommand, TellsWrongUsage) {
+    for (const std::string wrong : {"",
+                                    "shew",
+                                    "set",
+                                    "set a",
+                                    "set a b c",
+                                    "fail a",
+                                    "fail sys.getSIMStatus x",
+                                    "heal",
+                                    "load",
+                                    "notify",
+                                    "notify a --clear",
+                                    "notify --types --clear",
+                                    "login --idle 0",
+                                    "login --idle x",
+                                    "login --address localhost",
+                                    "logout a b",
+                                    "play",
+                                    "play a --speed 0",
+                                    "play a --speed x",
+                                    "play a --speed nan",
+                                    "play a --speed inf",
+                                    "play a --speed -1",
+                                    "play a --speed 0.009",
+                                    "notify --clear --severity alert",
+                                    "notify --clear smsReceived --text a",
+                                    "notify --types --inactive",
+                                    "shew --help",
+                                    "show a b",
+                                    "show a --paths",
+                                    "--device",
+                                    "--device '' show",
+                                    "show --nothing"}) {
+        const std::string told = Run(wrong);
+        EXPECT_THAT(told, StartsWith("2 kestal-sim: ")) << wrong;
+        EXPECT_THAT(told, EndsWith("Try 'kestal-sim --help'.\n")) << wrong;
+    }
+    EXPECT_EQ(Run(""), "2 kestal-sim: a command is expected\nTry 'kestal-sim --help'.\n");
+    EXPECT_THAT(Run("shwo"), StartsWith("2 kestal-sim: there is no command 'shwo'; did you mean "
+                                        "show?\n"));
+    EXPECT_THAT(Run("shew"), StartsWith("2 kestal-sim: there is no command 'shew'; did you mean "
+                                        "show?\n"));
+    EXPECT_EQ(ReadFile(device), kDocument);
+}
+
+TEST_F(SimCommand, FailsWhenItsOutputCannotBeWritten) {
+    for (const std::string command : {"show", "--help", "set --help"}) {
+        EXPECT_EQ(Run(command + " 2>/dev/null >/dev/full"), "1 ");
+    }
+}
+
+}  // namespace
