@@ -22,7 +22,7 @@ using Json = nlohmann::ordered_json;
 /// Whether the reader takes @p text; if not, it says where in it the fault is.
 bool IsDevice(const std::string& text) {
     try {
-        (void)simulator::ReadDevice("device.json", text);
+        (void)binding::ReadDevice("device.json", text);
         return true;
     } catch (const std::runtime_error& error) {
         std::string_view what = error.what();
@@ -36,12 +36,12 @@ bool IsDevice(const std::string& text) {
 }
 
 /// Each value is found at its place.
-void RequirePlaces(const std::string& text, const Json& value, simulator::KeyPath& path,
+void RequirePlaces(const std::string& text, const Json& value, binding::KeyPath& path,
                    int& budget) {
     if (--budget < 0) {
         return;
     }
-    const auto place = simulator::FindValue(text, path);
+    const auto place = binding::FindValue(text, path);
     Require(place.has_value(), "each value has a place", text);
     // Of what stands in a list, only the line is known.
     const bool hasBytes =
@@ -69,19 +69,19 @@ void RequireChange(const std::string& text, const Json& document) {
     Json expected = document;
     expected["sys"]["getCellularDataConnectionStatus"] = 4;
     const std::string changed =
-        simulator::WithMember(text, {"sys"}, "getCellularDataConnectionStatus", "4");
-    const Json reread = simulator::ParseStrictly(changed);
+        binding::WithMember(text, {"sys"}, "getCellularDataConnectionStatus", "4");
+    const Json reread = binding::ParseStrictly(changed);
     // In whatever order: a new member may stand anywhere.
     Require(nlohmann::json(reread) == nlohmann::json(expected), "one value is changed", changed);
-    const std::string patched = simulator::Patched(text, document, expected);
-    Require(nlohmann::json(simulator::ParseStrictly(patched)) == nlohmann::json(expected),
+    const std::string patched = binding::Patched(text, document, expected);
+    Require(nlohmann::json(binding::ParseStrictly(patched)) == nlohmann::json(expected),
             "a patch makes what was wanted", patched);
 }
 
 std::optional<Json> Parsed(const std::string& text) {
     try {
-        return simulator::ParseStrictly(text);
-    } catch (const simulator::SyntaxError& error) {
+        return binding::ParseStrictly(text);
+    } catch (const binding::SyntaxError& error) {
         Require(Integer(error.Place()) > 0, "an error names the line", error.Place());
         return std::nullopt;
     }
@@ -113,7 +113,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Require(document.has_value() || !isDevice, "a device is JSON", text);
     Require(!document || text.find('\0') == std::string::npos, "JSON has no NUL", text);
     if (document) {
-        simulator::KeyPath path;
+        binding::KeyPath path;
         int budget = 50;
         RequirePlaces(text, *document, path, budget);
     }
@@ -121,7 +121,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         RequireChange(text, *document);
     }
     (void)PlaceDevice(text);
-    Require((simulator::CurrentDevice() != nullptr) == isDevice, "calls see what the reader takes");
+    Require((binding::CurrentDevice() != nullptr) == isDevice, "calls see what the reader takes");
     RequireAnswers();
     return 0;
 }

@@ -65,12 +65,12 @@ const Baseline& TheBaseline() {
         gProgramName = "kestal.cgi";
         ConfineSimulator();
         (void)PlaceDevice(ReadFile(KESTAL_FUZZ_DEVICE));
-        simulator::UpdateSessions([](std::vector<simulator::Session>& sessions) {
-            sessions.push_back({.digest = simulator::DigestOf(kSession),
+        binding::UpdateSessions([](std::vector<binding::Session>& sessions) {
+            sessions.push_back({.digest = binding::DigestOf(kSession),
                                 .address = "127.0.0.1",
-                                .userAgentDigest = simulator::DigestOf(kUserAgent),
-                                .opened = simulator::Now(),
-                                .renewed = simulator::Now(),
+                                .userAgentDigest = binding::DigestOf(kUserAgent),
+                                .opened = binding::Now(),
+                                .renewed = binding::Now(),
                                 .idleSeconds = 0xFFFFFFFF});
         });
         Baseline made;

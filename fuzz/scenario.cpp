@@ -11,9 +11,9 @@
 
 namespace {
 
-std::optional<simulator::Scenario> Read(const std::string& text) {
+std::optional<binding::Scenario> Read(const std::string& text) {
     try {
-        return simulator::ReadScenario("scenario.json", text);
+        return binding::ReadScenario("scenario.json", text);
     } catch (const std::runtime_error& error) {
         std::string_view what = error.what();
         Require(TakeUntil(what, ':') == "scenario.json", "an error names the file", error.what());
@@ -26,7 +26,7 @@ std::optional<simulator::Scenario> Read(const std::string& text) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const auto device =
-        simulator::ReadGoodDocument("device.json", ReadFile(KESTAL_FUZZ_DEVICE));
+        binding::ReadGoodDocument("device.json", ReadFile(KESTAL_FUZZ_DEVICE));
     const auto scenario = Read(InputText(data, size));
     if (!scenario) {
         return 0;
@@ -35,7 +35,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::size_t changes = 0;
     for (const auto& [time, instant] : scenario->instants) {
         Require(time.count() >= 0 && time <= scenario->duration, "all happens in its time");
-        for (const simulator::Change& change : instant.changes) {
+        for (const binding::Change& change : instant.changes) {
             changes += 1 + (change.condition ? change.condition->size() : 0);
         }
     }
@@ -44,7 +44,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         return 0;
     }
     try {
-        simulator::MustSuit(*scenario, device);
+        binding::MustSuit(*scenario, device);
         auto played = device;
         for (const auto& [time, instant] : scenario->instants) {
             instant.Apply(played);

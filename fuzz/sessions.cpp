@@ -12,7 +12,7 @@ namespace {
 
 bool IsStore(const std::string& text) {
     try {
-        (void)simulator::ReadSessions(text);
+        (void)binding::ReadSessions(text);
         return true;
     } catch (const std::exception& error) {
         Require(*error.what() != '\0', "an error says what is wrong");
@@ -36,20 +36,20 @@ bool IsLoggedIn(const std::string& identifier) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     ConfineSimulator();
     const std::string text = InputText(data, size);
-    const std::filesystem::path store = simulator::SessionStorePath();
+    const std::filesystem::path store = binding::SessionStorePath();
     WriteFile(store, text);
     const bool isStore = IsStore(text);
     Require(!IsLoggedIn("unknown"), "nobody is logged in without a session", text);
     try {
         const std::string identifier =
-            simulator::IdentifierIn(simulator::OpenSession("127.0.0.1", "fuzz", 1000));
+            binding::IdentifierIn(binding::OpenSession("127.0.0.1", "fuzz", 1000));
         Require(isStore, "a damaged store takes no session", text);
         Require(IsLoggedIn(identifier), "who has opened a session is logged in", text);
-        const auto live = simulator::LiveSessions();
-        Require(live.size() <= simulator::ReadSessions(text).size() + 1, "no session comes alone");
-        simulator::CloseSession(identifier);
+        const auto live = binding::LiveSessions();
+        Require(live.size() <= binding::ReadSessions(text).size() + 1, "no session comes alone");
+        binding::CloseSession(identifier);
         Require(!IsLoggedIn(identifier), "who has closed the session is logged in no more", text);
-        Require(simulator::LiveSessions().size() == live.size() - 1, "one session was closed");
+        Require(binding::LiveSessions().size() == live.size() - 1, "one session was closed");
     } catch (const std::exception&) {
         Require(!isStore, "a good store takes a session", text);
         Require(ReadFile(store) == text, "a damaged store stays as it is", text);

@@ -12,7 +12,7 @@
 namespace {
 
 using Json = nlohmann::ordered_json;
-using simulator::KeyPath;
+using binding::KeyPath;
 
 /// Runs @p change; false, and @p document is as it was, when that is refused.
 template <typename Change>
@@ -30,17 +30,17 @@ bool Attempt(Json& document, Change change) {
 
 bool IsGood(const Json& document) {
     Json copy = document;
-    return Attempt(copy, [](Json& changed) { simulator::MustBeGood(changed); });
+    return Attempt(copy, [](Json& changed) { binding::MustBeGood(changed); });
 }
 
 void RequireFailure(const Json& device, const KeyPath& path) {
     Json document = device;
-    if (!Attempt(document, [&](Json& changed) { simulator::FailCall(changed, path, 5); })) {
+    if (!Attempt(document, [&](Json& changed) { binding::FailCall(changed, path, 5); })) {
         return;
     }
     Require(IsGood(document), "a call can be made to fail", document.dump());
-    Require(Attempt(document, [&](Json& changed) { simulator::HealCall(changed, path); }),
-            "a failing call can be healed", simulator::PathText(path));
+    Require(Attempt(document, [&](Json& changed) { binding::HealCall(changed, path); }),
+            "a failing call can be healed", binding::PathText(path));
     Require(document == device, "a healed call answers as before", document.dump());
 }
 
@@ -48,31 +48,31 @@ void RequireFailure(const Json& device, const KeyPath& path) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string deviceText = ReadFile(KESTAL_FUZZ_DEVICE);
-    static const Json device = simulator::ReadGoodDocument("device.json", deviceText);
+    static const Json device = binding::ReadGoodDocument("device.json", deviceText);
     const std::string input = InputText(data, size);
     std::string_view rest = input;
     const std::string text(TakeUntil(rest, '\n'));
     KeyPath path;
     Json ignored;
-    if (!Attempt(ignored, [&](Json&) { path = simulator::ResolvePath(text, device); })) {
+    if (!Attempt(ignored, [&](Json&) { path = binding::ResolvePath(text, device); })) {
         return 0;
     }
-    const Json* const found = simulator::FindAt(device, path);
+    const Json* const found = binding::FindAt(device, path);
     if (found != nullptr) {
         RequireFailure(device, path);
     }
     Json document = device;
     (void)Attempt(document, [&](Json& changed) {
-        simulator::MoveNumber(changed, path, {.by = Integer(rest), .least = -5, .most = 5});
+        binding::MoveNumber(changed, path, {.by = Integer(rest), .least = -5, .most = 5});
     });
     const Json value = Json::parse(rest, nullptr, false);
     if (value.is_discarded() ||
-        !Attempt(document, [&](Json& changed) { simulator::SetValue(changed, path, value); })) {
+        !Attempt(document, [&](Json& changed) { binding::SetValue(changed, path, value); })) {
         return 0;
     }
-    const Json* const set = simulator::FindAt(document, path);
+    const Json* const set = binding::FindAt(document, path);
     Require(set != nullptr && *set == value, "what was set is there", text);
-    const std::string patched = simulator::Patched(deviceText, device, document);
+    const std::string patched = binding::Patched(deviceText, device, document);
     // In whatever order: a new member may stand anywhere.
     Require(nlohmann::json::parse(patched) == nlohmann::json(document),
             "the file says what was set", patched);

@@ -15,7 +15,7 @@
 
 namespace {
 
-using simulator::Session;
+using binding::Session;
 
 constexpr const char* kUsage =
     "usage: kestal-session open [--address ADDRESS] [--user-agent TEXT] [--idle SECONDS]\n"
@@ -56,8 +56,8 @@ void Open(const Arguments& arguments) {
         }
         option->second = arguments[index + 1];
     }
-    const std::string cookie = simulator::OpenSession(options["--address"], options["--user-agent"],
-                                                      IdleSeconds(options["--idle"]));
+    const std::string cookie = binding::OpenSession(options["--address"], options["--user-agent"],
+                                                    IdleSeconds(options["--idle"]));
     std::printf("%s\n", cookie.c_str());
 }
 
@@ -69,19 +69,19 @@ const std::string& OnlyIdentifier(const Arguments& arguments) {
 }
 
 void Renew(const Arguments& arguments) {
-    simulator::RenewSession(OnlyIdentifier(arguments));
+    binding::RenewSession(OnlyIdentifier(arguments));
 }
 
 void Close(const Arguments& arguments) {
-    simulator::CloseSession(OnlyIdentifier(arguments));
+    binding::CloseSession(OnlyIdentifier(arguments));
 }
 
 void List(const Arguments& arguments) {
     if (!arguments.empty()) {
         throw UsageError("list takes no arguments");
     }
-    const std::int64_t now = simulator::Now();
-    for (const Session& session : simulator::LiveSessions()) {
+    const std::int64_t now = binding::Now();
+    for (const Session& session : binding::LiveSessions()) {
         std::printf("%.12s %s idle %lld of %lld s\n", session.digest.c_str(),
                     session.address.c_str(), static_cast<long long>(now - session.renewed),
                     static_cast<long long>(session.idleSeconds));

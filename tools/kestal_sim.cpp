@@ -32,30 +32,30 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::ChangeDevice;
-using simulator::DevicePath;
-using simulator::KeyPath;
-using simulator::Milliseconds;
-using simulator::ResolvePath;
+using binding::ChangeDevice;
+using binding::DevicePath;
+using binding::KeyPath;
+using binding::Milliseconds;
+using binding::ResolvePath;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 std::string Contents(const std::string& file) {
-    simulator::FileStamp ignored;
-    return simulator::ReadFile(file, ignored);
+    binding::FileStamp ignored;
+    return binding::ReadFile(file, ignored);
 }
 
 json CurrentDocument() {
-    return simulator::ReadGoodDocument(DevicePath(), Contents(DevicePath()));
+    return binding::ReadGoodDocument(DevicePath(), Contents(DevicePath()));
 }
 
 /// JSON, or a text that is none.
 json ValueOf(const std::string& text) {
     if (json::accept(text)) {
         try {
-            return simulator::ParseStrictly(text);
-        } catch (const simulator::SyntaxError& error) {
+            return binding::ParseStrictly(text);
+        } catch (const binding::SyntaxError& error) {
             throw std::runtime_error("the value: " + std::string(error.what()));
         }
     }
@@ -64,7 +64,7 @@ json ValueOf(const std::string& text) {
 
 /// A file, or the name of one that is installed in @p folder.
 std::string FileNamed(const std::string& name, const std::string& folder) {
-    return simulator::FileOrInstalled(name, std::filesystem::path(KESTAL_DATA_DIRECTORY) / folder);
+    return binding::FileOrInstalled(name, std::filesystem::path(KESTAL_DATA_DIRECTORY) / folder);
 }
 
 /// A command: what adds it to the command line returns what runs it and gives the exit code.
@@ -88,18 +88,18 @@ Run DescribeShow(CLI::App& command) {
     return [path, onlyPaths] {
         const json document = CurrentDocument();
         if (*onlyPaths) {
-            for (const std::string& each : simulator::AllPaths(document)) {
+            for (const std::string& each : binding::AllPaths(document)) {
                 std::cout << each << "\n";
             }
             return 0;
         }
         const KeyPath whole = path->empty() ? KeyPath() : ResolvePath(*path, document);
-        const json* const value = simulator::FindAt(document, whole);
+        const json* const value = binding::FindAt(document, whole);
         if (value == nullptr) {
-            simulator::MustBeKnown(document, whole);
-            throw std::runtime_error(simulator::PathText(whole) + ": not in the document");
+            binding::MustBeKnown(document, whole);
+            throw std::runtime_error(binding::PathText(whole) + ": not in the document");
         }
-        std::cout << simulator::Formatted(*value) << "\n";
+        std::cout << binding::Formatted(*value) << "\n";
         return 0;
     };
 }
@@ -115,13 +115,13 @@ Run DescribeSet(CLI::App& command) {
         KeyPath failing;
         ChangeDevice(DevicePath(), [&](json& document) {
             const KeyPath place = ResolvePath(*path, document);
-            simulator::SetValue(document, place, parsed);
-            failing = simulator::FailingCallOn(document, place);
+            binding::SetValue(document, place, parsed);
+            failing = binding::FailingCallOn(document, place);
         });
         if (!failing.empty()) {
             (void)std::fprintf(stderr,
                                "kestal-sim: %s fails; the new value shows once it is healed\n",
-                               simulator::PathText(failing).c_str());
+                               binding::PathText(failing).c_str());
         }
         return 0;
     };
@@ -136,7 +136,7 @@ Run DescribeFail(CLI::App& command) {
     command.add_option("CODE", *code, "The code that it fails with")->required();
     return [call, code] {
         ChangeDevice(DevicePath(), [&](json& document) {
-            simulator::FailCall(document, ResolvePath(*call, document), *code);
+            binding::FailCall(document, ResolvePath(*call, document), *code);
         });
         return 0;
     };
@@ -147,7 +147,7 @@ Run DescribeHeal(CLI::App& command) {
     command.add_option("CALL", *call, "The call, as it was given to fail")->required();
     return [call] {
         ChangeDevice(DevicePath(), [&](json& document) {
-            simulator::HealCall(document, ResolvePath(*call, document));
+            binding::HealCall(document, ResolvePath(*call, document));
         });
         return 0;
     };
@@ -160,9 +160,9 @@ Run DescribeLoad(CLI::App& command) {
     return [name] {
         const std::string file = FileNamed(*name, "devices");
         const std::string text = Contents(file);
-        (void)simulator::ReadGoodDocument(file, text);
-        simulator::UpdateFile(DevicePath(), simulator::MissingFile::createdForAll,
-                              [&](const std::string&) -> const std::string& { return text; });
+        (void)binding::ReadGoodDocument(file, text);
+        binding::UpdateFile(DevicePath(), binding::MissingFile::createdForAll,
+                            [&](const std::string&) -> const std::string& { return text; });
         return 0;
     };
 }
@@ -179,7 +179,7 @@ struct NotifyArguments {
     std::string textId;
     bool inactive = false;
 
-    simulator::NotificationFields Fields() const {
+    binding::NotificationFields Fields() const {
         const auto given = [](const std::string& text) {
             return text.empty() ? std::nullopt : std::optional<std::string>(text);
         };
@@ -194,20 +194,20 @@ struct NotifyArguments {
 
 int Notify(const NotifyArguments& arguments) {
     if (arguments.listsTypes) {
-        for (const std::string& name : simulator::NotificationTypeNames()) {
+        for (const std::string& name : binding::NotificationTypeNames()) {
             std::cout << name << "\n";
         }
         return 0;
     }
     if (arguments.clears) {
         ChangeDevice(DevicePath(), [&](json& document) {
-            simulator::ClearNotifications(document, arguments.cleared);
+            binding::ClearNotifications(document, arguments.cleared);
         });
         return 0;
     }
-    const json notification = simulator::MakeNotification(arguments.type, arguments.Fields());
+    const json notification = binding::MakeNotification(arguments.type, arguments.Fields());
     ChangeDevice(DevicePath(),
-                 [&](json& document) { simulator::AddNotification(document, notification); });
+                 [&](json& document) { binding::AddNotification(document, notification); });
     return 0;
 }
 
@@ -255,7 +255,7 @@ Run DescribeLogin(CLI::App& command) {
         ->capture_default_str()
         ->check(CLI::Range(1U, UINT32_MAX));
     return [caller] {
-        std::cout << simulator::OpenSession(caller->address, caller->userAgent, caller->idleSeconds)
+        std::cout << binding::OpenSession(caller->address, caller->userAgent, caller->idleSeconds)
                   << "\n";
         return 0;
     };
@@ -267,19 +267,19 @@ Run DescribeLogout(CLI::App& command) {
         command.add_option("COOKIE", *cookie, "What login printed; all sessions end without it");
     return [cookie, given] {
         if (given->count() == 0) {
-            simulator::CloseAllSessions();
+            binding::CloseAllSessions();
         } else if (cookie->empty()) {
             // A script's variable that is not set: nobody means all by it.
             throw CLI::ValidationError("COOKIE", "expected what login printed, found nothing");
         } else {
-            simulator::CloseSession(simulator::IdentifierIn(*cookie));
+            binding::CloseSession(binding::IdentifierIn(*cookie));
         }
         return 0;
     };
 }
 
 /// Tells on the standard error stream what happens.
-class Narrator : public simulator::Audience {
+class Narrator : public binding::Audience {
   public:
     explicit Narrator(bool newIsQuiet) : isQuiet(newIsQuiet) {}
 
@@ -324,22 +324,22 @@ class Narrator : public simulator::Audience {
 
 struct PlayArguments {
     std::string scenario;
-    simulator::Pace pace;
+    binding::Pace pace;
     bool isQuiet = false;
     bool onlyChecks = false;
 };
 
 int PlayScenario(const PlayArguments& arguments) {
     const std::string file = FileNamed(arguments.scenario, "scenarios");
-    const simulator::Scenario scenario = simulator::ReadScenario(file, Contents(file));
-    simulator::MustSuit(scenario, CurrentDocument());
+    const binding::Scenario scenario = binding::ReadScenario(file, Contents(file));
+    binding::MustSuit(scenario, CurrentDocument());
     if (arguments.pace.loops && scenario.duration == Milliseconds(0)) {
         throw std::runtime_error(file + ": what takes no time cannot begin again and again");
     }
     if (arguments.onlyChecks) {
         return 0;
     }
-    simulator::WaitingClock clock;
+    binding::WaitingClock clock;
     Narrator narrator(arguments.isQuiet);
     return Play(scenario, DevicePath(), arguments.pace, clock, narrator) ? 0 : kFailed;
 }
@@ -421,7 +421,7 @@ std::string Complaint(const CLI::App& app, const CLI::ParseError& error) {
         commands.push_back(command->get_name());
     }
     return "there is no command '" + *unknown + "'" +
-           simulator::Suggestion(simulator::NearestName(*unknown, commands));
+           binding::Suggestion(binding::NearestName(*unknown, commands));
 }
 
 /// A type that is empty, such as a script's variable that is not set. To the parser it is the same
@@ -462,8 +462,8 @@ int RunCommand(int argc, char** argv) {
         return Complain(Complaint(app, error), kWrongUsage);
     } catch (const std::invalid_argument& error) {
         return Complain(error.what(), kWrongUsage);
-    } catch (const simulator::UnknownName& error) {
-        return Complain(simulator::WithSuggestion(error), kFailed);
+    } catch (const binding::UnknownName& error) {
+        return Complain(binding::WithSuggestion(error), kFailed);
     }
 }
 

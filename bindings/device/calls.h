@@ -10,9 +10,9 @@
 #include "bindings/log.h"
 #include "bindings/simulator/snapshot.h"
 
-namespace simulator {
+namespace binding {
 
-/// Runs @p call(), whose code it returns. @p codeBase is added to the simulator's own codes. No
+/// Runs @p call(), whose code it returns. @p codeBase is added to the binding's own codes. No
 /// exception leaves.
 template <typename Call>
 int Guarded(int codeBase, Call call) noexcept {
@@ -20,7 +20,7 @@ int Guarded(int codeBase, Call call) noexcept {
         return call();
     } catch (const std::exception& error) {
         SIMULATOR_LOG(TORU_DBG_ERROR, "%s", error.what());
-        return codeBase + kSimulatorFailed;
+        return codeBase + kBindingFailed;
     }
 }
 
@@ -32,17 +32,17 @@ int WithDevice(int codeBase, Call call) noexcept {
             return call(*device);
         }
         const std::shared_ptr<const Device> device = CurrentDevice();
-        return device ? call(*device) : codeBase + kNoDocument;
+        return device ? call(*device) : codeBase + kNoDevice;
     });
 }
 
 /// The code that @p answer fails with; 0 when it has a value.
 template <typename T>
 int FailureOf(const Answer<T>& answer, int codeBase) {
-    return answer.named ? answer.error : codeBase + kNotSimulated;
+    return answer.named ? answer.error : codeBase + kNotAnswered;
 }
 
-/// Runs @p deliver on what @p answers say about @p name. Nothing is simulated for a null name.
+/// Runs @p deliver on what @p answers say about @p name. There is none for a null name.
 template <typename T, typename DeliverOne>
 int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, int codeBase,
                  DeliverOne deliver) {
@@ -52,7 +52,7 @@ int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, int c
     }
     const auto found =
         name == nullptr ? answers.value.end() : answers.value.find(std::string_view(name));
-    return found == answers.value.end() ? codeBase + kNotSimulated : deliver(found->second);
+    return found == answers.value.end() ? codeBase + kNotAnswered : deliver(found->second);
 }
 
-}  // namespace simulator
+}  // namespace binding

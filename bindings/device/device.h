@@ -1,4 +1,4 @@
-// The device as its document describes it, compiled into ready platform records: a call is a copy.
+// The device as a record of what each call answers, in ready platform records: a call is a copy.
 #pragma once
 
 #include <array>
@@ -13,12 +13,12 @@
 #include "platform/sysint.h"
 #include "platform/webui.h"
 
-namespace simulator {
+namespace binding {
 
 /// What one call answers.
 template <typename T>
 struct Answer {
-    bool named = false;  ///< whether the document names the call; it says nothing else otherwise
+    bool named = false;  ///< whether the device answers the call; the rest says nothing otherwise
     int error = 0;       ///< code to fail with; 0 when the call works
     T value{};
 };
@@ -67,17 +67,17 @@ struct Device {
     int cellularDataConnect = 0;
     int cellularDataDisconnect = 0;
 
-#define SIMULATOR_ANSWER(Type, name) Answer<Type> name;
-    SIMULATOR_SYSINT_QUERIES(SIMULATOR_ANSWER)
-#undef SIMULATOR_ANSWER
+#define DEVICE_ANSWER(Type, name) Answer<Type> name;
+    SYSINT_QUERIES(DEVICE_ANSWER)
+#undef DEVICE_ANSWER
     IndexedAnswer<GroupId> getSIMCarrierGID;
     Answer<MnsInfo> getModemMnsInfo;
     Answer<Bands> getCellular5GBand;
     Answer<std::vector<sys_connected_device_t>> getConnectedDeviceList;
     IndexedAnswer<std::int32_t> getWiFiGuestProfileEnabled;
-#define SIMULATOR_NAMED_ANSWERS(name) Answer<NamedNumbers> name;
-    SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_NAMED_ANSWERS)
-#undef SIMULATOR_NAMED_ANSWERS
+#define DEVICE_NAMED_ANSWERS(name) Answer<NamedNumbers> name;
+    SYSINT_NAMED_QUERIES(DEVICE_NAMED_ANSWERS)
+#undef DEVICE_NAMED_ANSWERS
 
     Answer<std::vector<webui_feature_t>> commonFeatures;
     Answer<NamedAnswers<std::vector<webui_feature_t>>> appFeatures;
@@ -94,4 +94,4 @@ struct Device {
     NamedAnswers<std::vector<std::byte>> channels;
 };
 
-}  // namespace simulator
+}  // namespace binding

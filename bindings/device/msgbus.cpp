@@ -1,4 +1,4 @@
-// The message bus, on which nothing moves: each channel holds what the document says.
+// The message bus, on which nothing moves: each channel holds what the device has published.
 #include "platform/msgbus.h"
 
 #include <algorithm>
@@ -8,9 +8,9 @@
 
 #include "bindings/device/calls.h"
 
-using simulator::Device;
-using simulator::FailureOf;
-using simulator::WithDevice;
+using binding::Device;
+using binding::FailureOf;
+using binding::WithDevice;
 
 namespace {
 
@@ -34,12 +34,12 @@ int MsgbusHandler::Initialize() {
 
 int MsgbusHandler::GetData(const std::string& channel, void* buffer, unsigned int& size) {
     if (!state->joined) {
-        return simulator::kBusNotJoined;
+        return binding::kBusNotJoined;
     }
     return WithDevice(kCodeBase, [&](const Device& device) {
         const auto found = device.channels.find(channel);
         if (found == device.channels.end()) {
-            return static_cast<int>(simulator::kNotSimulated);
+            return static_cast<int>(binding::kNotAnswered);
         }
         const int failure = FailureOf(found->second, kCodeBase);
         if (failure != MSGBUS_SUCCESS) {

@@ -5,11 +5,11 @@
 
 #include "bindings/device/calls.h"
 
-using simulator::Answer;
-using simulator::DeliverNamed;
-using simulator::Device;
-using simulator::FailureOf;
-using simulator::WithDevice;
+using binding::Answer;
+using binding::DeliverNamed;
+using binding::Device;
+using binding::FailureOf;
+using binding::WithDevice;
 
 namespace {
 
@@ -27,8 +27,8 @@ int Deliver(const Answer<T>& answer, T* value) {
 }  // namespace
 
 int sys_sdkInitialize() {
-    const int failure = simulator::Guarded(kCodeBase, [] {
-        simulator::BeginSession();
+    const int failure = binding::Guarded(kCodeBase, [] {
+        binding::BeginSession();
         return static_cast<int>(SYS_SUCCESS);
     });
     if (failure != SYS_SUCCESS) {
@@ -38,29 +38,29 @@ int sys_sdkInitialize() {
 }
 
 int sys_sdkShutdown() {
-    return simulator::Guarded(kCodeBase, [] {
-        simulator::EndSession();
+    return binding::Guarded(kCodeBase, [] {
+        binding::EndSession();
         return static_cast<int>(SYS_SUCCESS);
     });
 }
 
-#define SIMULATOR_QUERY(Type, name)                                                           \
+#define DEVICE_QUERY(Type, name)                                                              \
     int sys_##name(decltype(Device::name.value)* value) {                                     \
         return WithDevice(kCodeBase,                                                          \
                           [&](const Device& device) { return Deliver(device.name, value); }); \
     }
-SIMULATOR_SYSINT_QUERIES(SIMULATOR_QUERY)
-#undef SIMULATOR_QUERY
+SYSINT_QUERIES(DEVICE_QUERY)
+#undef DEVICE_QUERY
 
-#define SIMULATOR_NAMED_QUERY(call)                                                    \
+#define DEVICE_NAMED_QUERY(call)                                                       \
     int sys_##call(const char* name, int* value) {                                     \
         return WithDevice(kCodeBase, [&](const Device& device) {                       \
             return DeliverNamed(device.call, name, kCodeBase,                          \
                                 [&](const auto& one) { return Deliver(one, value); }); \
         });                                                                            \
     }
-SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_NAMED_QUERY)
-#undef SIMULATOR_NAMED_QUERY
+SYSINT_NAMED_QUERIES(DEVICE_NAMED_QUERY)
+#undef DEVICE_NAMED_QUERY
 
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index) {
     return WithDevice(kCodeBase, [&](const Device& device) {
@@ -119,7 +119,7 @@ int sys_getConnectedDeviceList(sys_connected_device_t* devices, unsigned int* co
 int sys_getWiFiGuestProfileEnabled(int profile, int* enabled) {
     return WithDevice(kCodeBase, [&](const Device& device) {
         if (profile != SYS_WIFI_GUEST_2_4_GHZ && profile != SYS_WIFI_GUEST_5_GHZ) {
-            return static_cast<int>(simulator::kNotSimulated);
+            return static_cast<int>(binding::kNotAnswered);
         }
         return Deliver(device.getWiFiGuestProfileEnabled.At(profile), enabled);
     });

@@ -1,10 +1,11 @@
-// Queries of the system-interface SDK. Device, reader and calls are made from these lists.
+// Queries of the system-interface SDK. The device, the reader of documents and the calls are made
+// from these lists.
 #pragma once
 
 #include "platform/sysint.h"
 
 /// Those whose only parameter is their result: QUERY(type of the result, name without "sys_").
-#define SIMULATOR_SYSINT_QUERIES(QUERY)                                         \
+#define SYSINT_QUERIES(QUERY)                                                   \
     QUERY(int, getWebUICarrierEnabled)                                          \
     QUERY(int, getSambaCarrierEnabled)                                          \
     QUERY(int, getGPSCarrierEnabled)                                            \
@@ -54,8 +55,8 @@
 
 /// Those that answer a number for a field or an application of the web UI, which they are given by
 /// name: QUERY(name without "sys_").
-#define SIMULATOR_SYSINT_NAMED_QUERIES(QUERY) \
-    QUERY(getUIFieldShowEnabled)              \
-    QUERY(getUIFieldLockEnabled)              \
-    QUERY(getUIAppDisplayEnabled)             \
+#define SYSINT_NAMED_QUERIES(QUERY) \
+    QUERY(getUIFieldShowEnabled)    \
+    QUERY(getUIFieldLockEnabled)    \
+    QUERY(getUIAppDisplayEnabled)   \
     QUERY(getUIAppWriteEnabled)

@@ -5,12 +5,12 @@
 
 #include "bindings/device/calls.h"
 
-using simulator::Answer;
-using simulator::Device;
-using simulator::FailureOf;
-using simulator::kWebuiCodeBase;
-using simulator::NamedAnswers;
-using simulator::WithDevice;
+using binding::Answer;
+using binding::Device;
+using binding::FailureOf;
+using binding::kWebuiCodeBase;
+using binding::NamedAnswers;
+using binding::WithDevice;
 
 namespace {
 
@@ -42,7 +42,7 @@ int DeliverList(const Answer<std::vector<Record>>& answer, Record* buffer, int* 
 /// Runs @p deliver on what @p answers say about @p name.
 template <typename T, typename DeliverOne>
 int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, DeliverOne deliver) {
-    return simulator::DeliverNamed(answers, name, kWebuiCodeBase, deliver);
+    return binding::DeliverNamed(answers, name, kWebuiCodeBase, deliver);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include "bindings/device/device.h"
 #include "bindings/document/node.h"
 
-namespace simulator {
+namespace binding {
 
 /// Member beside "error" that keeps what the call answers when it is healed; null when the document
 /// did not name it.
@@ -49,4 +49,4 @@ void ReadNamedAnswers(const Node& node, Answer<NamedAnswers<T>>& answers, ReadVa
     });
 }
 
-}  // namespace simulator
+}  // namespace binding

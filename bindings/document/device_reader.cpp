@@ -4,7 +4,7 @@
 
 #include "bindings/document/read_document.h"
 
-namespace simulator {
+namespace binding {
 
 Device CompileDevice(const nlohmann::ordered_json& document) {
     Device device;
@@ -46,4 +46,4 @@ Device ReadDevice(const std::string& file, const std::string& text) {
     return ReadDocument(file, text, CompileDevice);
 }
 
-}  // namespace simulator
+}  // namespace binding

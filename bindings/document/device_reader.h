@@ -7,7 +7,7 @@
 #include "bindings/device/device.h"
 #include "bindings/document/answer_reader.h"
 
-namespace simulator {
+namespace binding {
 
 /// Compiles the document @p text. Throws std::runtime_error, whose text begins with @p file and the
 /// line, when anything in it is not as it must be.
@@ -21,4 +21,4 @@ void ReadSys(const Node& node, Device& device);
 void ReadWebui(const Node& node, Device& device);
 void ReadMsgbus(const Node& node, Device& device);
 
-}  // namespace simulator
+}  // namespace binding

@@ -13,7 +13,7 @@
 #include "bindings/document/device_reader.h"
 #include "platform/notification.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -115,4 +115,4 @@ void ReadMsgbus(const Node& node, Device& device) {
     ReadNamedAnswers(node, device.channels, ReadChannel);
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -5,7 +5,7 @@
 
 #include "bindings/document/device_reader.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -202,9 +202,9 @@ void ReadSys(const Node& node, Device& device) {
                        [](const Node& from, auto& value) { ReadValue(from, value); });
         }
     };
-#define SIMULATOR_READ(Type, name) query(#name, device.name);
-    SIMULATOR_SYSINT_QUERIES(SIMULATOR_READ)
-#undef SIMULATOR_READ
+#define DOCUMENT_READ(Type, name) query(#name, device.name);
+    SYSINT_QUERIES(DOCUMENT_READ)
+#undef DOCUMENT_READ
     query("getModemMnsInfo", device.getModemMnsInfo);
     query("getCellular5GBand", device.getCellular5GBand);
     query("getConnectedDeviceList", device.getConnectedDeviceList);
@@ -221,10 +221,10 @@ void ReadSys(const Node& node, Device& device) {
                              [](const Node& from, std::int32_t& value) { ReadValue(from, value); });
         }
     };
-#define SIMULATOR_READ_NAMED(name) namedQuery(#name, device.name);
-    SIMULATOR_SYSINT_NAMED_QUERIES(SIMULATOR_READ_NAMED)
-#undef SIMULATOR_READ_NAMED
+#define DOCUMENT_READ_NAMED(name) namedQuery(#name, device.name);
+    SYSINT_NAMED_QUERIES(DOCUMENT_READ_NAMED)
+#undef DOCUMENT_READ_NAMED
     sys.RejectOthers("the name of a call");
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -4,7 +4,7 @@
 
 #include "bindings/document/device_reader.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -101,4 +101,4 @@ void ReadWebui(const Node& node, Device& device) {
     webui.RejectOthers();
 }
 
-}  // namespace simulator
+}  // namespace binding

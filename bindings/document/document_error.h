@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace simulator {
+namespace binding {
 
 /// The way to a value: names in objects, positions in lists.
 using KeyPath = std::vector<std::variant<std::string, std::size_t>>;
@@ -54,4 +54,4 @@ class UnknownName : public ValueError {
     std::vector<std::string> known;
 };
 
-}  // namespace simulator
+}  // namespace binding

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -325,4 +325,4 @@ std::string WithMember(const std::string& text, const KeyPath& object, const std
     return result.insert(begin, indentation + json(name).dump() + ": " + value + separator);
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -9,7 +9,7 @@
 
 #include "bindings/document/document_error.h"
 
-namespace simulator {
+namespace binding {
 
 /// Parses a document in which no object names a member twice and which is not nested too deeply for
 /// the recursion of those who copy it; the order of the members is kept.
@@ -31,4 +31,4 @@ std::optional<Place> FindValue(const std::string& text, const KeyPath& path);
 std::string WithMember(const std::string& text, const KeyPath& object, const std::string& name,
                        const std::string& value);
 
-}  // namespace simulator
+}  // namespace binding

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -189,4 +189,4 @@ void Members::RejectOthers() const {
     RejectOthers("one of " + list);
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -14,7 +14,7 @@
 
 #include "bindings/document/document_error.h"
 
-namespace simulator {
+namespace binding {
 
 /// A value of a document that knows its way from the root. Lives no longer than its parent.
 class Node {
@@ -111,4 +111,4 @@ class Members {
     std::vector<std::string> names;
 };
 
-}  // namespace simulator
+}  // namespace binding

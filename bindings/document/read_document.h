@@ -7,7 +7,7 @@
 #include "bindings/document/document_error.h"
 #include "bindings/document/json_text.h"
 
-namespace simulator {
+namespace binding {
 
 /// What @p compile makes of the parsed document @p text. Throws std::runtime_error, whose text
 /// begins with @p file and the line, for a SyntaxError or a ValueError.
@@ -24,4 +24,4 @@ auto ReadDocument(const std::string& file, const std::string& text, Compile comp
     }
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -9,7 +9,7 @@
 
 #include "bindings/posix/files/file_io.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -59,4 +59,4 @@ int SendDatagram(std::string_view name, std::string_view text, std::chrono::mill
     return mayWait && LimitWaiting(sender.Number(), patience) ? send(0) : error;
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string_view>
 
-namespace simulator {
+namespace binding {
 
 /// Whether @p name can be that of a datagram socket: a path from the root, or "@" and an abstract
 /// name, either of them short enough. Returns 0 or an errno value.
@@ -15,4 +15,4 @@ int CheckSocketName(std::string_view name);
 int SendDatagram(std::string_view name, std::string_view text,
                  std::chrono::milliseconds patience = std::chrono::milliseconds(0));
 
-}  // namespace simulator
+}  // namespace binding

@@ -5,7 +5,7 @@
 #include <memory>
 #include <stop_token>
 
-namespace simulator {
+namespace binding {
 
 class MaintenanceClock {
   public:
@@ -24,4 +24,4 @@ std::shared_ptr<MaintenanceClock> SteadyClock();
 /// Threads that are started from now on wait by @p clock; without a call of this, by SteadyClock().
 void SetMaintenanceClock(std::shared_ptr<MaintenanceClock> clock);
 
-}  // namespace simulator
+}  // namespace binding

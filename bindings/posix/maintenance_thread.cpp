@@ -15,7 +15,7 @@
 
 namespace {
 
-class Steady : public simulator::MaintenanceClock {
+class Steady : public binding::MaintenanceClock {
   public:
     void Wait(std::chrono::milliseconds interval, const std::stop_token& stop) override {
         std::unique_lock lock(mutex);
@@ -27,8 +27,8 @@ class Steady : public simulator::MaintenanceClock {
     std::condition_variable_any stopped;
 };
 
-std::shared_ptr<simulator::MaintenanceClock>& CurrentClock() {
-    static std::shared_ptr<simulator::MaintenanceClock> clock = simulator::SteadyClock();
+std::shared_ptr<binding::MaintenanceClock>& CurrentClock() {
+    static std::shared_ptr<binding::MaintenanceClock> clock = binding::SteadyClock();
     return clock;
 }
 
@@ -45,7 +45,7 @@ void Notify(MaintenanceThreadCallbackInterface& callback) {
 
 }  // namespace
 
-namespace simulator {
+namespace binding {
 
 std::shared_ptr<MaintenanceClock> SteadyClock() {
     return std::make_shared<Steady>();
@@ -55,7 +55,7 @@ void SetMaintenanceClock(std::shared_ptr<MaintenanceClock> clock) {
     CurrentClock() = std::move(clock);
 }
 
-}  // namespace simulator
+}  // namespace binding
 
 bool MaintenanceThreadCallbackInterface::OnThreadNotify(unsigned int /*event*/) {
     return false;

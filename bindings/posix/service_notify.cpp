@@ -4,7 +4,7 @@
 
 #include "bindings/posix/datagram.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -23,4 +23,4 @@ int NotifyServiceManager(std::string_view state) {
     return SendDatagram(SocketName(), state);
 }
 
-}  // namespace simulator
+}  // namespace binding

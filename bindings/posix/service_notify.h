@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace simulator {
+namespace binding {
 
 /// Whether a service manager wants notifications.
 bool HasServiceManager();
@@ -12,4 +12,4 @@ bool HasServiceManager();
 /// Sends @p state, lines of NAME=value, without waiting. Returns 0, or errno.
 int NotifyServiceManager(std::string_view state);
 
-}  // namespace simulator
+}  // namespace binding

@@ -11,7 +11,7 @@
 namespace {
 
 int Notify(const char* state) {
-    const int error = simulator::NotifyServiceManager(state);
+    const int error = binding::NotifyServiceManager(state);
     if (error != 0) {
         SIMULATOR_LOG(TORU_DBG_ERROR, "watchdog: %s not delivered, error %d (%s)", state, error,
                       std::strerror(error));
@@ -23,7 +23,7 @@ int Notify(const char* state) {
 
 int watchdog_application_register(const char* name, int registerFlag) {
     const bool registers = registerFlag == WATCHDOG_REGISTER;
-    if (!simulator::HasServiceManager()) {
+    if (!binding::HasServiceManager()) {
         SIMULATOR_LOG(TORU_DBG_NOTICE, "watchdog: %s %s", name,
                       registers ? "registered" : "unregistered");
         return 0;
@@ -37,7 +37,7 @@ int watchdog_application_register(const char* name, int registerFlag) {
 }
 
 int watchdog_application_send_keep_alive(const char* name) {
-    if (!simulator::HasServiceManager()) {
+    if (!binding::HasServiceManager()) {
         SIMULATOR_LOG(TORU_DBG_NOTICE, "watchdog: keep-alive from %s", name);
         return 0;
     }

@@ -7,7 +7,7 @@
 #include "bindings/log.h"
 #include "bindings/posix/files/watched_file.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::shared_ptr<const Device> CurrentDevice() {
     return TheSnapshot().Current();
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -6,7 +6,7 @@
 
 #include "bindings/device/device.h"
 
-namespace simulator {
+namespace binding {
 
 /// Path of the device document: the environment variable KESTAL_DEVICE, or the installed default.
 std::string DevicePath();
@@ -26,4 +26,4 @@ const Device* SessionDevice();
 /// been a good one.
 std::shared_ptr<const Device> CurrentDevice();
 
-}  // namespace simulator
+}  // namespace binding

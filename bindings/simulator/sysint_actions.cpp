@@ -8,7 +8,7 @@
 #include "bindings/posix/files/file_update.h"
 #include "platform/sysint.h"
 
-using simulator::Device;
+using binding::Device;
 
 namespace {
 
@@ -18,12 +18,12 @@ constexpr int kConnected = 2;
 /// The document with another status of the data call. A status query that has been told to fail
 /// goes on failing.
 std::string WithStatus(const std::string& path, const std::string& document, int status) {
-    const Device device = simulator::ReadDevice(path, document);
+    const Device device = binding::ReadDevice(path, document);
     if (device.getCellularDataConnectionStatus.error != 0) {
         return document;
     }
-    return simulator::WithMember(document, {"sys"}, "getCellularDataConnectionStatus",
-                                 std::to_string(status));
+    return binding::WithMember(document, {"sys"}, "getCellularDataConnectionStatus",
+                               std::to_string(status));
 }
 
 int SetStatus(int failure, int status) {
@@ -31,26 +31,26 @@ int SetStatus(int failure, int status) {
         return failure;
     }
     try {
-        const std::string path = simulator::DevicePath();
-        simulator::UpdateFile(
-            path, simulator::MissingFile::fails,
-            [&](const std::string& document) { return WithStatus(path, document, status); });
+        const std::string path = binding::DevicePath();
+        binding::UpdateFile(path, binding::MissingFile::fails, [&](const std::string& document) {
+            return WithStatus(path, document, status);
+        });
         return SYS_SUCCESS;
     } catch (const std::exception& error) {
         SIMULATOR_LOG(TORU_DBG_ERROR, "%s (not changed)", error.what());
-        return simulator::kNotChanged;
+        return binding::kNotChanged;
     }
 }
 
 }  // namespace
 
 int sys_cellularDataConnect(int /*reserved*/) {
-    return simulator::WithDevice(
+    return binding::WithDevice(
         0, [](const Device& device) { return SetStatus(device.cellularDataConnect, kConnected); });
 }
 
 int sys_cellularDataDisconnect(int /*reserved*/) {
-    return simulator::WithDevice(0, [](const Device& device) {
+    return binding::WithDevice(0, [](const Device& device) {
         return SetStatus(device.cellularDataDisconnect, kDisconnected);
     });
 }

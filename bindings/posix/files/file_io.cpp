@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -78,4 +78,4 @@ void ThrowSystemError(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-namespace simulator {
+namespace binding {
 
 /// Owns a file descriptor.
 class FileDescriptor {
@@ -45,4 +45,4 @@ std::string ReadFile(const std::string& path, FileStamp& stamp);
 /// An error of the last system call on @p what, to be thrown.
 [[noreturn]] void ThrowSystemError(const std::string& what);
 
-}  // namespace simulator
+}  // namespace binding

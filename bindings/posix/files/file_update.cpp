@@ -13,7 +13,7 @@
 
 #include "bindings/posix/files/file_io.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -134,4 +134,4 @@ void UpdateFile(const std::string& path, MissingFile missing,
     directory.Synchronise();
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-namespace simulator {
+namespace binding {
 
 /// What to do about a file that does not exist.
 enum class MissingFile {
@@ -23,4 +23,4 @@ enum class MissingFile {
 void UpdateFile(const std::string& path, MissingFile missing,
                 const std::function<std::string(const std::string&)>& change);
 
-}  // namespace simulator
+}  // namespace binding

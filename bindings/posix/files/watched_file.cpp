@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-namespace simulator {
+namespace binding {
 
 bool IsSettled(const FileStamp& stamp, std::chrono::nanoseconds now) {
     // That of vfat, the coarsest.
@@ -36,4 +36,4 @@ std::optional<WatchedFile::Reading> WatchedFile::ReadIfChanged(const std::string
     return reading;
 }
 
-}  // namespace simulator
+}  // namespace binding

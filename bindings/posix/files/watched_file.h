@@ -7,7 +7,7 @@
 
 #include "bindings/posix/files/file_io.h"
 
-namespace simulator {
+namespace binding {
 
 /// Whether a file with this stamp, read at @p now (since the epoch), cannot change any more without
 /// getting another one. Two changes within one tick of the file system's clock leave the same
@@ -36,4 +36,4 @@ class WatchedFile {
     bool settled = false;
 };
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -152,4 +152,4 @@ std::string_view LogLine::Finish() {
     return {text.data(), length + 1};
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace simulator {
+namespace binding {
 
 /// Builds a line in place: a head, a message and notes. Allocates nothing and takes no lock; small
 /// enough for the stack of a signal handler. Whatever is added, the line is valid UTF-8 without
@@ -57,4 +57,4 @@ class LogLine {
     std::size_t head = 0;
 };
 
-}  // namespace simulator
+}  // namespace binding

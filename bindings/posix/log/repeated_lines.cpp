@@ -4,7 +4,7 @@
 #include <csignal>
 #include <utility>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -155,4 +155,4 @@ void SetLogClock(RepeatedLines::TimePoint (*clock)()) {
     logClock = clock;
 }
 
-}  // namespace simulator
+}  // namespace binding

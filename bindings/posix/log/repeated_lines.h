@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace simulator {
+namespace binding {
 
 /// Lets a line through at once, and the same line at most once a minute after that, with the number
 /// of times that it stands for. One that has not come for a minute is new again. Remembers the
@@ -72,4 +72,4 @@ unsigned int CountLine(RepeatedLines& lines, std::string_view line, bool isFailu
 RepeatedLines::TimePoint LogTime();
 void SetLogClock(RepeatedLines::TimePoint (*clock)());
 
-}  // namespace simulator
+}  // namespace binding

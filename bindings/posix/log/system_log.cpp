@@ -10,7 +10,7 @@
 #include "bindings/posix/log/log_line.h"
 #include "bindings/posix/log/repeated_lines.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -83,4 +83,4 @@ void CheckSystemLog() {
     }
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -3,7 +3,7 @@
 
 #include <cstdarg>
 
-namespace simulator {
+namespace binding {
 
 /// Sends a line of the program @p name with a syslog @p priority to the system log. A failure that
 /// comes again is held back when @p holdsRepeats. Unlike syslog(3) it takes no locks, and waits for
@@ -20,4 +20,4 @@ void EndSystemLog();
 /// Tells the debug log when KESTAL_SYSLOG names no socket.
 void CheckSystemLog();
 
-}  // namespace simulator
+}  // namespace binding

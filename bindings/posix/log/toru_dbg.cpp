@@ -34,7 +34,7 @@ std::atomic<const char*> programName = nullptr;
 /// There was room for the beginning of the last line only.
 std::atomic<bool> endsInHalfALine = false;
 
-constinit simulator::RepeatedLines repeats;
+constinit binding::RepeatedLines repeats;
 
 const char* ProgramName() {
     const char* name = programName.load();
@@ -127,7 +127,7 @@ void Write(std::string_view line) {
 }
 
 void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds age) {
-    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    binding::LogLine line = binding::LogLine::ForDebugLog(ProgramName());
     line.Append(message);
     line.NoteHeld(count, age);
     Write(line.Finish());
@@ -140,9 +140,8 @@ bool HoldsRepeats() {
 
 /// How many lines @p message of @p level stands for; 0 when it is held back.
 unsigned int Count(int level, std::string_view message) {
-    return HoldsRepeats()
-               ? simulator::CountLine(repeats, message, level == TORU_DBG_ERROR, TellHeld)
-               : 1;
+    return HoldsRepeats() ? binding::CountLine(repeats, message, level == TORU_DBG_ERROR, TellHeld)
+                          : 1;
 }
 
 /// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for
@@ -150,7 +149,7 @@ unsigned int Count(int level, std::string_view message) {
 [[gnu::noinline, gnu::format(printf, 2, 0)]] void WriteLine(int level, const char* format,
                                                             std::va_list arguments) {
     const int callersError = errno;
-    simulator::LogLine line = simulator::LogLine::ForDebugLog(ProgramName());
+    binding::LogLine line = binding::LogLine::ForDebugLog(ProgramName());
     errno = callersError;
     line.Append(format, arguments);
     const unsigned int count = Count(level, line.Message());
@@ -164,8 +163,8 @@ unsigned int Count(int level, std::string_view message) {
 /// Also at an exit without toru_dbg_stop, such as that of a signal handler.
 [[gnu::destructor]] void TellAllHeld() {
     const int callersError = errno;
-    repeats.End(simulator::LogTime(), TellHeld);
-    simulator::EndSystemLog();
+    repeats.End(binding::LogTime(), TellHeld);
+    binding::EndSystemLog();
     errno = callersError;
 }
 
@@ -176,7 +175,7 @@ int toru_dbg_start(const char* newProgramName) {
     programName = newProgramName;
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
-    simulator::CheckSystemLog();
+    binding::CheckSystemLog();
     return 0;
 }
 
@@ -198,7 +197,7 @@ void toru_dbg_log(const char* /*module*/, int level, const char* format, ...) {
 void toru_dbg_syslog(int priority, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    simulator::SendToSystemLog(ProgramName(), priority, HoldsRepeats(), format, arguments);
+    binding::SendToSystemLog(ProgramName(), priority, HoldsRepeats(), format, arguments);
     va_end(arguments);
 }
 

@@ -7,21 +7,21 @@
 #include <mutex>
 #include <vector>
 
-#include "bindings/device/codes.h"
 #include "bindings/log.h"
 #include "bindings/posix/files/watched_file.h"
+#include "bindings/posix/session/session_codes.h"
 #include "bindings/posix/session/session_store.h"
 
 namespace {
 
-using simulator::Session;
+using binding::Session;
 
 /// The sessions of this moment, read again when the store has changed.
 class StoredSessions {
   public:
     std::shared_ptr<const std::vector<Session>> Current() {
         const std::scoped_lock lock(mutex);
-        const std::string path = simulator::SessionStorePath();
+        const std::string path = binding::SessionStorePath();
         const auto reading = file.ReadIfChanged(path);
         if (!reading) {
             return sessions;
@@ -30,7 +30,7 @@ class StoredSessions {
         std::string problem = reading->missing ? "" : reading->problem;
         try {
             sessions = std::make_shared<const std::vector<Session>>(
-                simulator::ReadSessions(reading->contents));
+                binding::ReadSessions(reading->contents));
         } catch (const std::exception& error) {
             problem = path + ": " + error.what();
         }
@@ -42,7 +42,7 @@ class StoredSessions {
 
   private:
     std::mutex mutex;
-    simulator::WatchedFile file;
+    binding::WatchedFile file;
     std::shared_ptr<const std::vector<Session>> sessions;
 };
 
@@ -53,22 +53,22 @@ StoredSessions& TheSessions() {
 
 /// 0 when the caller has a live session.
 int Check(const std::string& sessionId, const webui_addr_t& address, const std::string& userAgent) {
-    const std::string digest = simulator::DigestOf(sessionId);
+    const std::string digest = binding::DigestOf(sessionId);
     const auto sessions = TheSessions().Current();
     const auto found = std::find_if(
         sessions->begin(), sessions->end(),
-        [&](const Session& session) { return simulator::SameDigest(session.digest, digest); });
+        [&](const Session& session) { return binding::SameDigest(session.digest, digest); });
     if (found == sessions->end()) {
-        return simulator::kSessionUnknown;
+        return binding::kSessionUnknown;
     }
-    const std::string addressText = simulator::AddressText(address);
+    const std::string addressText = binding::AddressText(address);
     if (addressText.empty() || addressText != found->address) {
-        return simulator::kSessionOtherAddress;
+        return binding::kSessionOtherAddress;
     }
-    if (!simulator::SameDigest(found->userAgentDigest, simulator::DigestOf(userAgent))) {
-        return simulator::kSessionOtherUserAgent;
+    if (!binding::SameDigest(found->userAgentDigest, binding::DigestOf(userAgent))) {
+        return binding::kSessionOtherUserAgent;
     }
-    return found->IsLive(simulator::Now()) ? 0 : simulator::kSessionExpired;
+    return found->IsLive(binding::Now()) ? 0 : binding::kSessionExpired;
 }
 
 }  // namespace
@@ -86,10 +86,10 @@ int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
     constexpr int kOnlyAsks = 2;
     state->loggedOn = false;
     if (mode != kOnlyAsks) {
-        return simulator::kSessionMode;
+        return binding::kSessionMode;
     }
     if (sessionId.empty()) {
-        return simulator::kSessionUnknown;
+        return binding::kSessionUnknown;
     }
     try {
         const int refusal = Check(sessionId, address, userAgent);
@@ -97,13 +97,13 @@ int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
         return refusal;
     } catch (const std::exception& error) {
         SIMULATOR_LOG(TORU_DBG_ERROR, "session check: %s", error.what());
-        return simulator::kSimulatorFailed;
+        return binding::kSessionCheckFailed;
     }
 }
 
 int AuthSession::LoggedOn(bool& loggedOn) {
     if (!state->loggedOn) {
-        return simulator::kSessionUnknown;
+        return binding::kSessionUnknown;
     }
     loggedOn = true;
     return 0;

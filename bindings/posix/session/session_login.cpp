@@ -14,7 +14,7 @@
 #include "bindings/posix/session/session_store.h"
 #include "platform/cgi_helper.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -93,4 +93,4 @@ void CloseAllSessions() {
     UpdateSessions([](std::vector<Session>& sessions) { sessions.clear(); });
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace simulator {
+namespace binding {
 
 /// Opens a session for a caller from @p address, an IP address, whose user agent is @p userAgent,
 /// and returns its cookie. It ends @p idleSeconds after it was opened or renewed. Throws
@@ -21,4 +21,4 @@ void CloseSession(const std::string& identifier);
 
 void CloseAllSessions();
 
-}  // namespace simulator
+}  // namespace binding

@@ -19,7 +19,7 @@
 #include "bindings/posix/files/file_update.h"
 #include "bindings/simulator/snapshot.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -129,4 +129,4 @@ void UpdateSessions(const std::function<void(std::vector<Session>&)>& change) {
     });
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -10,7 +10,7 @@
 
 #include "platform/webui.h"
 
-namespace simulator {
+namespace binding {
 
 /// One session. Times are in seconds since the epoch.
 struct Session {
@@ -55,4 +55,4 @@ std::vector<Session> LiveSessions();
 /// std::exception, also when the store is damaged, and leaves the store as it is then.
 void UpdateSessions(const std::function<void(std::vector<Session>&)>& change);
 
-}  // namespace simulator
+}  // namespace binding

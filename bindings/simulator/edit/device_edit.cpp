@@ -18,7 +18,7 @@
 #include "bindings/simulator/edit/notification_types.h"
 #include "platform/notification.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -244,4 +244,4 @@ void ClearNotifications(json& document, const std::string& id) {
                list.end());
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -12,7 +12,7 @@
 
 #include "bindings/document/document_error.h"
 
-namespace simulator {
+namespace binding {
 
 /// Changes the document at @p path for every process, in one step, when the simulator's reader
 /// accepts what @p change makes of it. Throws std::runtime_error and what @p change throws, and
@@ -68,4 +68,4 @@ void AddNotification(nlohmann::ordered_json& document, const nlohmann::ordered_j
 /// std::runtime_error for an id that is neither there nor that of a known type.
 void ClearNotifications(nlohmann::ordered_json& document, const std::string& id);
 
-}  // namespace simulator
+}  // namespace binding

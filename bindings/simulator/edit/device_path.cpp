@@ -14,7 +14,7 @@
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/nearest_name.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -191,4 +191,4 @@ std::vector<std::string> AllPaths(const json& document) {
     return paths;
 }
 
-}  // namespace simulator
+}  // namespace binding

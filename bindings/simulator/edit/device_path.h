@@ -7,7 +7,7 @@
 
 #include "bindings/document/document_error.h"
 
-namespace simulator {
+namespace binding {
 
 /// The path that @p text names in @p document. Names are separated by dots, positions in lists
 /// stand in brackets. A name may have dots itself: of the names that an object has, the longest one
@@ -25,4 +25,4 @@ const nlohmann::ordered_json* FindAt(const nlohmann::ordered_json& document, con
 /// The paths of all values of @p document, in its order.
 std::vector<std::string> AllPaths(const nlohmann::ordered_json& document);
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 
 #include "bindings/simulator/edit/nearest_name.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -43,4 +43,4 @@ std::string FileOrInstalled(const std::string& name, const std::filesystem::path
     return name;
 }
 
-}  // namespace simulator
+}  // namespace binding

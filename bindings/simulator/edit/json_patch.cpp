@@ -5,7 +5,7 @@
 
 #include "bindings/document/json_text.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -93,4 +93,4 @@ std::string Patched(const std::string& text, const json& before, const json& aft
     return result;
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -5,7 +5,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-namespace simulator {
+namespace binding {
 
 /// @p value as text: on one line where that fits, otherwise with one member or element a line,
 /// indented by four blanks a level. It begins at column @p column of a line whose own indentation
@@ -18,4 +18,4 @@ std::string Formatted(const nlohmann::ordered_json& value, std::size_t level = 0
 std::string Patched(const std::string& text, const nlohmann::ordered_json& before,
                     const nlohmann::ordered_json& after);
 
-}  // namespace simulator
+}  // namespace binding

@@ -6,7 +6,7 @@
 #include <numeric>
 #include <utility>
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -70,4 +70,4 @@ std::string WithSuggestion(const UnknownName& error) {
     return error.what() + Suggestion(nearest.empty() ? "" : PathText(path));
 }
 
-}  // namespace simulator
+}  // namespace binding

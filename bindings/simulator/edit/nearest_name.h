@@ -6,7 +6,7 @@
 
 #include "bindings/document/document_error.h"
 
-namespace simulator {
+namespace binding {
 
 /// The name of @p known that takes the fewest changes of one letter, or swaps of two neighbours, to
 /// get from @p name, upper and lower case being one; empty when even that one takes as many changes
@@ -19,4 +19,4 @@ std::string Suggestion(const std::string& name);
 /// What @p error says, with the path of the nearest right name.
 std::string WithSuggestion(const UnknownName& error);
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 
 #include "bindings/simulator/edit/nearest_name.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -114,4 +114,4 @@ nlohmann::ordered_json MakeNotification(const std::string& type, const Notificat
     return notification;
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace simulator {
+namespace binding {
 
 /// The names of all known types.
 std::vector<std::string> NotificationTypeNames();
@@ -26,4 +26,4 @@ struct NotificationFields {
 /// @p fields names everything.
 nlohmann::ordered_json MakeNotification(const std::string& type, const NotificationFields& fields);
 
-}  // namespace simulator
+}  // namespace binding

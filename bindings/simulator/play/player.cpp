@@ -6,7 +6,7 @@
 
 #include "bindings/simulator/edit/device_edit.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -106,4 +106,4 @@ bool Play(const Scenario& scenario, const std::string& path, const Pace& pace, C
     return player.WentWell();
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -6,7 +6,7 @@
 
 #include "bindings/simulator/play/scenario.h"
 
-namespace simulator {
+namespace binding {
 
 /// The time that a scenario is played by.
 class Clock {
@@ -44,4 +44,4 @@ struct Pace {
 bool Play(const Scenario& scenario, const std::string& path, const Pace& pace, Clock& clock,
           Audience& audience);
 
-}  // namespace simulator
+}  // namespace binding

@@ -17,7 +17,7 @@
 #include "bindings/simulator/edit/nearest_name.h"
 #include "bindings/simulator/edit/notification_types.h"
 
-namespace simulator {
+namespace binding {
 
 namespace {
 
@@ -462,4 +462,4 @@ void MustSuit(const Scenario& scenario, json document) {
     }
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace simulator {
+namespace binding {
 
 using Milliseconds = std::chrono::duration<std::int64_t, std::milli>;
 
@@ -59,4 +59,4 @@ Scenario ReadScenario(const std::string& file, const std::string& text);
 /// each change whatever its condition, and unless each condition is one that can hold.
 void MustSuit(const Scenario& scenario, nlohmann::ordered_json document);
 
-}  // namespace simulator
+}  // namespace binding

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <ctime>
 
-namespace simulator {
+namespace binding {
 
 WaitingClock::WaitingClock() {
     (void)sigemptyset(&signals);
@@ -35,4 +35,4 @@ bool WaitingClock::WaitUntil(Time time) {
     }
 }
 
-}  // namespace simulator
+}  // namespace binding

@@ -5,7 +5,7 @@
 
 #include "bindings/simulator/play/player.h"
 
-namespace simulator {
+namespace binding {
 
 /// Runs as time does and ends the playing at SIGINT, SIGTERM or SIGHUP. These signals are taken
 /// only while it waits, so that no change is interrupted. For the only thread of a process.
@@ -20,4 +20,4 @@ class WaitingClock : public Clock {
     sigset_t signals{};
 };
 
-}  // namespace simulator
+}  // namespace binding

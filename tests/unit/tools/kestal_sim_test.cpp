@@ -196,7 +196,7 @@ TEST_F(SimCommand, TakesAnEmptyTextForNothingRatherThanForAll) {
     EXPECT_EQ(Run("logout ''"),
               "2 kestal-sim: COOKIE: expected what login printed, found nothing\n"
               "Try 'kestal-sim --help'.\n");
-    EXPECT_EQ(simulator::LiveSessions().size(), 1U);
+    EXPECT_EQ(binding::LiveSessions().size(), 1U);
 }
 
 TEST_F(SimCommand, NotifiesAndClears) {
@@ -215,23 +215,23 @@ TEST_F(SimCommand, NotifiesAndClears) {
 TEST_F(SimCommand, LogsInAndOut) {
     const std::string first = Run("login --user-agent me --address ::ffff:10.0.0.1 --idle 7");
     EXPECT_THAT(first, MatchesRegex("0 torusess=[0-9a-f]+\n"));
-    auto sessions = simulator::LiveSessions();
+    auto sessions = binding::LiveSessions();
     ASSERT_EQ(sessions.size(), 1U);
     EXPECT_EQ(sessions[0].address, "10.0.0.1");
-    EXPECT_EQ(sessions[0].userAgentDigest, simulator::DigestOf("me"));
+    EXPECT_EQ(sessions[0].userAgentDigest, binding::DigestOf("me"));
     EXPECT_EQ(sessions[0].idleSeconds, 7);
-    EXPECT_EQ(sessions[0].digest, simulator::DigestOf(first.substr(11, 64)));
+    EXPECT_EQ(sessions[0].digest, binding::DigestOf(first.substr(11, 64)));
 
     EXPECT_THAT(Run("login"), StartsWith("0 torusess="));
     EXPECT_EQ(Run("logout " + first.substr(2, 73)), "0 ");
-    sessions = simulator::LiveSessions();
+    sessions = binding::LiveSessions();
     ASSERT_EQ(sessions.size(), 1U);
     EXPECT_EQ(sessions[0].address, "127.0.0.1");
     EXPECT_EQ(sessions[0].idleSeconds, 600);
     EXPECT_EQ(Run("logout " + first.substr(11, 64)), "1 kestal-sim: no such session\n");
 
     EXPECT_EQ(Run("logout"), "0 ");
-    EXPECT_TRUE(simulator::LiveSessions().empty());
+    EXPECT_TRUE(binding::LiveSessions().empty());
 }
 
 TEST_F(SimCommand, TakesTheDeviceThatItIsGiven) {

@@ -1,4 +1,4 @@
-// No exception of the simulator reaches its callers, which are C functions.
+// No exception of a binding reaches its callers, which are C functions.
 #include <new>
 #include <stdexcept>
 
@@ -8,21 +8,21 @@
 
 namespace {
 
-using simulator::kSimulatorFailed;
-using simulator::kWebuiCodeBase;
+using binding::kBindingFailed;
+using binding::kWebuiCodeBase;
 using ::testing::ElementsAre;
 
 class GuardedCall : public SimulatedDevice {};
 
 TEST_F(GuardedCall, ReturnsItsOwnCode) {
-    EXPECT_EQ(simulator::Guarded(kWebuiCodeBase, [] { return 42; }), 42);
+    EXPECT_EQ(binding::Guarded(kWebuiCodeBase, [] { return 42; }), 42);
     EXPECT_TRUE(Log().empty());
 }
 
 TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
     const auto fail = []() -> int { throw std::runtime_error("out of order"); };
-    EXPECT_EQ(simulator::Guarded(0, fail), kSimulatorFailed);
-    EXPECT_EQ(simulator::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kSimulatorFailed);
+    EXPECT_EQ(binding::Guarded(0, fail), kBindingFailed);
+    EXPECT_EQ(binding::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kBindingFailed);
     toru_dbg_stop();
     EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - out of order",
                                    "[SIMULATOR]:[ERROR] - out of order [1 times, last 0 s ago]"));
@@ -30,9 +30,9 @@ TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
 
 TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsOneToo) {
     Document("{}");
-    EXPECT_EQ(simulator::WithDevice(
-                  0, [](const simulator::Device& /*device*/) -> int { throw std::bad_alloc(); }),
-              kSimulatorFailed);
+    EXPECT_EQ(binding::WithDevice(
+                  0, [](const binding::Device& /*device*/) -> int { throw std::bad_alloc(); }),
+              kBindingFailed);
 }
 
 }  // namespace

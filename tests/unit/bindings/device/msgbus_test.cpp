@@ -156,24 +156,24 @@ TEST_F(Msgbus, ChannelsFailAsTold) {
 TEST_F(Msgbus, UnnamedChannelsAreNotSimulated) {
     for (const std::string document : {"{}", R"({"msgbus": {}})", R"({"msgbus": {"other": []}})"}) {
         Document(document);
-        ExpectFailure(kNotifications, simulator::kNotSimulated);
+        ExpectFailure(kNotifications, binding::kNotAnswered);
     }
 }
 
 TEST_F(Msgbus, WithoutADocumentEveryChannelFails) {
-    ExpectFailure(kNotifications, simulator::kNoDocument);
+    ExpectFailure(kNotifications, binding::kNoDevice);
 }
 
 TEST_F(Msgbus, MustBeJoined) {
     Channel("[]");
     MsgbusHandler other(nullptr);
     unsigned int size = kUntouched;
-    EXPECT_EQ(other.GetData(kNotifications, nullptr, size), simulator::kBusNotJoined);
+    EXPECT_EQ(other.GetData(kNotifications, nullptr, size), binding::kBusNotJoined);
     EXPECT_EQ(size, kUntouched);
     EXPECT_EQ(other.Initialize(), MSGBUS_SUCCESS);
     EXPECT_EQ(other.GetData(kNotifications, nullptr, size), MSGBUS_BUFFER_NEEDED);
     EXPECT_EQ(other.Uninitialize(), MSGBUS_SUCCESS);
-    EXPECT_EQ(other.GetData(kNotifications, nullptr, size), simulator::kBusNotJoined);
+    EXPECT_EQ(other.GetData(kNotifications, nullptr, size), binding::kBusNotJoined);
     EXPECT_EQ(bus.GetData(kNotifications, nullptr, size), MSGBUS_BUFFER_NEEDED)
         << "each client joins for itself";
 }

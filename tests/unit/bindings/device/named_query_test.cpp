@@ -10,8 +10,8 @@
 
 namespace {
 
-using simulator::kNoDocument;
-using simulator::kNotSimulated;
+using binding::kNoDevice;
+using binding::kNotAnswered;
 
 struct NamedQuery {
     const char* name;
@@ -68,23 +68,23 @@ TEST_P(NamedQueries, EveryNameFailsTogether) {
 TEST_P(NamedQueries, UnknownNamesAreNotSimulated) {
     Entry(R"({"ssid": 1})");
     for (const char* name : {"SSID", "ssi", "ssid2", ""}) {
-        ExpectAnswer(name, kNotSimulated, 9);
+        ExpectAnswer(name, kNotAnswered, 9);
     }
     Entry("{}");
-    ExpectAnswer("ssid", kNotSimulated, 9);
+    ExpectAnswer("ssid", kNotAnswered, 9);
     Document("{}");
-    ExpectAnswer("ssid", kNotSimulated, 9);
+    ExpectAnswer("ssid", kNotAnswered, 9);
 }
 
 TEST_P(NamedQueries, NoNameAtAllIsNotSimulated) {
     Entry(R"({"ssid": 1, "": 2})");
-    ExpectAnswer(nullptr, kNotSimulated, 9);
+    ExpectAnswer(nullptr, kNotAnswered, 9);
     Document("{}");
-    ExpectAnswer(nullptr, kNotSimulated, 9);
+    ExpectAnswer(nullptr, kNotAnswered, 9);
 }
 
 TEST_P(NamedQueries, FailWithoutADocument) {
-    ExpectAnswer("ssid", kNoDocument, 9);
+    ExpectAnswer("ssid", kNoDevice, 9);
 }
 
 TEST_P(NamedQueries, AreAnObjectOfIntegers) {

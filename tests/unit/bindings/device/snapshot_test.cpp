@@ -64,10 +64,10 @@ TEST_F(Snapshot, IsTheNewestOutsideASession) {
 
 TEST_F(Snapshot, IsReadAgainOnlyWhenTheFileHasChanged) {
     SimStatus(1);
-    const auto first = simulator::CurrentDevice();
-    EXPECT_EQ(simulator::CurrentDevice(), first);
+    const auto first = binding::CurrentDevice();
+    EXPECT_EQ(binding::CurrentDevice(), first);
     SimStatus(1);
-    EXPECT_NE(simulator::CurrentDevice(), first);
+    EXPECT_NE(binding::CurrentDevice(), first);
 }
 
 TEST_F(Snapshot, NoticesAChangeInPlaceOfTheSameSizeAtTheSameTime) {
@@ -122,15 +122,15 @@ TEST_F(Snapshot, LastGoodOneStaysWhenTheFileVanishes) {
 }
 
 TEST_F(Snapshot, AFileThatNeverExistedIsLoggedOnce) {
-    EXPECT_EQ(simulator::CurrentDevice(), nullptr);
-    EXPECT_EQ(simulator::CurrentDevice(), nullptr);
+    EXPECT_EQ(binding::CurrentDevice(), nullptr);
+    EXPECT_EQ(binding::CurrentDevice(), nullptr);
     EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - " + device.string() +
                                    ": No such file or directory (no device)"));
 }
 
 TEST_F(Snapshot, IsReadFromRegularFilesOnly) {
     ASSERT_EQ(mkfifo(device.c_str(), 0600), 0);
-    EXPECT_EQ(simulator::CurrentDevice(), nullptr);
+    EXPECT_EQ(binding::CurrentDevice(), nullptr);
     EXPECT_THAT(Log(), ElementsAre(::testing::HasSubstr("not a regular file")));
 }
 
@@ -138,12 +138,12 @@ TEST_F(Snapshot, AnotherDocumentIsAnotherDevice) {
     SimStatus(1);
     EXPECT_EQ(SimStatus(), 1);
     environment.Set("KESTAL_DEVICE", directory / "other.json");
-    EXPECT_EQ(simulator::CurrentDevice(), nullptr);
+    EXPECT_EQ(binding::CurrentDevice(), nullptr);
 }
 
 TEST_F(Snapshot, WithoutAVariableTheInstalledDocumentIsUsed) {
     environment.Unset("KESTAL_DEVICE");
-    EXPECT_THAT(simulator::DevicePath(), ::testing::EndsWith("/kestal/devices/default.json"));
+    EXPECT_THAT(binding::DevicePath(), ::testing::EndsWith("/kestal/devices/default.json"));
 }
 
 TEST_F(Snapshot, MayBeReadByThreads) {

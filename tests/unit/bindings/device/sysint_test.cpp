@@ -11,8 +11,8 @@
 
 namespace {
 
-using simulator::kNoDocument;
-using simulator::kNotSimulated;
+using binding::kNoDevice;
+using binding::kNotAnswered;
 
 class Sysint : public SimulatedDevice {
   protected:
@@ -49,32 +49,32 @@ class Sysint : public SimulatedDevice {
 
 TEST_F(Sysint, NamedQueriesAnswer) {
 #define EXPECT_QUERY(Type, name) ExpectAnswer(&sys_##name, #name);
-    SIMULATOR_SYSINT_QUERIES(EXPECT_QUERY)
+    SYSINT_QUERIES(EXPECT_QUERY)
 #undef EXPECT_QUERY
     EXPECT_TRUE(Log().empty());
 }
 
 TEST_F(Sysint, UnnamedQueriesFailAndWriteNothing) {
     Document("{}");
-#define EXPECT_QUERY(Type, name) ExpectFailure(&sys_##name, kNotSimulated, #name);
-    SIMULATOR_SYSINT_QUERIES(EXPECT_QUERY)
+#define EXPECT_QUERY(Type, name) ExpectFailure(&sys_##name, kNotAnswered, #name);
+    SYSINT_QUERIES(EXPECT_QUERY)
 #undef EXPECT_QUERY
     std::array<std::uint8_t, SYS_SIM_CARRIER_GID_SIZE> gid{9};
     std::uint8_t length = 9;
-    EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 1), kNotSimulated);
+    EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 1), kNotAnswered);
     EXPECT_EQ(gid[0], 9);
     EXPECT_EQ(length, 9);
     int first = 9;
     int second = 9;
-    EXPECT_EQ(sys_getCellular5GBand(&first, &second), kNotSimulated);
-    EXPECT_EQ(sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_2_4_GHZ, &first), kNotSimulated);
+    EXPECT_EQ(sys_getCellular5GBand(&first, &second), kNotAnswered);
+    EXPECT_EQ(sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_2_4_GHZ, &first), kNotAnswered);
     int third = 9;
-    EXPECT_EQ(sys_getModemMnsInfo(&first, &second, &third), kNotSimulated);
+    EXPECT_EQ(sys_getModemMnsInfo(&first, &second, &third), kNotAnswered);
     EXPECT_EQ(first, 9);
     EXPECT_EQ(second, 9);
     EXPECT_EQ(third, 9);
     unsigned int count = 9;
-    EXPECT_EQ(sys_getConnectedDeviceList(nullptr, &count), kNotSimulated);
+    EXPECT_EQ(sys_getConnectedDeviceList(nullptr, &count), kNotAnswered);
     EXPECT_EQ(count, 9U);
 }
 
@@ -82,7 +82,7 @@ TEST_F(Sysint, QueriesFailAsToldAndWriteNothing) {
 #define EXPECT_QUERY(Type, name)     \
     Entry(#name, "{\"error\": 42}"); \
     ExpectFailure(&sys_##name, 42, #name);
-    SIMULATOR_SYSINT_QUERIES(EXPECT_QUERY);
+    SYSINT_QUERIES(EXPECT_QUERY);
 #undef EXPECT_QUERY
 }
 
@@ -101,9 +101,9 @@ TEST_F(Sysint, ShippedDocumentIsAWorkingHotspot) {
 
 TEST_F(Sysint, WithoutADocumentEverythingFails) {
     int value = 9;
-    EXPECT_EQ(sys_sdkInitialize(), kNoDocument);
-    EXPECT_EQ(sys_getSIMStatus(&value), kNoDocument);
-    EXPECT_EQ(sys_cellularDataConnect(0), kNoDocument);
+    EXPECT_EQ(sys_sdkInitialize(), kNoDevice);
+    EXPECT_EQ(sys_getSIMStatus(&value), kNoDevice);
+    EXPECT_EQ(sys_cellularDataConnect(0), kNoDevice);
     EXPECT_EQ(value, 9);
 }
 
@@ -127,7 +127,7 @@ TEST_F(Sysint, GroupIdentifierComesWithItsLength) {
     EXPECT_EQ(gid[2], 255);
     EXPECT_EQ(gid[3], 9) << "nothing is written behind the identifier";
     EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 1), 6);
-    EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 2), kNotSimulated);
+    EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 2), kNotAnswered);
 }
 
 TEST_F(Sysint, NrBandComesWithTheSecond) {
@@ -187,7 +187,7 @@ TEST_F(Sysint, GuestProfilesAnswerEachForItself) {
     EXPECT_EQ(sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_5_GHZ, &enabled), 0);
     EXPECT_EQ(enabled, 1);
     Entry("getWiFiGuestProfileEnabled", "1");
-    EXPECT_EQ(sys_getWiFiGuestProfileEnabled(3, &enabled), kNotSimulated);
+    EXPECT_EQ(sys_getWiFiGuestProfileEnabled(3, &enabled), kNotAnswered);
 }
 
 TEST_F(Sysint, DeviceListTellsItsSizeFirst) {

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int kNotSimulated = simulator::kWebuiCodeBase + simulator::kNotSimulated;
-constexpr int kNoDocument = simulator::kWebuiCodeBase + simulator::kNoDocument;
+constexpr int kNotAnswered = binding::kWebuiCodeBase + binding::kNotAnswered;
+constexpr int kNoDevice = binding::kWebuiCodeBase + binding::kNoDevice;
 
 class Webui : public SimulatedDevice {
   protected:
@@ -80,27 +80,27 @@ TEST_F(Webui, UnnamedCallsFailAndWriteNothing) {
             "appConfigurations": {"sms": {}}, "uriData": {}, "externalUriData": {},
             "softwareUpdateCustomMsgs": {"fr_FR": {}}}})"}) {
         Document(document);
-        ExpectAtOnce<webui_feature_t>(webui_get_common_features, kNotSimulated, 9);
-        ExpectAtOnce<webui_configuration_t>(webui_get_common_configurations, kNotSimulated, 9);
-        ExpectAtOnce<webui_feature_t>(kStatusFeatures, kNotSimulated, 9);
-        ExpectAtOnce<webui_configuration_t>(kStatusConfigurations, kNotSimulated, 9);
+        ExpectAtOnce<webui_feature_t>(webui_get_common_features, kNotAnswered, 9);
+        ExpectAtOnce<webui_configuration_t>(webui_get_common_configurations, kNotAnswered, 9);
+        ExpectAtOnce<webui_feature_t>(kStatusFeatures, kNotAnswered, 9);
+        ExpectAtOnce<webui_configuration_t>(kStatusConfigurations, kNotAnswered, 9);
         webui_uri_data_t page{"before", "before"};
-        EXPECT_EQ(webui_get_uri_data("sms", &page), kNotSimulated);
+        EXPECT_EQ(webui_get_uri_data("sms", &page), kNotAnswered);
         EXPECT_STREQ(page.address, "before");
         webui_external_uri_data_t external{"", "before"};
-        EXPECT_EQ(webui_get_external_uri_data("help", &external), kNotSimulated);
+        EXPECT_EQ(webui_get_external_uri_data("help", &external), kNotAnswered);
         EXPECT_STREQ(external.address, "before");
         webui_i18n_settings_t settings{"before"};
-        EXPECT_EQ(webui_get_i18n_settings(&settings), kNotSimulated);
+        EXPECT_EQ(webui_get_i18n_settings(&settings), kNotAnswered);
         EXPECT_STREQ(settings.language, "before");
         webui_software_update_status_t status{7, 7, 7, "before"};
-        EXPECT_EQ(webui_get_software_update_status(&status), kNotSimulated);
+        EXPECT_EQ(webui_get_software_update_status(&status), kNotAnswered);
         EXPECT_STREQ(status.version, "before");
         int duration = 9;
-        EXPECT_EQ(webui_get_software_installation_duration(&duration), kNotSimulated);
+        EXPECT_EQ(webui_get_software_installation_duration(&duration), kNotAnswered);
         EXPECT_EQ(duration, 9);
         SoftwareUpdateCustomMessages messages{"before", "", "", "", "before"};
-        EXPECT_EQ(webui_get_software_update_custom_msgs("de_DE", &messages), kNotSimulated);
+        EXPECT_EQ(webui_get_software_update_custom_msgs("de_DE", &messages), kNotAnswered);
         EXPECT_STREQ(messages.description, "before");
         EXPECT_STREQ(messages.installFail, "before");
     }
@@ -186,9 +186,9 @@ TEST_F(Webui, SoftwareUpdateIsDelivered) {
 }
 
 TEST_F(Webui, WithoutADocumentEverythingFails) {
-    ExpectAtOnce<webui_feature_t>(webui_get_common_features, kNoDocument, 9);
+    ExpectAtOnce<webui_feature_t>(webui_get_common_features, kNoDevice, 9);
     webui_i18n_settings_t settings{};
-    EXPECT_EQ(webui_get_i18n_settings(&settings), kNoDocument);
+    EXPECT_EQ(webui_get_i18n_settings(&settings), kNoDevice);
 }
 
 TEST_F(Webui, SharesTheSnapshotOfTheSession) {

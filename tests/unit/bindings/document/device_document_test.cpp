@@ -10,7 +10,7 @@
 
 namespace {
 
-using simulator::Device;
+using binding::Device;
 
 TEST(DeviceDocument, MayBeEmpty) {
     EXPECT_EQ(Complaint("{}"), "");
@@ -22,7 +22,7 @@ TEST(DeviceDocument, ShippedOneAnswersEveryQuery) {
     std::ifstream file(KESTAL_SHIPPED_DEVICES "/default.json");
     const Device device = Read({std::istreambuf_iterator<char>(file), {}});
 #define EXPECT_ANSWER(Type, name) EXPECT_TRUE(device.name.named&& device.name.error == 0) << #name;
-    SIMULATOR_SYSINT_QUERIES(EXPECT_ANSWER)
+    SYSINT_QUERIES(EXPECT_ANSWER)
 #undef EXPECT_ANSWER
     EXPECT_TRUE(device.getSIMCarrierGID.At(1).named);
     EXPECT_TRUE(device.getModemMnsInfo.named);
@@ -31,7 +31,7 @@ TEST(DeviceDocument, ShippedOneAnswersEveryQuery) {
     EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ).named);
     EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_5_GHZ).named);
 #define EXPECT_ANSWERS(name) EXPECT_TRUE(device.name.named&& device.name.error == 0) << #name;
-    SIMULATOR_SYSINT_NAMED_QUERIES(EXPECT_ANSWERS)
+    SYSINT_NAMED_QUERIES(EXPECT_ANSWERS)
 #undef EXPECT_ANSWERS
     EXPECT_TRUE(device.commonFeatures.named);
     EXPECT_TRUE(device.appFeatures.named);

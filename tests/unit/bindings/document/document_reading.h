@@ -6,8 +6,8 @@
 
 #include "bindings/document/device_reader.h"
 
-inline simulator::Device Read(const std::string& text) {
-    return simulator::ReadDevice("device.json", text);
+inline binding::Device Read(const std::string& text) {
+    return binding::ReadDevice("device.json", text);
 }
 
 /// What is said about a document; empty when it is right.

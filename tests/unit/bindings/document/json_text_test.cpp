@@ -8,8 +8,8 @@
 
 namespace {
 
-using simulator::FindValue;
-using simulator::WithMember;
+using binding::FindValue;
+using binding::WithMember;
 
 std::string WithStatus(const std::string& text, const std::string& value) {
     return WithMember(text, {"sys"}, "status", value);
@@ -66,19 +66,19 @@ TEST(JsonText, DoesNotEndAtANul) {
     using std::string_literals::operator""s;
     for (const std::string& text : {"{}\n\0"s, "{}\n\0{\"sys\": ["s, "{}\n\0\0\0\0"s}) {
         try {
-            simulator::ParseStrictly(text);
+            binding::ParseStrictly(text);
             FAIL() << "accepted";
-        } catch (const simulator::SyntaxError& error) {
+        } catch (const binding::SyntaxError& error) {
             EXPECT_EQ(error.Place(), "2:1");
             EXPECT_STREQ(error.what(), "expected the end of the document, found a NUL");
         }
     }
-    EXPECT_THROW(simulator::ParseStrictly("\0"s), simulator::SyntaxError);
+    EXPECT_THROW(binding::ParseStrictly("\0"s), binding::SyntaxError);
 }
 
 TEST(JsonText, PathsReadLikeCode) {
-    EXPECT_EQ(simulator::PathText({"sys", "list", std::size_t{2}, "kind"}), "sys.list[2].kind");
-    EXPECT_EQ(simulator::PathText({}), "");
+    EXPECT_EQ(binding::PathText({"sys", "list", std::size_t{2}, "kind"}), "sys.list[2].kind");
+    EXPECT_EQ(binding::PathText({}), "");
 }
 
 }  // namespace

@@ -21,14 +21,14 @@
 
 namespace {
 
-using simulator::SetMaintenanceClock;
-using simulator::SteadyClock;
+using binding::SetMaintenanceClock;
+using binding::SteadyClock;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using testing::ElementsAre;
 
 /// Time passes when the test says so.
-class PlayedClock : public simulator::MaintenanceClock {
+class PlayedClock : public binding::MaintenanceClock {
   public:
     void Wait(milliseconds interval, const std::stop_token& stop) override {
         std::unique_lock lock(mutex);

@@ -86,7 +86,7 @@ TEST_F(DataCall, DoesNotOverwriteADamagedDocument) {
     EXPECT_EQ(sys_sdkInitialize(), 0);
     for (const std::string damaged : {"{\"sys\": {\"getSIMStatus\": \"x\"}}", "{", ""}) {
         Document(damaged);
-        EXPECT_EQ(sys_cellularDataConnect(0), simulator::kNotChanged);
+        EXPECT_EQ(sys_cellularDataConnect(0), binding::kNotChanged);
         EXPECT_EQ(ReadFile(device), damaged);
     }
     EXPECT_EQ(Log().size(), 3U);
@@ -96,7 +96,7 @@ TEST_F(DataCall, DoesNotBringAVanishedDocumentBack) {
     Document("{}");
     EXPECT_EQ(sys_sdkInitialize(), 0);
     std::filesystem::remove(device);
-    EXPECT_EQ(sys_cellularDataConnect(0), simulator::kNotChanged);
+    EXPECT_EQ(sys_cellularDataConnect(0), binding::kNotChanged);
     EXPECT_FALSE(std::filesystem::exists(device));
 }
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-using simulator::Device;
+using binding::Device;
 
 std::string TextOf(const std::filesystem::path& path) {
     std::ifstream file(path);
@@ -31,7 +31,7 @@ std::vector<int> Codes(const Device& device) {
         codes.push_back(answer.named ? answer.error : -1);
     };
 #define ADD_CODE(Type, name) add(device.name);
-    SIMULATOR_SYSINT_QUERIES(ADD_CODE)
+    SYSINT_QUERIES(ADD_CODE)
 #undef ADD_CODE
     add(device.getModemMnsInfo);
     add(device.getCellular5GBand);
@@ -40,7 +40,7 @@ std::vector<int> Codes(const Device& device) {
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ));
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_5_GHZ));
 #define ADD_CODES(name) add(device.name);
-    SIMULATOR_SYSINT_NAMED_QUERIES(ADD_CODES)
+    SYSINT_NAMED_QUERIES(ADD_CODES)
 #undef ADD_CODES
     add(device.commonFeatures);
     add(device.appFeatures);

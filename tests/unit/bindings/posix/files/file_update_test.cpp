@@ -13,8 +13,8 @@
 
 namespace {
 
-using simulator::MissingFile;
-using simulator::UpdateFile;
+using binding::MissingFile;
+using binding::UpdateFile;
 
 class FileUpdate : public SimulatedDevice {
   protected:

@@ -5,8 +5,8 @@
 
 namespace {
 
-using simulator::FileStamp;
-using simulator::IsSettled;
+using binding::FileStamp;
+using binding::IsSettled;
 using std::chrono::nanoseconds;
 using std::chrono::seconds;
 
@@ -36,7 +36,7 @@ TEST(SettledStamp, MayTellThatThereIsNoFile) {
 class WatchedFileTest : public SimulatedDevice {};
 
 TEST_F(WatchedFileTest, ContentsAreReportedOncePerChange) {
-    simulator::WatchedFile file;
+    binding::WatchedFile file;
     for (const std::string contents : {"one", "two", "two"}) {
         Document(contents);
         const auto reading = file.ReadIfChanged(device);

@@ -371,13 +371,13 @@ class DebugLogOfAFaultThatStays : public DebugLog {
   protected:
     DebugLogOfAFaultThatStays() {
         now = {};
-        simulator::SetLogClock([] { return now; });
+        binding::SetLogClock([] { return now; });
     }
-    ~DebugLogOfAFaultThatStays() override { simulator::SetLogClock(nullptr); }
+    ~DebugLogOfAFaultThatStays() override { binding::SetLogClock(nullptr); }
 
     static void Fail(int code) { toru_dbg_log("M", TORU_DBG_ERROR, "call failed [%d]", code); }
 
-    static inline simulator::RepeatedLines::TimePoint now;
+    static inline binding::RepeatedLines::TimePoint now;
 };
 
 TEST_F(DebugLogOfAFaultThatStays, HasALineAtOnceAndThenOneForAMinute) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-using simulator::RepeatedLines;
+using binding::RepeatedLines;
 using std::chrono::seconds;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

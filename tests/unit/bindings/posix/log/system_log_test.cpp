@@ -77,7 +77,7 @@ class SystemLog : public SimulatedDevice {
 
     /// Leaves no room for another line.
     void Fill() const {
-        while (simulator::SendDatagram(path, "filler") == 0) {
+        while (binding::SendDatagram(path, "filler") == 0) {
         }
     }
 
@@ -211,15 +211,15 @@ TEST_F(SystemLog, GetsEveryLineThatIsNoFailure) {
 }
 
 TEST_F(SystemLog, GetsTheRestWithAnyLineAfterTheMinute) {
-    static simulator::RepeatedLines::TimePoint now;
-    simulator::SetLogClock([] { return now; });
+    static binding::RepeatedLines::TimePoint now;
+    binding::SetLogClock([] { return now; });
     const Receiver log(path);
     Fail();
     Fail();
     log.Drain();
     now += std::chrono::seconds(100);
     toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "[M]:[NOTICE] - connecting");
-    simulator::SetLogClock(nullptr);
+    binding::SetLogClock(nullptr);
     EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed [1 times, last 100 s ago]");
     EXPECT_EQ(log.Next(), Head() + "[M]:[NOTICE] - connecting");
 }

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "bindings/device/codes.h"
+#include "bindings/posix/session/session_codes.h"
 #include "bindings/posix/session/session_store.h"
 #include "platform/cgi_helper.h"
 #include "tests/support/scratch.h"
@@ -34,10 +34,10 @@ class AuthSessions : public SimulatedDevice {
     /// A store with one session, renewed @p age seconds ago, idle time @p idle.
     void Store(const std::string& id, std::int64_t age = 0, std::int64_t idle = 60,
                const std::string& address = "192.168.1.2") const {
-        const std::string renewed = std::to_string(simulator::Now() - age);
-        WriteFile(store, R"({"sessions": [{"digest": ")" + simulator::DigestOf(id) +
+        const std::string renewed = std::to_string(binding::Now() - age);
+        WriteFile(store, R"({"sessions": [{"digest": ")" + binding::DigestOf(id) +
                              R"(", "address": ")" + address + R"(", "userAgentDigest": ")" +
-                             simulator::DigestOf("browser") + R"(", "opened": )" + renewed +
+                             binding::DigestOf("browser") + R"(", "opened": )" + renewed +
                              R"(, "renewed": )" + renewed + R"(, "idleSeconds": )" +
                              std::to_string(idle) + "}]}");
     }
@@ -72,47 +72,47 @@ TEST_F(AuthSessions, LoggedOnNeedsASuccessfulInit) {
 
 TEST_F(AuthSessions, EachPartMustMatch) {
     Store("id");
-    EXPECT_EQ(Init("other"), simulator::kSessionUnknown);
-    EXPECT_EQ(Init("ID"), simulator::kSessionUnknown);
-    EXPECT_EQ(Init("id", "192.168.1.3"), simulator::kSessionOtherAddress);
-    EXPECT_EQ(Init("id", "::1"), simulator::kSessionOtherAddress);
-    EXPECT_EQ(Init("id", "192.168.1.2", "robot"), simulator::kSessionOtherUserAgent);
-    EXPECT_EQ(Init("id", "192.168.1.2", ""), simulator::kSessionOtherUserAgent);
-    EXPECT_EQ(Init("id", "192.168.1.2", "browser", 1), simulator::kSessionMode);
+    EXPECT_EQ(Init("other"), binding::kSessionUnknown);
+    EXPECT_EQ(Init("ID"), binding::kSessionUnknown);
+    EXPECT_EQ(Init("id", "192.168.1.3"), binding::kSessionOtherAddress);
+    EXPECT_EQ(Init("id", "::1"), binding::kSessionOtherAddress);
+    EXPECT_EQ(Init("id", "192.168.1.2", "robot"), binding::kSessionOtherUserAgent);
+    EXPECT_EQ(Init("id", "192.168.1.2", ""), binding::kSessionOtherUserAgent);
+    EXPECT_EQ(Init("id", "192.168.1.2", "browser", 1), binding::kSessionMode);
     EXPECT_EQ(Init("id"), 0);
 }
 
 TEST_F(AuthSessions, AddressOfNoFamilyIsNobodys) {
     Store("id", 0, 60, "");
     EXPECT_EQ(AuthSession().Init("id", webui_addr_t{}, "browser", kOnlyAsks),
-              simulator::kSessionOtherAddress);
+              binding::kSessionOtherAddress);
 }
 
 TEST_F(AuthSessions, EmptyIdentifierIsUnknownAndTouchesNoFile) {
     WriteFile(store, "damaged");
-    EXPECT_EQ(Init(""), simulator::kSessionUnknown);
+    EXPECT_EQ(Init(""), binding::kSessionUnknown);
     EXPECT_TRUE(Log().empty());
 }
 
 TEST_F(AuthSessions, LongAndBinaryIdentifiersAreUnknown) {
     Store("id");
-    EXPECT_EQ(Init(std::string(65536, 'x')), simulator::kSessionUnknown);
-    EXPECT_EQ(Init(std::string("id\0", 3)), simulator::kSessionUnknown);
-    EXPECT_EQ(Init("\xff\xfe"), simulator::kSessionUnknown);
+    EXPECT_EQ(Init(std::string(65536, 'x')), binding::kSessionUnknown);
+    EXPECT_EQ(Init(std::string("id\0", 3)), binding::kSessionUnknown);
+    EXPECT_EQ(Init("\xff\xfe"), binding::kSessionUnknown);
 }
 
 TEST_F(AuthSessions, SessionsExpireWhenIdle) {
     Store("id", 59, 600);
     EXPECT_EQ(Init("id"), 0);
     Store("id", 61, 60);
-    EXPECT_EQ(Init("id"), simulator::kSessionExpired);
+    EXPECT_EQ(Init("id"), binding::kSessionExpired);
     Store("id", -3600, 60);
-    EXPECT_EQ(Init("id"), simulator::kSessionExpired) << "the clock was set back";
+    EXPECT_EQ(Init("id"), binding::kSessionExpired) << "the clock was set back";
 }
 
 TEST_F(AuthSessions, SessionsLiveAtLeastTheirIdleTime) {
     // Renewed late in second 100 and idle for 2 seconds: live until late in second 102.
-    simulator::Session session;
+    binding::Session session;
     session.renewed = 100;
     session.idleSeconds = 2;
     EXPECT_FALSE(session.IsLive(99));
@@ -131,13 +131,13 @@ TEST_F(AuthSessions, AskingRenewsNothing) {
 TEST_F(AuthSessions, MappedAddressesCountAsTheirIpv4Address) {
     Store("id");
     EXPECT_EQ(Init("id", "::ffff:192.168.1.2"), 0);
-    EXPECT_EQ(Init("id", "::192.168.1.2"), simulator::kSessionOtherAddress);
+    EXPECT_EQ(Init("id", "::192.168.1.2"), binding::kSessionOtherAddress);
     Store("id", 0, 60, "fe80::1");
     EXPECT_EQ(Init("id", "fe80:0::0:1"), 0);
 }
 
 TEST_F(AuthSessions, NoStoreMeansNobodyAndIsNoFault) {
-    EXPECT_EQ(Init("id"), simulator::kSessionUnknown);
+    EXPECT_EQ(Init("id"), binding::kSessionUnknown);
     EXPECT_TRUE(Log().empty());
 }
 
@@ -145,10 +145,10 @@ TEST_F(AuthSessions, ChangedStoreIsReadAgain) {
     Store("id");
     EXPECT_EQ(Init("id"), 0);
     Store("other");
-    EXPECT_EQ(Init("id"), simulator::kSessionUnknown);
+    EXPECT_EQ(Init("id"), binding::kSessionUnknown);
     EXPECT_EQ(Init("other"), 0);
     std::filesystem::remove(store);
-    EXPECT_EQ(Init("other"), simulator::kSessionUnknown);
+    EXPECT_EQ(Init("other"), binding::kSessionUnknown);
 }
 
 TEST_F(AuthSessions, DamagedStoreMeansNobodyAndIsLoggedOnce) {
@@ -162,8 +162,8 @@ TEST_F(AuthSessions, DamagedStoreMeansNobodyAndIsLoggedOnce) {
         EXPECT_EQ(Init("id"), 0);
         const std::size_t before = Log().size();
         WriteFile(store, damaged);
-        EXPECT_EQ(Init("id"), simulator::kSessionUnknown);
-        EXPECT_EQ(Init("id"), simulator::kSessionUnknown);
+        EXPECT_EQ(Init("id"), binding::kSessionUnknown);
+        EXPECT_EQ(Init("id"), binding::kSessionUnknown);
         ASSERT_EQ(Log().size(), before + 1) << damaged;
         EXPECT_THAT(Log().back(), HasSubstr("(nobody is logged in)"));
     }
@@ -171,17 +171,17 @@ TEST_F(AuthSessions, DamagedStoreMeansNobodyAndIsLoggedOnce) {
 
 TEST_F(AuthSessions, StoreMayBeElsewhere) {
     environment.Set("KESTAL_SESSIONS", directory / "elsewhere");
-    EXPECT_EQ(simulator::SessionStorePath(), directory / "elsewhere");
+    EXPECT_EQ(binding::SessionStorePath(), directory / "elsewhere");
     environment.Unset("KESTAL_SESSIONS");
-    EXPECT_EQ(simulator::SessionStorePath(), store);
+    EXPECT_EQ(binding::SessionStorePath(), store);
 }
 
 TEST_F(AuthSessions, DigestIsSha256) {
-    EXPECT_EQ(simulator::DigestOf("abc"),
+    EXPECT_EQ(binding::DigestOf("abc"),
               "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
-    EXPECT_TRUE(simulator::SameDigest("ab", "ab"));
-    EXPECT_FALSE(simulator::SameDigest("ab", "aB"));
-    EXPECT_FALSE(simulator::SameDigest("ab", "abc"));
+    EXPECT_TRUE(binding::SameDigest("ab", "ab"));
+    EXPECT_FALSE(binding::SameDigest("ab", "aB"));
+    EXPECT_FALSE(binding::SameDigest("ab", "abc"));
 }
 
 }  // namespace

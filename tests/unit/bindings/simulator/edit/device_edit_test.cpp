@@ -14,15 +14,15 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::AddNotification;
-using simulator::ChangeDevice;
-using simulator::ClearNotifications;
-using simulator::FailCall;
-using simulator::FailingCallOn;
-using simulator::HealCall;
-using simulator::KeyPath;
-using simulator::MoveNumber;
-using simulator::SetValue;
+using binding::AddNotification;
+using binding::ChangeDevice;
+using binding::ClearNotifications;
+using binding::FailCall;
+using binding::FailingCallOn;
+using binding::HealCall;
+using binding::KeyPath;
+using binding::MoveNumber;
+using binding::SetValue;
 
 const KeyPath kStatus = {"sys", "getSIMStatus"};
 const KeyPath kPercent = {"sys", "getBatteryStatus", "chargePercent"};
@@ -165,7 +165,7 @@ TEST(HealCall, RestoresEveryKindOfCall) {
              {{"msgbus", "zelt.ans.notifications"}, R"({"bytes":"00ff"})"}}) {
         const KeyPath& call = each.first;
         const std::string& value = each.second;
-        SCOPED_TRACE(simulator::PathText(call) + " " + value);
+        SCOPED_TRACE(binding::PathText(call) + " " + value);
         json before = json::object();
         SetValue(before, call, json::parse(value));
         const std::string failing =
@@ -195,7 +195,7 @@ TEST(HealCall, RefusesWhatItCannotRestore) {
     EXPECT_EQ(Refusal([&] { HealCall(document, kStatus); }),
               "sys.getSIMStatus: what it answered before it failed is not in the document; set its "
               "value");
-    EXPECT_THROW(HealCall(document, {"sys", "getSIMState"}), simulator::UnknownName);
+    EXPECT_THROW(HealCall(document, {"sys", "getSIMState"}), binding::UnknownName);
 }
 
 TEST(MadeToFail, ChangesAreOfWhatTheCallWillAnswer) {
@@ -240,7 +240,7 @@ TEST(MadeToFail, WhatIsKeptIsCheckedLikeAnAnswer) {
 }
 
 TEST(MadeToFail, TheCallFailsWithTheCodeAndHasNoValue) {
-    const simulator::Device device = Read(R"({"sys":{"getSIMStatus":{"error":5,"healed":7},
+    const binding::Device device = Read(R"({"sys":{"getSIMStatus":{"error":5,"healed":7},
         "getSIMCarrierGID":{"error":6,"healed":{"0":[1]}}}})");
     EXPECT_TRUE(device.getSIMStatus.named);
     EXPECT_EQ(device.getSIMStatus.error, 5);
@@ -250,7 +250,7 @@ TEST(MadeToFail, TheCallFailsWithTheCodeAndHasNoValue) {
 }
 
 json Notification(const std::string& type) {
-    return simulator::MakeNotification(type, {});
+    return binding::MakeNotification(type, {});
 }
 
 TEST(Notifications, AreAddedAndReplaced) {
@@ -273,10 +273,10 @@ TEST(Notifications, AreTakenAway) {
     }
     ClearNotifications(document, "noService");
     ClearNotifications(document, "smsReceived");
-    EXPECT_EQ(simulator::Notifications(document),
+    EXPECT_EQ(binding::Notifications(document),
               json::array({Notification("dataOff"), Notification("PCO3")}));
     ClearNotifications(document, "");
-    EXPECT_EQ(simulator::Notifications(document), json::array());
+    EXPECT_EQ(binding::Notifications(document), json::array());
     EXPECT_EQ(Refusal([&] { ClearNotifications(document, "noServices"); }),
               "there is no notification 'noServices'; did you mean noService?");
 }
@@ -293,7 +293,7 @@ TEST(Notifications, OfAFailingChannelAreThoseThatItWillHave) {
     FailCall(document, {"msgbus", "zelt.ans.notifications"}, 8);
     AddNotification(document, Notification("dataOff"));
     HealCall(document, {"msgbus", "zelt.ans.notifications"});
-    EXPECT_EQ(simulator::Notifications(document), json::array({Notification("dataOff")}));
+    EXPECT_EQ(binding::Notifications(document), json::array({Notification("dataOff")}));
 }
 
 TEST(Notifications, AreRefusedWhereTheChannelHoldsOtherBytes) {

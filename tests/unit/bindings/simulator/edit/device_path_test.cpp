@@ -10,10 +10,10 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::AllPaths;
-using simulator::FindAt;
-using simulator::KeyPath;
-using simulator::ResolvePath;
+using binding::AllPaths;
+using binding::FindAt;
+using binding::KeyPath;
+using binding::ResolvePath;
 using ::testing::ElementsAre;
 
 const json& Document() {
@@ -28,7 +28,7 @@ const json& Document() {
 /// What is said about a path.
 std::string Complaint(const std::string& text) {
     try {
-        simulator::MustBeKnown(Document(), ResolvePath(text, Document()));
+        binding::MustBeKnown(Document(), ResolvePath(text, Document()));
         return "";
     } catch (const std::runtime_error& error) {
         return error.what();

@@ -7,7 +7,7 @@
 
 namespace {
 
-using simulator::FileOrInstalled;
+using binding::FileOrInstalled;
 
 class InstalledFile : public SimulatedDevice {
   protected:

@@ -8,8 +8,8 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::Formatted;
-using simulator::Patched;
+using binding::Formatted;
+using binding::Patched;
 
 /// The text after a change of its document.
 template <typename Change>

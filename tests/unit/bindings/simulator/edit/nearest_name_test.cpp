@@ -5,10 +5,10 @@
 
 namespace {
 
-using simulator::NearestName;
-using simulator::Suggestion;
-using simulator::UnknownName;
-using simulator::WithSuggestion;
+using binding::NearestName;
+using binding::Suggestion;
+using binding::UnknownName;
+using binding::WithSuggestion;
 
 TEST(NearestName, TakesTheFewestChanges) {
     const std::vector<std::string> known = {"getSIMStatus", "getGPSStatus", "getNumSims"};

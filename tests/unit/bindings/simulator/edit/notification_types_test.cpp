@@ -12,8 +12,8 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::MakeNotification;
-using simulator::NotificationTypeNames;
+using binding::MakeNotification;
+using binding::NotificationTypeNames;
 
 TEST(NotificationTypes, HaveAllThatAPageShows) {
     EXPECT_EQ(MakeNotification("deviceJoinWiFi", {}).dump(),

@@ -9,15 +9,15 @@
 
 namespace {
 
-using simulator::Milliseconds;
-using simulator::Pace;
-using simulator::ReadScenario;
-using simulator::Scenario;
+using binding::Milliseconds;
+using binding::Pace;
+using binding::ReadScenario;
+using binding::Scenario;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// Time passes when somebody waits for it.
-class FakeClock : public simulator::Clock {
+class FakeClock : public binding::Clock {
   public:
     Time Now() override { return now; }
 
@@ -40,7 +40,7 @@ class FakeClock : public simulator::Clock {
 };
 
 /// Notes what is told and when by the clock, in milliseconds.
-class Notebook : public simulator::Audience {
+class Notebook : public binding::Audience {
   public:
     explicit Notebook(FakeClock& newClock) : clock(newClock), begin(newClock.now) {}
 
@@ -80,7 +80,7 @@ class Playing : public SimulatedDevice {
     }
 
     bool Play(const Scenario& scenario, Pace pace = {}) {
-        return simulator::Play(scenario, device, pace, clock, notebook);
+        return binding::Play(scenario, device, pace, clock, notebook);
     }
 
     FakeClock clock;

@@ -10,9 +10,9 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::Milliseconds;
-using simulator::ReadScenario;
-using simulator::Scenario;
+using binding::Milliseconds;
+using binding::ReadScenario;
+using binding::Scenario;
 using ::testing::ElementsAre;
 using ::testing::Pair;
 

@@ -15,7 +15,7 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-using simulator::Scenario;
+using binding::Scenario;
 
 std::string TextOf(const std::filesystem::path& path) {
     std::ifstream file(path);
@@ -25,7 +25,7 @@ std::string TextOf(const std::filesystem::path& path) {
 Scenario Shipped(const std::string& name) {
     const std::filesystem::path path =
         std::filesystem::path(KESTAL_SHIPPED_SCENARIOS) / (name + ".json");
-    return simulator::ReadScenario(path, TextOf(path));
+    return binding::ReadScenario(path, TextOf(path));
 }
 
 json Device() {
@@ -38,7 +38,7 @@ json Played(const std::string& name, json document) {
     for (const auto& [time, instant] : scenario.instants) {
         EXPECT_NO_THROW({
             instant.Apply(document);
-            simulator::MustBeGood(document);
+            binding::MustBeGood(document);
         }) << name
            << " at " << time.count();
     }

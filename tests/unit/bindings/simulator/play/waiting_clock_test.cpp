@@ -10,7 +10,7 @@
 
 namespace {
 
-using simulator::WaitingClock;
+using binding::WaitingClock;
 
 /// Runs @p test in a thread of its own, whose signals the clock blocks.
 template <typename Test>
