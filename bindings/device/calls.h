@@ -19,7 +19,7 @@ int Guarded(int codeBase, Call call) noexcept {
     try {
         return call();
     } catch (const std::exception& error) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "%s", error.what());
+        BINDING_LOG(TORU_DBG_ERROR, "%s", error.what());
         return codeBase + kBindingFailed;
     }
 }

@@ -58,7 +58,7 @@ CgiHelper* CgiHelper::GetInstance() {
         try {
             theHelper = new CgiHelper;
         } catch (const std::exception& error) {
-            SIMULATOR_LOG(TORU_DBG_ERROR, "CgiHelper: %s", error.what());
+            BINDING_LOG(TORU_DBG_ERROR, "CgiHelper: %s", error.what());
         }
     }
     return theHelper;

@@ -15,6 +15,6 @@ void LanguageSupport::SetTextDomainProperties(const std::string& textDomain,
             nullptr ||
         bind_textdomain_codeset(textDomain.c_str(), codeSet.c_str()) == nullptr ||
         textdomain(textDomain.c_str()) == nullptr) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "text domain %s cannot be set", textDomain.c_str());
+        BINDING_LOG(TORU_DBG_ERROR, "text domain %s cannot be set", textDomain.c_str());
     }
 }

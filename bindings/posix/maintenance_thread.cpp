@@ -37,9 +37,9 @@ void Notify(MaintenanceThreadCallbackInterface& callback) {
     try {
         callback.OnThreadNotify(0);
     } catch (const std::exception& error) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
+        BINDING_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
     } catch (...) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: unknown exception");
+        BINDING_LOG(TORU_DBG_ERROR, "maintenance thread: unknown exception");
     }
 }
 
@@ -106,7 +106,7 @@ int MaintenanceThread::Run() {
             });
         return 0;
     } catch (const std::exception& error) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
+        BINDING_LOG(TORU_DBG_ERROR, "maintenance thread: %s", error.what());
         return EAGAIN;
     }
 }

@@ -13,8 +13,8 @@ namespace {
 int Notify(const char* state) {
     const int error = binding::NotifyServiceManager(state);
     if (error != 0) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "watchdog: %s not delivered, error %d (%s)", state, error,
-                      std::strerror(error));
+        BINDING_LOG(TORU_DBG_ERROR, "watchdog: %s not delivered, error %d (%s)", state, error,
+                    std::strerror(error));
     }
     return error;
 }
@@ -24,8 +24,8 @@ int Notify(const char* state) {
 int watchdog_application_register(const char* name, int registerFlag) {
     const bool registers = registerFlag == WATCHDOG_REGISTER;
     if (!binding::HasServiceManager()) {
-        SIMULATOR_LOG(TORU_DBG_NOTICE, "watchdog: %s %s", name,
-                      registers ? "registered" : "unregistered");
+        BINDING_LOG(TORU_DBG_NOTICE, "watchdog: %s %s", name,
+                    registers ? "registered" : "unregistered");
         return 0;
     }
     if (!registers) {
@@ -38,7 +38,7 @@ int watchdog_application_register(const char* name, int registerFlag) {
 
 int watchdog_application_send_keep_alive(const char* name) {
     if (!binding::HasServiceManager()) {
-        SIMULATOR_LOG(TORU_DBG_NOTICE, "watchdog: keep-alive from %s", name);
+        BINDING_LOG(TORU_DBG_NOTICE, "watchdog: keep-alive from %s", name);
         return 0;
     }
     return Notify("WATCHDOG=1");

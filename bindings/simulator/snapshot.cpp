@@ -4,8 +4,8 @@
 #include <mutex>
 
 #include "bindings/document/device_reader.h"
-#include "bindings/log.h"
 #include "bindings/posix/files/watched_file.h"
+#include "bindings/simulator/log.h"
 
 namespace binding {
 

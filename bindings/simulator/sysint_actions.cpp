@@ -6,6 +6,7 @@
 #include "bindings/document/device_reader.h"
 #include "bindings/document/json_text.h"
 #include "bindings/posix/files/file_update.h"
+#include "bindings/simulator/log.h"
 #include "platform/sysint.h"
 
 using binding::Device;

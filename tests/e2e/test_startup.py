@@ -22,7 +22,7 @@ def test_the_start_is_logged_before_the_first_request(make_responder):
         rf"process ID:{responder.pid}\.",
         messages[0],
     )
-    assert "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered" in messages
+    assert "[BINDING]:[NOTICE] - watchdog: kestal.cgi registered" in messages
 
 
 @pytest.mark.parametrize("first", ["/usr/bin/kestal.cgi", "kestal.cgi", "./kestal.cgi", "//x//kestal.cgi"])
@@ -30,7 +30,7 @@ def test_the_program_name_is_the_base_name_of_the_first_argument(make_responder,
     responder = make_responder().start([first])
     responder.ask("/srv/x")
     messages = responder.log.messages()
-    assert "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered" in messages
+    assert "[BINDING]:[NOTICE] - watchdog: kestal.cgi registered" in messages
     assert (
         "[KESTAL_CGI]:[INFO] - int get_service_api(FCGX_ParamArray) - kestal.cgi /srv/x request received"
         in messages
@@ -50,8 +50,8 @@ def test_the_level_of_the_log_is_5_when_none_is_set(make_responder):
     messages = responder.log.messages()
     assert messages[0].startswith("[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Process Start with pthread ID:")
     assert messages[1:] == [
-        "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered",
-        "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi unregistered",
+        "[BINDING]:[NOTICE] - watchdog: kestal.cgi registered",
+        "[BINDING]:[NOTICE] - watchdog: kestal.cgi unregistered",
         "[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Server Terminating.",
     ]
 
@@ -117,5 +117,5 @@ def assert_ends_by_itself(responder, command, **arguments):
     assert run.returncode == 0
     messages = responder.log.messages()
     assert f"{DEBUG}int fastcgi_main_loop() END returning 0" in messages
-    assert "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi unregistered" in messages
+    assert "[BINDING]:[NOTICE] - watchdog: kestal.cgi unregistered" in messages
     assert "[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Server Terminating." in messages

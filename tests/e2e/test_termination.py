@@ -13,7 +13,7 @@ DEBUG = "[KESTAL_CGI]:[DEBUG] - "
 TERMINATION = [
     f"{DEBUG}int KeepAliveHandler::Shutdown() - BEGIN",
     f"{DEBUG}int KeepAliveHandler::Shutdown() - Unregistering kestal.cgi with watchdog",
-    "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi unregistered",
+    "[BINDING]:[NOTICE] - watchdog: kestal.cgi unregistered",
     f"{DEBUG}int KeepAliveHandler::Shutdown() - END returning 0",
     f"{DEBUG}KESTAL_CGI Server Terminating",
 ]

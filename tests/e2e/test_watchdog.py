@@ -32,7 +32,7 @@ def test_without_a_service_manager_the_watchdog_shows_in_the_log(make_responder)
     assert messages[begin + 1 : begin + 4] == [
         f"[KESTAL_CGI]:[INFO] - {NOTIFY} - Watchdog timer event. lighttpd alive ( and kicking ). "
         "Sending keep alive message",
-        "[SIMULATOR]:[NOTICE] - watchdog: keep-alive from kestal.cgi",
+        "[BINDING]:[NOTICE] - watchdog: keep-alive from kestal.cgi",
         f"[KESTAL_CGI]:[DEBUG] - {NOTIFY} - END returning 0",
     ]
 
@@ -73,7 +73,7 @@ def test_a_watchdog_that_goes_is_missed_and_one_that_comes_back_is_fed_again(mak
     assert first.next().startswith("READY=1")
     first.close()
     (work / "coming-and-going.sock").unlink()
-    responder.log.wait_for("[SIMULATOR]:[ERROR] - watchdog: WATCHDOG=1 not delivered")
+    responder.log.wait_for("[BINDING]:[ERROR] - watchdog: WATCHDOG=1 not delivered")
     assert responder.ask().status == 200
 
     second = Watchdog(work / "coming-and-going.sock")

@@ -75,11 +75,10 @@ void EndSystemLog() {
 
 void CheckSystemLog() {
     if (CheckSocketName(SocketName()) != 0) {
-        SIMULATOR_LOG(
-            TORU_DBG_ERROR,
-            "KESTAL_SYSLOG: expected a path from the root or \"@\" and a name, at most 107 "
-            "bytes, found \"%s\" (lines for the system log are lost)",
-            SocketName());
+        BINDING_LOG(TORU_DBG_ERROR,
+                    "KESTAL_SYSLOG: expected a path from the root or \"@\" and a name, at most 107 "
+                    "bytes, found \"%s\" (lines for the system log are lost)",
+                    SocketName());
     }
 }
 

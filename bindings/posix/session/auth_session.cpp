@@ -35,7 +35,7 @@ class StoredSessions {
             problem = path + ": " + error.what();
         }
         if (!problem.empty()) {
-            SIMULATOR_LOG(TORU_DBG_ERROR, "%s (nobody is logged in)", problem.c_str());
+            BINDING_LOG(TORU_DBG_ERROR, "%s (nobody is logged in)", problem.c_str());
         }
         return sessions;
     }
@@ -96,7 +96,7 @@ int AuthSession::Init(const std::string& sessionId, webui_addr_t address,
         state->loggedOn = refusal == 0;
         return refusal;
     } catch (const std::exception& error) {
-        SIMULATOR_LOG(TORU_DBG_ERROR, "session check: %s", error.what());
+        BINDING_LOG(TORU_DBG_ERROR, "session check: %s", error.what());
         return binding::kSessionCheckFailed;
     }
 }

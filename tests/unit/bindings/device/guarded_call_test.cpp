@@ -24,8 +24,8 @@ TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
     EXPECT_EQ(binding::Guarded(0, fail), kBindingFailed);
     EXPECT_EQ(binding::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kBindingFailed);
     toru_dbg_stop();
-    EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - out of order",
-                                   "[SIMULATOR]:[ERROR] - out of order [1 times, last 0 s ago]"));
+    EXPECT_THAT(Log(), ElementsAre("[BINDING]:[ERROR] - out of order",
+                                   "[BINDING]:[ERROR] - out of order [1 times, last 0 s ago]"));
 }
 
 TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsOneToo) {

@@ -241,8 +241,8 @@ TEST_F(MaintenanceThreadTest, FailingCallbackIsLoggedAndTheThreadGoesOn) {
     callback.WaitForCalls(1);
     EXPECT_EQ(thread.Shutdown(), 0);
     EXPECT_EQ(round, 3);
-    EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - maintenance thread: out of order",
-                                   "[SIMULATOR]:[ERROR] - maintenance thread: unknown exception"));
+    EXPECT_THAT(Log(), ElementsAre("[BINDING]:[ERROR] - maintenance thread: out of order",
+                                   "[BINDING]:[ERROR] - maintenance thread: unknown exception"));
 }
 
 TEST(MaintenanceThreadCallback, OfTheBaseDoesNothing) {

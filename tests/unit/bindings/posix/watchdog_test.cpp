@@ -82,7 +82,7 @@ TEST_F(Watchdog, FailuresAreReportedAndLogged) {
     environment.Set("NOTIFY_SOCKET", "/" + std::string(200, 'x'));
     EXPECT_EQ(watchdog_application_register("kestal.cgi", WATCHDOG_UNREGISTER), ENAMETOOLONG);
     EXPECT_THAT(Log(),
-                ElementsAre(HasSubstr("[SIMULATOR]:[ERROR] - watchdog: WATCHDOG=1 not delivered"),
+                ElementsAre(HasSubstr("[BINDING]:[ERROR] - watchdog: WATCHDOG=1 not delivered"),
                             HasSubstr("READY=1"), HasSubstr("STOPPING=1 not delivered")));
 }
 
@@ -101,9 +101,9 @@ TEST_F(Watchdog, IsVisibleInTheLogWithoutAServiceManager) {
     EXPECT_EQ(watchdog_application_register("kestal.cgi", WATCHDOG_REGISTER), 0);
     EXPECT_EQ(watchdog_application_send_keep_alive("kestal.cgi"), 0);
     EXPECT_EQ(watchdog_application_register("kestal.cgi", WATCHDOG_UNREGISTER), 0);
-    EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi registered",
-                                   "[SIMULATOR]:[NOTICE] - watchdog: keep-alive from kestal.cgi",
-                                   "[SIMULATOR]:[NOTICE] - watchdog: kestal.cgi unregistered"));
+    EXPECT_THAT(Log(), ElementsAre("[BINDING]:[NOTICE] - watchdog: kestal.cgi registered",
+                                   "[BINDING]:[NOTICE] - watchdog: keep-alive from kestal.cgi",
+                                   "[BINDING]:[NOTICE] - watchdog: kestal.cgi unregistered"));
 }
 
 }  // namespace

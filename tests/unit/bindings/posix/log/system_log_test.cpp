@@ -242,7 +242,7 @@ TEST_F(SystemLog, ThatIsNoSocketIsRefusedAloud) {
         (void)toru_dbg_start("kestal.cgi");
         ASSERT_FALSE(Log().empty());
         EXPECT_EQ(Log().back(),
-                  "[SIMULATOR]:[ERROR] - KESTAL_SYSLOG: expected a path from the root or \"@\" and "
+                  "[BINDING]:[ERROR] - KESTAL_SYSLOG: expected a path from the root or \"@\" and "
                   "a name, at most 107 bytes, found \"" +
                       name + "\" (lines for the system log are lost)");
     }
