@@ -2,11 +2,11 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "bindings/device/snapshot.h"
 #include "bindings/document/device_reader.h"
-#include "bindings/document/json_text.h"
+#include "bindings/posix/json/json_text.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
-#include "bindings/simulator/snapshot.h"
 #include "components/status/status_component.h"
 #include "components/systemservice/service_api.h"
 #include "components/systemservice/system_service_component.h"

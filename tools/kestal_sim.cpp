@@ -14,10 +14,11 @@
 #include <string>
 #include <vector>
 
-#include "bindings/document/json_text.h"
 #include "bindings/posix/files/file_io.h"
 #include "bindings/posix/files/file_update.h"
+#include "bindings/posix/json/json_text.h"
 #include "bindings/posix/session/session_login.h"
+#include "bindings/simulator/device_file.h"
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/installed_file.h"
@@ -27,7 +28,6 @@
 #include "bindings/simulator/play/player.h"
 #include "bindings/simulator/play/scenario.h"
 #include "bindings/simulator/play/waiting_clock.h"
-#include "bindings/simulator/snapshot.h"
 
 namespace {
 

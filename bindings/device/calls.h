@@ -7,8 +7,8 @@
 
 #include "bindings/device/codes.h"
 #include "bindings/device/device.h"
+#include "bindings/device/snapshot.h"
 #include "bindings/log.h"
-#include "bindings/simulator/snapshot.h"
 
 namespace binding {
 

@@ -1,33 +1,14 @@
-// What is wrong with a document, and where.
+// What is wrong with a value of a document, and where.
 #pragma once
 
-#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
+#include "bindings/posix/json/json_text.h"
+
 namespace binding {
-
-/// The way to a value: names in objects, positions in lists.
-using KeyPath = std::vector<std::variant<std::string, std::size_t>>;
-
-/// The path as people write it: sys.getConnectedDeviceList[2].connectionKind
-std::string PathText(const KeyPath& path);
-
-/// The document is no JSON, or names something twice.
-class SyntaxError : public std::runtime_error {
-  public:
-    /// @p newPlace is "line" or "line:column".
-    SyntaxError(std::string newPlace, const std::string& what)
-        : std::runtime_error(what), place(std::move(newPlace)) {}
-
-    const std::string& Place() const { return place; }
-
-  private:
-    std::string place;
-};
 
 /// A value is not what it must be.
 class ValueError : public std::runtime_error {

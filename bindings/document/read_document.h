@@ -5,7 +5,7 @@
 #include <string>
 
 #include "bindings/document/document_error.h"
-#include "bindings/document/json_text.h"
+#include "bindings/posix/json/json_text.h"
 
 namespace binding {
 

@@ -12,7 +12,7 @@ namespace binding {
 
 namespace {
 
-/// Nobody writes such a document by hand; anything larger is the wrong file.
+/// Nobody writes such a file by hand; anything larger is the wrong file.
 constexpr off_t kLargestFile = off_t{4} * 1024 * 1024;
 
 std::int64_t Nanoseconds(const timespec& time) {

@@ -12,12 +12,11 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <utility>
 
-#include "bindings/document/json_text.h"
-#include "bindings/document/node.h"
 #include "bindings/posix/files/file_io.h"
 #include "bindings/posix/files/file_update.h"
-#include "bindings/simulator/snapshot.h"
+#include "bindings/posix/json/json_text.h"
 
 namespace binding {
 
@@ -43,11 +42,11 @@ std::vector<Session> OnlyLive(const std::string& store) {
 }
 
 std::int64_t Seconds(const nlohmann::ordered_json& entry, const char* name) {
-    const auto number = NumberOf<std::uint32_t>(entry.at(name));
-    if (!number) {
+    const nlohmann::ordered_json& value = entry.at(name);
+    if (!value.is_number_unsigned() || !std::in_range<std::uint32_t>(value.get<std::uint64_t>())) {
         throw std::runtime_error(std::string(name) + " is not a number of seconds");
     }
-    return *number;
+    return value.get<std::int64_t>();
 }
 
 /// Whether @p bytes begin like an IPv4 address mapped into IPv6.
@@ -60,7 +59,7 @@ bool IsMapped(const std::uint8_t* bytes) {
 
 std::string SessionStorePath() {
     const char* path = std::getenv("KESTAL_SESSIONS");
-    return path == nullptr || *path == '\0' ? DevicePath() + ".sessions" : path;
+    return path == nullptr || *path == '\0' ? DefaultSessionStorePath() : path;
 }
 
 std::int64_t Now() {

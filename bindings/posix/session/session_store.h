@@ -1,5 +1,5 @@
-// The store of web UI sessions: a JSON file beside the device document. It never holds a session
-// identifier, only the identifier's digest.
+// The store of web UI sessions: a JSON file. It never holds a session identifier, only the
+// identifier's digest.
 #pragma once
 
 #include <cstdint>
@@ -27,9 +27,11 @@ struct Session {
     bool IsLive(std::int64_t now) const { return renewed <= now && now - renewed <= idleSeconds; }
 };
 
-/// Path of the store: the environment variable KESTAL_SESSIONS, or the device document's path with
-/// ".sessions" added.
+/// Path of the store: the environment variable KESTAL_SESSIONS, or the binding's default.
 std::string SessionStorePath();
+
+/// Supplied by the binding.
+std::string DefaultSessionStorePath();
 
 /// Seconds since the epoch.
 std::int64_t Now();

@@ -8,10 +8,10 @@
 
 #include "bindings/document/answer_reader.h"
 #include "bindings/document/device_reader.h"
-#include "bindings/document/json_text.h"
 #include "bindings/document/node.h"
 #include "bindings/document/read_document.h"
 #include "bindings/posix/files/file_update.h"
+#include "bindings/posix/json/json_text.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
 #include "bindings/simulator/edit/nearest_name.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "bindings/document/json_text.h"
+#include "bindings/posix/json/json_text.h"
 
 namespace binding {
 

@@ -156,7 +156,7 @@ TEST_F(AuthSessions, DamagedStoreMeansNobodyAndIsLoggedOnce) {
         R"("digest": "", "address": "", "userAgentDigest": "", "opened": 1, "renewed": 1)";
     for (const std::string& damaged :
          {std::string("{"), std::string("[]"), std::string("{\"sessions\": [7]}"),
-          std::string("{\"sessions\": [{}]}"),
+          std::string("{\"sessions\": [{}]}"), std::string("{\"sessions\": []}\0", 17),
           "{\"sessions\": [{" + entry + ", \"idleSeconds\": 1e300}]}"}) {
         Store("id");
         EXPECT_EQ(Init("id"), 0);

@@ -1,5 +1,5 @@
 // Changing one value of a JSON text leaves every other byte as it is.
-#include "bindings/document/json_text.h"
+#include "bindings/posix/json/json_text.h"
 
 #include <gtest/gtest.h>
 

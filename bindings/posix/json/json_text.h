@@ -5,11 +5,32 @@
 #include <cstddef>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <stdexcept>
 #include <string>
-
-#include "bindings/document/document_error.h"
+#include <utility>
+#include <variant>
+#include <vector>
 
 namespace binding {
+
+/// The way to a value: names in objects, positions in lists.
+using KeyPath = std::vector<std::variant<std::string, std::size_t>>;
+
+/// The path as people write it: sys.getConnectedDeviceList[2].connectionKind
+std::string PathText(const KeyPath& path);
+
+/// The document is no JSON, or names something twice.
+class SyntaxError : public std::runtime_error {
+  public:
+    /// @p newPlace is "line" or "line:column".
+    SyntaxError(std::string newPlace, const std::string& what)
+        : std::runtime_error(what), place(std::move(newPlace)) {}
+
+    const std::string& Place() const { return place; }
+
+  private:
+    std::string place;
+};
 
 /// Parses a document in which no object names a member twice and which is not nested too deeply for
 /// the recursion of those who copy it; the order of the members is kept.

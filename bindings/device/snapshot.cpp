@@ -1,11 +1,8 @@
-#include "bindings/simulator/snapshot.h"
+#include "bindings/device/snapshot.h"
 
-#include <cstdlib>
 #include <mutex>
 
-#include "bindings/document/device_reader.h"
-#include "bindings/posix/files/watched_file.h"
-#include "bindings/simulator/log.h"
+#include "bindings/device/device_owner.h"
 
 namespace binding {
 
@@ -15,7 +12,7 @@ class Snapshot {
   public:
     std::shared_ptr<const Device> Begin() {
         const std::scoped_lock lock(mutex);
-        Refresh();
+        device = NewestDevice();
         inSession = true;
         return device;
     }
@@ -28,38 +25,13 @@ class Snapshot {
     std::shared_ptr<const Device> Current() {
         const std::scoped_lock lock(mutex);
         if (!inSession) {
-            Refresh();
+            device = NewestDevice();
         }
         return device;
     }
 
   private:
-    void Refresh() {
-        const std::string newPath = DevicePath();
-        if (newPath != path) {
-            path = newPath;
-            device.reset();
-        }
-        const auto reading = file.ReadIfChanged(path);
-        if (!reading) {
-            return;
-        }
-        std::string problem = reading->problem;
-        if (problem.empty()) {
-            try {
-                device = std::make_shared<const Device>(ReadDevice(path, reading->contents));
-                return;
-            } catch (const std::exception& error) {
-                problem = error.what();
-            }
-        }
-        SIMULATOR_LOG(TORU_DBG_ERROR, "%s (%s)", problem.c_str(),
-                      device ? "keeping the last good device" : "no device");
-    }
-
     std::mutex mutex;
-    std::string path;
-    WatchedFile file;
     std::shared_ptr<const Device> device;
     bool inSession = false;
 };
@@ -75,11 +47,6 @@ Snapshot& TheSnapshot() {
 }
 
 }  // namespace
-
-std::string DevicePath() {
-    const char* path = std::getenv("KESTAL_DEVICE");
-    return path == nullptr || *path == '\0' ? KESTAL_DEFAULT_DEVICE : path;
-}
 
 void BeginSession() {
     sessionDevice = TheSnapshot().Begin();

@@ -1,4 +1,4 @@
-#include "bindings/document/json_text.h"
+#include "bindings/posix/json/json_text.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,0 +1,20 @@
+// Actions of the system-interface SDK.
+#include "bindings/device/calls.h"
+#include "bindings/device/device_owner.h"
+#include "platform/sysint.h"
+
+using binding::Device;
+
+int sys_cellularDataConnect(int /*reserved*/) {
+    return binding::WithDevice(0, [](const Device& device) {
+        const int failure = device.cellularDataConnect;
+        return failure == SYS_SUCCESS ? binding::StartDataCall() : failure;
+    });
+}
+
+int sys_cellularDataDisconnect(int /*reserved*/) {
+    return binding::WithDevice(0, [](const Device& device) {
+        const int failure = device.cellularDataDisconnect;
+        return failure == SYS_SUCCESS ? binding::StopDataCall() : failure;
+    });
+}

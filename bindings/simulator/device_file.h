@@ -1,0 +1,11 @@
+// The document that is the device.
+#pragma once
+
+#include <string>
+
+namespace binding {
+
+/// Path of the device document: the environment variable KESTAL_DEVICE, or the installed default.
+std::string DevicePath();
+
+}  // namespace binding
