@@ -1,32 +1,63 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-/// An argument that a command wants.
+/// An argument that a command takes by its position.
 struct Parameter {
     const char* name = nullptr;
     const char* description = nullptr;
 
     /// Bounds of a number; a parameter without them is a text.
     struct Range {
-        int first;
-        int last;
+        std::int64_t first;
+        std::int64_t last;
     };
     std::optional<Range> range = std::nullopt;
+    /// An optional parameter may be left out, but not given as an empty text: a script whose
+    /// variable is not set does not mean to leave it out.
+    bool isOptional = false;
+};
+
+/// An argument that a command takes by its name.
+struct Option {
+    const char* name = nullptr;  ///< such as "--idle"
+    const char* description = nullptr;
+    /// Name of its value in the help, such as "SECONDS"; null for a switch, which has none.
+    const char* value = nullptr;
+    const char* preset = "";  ///< the value where the option is not given
+    /// The value of an option that is given without one; null where it must be given with one.
+    const char* bare = nullptr;
+    std::optional<Parameter::Range> range = std::nullopt;
+    /// Names of parameters and of earlier options that cannot be given together with this one.
+    std::vector<const char*> excludes = {};
 };
 
 /// The decimal number that @p text is; none when it is something else or out of @p range.
-std::optional<int> NumberIn(const std::string& text, Parameter::Range range);
+std::optional<std::int64_t> NumberIn(const std::string& text, Parameter::Range range);
 
-/// What the caller of a command has given: one text for each of its parameters, already checked
-/// against them, and the command's option.
+/// One argument as the caller has given it.
+struct Argument {
+    std::string name;
+    std::string text = {};  ///< empty or preset where it is not given
+    bool isGiven = false;
+};
+
+/// What the caller has given for a command, checked against what the command takes: its parameters
+/// in their order, then its options.
 struct Arguments {
-    std::vector<std::string> texts;
-    bool option = false;
+    std::vector<Argument> all;
 
-    const char* Text(std::size_t index) const { return texts.at(index).c_str(); }
-    int Number(std::size_t index) const { return std::stoi(texts.at(index)); }
+    const char* Text(std::size_t index) const { return all.at(index).text.c_str(); }
+    std::int64_t Number(std::size_t index) const { return std::stoll(all.at(index).text); }
+
+    // By name; what the command does not take is std::logic_error.
+    const std::string& Value(const std::string& name) const { return Named(name).text; }
+    bool Given(const std::string& name) const { return Named(name).isGiven; }
+
+  private:
+    const Argument& Named(const std::string& name) const;
 };

@@ -126,7 +126,7 @@ void MsgBusGet(const Arguments& arguments, std::ostream& out) {
     const std::string channel = arguments.Text(0);
     BusVisit bus;
     const Block block = ReadChannel(bus, channel);
-    if (arguments.option) {
+    if (arguments.Given("--raw")) {
         std::copy(block.begin(), block.end(), std::ostreambuf_iterator<char>(out));
     } else {
         WriteJson(out,
@@ -147,6 +147,5 @@ Tool MsgbusTool() {
                           .description = "What was last published on a channel",
                           .parameters = {{"CHANNEL", kChannel.c_str()}},
                           .run = MsgBusGet,
-                          .option = "--raw",
-                          .optionDescription = "Write the bytes as they are"}}};
+                          .options = {{"--raw", "Write the bytes as they are"}}}}};
 }

@@ -197,7 +197,8 @@ int GroupIdentifier(const Arguments& arguments, Json& answer) {
 
 int GuestProfile(const Arguments& arguments, Json& answer) {
     int enabled = 0;
-    const int code = sys_getWiFiGuestProfileEnabled(arguments.Number(0), &enabled);
+    const int code =
+        sys_getWiFiGuestProfileEnabled(static_cast<int>(arguments.Number(0)), &enabled);
     answer = Json::object({{"enabled", enabled}});
     return code;
 }

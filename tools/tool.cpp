@@ -15,6 +15,12 @@ class AnswerAtOnce : public CLI::Success {
         : CLI::Success("AnswerAtOnce", answer, CLI::ExitCodes::Success) {}
 };
 
+/// The command that the caller has chosen, with the arguments for it.
+struct Choice {
+    const Command* command = nullptr;
+    Arguments arguments;
+};
+
 std::string CommandNames(const Tool& tool) {
     std::string text;
     for (const Command& command : tool.commands) {
@@ -25,41 +31,102 @@ std::string CommandNames(const Tool& tool) {
     return text;
 }
 
-void AddParameter(CLI::App& command, const Parameter& parameter, std::string& text) {
-    CLI::Option* const option =
-        command.add_option(parameter.name, text, parameter.description)->required()->type_name("");
-    if (parameter.range) {
-        option->check([range = *parameter.range](const std::string& given) {
+void CheckRange(CLI::Option& option, const std::optional<Parameter::Range>& range) {
+    if (range) {
+        option.check([range = *range](const std::string& given) {
             return NumberIn(given, range)
                        ? std::string()
-                       : "'" + given + "' is no number from " + std::to_string(range.first) +
+                       : "'" + given + "' is not a number from " + std::to_string(range.first) +
                              " to " + std::to_string(range.last);
         });
     }
 }
 
-/// Adds @p command to @p app, which runs it with what the caller gives for it. That goes to
-/// @p arguments, which lives as long as @p app.
-void AddCommand(CLI::App& app, const Command& command, Arguments& arguments, std::ostream& out) {
+void AddParameter(CLI::App& command, const Parameter& parameter) {
+    CLI::Option* const added = command.add_option(parameter.name);
+    added->description(parameter.description)->type_name("")->required(!parameter.isOptional);
+    CheckRange(*added, parameter.range);
+}
+
+void AddOption(CLI::App& command, const Option& option) {
+    CLI::Option* added = nullptr;
+    if (option.value == nullptr) {
+        added = command.add_flag(option.name);
+        added->disable_flag_override();
+    } else if (option.bare == nullptr) {
+        added = command.add_option(option.name);
+        added->type_name(option.value)->default_str(option.preset);
+    } else {
+        added = command.add_option(option.name);
+        // The parser takes the default for the value of an option that is given without one.
+        added->expected(0, 1)
+            ->type_name("[" + std::string(option.value) + "]")
+            ->default_str(option.bare);
+    }
+    added->description(option.description);
+    CheckRange(*added, option.range);
+    for (const char* const other : option.excludes) {
+        added->excludes(command.get_option(other));
+    }
+}
+
+/// The argument @p name as the parser has found it.
+Argument Found(const CLI::App& command, const std::string& name, const std::string& preset) {
+    const CLI::Option* const option = command.get_option(name);
+    const bool isGiven = option->count() > 0;
+    return {.name = name, .text = isGiven ? option->results().front() : preset, .isGiven = isGiven};
+}
+
+void RefuseEmpty(const Argument& argument) {
+    if (argument.isGiven && argument.text.empty()) {
+        throw CLI::ValidationError(argument.name, "expected a value, found nothing");
+    }
+}
+
+Arguments Collected(const CLI::App& app, const Command& command) {
+    Arguments arguments;
+    for (const Parameter& parameter : command.parameters) {
+        arguments.all.push_back(Found(app, parameter.name, ""));
+        if (parameter.isOptional) {
+            RefuseEmpty(arguments.all.back());
+        }
+    }
+    for (const Option& option : command.options) {
+        arguments.all.push_back(Found(app, option.name, option.preset));
+        if (option.bare != nullptr) {
+            RefuseEmpty(arguments.all.back());
+        }
+    }
+    return arguments;
+}
+
+/// Adds @p command to @p app, which then finds @p choice. Keeps references to both.
+void AddCommand(CLI::App& app, const Command& command, Choice& choice) {
     CLI::App* const added =
         app.add_subcommand(command.names.front(), command.description)->group("Commands");
     for (auto name = std::next(command.names.begin()); name != command.names.end(); ++name) {
         added->alias(*name);
     }
-    // Sized first: the parser keeps references.
-    arguments.texts.resize(command.parameters.size());
-    for (std::size_t index = 0; index < command.parameters.size(); ++index) {
-        AddParameter(*added, command.parameters[index], arguments.texts[index]);
-    }
-    if (!command.option.empty()) {
-        added->add_flag(command.option, arguments.option, command.optionDescription);
-    }
     added->footer("");
-    added->callback([&] { command.run(arguments, out); });
+    if (!command.commands.empty()) {
+        added->require_subcommand(1);
+        for (const Command& member : command.commands) {
+            AddCommand(*added, member, choice);
+        }
+        return;
+    }
+    for (const Parameter& parameter : command.parameters) {
+        AddParameter(*added, parameter);
+    }
+    for (const Option& option : command.options) {
+        AddOption(*added, option);
+    }
+    added->callback([&command, &choice, added] {
+        choice = {.command = &command, .arguments = Collected(*added, command)};
+    });
 }
 
-void Describe(CLI::App& app, const Tool& tool, std::vector<Arguments>& arguments,
-              std::ostream& out) {
+void Describe(CLI::App& app, const Tool& tool, Choice& choice) {
     app.require_subcommand(1);
     app.footer("'" + tool.name + " COMMAND --help' tells what a command takes.");
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
@@ -69,26 +136,62 @@ void Describe(CLI::App& app, const Tool& tool, std::vector<Arguments>& arguments
            "--commands", [&tool] { throw AnswerAtOnce(CommandNames(tool)); },
            "Print the names of all commands, one a line, and exit")
         ->trigger_on_parse();
-    arguments.resize(tool.commands.size());
-    for (std::size_t index = 0; index < tool.commands.size(); ++index) {
-        AddCommand(app, tool.commands[index], arguments[index], out);
+    for (const Setting& setting : tool.settings) {
+        AddOption(app, setting.option);
+    }
+    for (const Command& command : tool.commands) {
+        AddCommand(app, command, choice);
     }
 }
 
-/// The first argument that is neither a command nor an option, which the parser leaves over; none
-/// when there is a command.
+/// To the parser, "--name=" is an option without its value, for which it takes the next argument.
+void RefuseEmptyValues(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (argument == "--") {
+            return;
+        }
+        if (argument.starts_with("--") && argument.find('=') + 1 == argument.size()) {
+            RefuseEmpty({.name = argument.substr(0, argument.size() - 1), .isGiven = true});
+        }
+    }
+}
+
+/// The command, or the group of commands, that the parser has reached.
+const CLI::App& Reached(const CLI::App& app) {
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    return chosen.empty() ? app : Reached(*chosen.front());
+}
+
+bool IsGroup(const CLI::App& app) {
+    return app.get_require_subcommand_min() > 0;
+}
+
+/// The argument in place of a command that is neither a command nor an option; none when there is
+/// no such argument.
 std::optional<std::string> Unknown(const CLI::App& app) {
-    const std::vector<std::string> left = app.remaining();
-    return left.empty() || !app.get_subcommands().empty() ? std::nullopt
-                                                          : std::optional(left.front());
+    const CLI::App& group = Reached(app);
+    const std::vector<std::string> left = group.remaining();
+    return left.empty() || !IsGroup(group) ? std::nullopt : std::optional(left.front());
 }
 
 /// What is wrong with the arguments.
-std::string Complaint(const CLI::App& app, const CLI::ParseError& error) {
-    if (const auto unknown = Unknown(app)) {
-        return "'" + *unknown + "' is no command and no option";
+std::string Complaint(const Tool& tool, const CLI::App& app, const CLI::ParseError& error) {
+    const auto unknown = Unknown(app);
+    if (!unknown) {
+        return error.get_name() == "RequiredError" && IsGroup(Reached(app))
+                   ? "a command is expected"
+                   : error.what();
     }
-    return app.get_subcommands().empty() ? "a command is expected" : error.what();
+    std::string text = "'" + *unknown + "' is neither a command nor an option";
+    if (tool.suggestion) {
+        std::vector<std::string> known;
+        for (const CLI::App* const command :
+             Reached(app).get_subcommands([](const auto*) { return true; })) {
+            known.push_back(command->get_name());
+        }
+        text += tool.suggestion(*unknown, known);
+    }
+    return text;
 }
 
 std::string CodeText(const Tool& tool, int code) {
@@ -105,27 +208,40 @@ ExitCode Finish(const Tool& tool, std::ostream& out, std::ostream& errors) {
     return ExitCode::kSuccess;
 }
 
+ExitCode RefuseUsage(const Tool& tool, const std::string& complaint, std::ostream& errors) {
+    errors << tool.name << ": " << complaint << "\nTry '" << tool.name << " --help'.\n";
+    return ExitCode::kUsage;
+}
+
 }  // namespace
 
 ExitCode RunTool(const Tool& tool, const std::vector<std::string>& arguments, std::ostream& out,
                  std::ostream& errors) {
     CLI::App app(tool.description, tool.name);
-    std::vector<Arguments> given;
+    Choice choice;
     try {
-        Describe(app, tool, given, out);
+        Describe(app, tool, choice);
+        RefuseEmptyValues(arguments);
         // The parser takes the arguments from the end.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        for (const Setting& setting : tool.settings) {
+            const Argument value = Found(app, setting.option.name, "");
+            RefuseEmpty(value);
+            if (value.isGiven) {
+                setting.apply(value.text);
+            }
+        }
+        choice.command->run(choice.arguments, out);
     } catch (const AnswerAtOnce& answer) {
         out << answer.what();
     } catch (const CLI::ParseError& error) {
         // There is no help for a command that does not exist.
-        if (error.get_name() == "CallForHelp" && !Unknown(app)) {
-            out << app.help();
-            return Finish(tool, out, errors);
+        if (error.get_name() != "CallForHelp" || Unknown(app)) {
+            return RefuseUsage(tool, Complaint(tool, app, error), errors);
         }
-        errors << tool.name << ": " << Complaint(app, error) << "\nTry '" << tool.name
-               << " --help'.\n";
-        return ExitCode::kUsage;
+        out << app.help();
+    } catch (const UsageError& error) {
+        return RefuseUsage(tool, error.what(), errors);
     } catch (const CallFailed& failure) {
         out.flush();
         errors << tool.name << ": " << failure.what() << " failed, returned error code "

@@ -1,5 +1,5 @@
-// What the tools have in common: a tool is a table of commands, each of which makes one call of the
-// platform and writes what it answers.
+// What the command-line tools have in common: a tool is a table of commands, each of which takes
+// arguments and writes an answer.
 #pragma once
 
 #include <functional>
@@ -24,12 +24,13 @@ struct Command {
     /// The command's name, then further ones under which people know it.
     std::vector<std::string> names;
     std::string description;
-    std::vector<Parameter> parameters;
-    /// Makes the call and writes its answer; throws CallFailed.
-    std::function<void(const Arguments&, std::ostream&)> run;
-    /// A switch of the command, such as "--raw"; empty when it has none.
-    std::string option = {};
-    std::string optionDescription = {};
+    std::vector<Parameter> parameters = {};
+    /// Does what the command is for and writes its answer. Throws CallFailed, UsageError and, for
+    /// any other failure, std::exception.
+    std::function<void(const Arguments&, std::ostream&)> run = {};
+    std::vector<Option> options = {};
+    /// The commands of a group; a group has neither arguments nor anything to run.
+    std::vector<Command> commands = {};
 };
 
 /// A call of the platform has failed.
@@ -50,18 +51,35 @@ inline void Check(const std::string& call, int code, int success) {
     }
 }
 
+/// The arguments of a command are wrong in a way that its table cannot express.
+class UsageError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// An option of the tool as a whole, which is given before the command. It takes a value.
+struct Setting {
+    Option option;
+    /// Called with the value before the command runs.
+    std::function<void(const std::string&)> apply;
+};
+
 struct Tool {
     std::string name;
     std::string description;
     /// Names of the codes with which calls fail.
     Enumeration codes;
     std::vector<Command> commands;
+    std::vector<Setting> settings = {};
+    /// What follows the complaint about the unknown command @p name where @p known are the right
+    /// ones, such as "; did you mean show?".
+    std::function<std::string(const std::string& name, const std::vector<std::string>& known)>
+        suggestion = {};
 };
 
 /// Runs the command that @p arguments (without the program's name) ask for. Answers go to @p out,
-/// complaints to @p errors.
+/// complaints to @p errors. Throws what the command throws, except for CallFailed and UsageError.
 ExitCode RunTool(const Tool& tool, const std::vector<std::string>& arguments, std::ostream& out,
                  std::ostream& errors);
 
-/// The same for main().
+/// The same for main(), which any exception ends with a complaint and exit code 1.
 int RunTool(const Tool& tool, int argc, char** argv);

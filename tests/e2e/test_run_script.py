@@ -299,7 +299,7 @@ def test_a_build_for_a_devices_own_libraries_runs_without_talk_of_a_simulator(ru
     script.wait_for("Ctrl-C stops it.")
     assert f"  curl http://127.0.0.1:{script.port}/srv/status\n" in script.output
     assert web.ask(script.port, "/srv/status").json()["statusData"]
-    for word in ("simulat", "kestal-sim", "kestal-session", "export ", str(device.path)):
+    for word in ("simulat", "kestal-sim", "export ", str(device.path)):
         assert word not in script.output.replace(str(build), "")
     (service,) = processes.children(server_of(script), "kestal.cgi")
     assert not processes.environment(service).keys() & {"LOCPATH", "KESTAL_SESSIONS"}

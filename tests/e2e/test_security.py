@@ -13,7 +13,7 @@ import stat
 import pytest
 
 from support import fastcgi, paths, web
-from support.sessions import open_session, session_tool
+from support.sessions import open_session, session_command
 from support.waiting import wait_until
 
 OPERATIONS = ["/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"]
@@ -346,8 +346,8 @@ def test_below_level_7_no_log_tells_a_session(make_server, work, level):
     server.start()
     identifier = open_session(server).partition("=")[2]
     present(server, identifier)
-    session_tool(server.environment, "renew", identifier)
-    assert identifier not in session_tool(server.environment, "list")
+    session_command(server.environment, "renew", identifier)
+    assert identifier not in session_command(server.environment, "list")
 
     whole = server.sessions.read_bytes()
     server.sessions.write_bytes(whole[:-20])

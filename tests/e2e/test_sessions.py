@@ -6,7 +6,7 @@ import os
 import pytest
 
 from support import fastcgi
-from support.sessions import open_session, session_tool
+from support.sessions import open_session, session_command
 
 AGENT = "test"
 
@@ -131,7 +131,7 @@ def test_asking_does_not_keep_a_session_alive(responder):
 def test_a_closed_session_ends_at_once_and_others_go_on(responder):
     first, second = open_session(responder), open_session(responder)
     assert (login_status(responder, first), login_status(responder, second)) == (1, 1)
-    session_tool(responder.environment, "close", first.partition("=")[2])
+    session_command(responder.environment, "close", first)
     assert (login_status(responder, first), login_status(responder, second)) == (0, 1)
 
 

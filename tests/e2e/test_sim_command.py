@@ -84,7 +84,7 @@ def test_a_refusal_tells_why_and_writes_nothing(responder, arguments, message):
     assert (responder.device.path.read_bytes(), responder.device.path.stat().st_ino) == before
 
 
-def test_a_login_is_a_login_until_the_logout(responder):
+def test_a_session_logs_its_caller_in_until_it_is_closed(responder):
     def login_status(cookie):
         answer = fastcgi.ask(
             responder.socket,
@@ -98,12 +98,12 @@ def test_a_login_is_a_login_until_the_logout(responder):
         )
         return json.loads(answer.body)["loginStatus"]
 
-    cookie = sim(responder, "login", "--address", "10.0.0.7", "--user-agent", "me")
-    other = sim(responder, "login", "--address", "10.0.0.7", "--user-agent", "me")
+    cookie = sim(responder, "session", "open", "--address", "10.0.0.7", "--user-agent", "me")
+    other = sim(responder, "session", "open", "--address", "10.0.0.7", "--user-agent", "me")
     assert (login_status(cookie), login_status(other)) == (1, 1)
-    sim(responder, "logout", cookie)
+    sim(responder, "session", "close", cookie)
     assert (login_status(cookie), login_status(other)) == (0, 1)
-    sim(responder, "logout")
+    sim(responder, "session", "close")
     assert login_status(other) == 0
 
 
@@ -243,7 +243,10 @@ printf '%s\\n' "${COMPREPLY[@]}"
     ("words", "expected"),
     [
         (["sh"], ["show"]),
-        (["lo"], ["load", "login", "logout"]),
+        (["se"], ["set", "session"]),
+        (["session", ""], ["open", "renew", "close", "list", "--help"]),
+        (["session", "open", "--u"], ["--user-agent"]),
+        (["session", "close", "--"], ["--help"]),
         (
             ["set", "sys.getBatteryStatus.charging"],
             ["sys.getBatteryStatus.chargingState", "sys.getBatteryStatus.chargingSource"],

@@ -26,13 +26,14 @@ _kestal_sim_offer_files() {
 
 _kestal_sim() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='show set fail heal load notify login logout play'
-    local command='' device=() index words='' names=()
+    local commands='show set fail heal load notify session play'
+    local command='' member='' device=() index words='' names=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [ "${COMP_WORDS[index]}" = --device ]; then
             device=(--device "${COMP_WORDS[++index]}")
         elif [[ ${COMP_WORDS[index]} != -* ]]; then
             command=${COMP_WORDS[index]}
+            ((index + 1 == COMP_CWORD)) || member=${COMP_WORDS[index + 1]}
             break
         fi
     done
@@ -42,7 +43,7 @@ _kestal_sim() {
         return
     fi
     case $command in
-        '') words="--device --help $commands" ;;
+        '') words="--device --commands --help $commands" ;;
         show | set | fail | heal)
             words=--help
             if [ "$command" = show ]; then
@@ -62,8 +63,13 @@ _kestal_sim() {
                 mapfile -t names < <("$1" notify --types 2>/dev/null)
             fi
             ;;
-        login) words='--address --user-agent --idle --help' ;;
-        logout) words=--help ;;
+        session)
+            case $member in
+                '') words='open renew close list --help' ;;
+                open) words='--address --user-agent --idle --help' ;;
+                *) words=--help ;;
+            esac
+            ;;
         play)
             words='--speed --loop --quiet --check --help'
             _kestal_sim_offer_files "$word"

@@ -6,9 +6,6 @@ import pathlib
 ROOT = pathlib.Path(os.environ.get("KESTAL_ROOT", pathlib.Path(__file__).parents[3]))
 BUILD = pathlib.Path(os.environ.get("KESTAL_BUILD", ROOT / "build" / "debug"))
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", BUILD / "service" / "kestal.cgi"))
-SESSION_TOOL = pathlib.Path(
-    os.environ.get("KESTAL_SESSION_TOOL", BUILD / "tools" / "kestal-session")
-)
 # Texts, and locales that the machine itself may lack.
 CATALOGUE = BUILD / "catalogue"
 LOCALES = BUILD / "locales"

@@ -5,9 +5,10 @@ import subprocess
 from support import paths
 
 
-def session_tool(environment, *arguments):
+def session_command(environment, *arguments):
+    """Runs kestal-sim session; returns what it prints."""
     run = subprocess.run(
-        [str(paths.SESSION_TOOL), *arguments],
+        [str(paths.SIM), "session", *arguments],
         env={**paths.CLEAN_ENVIRONMENT, **environment},
         capture_output=True,
         text=True,
@@ -19,6 +20,6 @@ def session_tool(environment, *arguments):
 
 def open_session(peer, address="127.0.0.1", agent="test", *options):
     """Opens a session on the device of a Server or Responder; returns the cookie."""
-    return session_tool(
+    return session_command(
         peer.environment, "open", "--address", address, "--user-agent", agent, *options
     )

@@ -319,7 +319,7 @@ TEST_F(Sysintcli, NumbersOutOfRangeAreWrongUsage) {
     for (const std::string wrong : {"256", "-1", "0x1", "1 ", "", "99999999999"}) {
         recording::Reset();
         EXPECT_EQ(Run({"getSIMCarrierGID", wrong}), "sysintcli: INDEX: '" + wrong +
-                                                        "' is no number from 0 to 255\n"
+                                                        "' is not a number from 0 to 255\n"
                                                         "Try 'sysintcli --help'.\n[2]\n");
         EXPECT_EQ(TranscriptText(), "");
     }
@@ -329,8 +329,9 @@ TEST_F(Sysintcli, ShowsAGuestProfileByItsNumber) {
     Given("sys_getWiFiGuestProfileEnabled").Writes(1);
     EXPECT_EQ(Run({"getWiFiGuestProfileEnabled", "2"}), "{\n    \"enabled\": 1\n}\n");
     EXPECT_EQ(TranscriptText(), Round({"sys_getWiFiGuestProfileEnabled(profile 2)"}));
-    EXPECT_EQ(Run({"getWiFiGuestProfileEnabled", "3"}),
-              "sysintcli: PROFILE: '3' is no number from 1 to 2\nTry 'sysintcli --help'.\n[2]\n");
+    EXPECT_EQ(
+        Run({"getWiFiGuestProfileEnabled", "3"}),
+        "sysintcli: PROFILE: '3' is not a number from 1 to 2\nTry 'sysintcli --help'.\n[2]\n");
 }
 
 TEST_F(Sysintcli, ShowsTheNamesOfThePins) {

@@ -13,7 +13,9 @@
 #include "tools/sysint_commands.h"
 #include "tools/webui_commands.h"
 
+using ::testing::AllOf;
 using ::testing::AnyOf;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -29,17 +31,61 @@ Tool Example() {
                           .run =
                               [](const Arguments& arguments, std::ostream& out) {
                                   for (int time = 0; time < arguments.Number(1); ++time) {
-                                      out << arguments.Text(0) << (arguments.option ? "!" : ".");
+                                      out << arguments.Text(0)
+                                          << (arguments.Given("--loud") ? "!" : ".");
                                   }
                               },
-                          .option = "--loud",
-                          .optionDescription = "Say it loud"},
+                          .options = {{"--loud", "Say it loud"}}},
                          {.names = {"fail"},
                           .description = "Fail",
                           .parameters = {},
                           .run = [](const Arguments& /*arguments*/, std::ostream& /*out*/) {
                               throw CallFailed("the_call", 3);
                           }}}};
+}
+
+/// A tool with a group, optional arguments and a setting, whose one command prints what it is
+/// given.
+Tool Elaborate() {
+    static std::string colour;
+    colour = "none";
+    const auto print = [](const Arguments& arguments, std::ostream& out) {
+        for (const Argument& argument : arguments.all) {
+            out << argument.name << (argument.isGiven ? "=" : ":") << argument.text << " ";
+        }
+        out << colour;
+    };
+    return {.name = "elaborate",
+            .description = "Takes all kinds of arguments.",
+            .codes = {},
+            .commands =
+                {{.names = {"group"},
+                  .description = "Has commands",
+                  .commands =
+                      {{.names = {"print"},
+                        .description = "Print",
+                        .parameters = {{.name = "WHAT", .description = "What", .isOptional = true}},
+                        .run = print,
+                        .options = {{.name = "--times",
+                                     .description = "How often",
+                                     .value = "N",
+                                     .preset = "7",
+                                     .range = {{1, 9}}},
+                                    {.name = "--drop",
+                                     .description = "What to drop",
+                                     .value = "WHAT",
+                                     .bare = "all",
+                                     .excludes = {"WHAT"}},
+                                    {.name = "--loud", .description = "Loud"}}},
+                       {.names = {"refuse"},
+                        .description = "Refuse",
+                        .run = [](const Arguments& /*arguments*/,
+                                  std::ostream& /*out*/) { throw UsageError("no reason"); }}}}},
+            .settings = {{.option = {.name = "--colour", .description = "Colour", .value = "NAME"},
+                          .apply = [](const std::string& name) { colour = name; }}},
+            .suggestion = [](const std::string& name, const std::vector<std::string>& known) {
+                return "; " + name + " of " + std::to_string(known.size());
+            }};
 }
 
 TEST(Tool, RunsACommandByAnyOfItsNames) {
@@ -57,6 +103,60 @@ TEST(Tool, ArgumentsMayBeAnyText) {
     EXPECT_EQ(Shown(Example(), {"say", "fail", "1"}), "fail.");
     EXPECT_EQ(Shown(Example(), {"say", "\"a b\" [c]", "1"}), "\"a b\" [c].");
     EXPECT_EQ(Shown(Example(), {"say", "--", "--loud", "1"}), "--loud.");
+}
+
+TEST(Tool, ACommandOfAGroupTakesOptionalArguments) {
+    const auto shown = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"group", "print"});
+        return Shown(Elaborate(), arguments);
+    };
+    EXPECT_EQ(shown({}), "WHAT: --times:7 --drop: --loud: none");
+    EXPECT_EQ(shown({"a", "--times", "2"}), "WHAT=a --times=2 --drop: --loud: none");
+    EXPECT_EQ(shown({"--times=2", "a", "--loud"}), "WHAT=a --times=2 --drop: --loud=true none");
+    EXPECT_EQ(shown({"--drop"}), "WHAT: --times:7 --drop=all --loud: none");
+    EXPECT_EQ(shown({"--drop", "b"}), "WHAT: --times:7 --drop=b --loud: none");
+    EXPECT_EQ(shown({"--drop=b"}), "WHAT: --times:7 --drop=b --loud: none");
+}
+
+TEST(Tool, ASettingStandsBeforeTheCommand) {
+    EXPECT_EQ(Shown(Elaborate(), {"--colour", "red", "group", "print"}),
+              "WHAT: --times:7 --drop: --loud: red");
+}
+
+TEST(Tool, AnOptionalArgumentThatIsEmptyIsRefused) {
+    const std::string complaint =
+        ": expected a value, found nothing\nTry 'elaborate --help'.\n[2]\n";
+    const auto refused = [&](const std::vector<std::string>& arguments, const std::string& name) {
+        EXPECT_EQ(Shown(Elaborate(), arguments), "elaborate: " + name + complaint);
+    };
+    refused({"group", "print", ""}, "WHAT");
+    refused({"group", "print", "--drop", ""}, "--drop");
+    refused({"group", "print", "--drop="}, "--drop");
+    refused({"group", "print", "--times=", "3"}, "--times");
+    refused({"group", "print", "--loud="}, "--loud");
+    refused({"--colour", "", "group", "print"}, "--colour");
+    refused({"--colour=", "group", "print"}, "--colour");
+}
+
+TEST(Tool, WrongUsageInAGroupIsSaid) {
+    const std::string hint = "\nTry 'elaborate --help'.\n[2]\n";
+    EXPECT_EQ(Shown(Elaborate(), {"group"}), "elaborate: a command is expected" + hint);
+    EXPECT_EQ(Shown(Elaborate(), {"group", "prnt"}),
+              "elaborate: 'prnt' is neither a command nor an option; prnt of 2" + hint);
+    EXPECT_EQ(Shown(Elaborate(), {"group", "prnt", "--help"}),
+              "elaborate: 'prnt' is neither a command nor an option; prnt of 2" + hint);
+    EXPECT_EQ(Shown(Elaborate(), {"grp"}),
+              "elaborate: 'grp' is neither a command nor an option; grp of 1" + hint);
+    // The library chooses the words of these.
+    EXPECT_THAT(Shown(Elaborate(), {"group", "print", "a", "--drop"}),
+                AllOf(HasSubstr("excludes"), EndsWith(hint)));
+    EXPECT_EQ(Shown(Elaborate(), {"group", "print", "--times", "10"}),
+              "elaborate: --times: '10' is not a number from 1 to 9" + hint);
+    EXPECT_THAT(Shown(Elaborate(), {"group", "print", "--loud=false"}),
+                AllOf(HasSubstr("loud"), EndsWith(hint)));
+    EXPECT_THAT(Shown(Elaborate(), {"group", "print", "--times", "1", "--times", "2"}),
+                AllOf(HasSubstr("--times"), EndsWith(hint)));
+    EXPECT_EQ(Shown(Elaborate(), {"group", "refuse"}), "elaborate: no reason" + hint);
 }
 
 TEST(Tool, HelpTellsTheCommands) {
@@ -102,14 +202,17 @@ TEST(Tool, TheNamesOfTheCommandsCanBeListed) {
 TEST(Tool, WrongUsageIsSaid) {
     const std::string hint = "\nTry 'example --help'.\n[2]\n";
     EXPECT_EQ(Shown(Example(), {}), "example: a command is expected" + hint);
-    EXPECT_EQ(Shown(Example(), {"shout"}), "example: 'shout' is no command and no option" + hint);
-    EXPECT_EQ(Shown(Example(), {"Say"}), "example: 'Say' is no command and no option" + hint);
-    EXPECT_EQ(Shown(Example(), {"--loud"}), "example: '--loud' is no command and no option" + hint);
+    EXPECT_EQ(Shown(Example(), {"shout"}),
+              "example: 'shout' is neither a command nor an option" + hint);
+    EXPECT_EQ(Shown(Example(), {"Say"}),
+              "example: 'Say' is neither a command nor an option" + hint);
+    EXPECT_EQ(Shown(Example(), {"--loud"}),
+              "example: '--loud' is neither a command nor an option" + hint);
     EXPECT_EQ(Shown(Example(), {"shout", "--help"}),
-              "example: 'shout' is no command and no option" + hint);
+              "example: 'shout' is neither a command nor an option" + hint);
     EXPECT_EQ(Shown(Example(), {"say", "so"}), "example: TIMES is required" + hint);
     EXPECT_EQ(Shown(Example(), {"say", "so", "4"}),
-              "example: TIMES: '4' is no number from 1 to 3" + hint);
+              "example: TIMES: '4' is not a number from 1 to 3" + hint);
     EXPECT_EQ(Shown(Example(), {"say", "so", "1", "more"}),
               "example: The following argument was not expected: more" + hint);
     EXPECT_EQ(Shown(Example(), {"fail", "--loud"}),

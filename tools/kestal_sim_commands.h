@@ -1,0 +1,18 @@
+// The commands of kestal-sim, by what they change.
+#pragma once
+
+#include <vector>
+
+#include "tools/tool.h"
+
+/// show, set, fail, heal and load: the device's document.
+std::vector<Command> DocumentCommands();
+
+/// notify: the notifications of the device.
+Command NotifyCommand();
+
+/// session: who is logged in to the web UI.
+Command SessionCommand();
+
+/// play: scenarios.
+Command PlayCommand();

@@ -1,0 +1,40 @@
+#include "tools/kestal_sim_document.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "bindings/posix/files/file_io.h"
+#include "bindings/posix/json/json_text.h"
+#include "bindings/simulator/device_file.h"
+#include "bindings/simulator/edit/device_edit.h"
+#include "bindings/simulator/edit/installed_file.h"
+
+std::string Contents(const std::string& file) {
+    binding::FileStamp ignored;
+    return binding::ReadFile(file, ignored);
+}
+
+nlohmann::ordered_json CurrentDocument() {
+    const std::string path = binding::DevicePath();
+    return binding::ReadGoodDocument(path, Contents(path));
+}
+
+void ChangeDocument(const std::function<void(nlohmann::ordered_json&)>& change) {
+    binding::ChangeDevice(binding::DevicePath(), change);
+}
+
+nlohmann::ordered_json ValueOf(const std::string& text) {
+    if (!nlohmann::ordered_json::accept(text)) {
+        return text;
+    }
+    try {
+        return binding::ParseStrictly(text);
+    } catch (const binding::SyntaxError& error) {
+        throw std::runtime_error("the value: " + std::string(error.what()));
+    }
+}
+
+std::string FileNamed(const std::string& name, const std::string& folder) {
+    return binding::FileOrInstalled(name, std::filesystem::path(KESTAL_DATA_DIRECTORY) / folder);
+}

@@ -1,0 +1,110 @@
+// The commands that show the device's document and change it.
+#include <cstdio>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <stdexcept>
+
+#include "bindings/posix/files/file_update.h"
+#include "bindings/simulator/device_file.h"
+#include "bindings/simulator/edit/device_edit.h"
+#include "bindings/simulator/edit/device_path.h"
+#include "bindings/simulator/edit/json_patch.h"
+#include "tools/kestal_sim_commands.h"
+#include "tools/kestal_sim_document.h"
+
+namespace {
+
+using json = nlohmann::ordered_json;
+using binding::KeyPath;
+using binding::ResolvePath;
+
+void Show(const Arguments& arguments, std::ostream& out) {
+    const json document = CurrentDocument();
+    if (arguments.Given("--paths")) {
+        for (const std::string& path : binding::AllPaths(document)) {
+            out << path << "\n";
+        }
+        return;
+    }
+    const KeyPath path =
+        arguments.Given("PATH") ? ResolvePath(arguments.Value("PATH"), document) : KeyPath();
+    const json* const value = binding::FindAt(document, path);
+    if (value == nullptr) {
+        binding::MustBeKnown(document, path);
+        throw std::runtime_error(binding::PathText(path) + ": not in the document");
+    }
+    out << binding::Formatted(*value) << "\n";
+}
+
+void Set(const Arguments& arguments, std::ostream& /*out*/) {
+    const json value = ValueOf(arguments.Value("VALUE"));
+    KeyPath failing;
+    ChangeDocument([&](json& document) {
+        const KeyPath path = ResolvePath(arguments.Value("PATH"), document);
+        binding::SetValue(document, path, value);
+        failing = binding::FailingCallOn(document, path);
+    });
+    if (!failing.empty()) {
+        (void)std::fprintf(stderr, "kestal-sim: %s fails; the new value shows once it is healed\n",
+                           binding::PathText(failing).c_str());
+    }
+}
+
+void Fail(const Arguments& arguments, std::ostream& /*out*/) {
+    ChangeDocument([&](json& document) {
+        binding::FailCall(document, ResolvePath(arguments.Value("CALL"), document),
+                          arguments.Number(1));
+    });
+}
+
+void Heal(const Arguments& arguments, std::ostream& /*out*/) {
+    ChangeDocument([&](json& document) {
+        binding::HealCall(document, ResolvePath(arguments.Value("CALL"), document));
+    });
+}
+
+void Load(const Arguments& arguments, std::ostream& /*out*/) {
+    const std::string file = FileNamed(arguments.Value("FILE"), "devices");
+    const std::string text = Contents(file);
+    (void)binding::ReadGoodDocument(file, text);
+    binding::UpdateFile(binding::DevicePath(), binding::MissingFile::createdForAll,
+                        [&](const std::string&) -> const std::string& { return text; });
+}
+
+constexpr Parameter::Range kCodes = {std::numeric_limits<std::int32_t>::min(),
+                                     std::numeric_limits<std::int32_t>::max()};
+
+}  // namespace
+
+std::vector<Command> DocumentCommands() {
+    return {
+        {.names = {"show"},
+         .description = "Print the device's document, or a part of it",
+         .parameters = {{.name = "PATH",
+                         .description = "What to print; the whole document without it",
+                         .isOptional = true}},
+         .run = Show,
+         .options = {{.name = "--paths",
+                      .description = "Print the paths of all values instead, one a line",
+                      .excludes = {"PATH"}}}},
+        {.names = {"set"},
+         .description = "Set what a call answers, or a part of that",
+         .parameters = {{"PATH", "What to set, such as sys.getBatteryStatus.chargePercent"},
+                        {"VALUE", "JSON; anything else is taken as a text"}},
+         .run = Set},
+        {.names = {"fail"},
+         .description = "Make a call fail",
+         .parameters = {{"CALL", "The call, such as sys.getGPSStatus; also a page or a channel"},
+                        {"CODE", "The code that it fails with", kCodes}},
+         .run = Fail},
+        {.names = {"heal"},
+         .description = "Let a call answer as it did before it was made to fail",
+         .parameters = {{"CALL", "The call, as it was given to fail"}},
+         .run = Heal},
+        {.names = {"load"},
+         .description = "Become another device",
+         .parameters = {{"FILE", "The document, or the name of an installed one: roaming"}},
+         .run = Load},
+    };
+}
