@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "framework/attempt.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/nothrow_array.h"
+#include "platform/fixed_text.h"
 #include "platform/webui.h"
 
 namespace {

@@ -8,9 +8,9 @@
 #include "components/notification/notification_block.h"
 #include "components/systemservice/service_api.h"
 #include "components/systemservice/system_service_component.h"
-#include "framework/fixed_text.h"
 #include "fuzz/answers.h"
 #include "fuzz/target.h"
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 #include "tests/support/records.h"
 

@@ -2,9 +2,7 @@
 // an enumeration is {"value": 7, "name": "ready"}, with the name null when it has none.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <iosfwd>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
@@ -22,9 +20,3 @@ Json Named(std::int64_t value, Enumeration names);
 
 /// @p bytes as hexadecimal digits.
 std::string HexText(std::span<const std::uint8_t> bytes);
-
-/// Text of a field: up to its terminator or, without one, to the end of the field.
-template <std::size_t Size>
-std::string FieldText(const char (&field)[Size]) {
-    return {field, strnlen(field, Size)};
-}

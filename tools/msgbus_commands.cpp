@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "platform/fixed_text.h"
 #include "platform/msgbus.h"
 #include "platform/notification.h"
 #include "tools/json_output.h"
@@ -64,11 +65,11 @@ Block ReadChannel(BusVisit& bus, const std::string& channel) {
 }
 
 Json Describe(const AnsNotificationRecord& record) {
-    return Json::object({{"category", FieldText(record.category)},
-                         {"id", FieldText(record.id)},
-                         {"labelId", FieldText(record.labelId)},
-                         {"titleId", FieldText(record.titleId)},
-                         {"textId", FieldText(record.textId)},
+    return Json::object({{"category", FixedText(record.category)},
+                         {"id", FixedText(record.id)},
+                         {"labelId", FixedText(record.labelId)},
+                         {"titleId", FixedText(record.titleId)},
+                         {"textId", FixedText(record.textId)},
                          {"severity", Named(record.severity, kSeverity)},
                          {"flags", record.flags},
                          {"active", (record.flags & ANS_NOTIFICATION_ACTIVE) != 0}});

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"
@@ -109,8 +110,8 @@ Json ServiceStats(const sys_cellular_service_stats_t& stats) {
                          {"sinr", stats.sinr},
                          {"pci", stats.pci},
                          {"snr", stats.snr},
-                         {"networkName", FieldText(stats.networkName)},
-                         {"networkId", FieldText(stats.networkId)},
+                         {"networkName", FixedText(stats.networkName)},
+                         {"networkId", FixedText(stats.networkId)},
                          {"femtoCell", stats.femtoCell},
                          {"fiveGType", Named(stats.fiveGType, kFiveGType)}});
 }
@@ -125,7 +126,7 @@ Json ConnectionStats(const sys_cellular_data_connection_stats_t& stats) {
 }
 
 Json Subscriber(const sys_subscriber_info_t& info) {
-    return Json::object({{"identity", FieldText(info.identity)}});
+    return Json::object({{"identity", FixedText(info.identity)}});
 }
 
 Json NetworkLock(const sys_network_sim_lock_t& lock) {
@@ -138,7 +139,7 @@ Json SimSlots(const sys_all_sim_slots_t& all) {
     Json list = Json::array();
     for (const sys_sim_slot_t& slot : slots.first(std::min(valid, slots.size()))) {
         list.push_back(Json::object(
-            {{"networkName", FieldText(slot.networkName)},
+            {{"networkName", FixedText(slot.networkName)},
              {"active", slot.active},
              {"simStatus", Named(slot.simStatus, kSimStatus)},
              {"dataConnectionStatus", Named(slot.dataConnectionStatus, kDataConnectionStatus)},
@@ -148,9 +149,9 @@ Json SimSlots(const sys_all_sim_slots_t& all) {
 }
 
 Json PinSettings(const GpioCustomSettings& settings) {
-    return Json::object({{"name", FieldText(settings.name)},
-                         {"lowState", FieldText(settings.lowState)},
-                         {"highState", FieldText(settings.highState)}});
+    return Json::object({{"name", FixedText(settings.name)},
+                         {"lowState", FixedText(settings.lowState)},
+                         {"highState", FixedText(settings.highState)}});
 }
 
 Json CardInfo(const sys_sd_card_info_t& info) {

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/fixed_text.h"
 #include "platform/webui.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"
@@ -16,40 +17,40 @@ std::string CallName(const Names& names) {
 }
 
 Json Describe(const webui_feature_t& feature) {
-    return Json::object({{"name", FieldText(feature.name)}, {"value", feature.value}});
+    return Json::object({{"name", FixedText(feature.name)}, {"value", feature.value}});
 }
 
 Json Describe(const webui_configuration_t& configuration) {
     return Json::object(
-        {{"name", FieldText(configuration.name)}, {"value", FieldText(configuration.value)}});
+        {{"name", FixedText(configuration.name)}, {"value", FixedText(configuration.value)}});
 }
 
 Json Describe(const webui_uri_data_t& data) {
     return Json::object(
-        {{"address", FieldText(data.address)}, {"titleId", FieldText(data.titleId)}});
+        {{"address", FixedText(data.address)}, {"titleId", FixedText(data.titleId)}});
 }
 
 Json Describe(const webui_external_uri_data_t& data) {
-    return Json::object({{"address", FieldText(data.address)}});
+    return Json::object({{"address", FixedText(data.address)}});
 }
 
 Json Describe(const webui_i18n_settings_t& settings) {
-    return Json::object({{"language", FieldText(settings.language)}});
+    return Json::object({{"language", FixedText(settings.language)}});
 }
 
 Json Describe(const webui_software_update_status_t& status) {
     return Json::object({{"status", status.status},
                          {"userInitiated", status.userInitiated},
                          {"value", status.value},
-                         {"version", FieldText(status.version)}});
+                         {"version", FixedText(status.version)}});
 }
 
 Json Describe(const SoftwareUpdateCustomMessages& messages) {
-    return Json::object({{"description", FieldText(messages.description)},
-                         {"download", FieldText(messages.download)},
-                         {"readyToInstall", FieldText(messages.readyToInstall)},
-                         {"installSuccess", FieldText(messages.installSuccess)},
-                         {"installFail", FieldText(messages.installFail)}});
+    return Json::object({{"description", FixedText(messages.description)},
+                         {"download", FixedText(messages.download)},
+                         {"readyToInstall", FixedText(messages.readyToInstall)},
+                         {"installSuccess", FixedText(messages.installSuccess)},
+                         {"installFail", FixedText(messages.installFail)}});
 }
 
 /// The call of a command: it fills the answer and returns its code.

@@ -4,8 +4,8 @@
 #include "components/status/internet_texts.h"
 #include "components/status/status_component.h"
 #include "components/status/status_texts.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "components/status/status_component.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
+#include "platform/fixed_text.h"
 #include "platform/webui.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "components/status/sim_carrier_gid.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
+#include "platform/fixed_text.h"
 
 namespace {
 

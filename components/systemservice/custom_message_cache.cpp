@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "components/systemservice/notification_list_signature.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
+#include "platform/fixed_text.h"
 
 namespace {
 

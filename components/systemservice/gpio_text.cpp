@@ -3,9 +3,9 @@
 #include <span>
 
 #include "components/systemservice/notification_list_signature.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <iterator>
 
 #include "components/systemservice/system_service_component.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 #include "platform/webui.h"
 

@@ -11,10 +11,10 @@
 #include "components/systemservice/notification_list_signature.h"
 #include "components/systemservice/system_service_component.h"
 #include "framework/attempt.h"
-#include "framework/fixed_text.h"
 #include "framework/log.h"
 #include "framework/po_string.h"
 #include "framework/text_domain.h"
+#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 
 namespace {

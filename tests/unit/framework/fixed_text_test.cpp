@@ -1,4 +1,4 @@
-#include "framework/fixed_text.h"
+#include "platform/fixed_text.h"
 
 #include <gtest/gtest.h>
 

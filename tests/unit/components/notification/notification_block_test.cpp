@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "bindings/recording/recording.h"
-#include "framework/fixed_text.h"
+#include "platform/fixed_text.h"
 #include "tests/support/records.h"
 
 using recording::Given;
