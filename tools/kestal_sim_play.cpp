@@ -79,7 +79,7 @@ void Play(const Arguments& arguments, std::ostream& /*out*/) {
                                 .loops = arguments.Given("--loop")};
     const std::string file = FileNamed(arguments.Value("SCENARIO"), "scenarios");
     const binding::Scenario scenario = binding::ReadScenario(file, Contents(file));
-    binding::MustSuit(scenario, CurrentDocument());
+    binding::MustBePlayable(scenario, CurrentDocument());
     if (pace.loops && scenario.duration == Milliseconds(0)) {
         throw std::runtime_error(file + ": a scenario that takes no time cannot be repeated");
     }

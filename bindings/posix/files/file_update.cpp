@@ -39,7 +39,7 @@ class LockedDirectory {
     FileDescriptor directory;
 };
 
-/// A new file that takes another one's place, or disappears.
+/// A new file that replaces the target, or is removed again when an error comes first.
 class Replacement {
   public:
     explicit Replacement(const std::filesystem::path& newTarget)
@@ -71,7 +71,7 @@ class Replacement {
         }
     }
 
-    void Resemble(const struct stat& original) const {
+    void CopyOwnerAndMode(const struct stat& original) const {
         // Only a privileged process may give files away; others keep what they create.
         const int given = fchown(file.Number(), original.st_uid, original.st_gid);
         static_cast<void>(given);
@@ -80,9 +80,10 @@ class Replacement {
         }
     }
 
-    /// Gives the file the mode of any other that this process would create.
-    void BeUsual() const {
-        // The mask can only be read by setting it; meanwhile it is the strictest.
+    /// Gives the file the mode that the umask leaves to a new file; mkostemp made it private.
+    void UseDefaultMode() const {
+        // The umask can only be read by setting it. Meanwhile it is the strictest one, so that no
+        // file is created with too many rights.
         const mode_t mask = umask(0777);
         (void)umask(mask);
         if (fchmod(file.Number(), 0666U & ~mask) != 0) {
@@ -90,7 +91,7 @@ class Replacement {
         }
     }
 
-    void TakePlace() {
+    void ReplaceTarget() {
         if (fsync(file.Number()) != 0 || rename(name.c_str(), target.c_str()) != 0) {
             ThrowSystemError(target);
         }
@@ -108,7 +109,7 @@ class Replacement {
 
 void UpdateFile(const std::string& path, MissingFile missing,
                 const std::function<std::string(const std::string&)>& change) {
-    // A link keeps pointing to the file; the file behind it is replaced.
+    // Where the path is a symbolic link, the file that it points to is replaced, not the link.
     const std::filesystem::path target =
         std::filesystem::weakly_canonical(std::filesystem::absolute(path));
     const LockedDirectory directory(target.parent_path());
@@ -126,11 +127,11 @@ void UpdateFile(const std::string& path, MissingFile missing,
     Replacement replacement(target);
     replacement.Write(after);
     if (exists) {
-        replacement.Resemble(original);
+        replacement.CopyOwnerAndMode(original);
     } else if (missing == MissingFile::createdForAll) {
-        replacement.BeUsual();
+        replacement.UseDefaultMode();
     }
-    replacement.TakePlace();
+    replacement.ReplaceTarget();
     directory.Synchronise();
 }
 

@@ -11,15 +11,15 @@ enum class MissingFile {
     fails,
     /// It counts as empty and is created, readable by its owner only.
     created,
-    /// The same, readable by whom the mask of the process permits.
+    /// It counts as empty and is created with the mode that the umask leaves to a new file.
     createdForAll,
 };
 
-/// Replaces the contents of the file at @p path by @p change of them, atomically: whoever reads the
-/// file sees the old or the new contents. The directory of the file is locked (flock) meanwhile, so
-/// that no change by another process that does the same is lost. Mode and, where permitted, owner
-/// of the file are kept. Throws std::system_error and whatever @p change throws; the file is as it
-/// was then.
+/// Replaces the contents of the file at @p path by what @p change makes of them, in one step: a
+/// reader sees either the old or the new contents. The directory of the file is locked (flock)
+/// meanwhile, so that processes which change files in this way lose none of their changes. Mode
+/// and, where permitted, owner of the file are kept. Throws std::system_error and whatever @p
+/// change throws; the file is unchanged then.
 void UpdateFile(const std::string& path, MissingFile missing,
                 const std::function<std::string(const std::string&)>& change);
 

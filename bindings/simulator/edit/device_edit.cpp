@@ -28,27 +28,28 @@ bool HasBeenMadeToFail(const json& value) {
     return value.is_object() && value.contains("error") && value.contains(kHealedName);
 }
 
-/// The value itself, or what it keeps when it has been made to fail.
-json& Behind(json& value) {
+/// The answer in the entry @p value of a call: the value itself or, when the call has been made to
+/// fail, the answer that is kept for when it is healed.
+json& HealthyValue(json& value) {
     return HasBeenMadeToFail(value) ? value.at(kHealedName) : value;
 }
 
-/// The value at @p step of @p value, made where there is none.
+/// The value at @p step of @p value, created as null where there is none.
 json& Step(json& value, const KeyPath::value_type& step, const std::string& whole) {
     if (const auto* const name = std::get_if<std::string>(&step)) {
         if (!value.is_object() && !value.is_null()) {
             throw std::runtime_error("there is no " + whole + ": '" + *name +
-                                     "' would be a member of what is no object");
+                                     "' would be a member of something that is not an object");
         }
         return value[*name];
     }
     const std::size_t position = std::get<std::size_t>(step);
     const std::size_t size = value.is_array() ? value.size() : 0;
     if (!(value.is_array() || value.is_null()) || position > size) {
-        throw std::runtime_error("there is no " + whole + ": " +
-                                 (value.is_array()
-                                      ? "the list has " + std::to_string(size)
-                                      : std::string("what should be the list is none")));
+        throw std::runtime_error(
+            "there is no " + whole + ": " +
+            (value.is_array() ? "the list has " + std::to_string(size)
+                              : std::string("it would be in something that is not a list")));
     }
     if (position == size) {
         value.push_back(nullptr);
@@ -56,11 +57,12 @@ json& Step(json& value, const KeyPath::value_type& step, const std::string& whol
     return value[position];
 }
 
-/// The value at @p path, made where there is none, as it stands in the document.
-json& Reach(json& document, const KeyPath& path) {
+/// The value at @p path as it stands in the document. Values that are missing on the way are
+/// created as null.
+json& FindOrCreate(json& document, const KeyPath& path) {
     json* value = &document;
     for (const auto& step : path) {
-        value = &Step(Behind(*value), step, PathText(path));
+        value = &Step(HealthyValue(*value), step, PathText(path));
     }
     return *value;
 }
@@ -69,17 +71,17 @@ std::string TextOf(const std::string& text, const json& before, const json& afte
     try {
         return Patched(text, before, after);
     } catch (const json::type_error& /*error*/) {
-        throw std::runtime_error("what is no UTF-8 text can be no part of a document");
+        throw std::runtime_error("a document can hold texts in UTF-8 only");
     }
 }
 
 void MakeFail(json& document, const KeyPath& path, std::int64_t code) {
-    json& value = Reach(document, path);
-    json kept = Behind(value);
+    json& value = FindOrCreate(document, path);
+    json kept = HealthyValue(value);
     value = json{{"error", code}, {kHealedName, std::move(kept)}};
 }
 
-/// Throws UnknownName, and std::runtime_error when what is at @p path is nothing that can fail.
+/// Throws UnknownName, and std::runtime_error when nothing that can fail is at @p path.
 void MustBeCall(const json& document, const KeyPath& path) {
     json probe = document;
     MakeFail(probe, path, 1);
@@ -87,13 +89,13 @@ void MustBeCall(const json& document, const KeyPath& path) {
         (void)CompileDevice(probe);
         return;
     } catch (const UnknownName& error) {
-        // A longer path is that of the failure, where there can be none.
+        // A longer path is that of the failure itself, in a place where there cannot be one.
         if (error.Path().size() <= path.size()) {
             throw;
         }
-    } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): what it says is of the probe
+    } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): it tells of the probe
     }
-    throw std::runtime_error(PathText(path) + ": this is no call, and no page or channel");
+    throw std::runtime_error(PathText(path) + ": this is not a call, a page or a channel");
 }
 
 KeyPath NotificationsPath() {
@@ -129,7 +131,7 @@ void ChangeDevice(const std::string& path, const std::function<void(json&)>& cha
 }
 
 void SetValue(json& document, const KeyPath& path, json value) {
-    Behind(Reach(document, path)) = std::move(value);
+    HealthyValue(FindOrCreate(document, path)) = std::move(value);
 }
 
 KeyPath FailingCallOn(const json& document, const KeyPath& path) {
@@ -144,7 +146,7 @@ KeyPath FailingCallOn(const json& document, const KeyPath& path) {
 }
 
 void MoveNumber(json& document, const KeyPath& path, const Move& move) {
-    json& value = Behind(Reach(document, path));
+    json& value = HealthyValue(FindOrCreate(document, path));
     const auto moved = [&](auto number) {
         if ((move.least && std::cmp_less(number, *move.least)) ||
             (move.most && std::cmp_greater(number, *move.most))) {
@@ -163,7 +165,7 @@ void MoveNumber(json& document, const KeyPath& path, const Move& move) {
         }
         return result;
     };
-    // As a signed number where that is possible: it may become negative.
+    // A signed number wherever it fits, since the result may be negative.
     if (const auto number = NumberOf<std::int64_t>(value)) {
         value = moved(*number);
     } else if (const auto large = NumberOf<std::uint64_t>(value)) {
@@ -187,21 +189,21 @@ void HealCall(json& document, const KeyPath& path) {
     }
     if (!HasBeenMadeToFail(*found)) {
         throw std::runtime_error(PathText(path) +
-                                 ": what it answered before it failed is not in the document; set "
-                                 "its value");
+                                 ": the document does not hold what it answered before it failed; "
+                                 "set its value");
     }
     json healed = found->at(kHealedName);
     if (!healed.is_null()) {
-        Reach(document, path) = std::move(healed);
+        FindOrCreate(document, path) = std::move(healed);
         return;
     }
     // The document did not name the call.
-    json& parent = Reach(document, {path.begin(), path.end() - 1});
+    json& parent = FindOrCreate(document, {path.begin(), path.end() - 1});
     parent.erase(std::get<std::string>(path.back()));
 }
 
 json& Notifications(json& document) {
-    json& list = Behind(Reach(document, NotificationsPath()));
+    json& list = HealthyValue(FindOrCreate(document, NotificationsPath()));
     if (list.is_null()) {
         list = json::array();
     }

@@ -14,9 +14,9 @@
 
 namespace binding {
 
-/// Changes the document at @p path for every process, in one step, when the simulator's reader
-/// accepts what @p change makes of it. Throws std::runtime_error and what @p change throws, and
-/// leaves the document as it is then.
+/// Changes the document at @p path in one step, if the simulator's reader accepts what @p change
+/// makes of it. Throws std::runtime_error and what @p change throws; the
+/// document is unchanged then.
 void ChangeDevice(const std::string& path,
                   const std::function<void(nlohmann::ordered_json&)>& change);
 
@@ -28,9 +28,9 @@ nlohmann::ordered_json ReadGoodDocument(const std::string& file, const std::stri
 /// accepts @p document.
 void MustBeGood(const nlohmann::ordered_json& document);
 
-/// Puts @p value at @p path. Objects on the way are made where there is nothing; a list can be
-/// added to at its end. Throws std::runtime_error for another position, and for a name in what is
-/// no object.
+/// Sets the value at @p path to @p value. Objects that are missing on the way are created; the
+/// position behind the last one of a list adds to it. Throws std::runtime_error for a position
+/// further behind, and for a name in something that is not an object.
 void SetValue(nlohmann::ordered_json& document, const KeyPath& path, nlohmann::ordered_json value);
 
 /// The call on the way of @p path that has been made to fail; empty when there is none.
@@ -43,29 +43,29 @@ struct Move {
     std::optional<std::int64_t> most = std::nullopt;
 };
 
-/// Moves the integer at @p path, to its limit at most. One that is outside the limits already stays
-/// where somebody has put it. Throws std::runtime_error when there is no integer, or when the
-/// result is none of 64 bits.
+/// Moves the integer at @p path, at most to its limit. An integer that is already outside of the
+/// limits is left alone, since somebody has set it. Throws std::runtime_error when there is no
+/// integer, or when the result does not fit into 64 bits.
 void MoveNumber(nlohmann::ordered_json& document, const KeyPath& path, const Move& move);
 
-/// Makes the call at @p path fail with @p code. Throws UnknownName, and std::runtime_error for what
-/// is no call.
+/// Makes the call at @p path fail with @p code. Throws UnknownName, and std::runtime_error when
+/// something else than a call is there.
 void FailCall(nlohmann::ordered_json& document, const KeyPath& path, std::int64_t code);
 
-/// Gives the call at @p path back what it answered before it was made to fail. One that does not
-/// fail stays as it is. Throws UnknownName, and std::runtime_error for what is no call and for a
-/// call whose failure was written by hand, of which nothing else is known.
+/// Restores what the call at @p path answered before it was made to fail. A call that does not fail
+/// is left alone. Throws UnknownName, and std::runtime_error when something else than a call is
+/// there, or a failure that was written by hand, so that the earlier answer is not known.
 void HealCall(nlohmann::ordered_json& document, const KeyPath& path);
 
-/// The list of notifications, made where there is nothing. Throws std::runtime_error when the
+/// The list of notifications, created where there is none. Throws std::runtime_error when the
 /// channel holds something else.
 nlohmann::ordered_json& Notifications(nlohmann::ordered_json& document);
 
-/// Adds @p notification, in place of one with the same id.
+/// Adds @p notification. It replaces one with the same id.
 void AddNotification(nlohmann::ordered_json& document, const nlohmann::ordered_json& notification);
 
-/// Takes the notifications with the id @p id away, or all for an empty one. Throws
-/// std::runtime_error for an id that is neither there nor that of a known type.
+/// Removes the notifications with the id @p id, or all if it is empty. Throws std::runtime_error
+/// for an id that neither a notification nor a known type has.
 void ClearNotifications(nlohmann::ordered_json& document, const std::string& id);
 
 }  // namespace binding

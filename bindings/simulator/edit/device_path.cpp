@@ -22,7 +22,7 @@ using json = nlohmann::ordered_json;
 
 constexpr std::array<std::string_view, 3> kSections = {"sys", "webui", "msgbus"};
 
-/// Takes a path apart, step by step, beside the values that it leads through.
+/// Takes a path apart, step by step, following the values that it leads through.
 class PathParser {
   public:
     PathParser(const std::string& newText, const json& document)
@@ -155,12 +155,12 @@ void MustBeKnown(const json& document, const KeyPath& path) {
     try {
         CompileDevice(probe);
     } catch (const UnknownName& error) {
-        // The probe itself is no name.
+        // Only the probe is unknown: the name before it is a right one.
         if (error.Path().size() <= path.size()) {
             throw;
         }
     } catch (const ValueError&) {
-        // The name is known, and wants something else.
+        // The name is right: the reader only expects another value there.
         return;
     }
 }

@@ -11,7 +11,7 @@ namespace binding {
 
 namespace {
 
-/// In the order of the alphabet; none of a folder that cannot be read.
+/// The names in alphabetical order; empty for a folder that cannot be read.
 std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     std::error_code ignored;

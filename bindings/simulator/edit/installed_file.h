@@ -1,4 +1,4 @@
-// Files that are named without saying where they are.
+// Finds installed files by their names.
 #pragma once
 
 #include <filesystem>
@@ -6,9 +6,9 @@
 
 namespace binding {
 
-/// The file @p name; when there is none, the one that is installed in @p folder under that name,
-/// with or without ".json". Without either it is @p name, of which std::runtime_error is thrown
-/// when an installed one has nearly that name.
+/// Returns @p name when there is such a file; otherwise the path of the file that is installed in
+/// @p folder under that name, with or without ".json". When there is neither, throws
+/// std::runtime_error if an installed file has nearly that name, and returns @p name if none has.
 std::string FileOrInstalled(const std::string& name, const std::filesystem::path& folder);
 
 }  // namespace binding

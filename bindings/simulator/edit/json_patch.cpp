@@ -45,7 +45,7 @@ std::string OnLines(const json& value, std::size_t level) {
     return value.is_object() ? "{" + text + "}" : "[" + text + "]";
 }
 
-/// Whether @p after has all the members of @p before, which may be none.
+/// Whether both are objects and @p after has all members of @p before, of which there are some.
 bool OnlyGrows(const json& before, const json& after) {
     return before.is_object() && after.is_object() && !before.empty() &&
            std::all_of(before.items().begin(), before.items().end(),

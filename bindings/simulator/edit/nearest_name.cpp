@@ -15,7 +15,7 @@ bool SameLetter(char left, char right) {
            std::tolower(static_cast<unsigned char>(right));
 }
 
-/// Letters to add, to take away or to exchange, and neighbours to swap.
+/// How many letters are to be added, removed, exchanged, or swapped with their neighbours.
 std::size_t Distance(const std::string& left, const std::string& right) {
     // Distances of the first letters of left to each beginning of right: of as many as have been
     // seen, of one and of two fewer.
@@ -42,7 +42,8 @@ std::size_t Distance(const std::string& left, const std::string& right) {
 }  // namespace
 
 std::string NearestName(const std::string& name, const std::vector<std::string>& known) {
-    // Nobody means a name by something that is far longer than all of them.
+    // A text that is far longer than all names is not a misspelt one, and would take long to
+    // compare.
     constexpr std::size_t kLongestName = 256;
     std::string nearest;
     std::size_t fewest = 0;

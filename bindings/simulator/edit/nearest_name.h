@@ -1,4 +1,4 @@
-// What somebody may have meant who got a name wrong.
+// Finds the name that somebody may have meant who has misspelt one.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace binding {
 
-/// The name of @p known that takes the fewest changes of one letter, or swaps of two neighbours, to
-/// get from @p name, upper and lower case being one; empty when even that one takes as many changes
-/// as half of its length.
+/// The name of @p known that is closest to @p name: the fewest letters are added, removed or
+/// exchanged, or swapped with their neighbours, upper and lower case being the same. Empty when
+/// even the closest one takes as many changes as half of its length.
 std::string NearestName(const std::string& name, const std::vector<std::string>& known);
 
-/// "; did you mean NAME?" with @p name, nothing for an empty one.
+/// "; did you mean NAME?" for the name @p name; an empty text for an empty one.
 std::string Suggestion(const std::string& name);
 
-/// What @p error says, with the path of the nearest right name.
+/// The text of @p error, with the path of the closest right name.
 std::string WithSuggestion(const UnknownName& error);
 
 }  // namespace binding

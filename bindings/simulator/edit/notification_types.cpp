@@ -15,7 +15,7 @@ struct NotificationType {
     const char* name;
     const char* category;
     const char* severity;
-    const char* title;  ///< of the message id, as is the next one
+    const char* title;  ///< part of the message id, like the next one
     const char* text;
 };
 
@@ -49,7 +49,7 @@ constexpr std::array<NotificationType, 24> kTypes = {{
     {"gpioPin2StateChangeToHigh", "gpio", "info", "gpio_pin2", "gpio_message"},
 }};
 
-/// The usual fields of a type; none of an unknown type.
+/// The usual fields of a type; empty for an unknown type.
 NotificationFields Usual(const std::string& type) {
     const auto* const found =
         std::find_if(kTypes.begin(), kTypes.end(),

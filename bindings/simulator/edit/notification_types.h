@@ -12,7 +12,7 @@ namespace binding {
 /// The names of all known types.
 std::vector<std::string> NotificationTypeNames();
 
-/// What differs from what is usual for a type.
+/// The fields in which a notification differs from the usual one of its type.
 struct NotificationFields {
     std::optional<std::string> category;
     std::shared_ptr<const nlohmann::ordered_json> severity;  ///< a name, or a number
@@ -22,8 +22,8 @@ struct NotificationFields {
     bool active = true;
 };
 
-/// A notification of the type @p type. Throws std::runtime_error for an unknown type, unless
-/// @p fields names everything.
+/// A notification of the type @p type. Throws std::runtime_error for an unknown type unless
+/// @p fields holds every field.
 nlohmann::ordered_json MakeNotification(const std::string& type, const NotificationFields& fields);
 
 }  // namespace binding

@@ -35,7 +35,7 @@ class Player {
         if (!WaitFor(scenario.duration)) {
             return false;
         }
-        // After a pause of the whole process, nothing is made up for.
+        // When the whole process was paused, what it missed is not made up for.
         begin = std::max(begin + ClockTime(scenario.duration), clock.Now());
         return true;
     }

@@ -8,7 +8,7 @@
 
 namespace binding {
 
-/// The time that a scenario is played by.
+/// The clock that paces a scenario.
 class Clock {
   public:
     using Time = std::chrono::nanoseconds;
@@ -18,11 +18,12 @@ class Clock {
     /// Time since some moment of the past.
     virtual Time Now() = 0;
 
-    /// Waits until @p time, which may be over. Returns false, at once, when the playing is to end.
+    /// Waits until @p time, which may have passed. Returns false at once when the player is to
+    /// stop.
     virtual bool WaitUntil(Time time) = 0;
 };
 
-/// Who is told what happens. Times are the scenario's own.
+/// Receives reports of what happens. Times are those of the scenario.
 class Audience {
   public:
     virtual ~Audience() = default;
@@ -38,9 +39,9 @@ struct Pace {
     bool loops = false;
 };
 
-/// Plays @p scenario on the document at @p path: one replacement for each of its instants. What
-/// goes wrong on the way, such as a document that somebody has just damaged, is told once, and the
-/// scenario goes on. Returns whether everything went well; being stopped by the clock is well.
+/// Plays @p scenario on the document at @p path: one replacement for each of its instants. An error
+/// on the way, such as a document that somebody has just damaged, is reported once, and the
+/// scenario goes on. Returns whether there was no error; being stopped by the clock is not one.
 bool Play(const Scenario& scenario, const std::string& path, const Pace& pace, Clock& clock,
           Audience& audience);
 

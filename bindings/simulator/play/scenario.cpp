@@ -26,10 +26,11 @@ using json = nlohmann::ordered_json;
 /// A week.
 constexpr double kLongest = 604'800;
 constexpr double kShortest = 0.1;
-/// Nobody writes as many; what asks for them would fill the memory.
+/// More than anybody writes by hand; without a limit, a short file could ask for more than memory
+/// holds.
 constexpr std::size_t kMostChanges = 100'000;
 
-/// When an event happens, and when its ramps go on.
+/// When an event happens, and when the steps of its ramps do.
 struct Times {
     Milliseconds begin{0};
     Milliseconds length{0};
@@ -53,7 +54,7 @@ std::string ReadString(const Node& node, const char* expected) {
     return node.Value().get<std::string>();
 }
 
-/// Small enough to be added and multiplied by a number of steps.
+/// An integer small enough to be added, and multiplied by a number of steps, in 64 bits.
 std::int64_t ReadInteger(const Node& node) {
     constexpr std::int64_t kLargest = 1'000'000'000'000'000;
     const auto number = NumberOf<std::int64_t>(node.Value());
@@ -63,7 +64,7 @@ std::int64_t ReadInteger(const Node& node) {
     return *number;
 }
 
-/// What @p whole has grown to at step @p step of @p steps, in integers.
+/// The share of @p whole that is reached at step @p step of @p steps, in integers.
 std::int64_t Part(std::int64_t whole, std::int64_t step, std::int64_t steps) {
     return whole / steps * step + whole % steps * step / steps;
 }
@@ -103,7 +104,7 @@ class ScenarioReader {
     void ReadEvent(const Node& event) {
         Members members(event);
         const Times times = ReadTimes(event, members);
-        // Events without changes only say something.
+        // An event without changes still needs its instant, for what it says.
         Instant& instant = scenario.instants[times.begin];
         const auto say = members.Find("say");
         if (!say) {
@@ -235,7 +236,7 @@ class ScenarioReader {
         }
     }
 
-    /// A type, or an object with "type" and what is unusual.
+    /// A type, or an object with "type" and the fields that differ from the usual ones.
     static json ReadNotification(const Node& node) {
         NotificationFields fields;
         std::string type;
@@ -324,7 +325,8 @@ class ScenarioReader {
         std::int64_t before = first;
         for (std::int64_t step = 0; step <= steps; ++step) {
             const std::int64_t number = first + Part(last - first, step, steps);
-            // Somebody else's change of a number that rests is left alone.
+            // While the ramp's number stays the same, nothing is written: somebody else may have
+            // changed the value meanwhile.
             if (step == 0 || number != before) {
                 AddStep(scenario.instants[TimeOf(step, times)], ramp,
                         {.where = where,
@@ -332,7 +334,7 @@ class ScenarioReader {
                              [path, number](json& document) {
                                  SetValue(document, ResolvePath(path, document), number);
                              },
-                         .isLikeTheLast = step != 0 && step != steps,
+                         .differsOnlyInNumber = step != 0 && step != steps,
                          .condition = times.condition});
             }
             before = number;
@@ -354,7 +356,7 @@ class ScenarioReader {
                              [path, move](json& document) {
                                  MoveNumber(document, ResolvePath(path, document), move);
                              },
-                         .isLikeTheLast = !isFirst,
+                         .differsOnlyInNumber = !isFirst,
                          .condition = times.condition});
                 isFirst = false;
             }
@@ -386,9 +388,10 @@ class ScenarioReader {
     Milliseconds lastBegin{0};
 };
 
-/// Runs @p step and says of what goes wrong that it is asked for at @p where.
+/// Runs @p step. An error that it throws is thrown as std::runtime_error, its text prefixed with
+/// @p where, the place in the file that asks for the step.
 template <typename Step>
-void Blame(const std::string& where, Step step) {
+void RunWithPlace(const std::string& where, Step step) {
     const auto fail = [&where](const std::string& what) {
         throw std::runtime_error(where + ": " + what);
     };
@@ -406,7 +409,7 @@ bool Holds(const Change& change, const json& document) {
            std::all_of(change.condition->begin(), change.condition->end(),
                        [&](const Requirement& requirement) {
                            bool isMet = false;
-                           Blame(requirement.where, [&] {
+                           RunWithPlace(requirement.where, [&] {
                                const json* const found =
                                    FindAt(document, ResolvePath(requirement.path, document));
                                isMet = found != nullptr && *found == *requirement.value;
@@ -415,9 +418,9 @@ bool Holds(const Change& change, const json& document) {
                        });
 }
 
-/// A value that the device cannot have would make a condition that never holds.
+/// Refuses a condition that can never hold, because the device cannot have the value.
 void MustBePossible(const Requirement& requirement, json document) {
-    Blame(requirement.where, [&] {
+    RunWithPlace(requirement.where, [&] {
         SetValue(document, ResolvePath(requirement.path, document), *requirement.value);
         MustBeGood(document);
     });
@@ -428,7 +431,7 @@ void MustBePossible(const Requirement& requirement, json document) {
 void Instant::Apply(json& document) const {
     for (const Change& change : changes) {
         if (Holds(change, document)) {
-            Blame(change.where, [&] { change.apply(document); });
+            RunWithPlace(change.where, [&] { change.apply(document); });
         }
     }
 }
@@ -443,7 +446,7 @@ Scenario ReadScenario(const std::string& file, const std::string& text) {
     });
 }
 
-void MustSuit(const Scenario& scenario, json document) {
+void MustBePlayable(const Scenario& scenario, json document) {
     std::set<std::shared_ptr<const Condition>> tried;
     for (const auto& [time, instant] : scenario.instants) {
         for (const Change& change : instant.changes) {
@@ -452,9 +455,9 @@ void MustSuit(const Scenario& scenario, json document) {
                     MustBePossible(requirement, document);
                 }
             }
-            Blame(change.where, [&] {
+            RunWithPlace(change.where, [&] {
                 change.apply(document);
-                if (!change.isLikeTheLast) {
+                if (!change.differsOnlyInNumber) {
                     MustBeGood(document);
                 }
             });

@@ -26,11 +26,11 @@ using Condition = std::vector<Requirement>;
 struct Change {
     std::string where;  ///< file, line and key that ask for it
     std::function<void(nlohmann::ordered_json&)> apply;
-    /// Whether it is a step of a ramp like the one before it, which only another number tells
-    /// apart.
-    bool isLikeTheLast = false;
-    /// Where it does not hold, the change is left out. Null where there is none; the steps of a
-    /// ramp share theirs.
+    /// Whether it is a step of a ramp that differs from the step before it only in its number. The
+    /// document is not read again to check such a step.
+    bool differsOnlyInNumber = false;
+    /// The change is left out while the condition does not hold. Null for a change without a
+    /// condition; the steps of a ramp share one.
     std::shared_ptr<const Condition> condition = nullptr;
 };
 
@@ -52,11 +52,12 @@ struct Scenario {
 };
 
 /// Reads the scenario @p text. Throws std::runtime_error, whose text begins with @p file and the
-/// line, when anything in it is not as it must be.
+/// line, when anything in it is wrong.
 Scenario ReadScenario(const std::string& file, const std::string& text);
 
-/// Throws std::runtime_error unless the whole of @p scenario can happen to the device @p document,
-/// each change whatever its condition, and unless each condition is one that can hold.
-void MustSuit(const Scenario& scenario, nlohmann::ordered_json document);
+/// Throws std::runtime_error unless the device @p document can go through the whole of @p scenario.
+/// Each change is tried, whether or not its condition holds, and each condition must be one that
+/// can hold.
+void MustBePlayable(const Scenario& scenario, nlohmann::ordered_json document);
 
 }  // namespace binding

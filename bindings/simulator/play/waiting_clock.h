@@ -1,4 +1,4 @@
-// The clock that scenarios are really played by.
+// The clock of a scenario that people watch: real time.
 #pragma once
 
 #include <csignal>
@@ -7,8 +7,8 @@
 
 namespace binding {
 
-/// Runs as time does and ends the playing at SIGINT, SIGTERM or SIGHUP. These signals are taken
-/// only while it waits, so that no change is interrupted. For the only thread of a process.
+/// Runs in real time and stops the player at SIGINT, SIGTERM or SIGHUP. It blocks these signals
+/// except while it waits, so that they interrupt no change. For processes with one thread only.
 class WaitingClock : public Clock {
   public:
     WaitingClock();

@@ -94,7 +94,7 @@ TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
     EXPECT_EQ(Run("set sys.getBatteryStatus '{\"chargePercent\": 1, \"chargePercent\": 2}'"),
               "1 kestal-sim: the value: chargePercent: expected once, found twice\n");
     EXPECT_EQ(Run("set webui.i18nSettings.language \"$(printf '\\377')\""),
-              "1 kestal-sim: what is no UTF-8 text can be no part of a document\n");
+              "1 kestal-sim: a document can hold texts in UTF-8 only\n");
     EXPECT_EQ(Run("fail sys.getSIMStatus 0"),
               "1 kestal-sim: sys.getSIMStatus.error: expected a 32-bit integer other than 0 and "
               "983040, found 0\n");
@@ -115,7 +115,7 @@ TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
          {"sys", "sys.getBatteryStatus.chargePercent", "sys.getConnectedDeviceList[0]",
           "webui.i18nSettings.language"}) {
         const std::string told =
-            "1 kestal-sim: " + wrong + ": this is no call, and no page or channel\n";
+            "1 kestal-sim: " + wrong + ": this is not a call, a page or a channel\n";
         EXPECT_EQ(Run("fail '" + wrong + "' 5"), told);
         EXPECT_EQ(Run("heal '" + wrong + "'"), told);
     }
@@ -156,7 +156,7 @@ TEST_F(SimCommand, LoadsWhereADocumentIsDamagedOrMissing) {
     EXPECT_EQ(ReadFile(device), ReadFile(file));
 }
 
-TEST_F(SimCommand, CreatesADocumentForAllWhomTheMaskPermitsAndSessionsForNobodyElse) {
+TEST_F(SimCommand, CreatesADocumentWithTheModeOfTheUmaskAndSessionsForTheirOwner) {
     using std::filesystem::perms;
     const auto modeOf = [](const std::filesystem::path& file) {
         return std::filesystem::status(file).permissions();

@@ -68,9 +68,9 @@ TEST(SetValue, AddsToAListOnlyAtItsEnd) {
     EXPECT_EQ(Refusal([&] { SetValue(document, beyond, 2); }), "there is no a[3]: the list has 2");
     const KeyPath named = {"a", "b"};
     EXPECT_EQ(Refusal([&] { SetValue(document, named, 2); }),
-              "there is no a.b: 'b' would be a member of what is no object");
+              "there is no a.b: 'b' would be a member of something that is not an object");
     EXPECT_EQ(Refusal([&] { SetValue(document, {std::size_t{0}}, 2); }),
-              "there is no [0]: what should be the list is none");
+              "there is no [0]: it would be in something that is not a list");
 }
 
 TEST(MoveNumber, MovesAnInteger) {
@@ -192,9 +192,10 @@ TEST(HealCall, LeavesACallThatWorks) {
 
 TEST(HealCall, RefusesWhatItCannotRestore) {
     json document = json::parse(R"({"sys":{"getSIMStatus":{"error":3}}})");
-    EXPECT_EQ(Refusal([&] { HealCall(document, kStatus); }),
-              "sys.getSIMStatus: what it answered before it failed is not in the document; set its "
-              "value");
+    EXPECT_EQ(
+        Refusal([&] { HealCall(document, kStatus); }),
+        "sys.getSIMStatus: the document does not hold what it answered before it failed; set its "
+        "value");
     EXPECT_THROW(HealCall(document, {"sys", "getSIMState"}), binding::UnknownName);
 }
 
@@ -325,7 +326,7 @@ TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
               "sys.getSimStatus: expected the name of a call, found an unknown name; did you mean "
               "sys.getSIMStatus?");
     EXPECT_EQ(set({"webui", "i18nSettings", "language"}, "\xff"),
-              "what is no UTF-8 text can be no part of a document");
+              "a document can hold texts in UTF-8 only");
     EXPECT_EQ(ReadFile(device), before);
 }
 

@@ -49,7 +49,7 @@ std::string EventComplaint(const std::string& event) {
 /// What is said about the event on a device.
 std::string Misfit(const std::string& event, const std::string& device = "{}") {
     try {
-        MustSuit(Events(event), json::parse(device));
+        MustBePlayable(Events(event), json::parse(device));
         return "";
     } catch (const std::runtime_error& error) {
         return error.what();
