@@ -5,8 +5,8 @@
 
 namespace bench {
 
-/// A device document in a file of its own, in force in one session of the SDK while it lives, as
-/// the device is in the course of one request.
+/// A device document in a file of its own. While the object lives, a session of the SDK is open on
+/// the document, as it is during one request.
 class DeviceInSession {
   public:
     /// The default device.

@@ -1,4 +1,4 @@
-// The answer tree and its JSON, beside what other libraries take for the same keys.
+// The answer tree and its JSON, compared with other libraries on the same keys.
 #include <benchmark/benchmark.h>
 #include <jansson.h>
 #include <rapidjson/document.h>
@@ -25,7 +25,7 @@ struct Member {
     INT_64 number;
 };
 
-/// The members of the status data set, in no order that suits a library.
+/// The members of the status data set, in an order that favours no library.
 std::vector<Member> StatusMembers() {
     const bench::DeviceInSession device;
     SystemServiceComponent component;
@@ -72,7 +72,7 @@ void RapidJsonOfStatusKeys(benchmark::State& state) {
         auto& allocator = answer.GetAllocator();
         rapidjson::Value data(rapidjson::kObjectType);
         for (const Member& member : members) {
-            // Keys are literals, which need no copy.
+            // The keys are literals, so this library need not copy them.
             const rapidjson::Value::StringRefType key(
                 member.key.c_str(), static_cast<rapidjson::SizeType>(member.key.size()));
             if (member.isText) {
@@ -131,7 +131,7 @@ void JanssonOfStatusKeys(benchmark::State& state) {
 }
 BENCHMARK(JanssonOfStatusKeys);
 
-/// Serialisation alone, of a list of so many notifications.
+/// Serialisation alone, of a list with that many notifications.
 void Serialisation(benchmark::State& state) {
     CTPP::CDT list(CTPP::CDT::ARRAY_VAL);
     for (INT_64 i = 0; i < state.range(0); ++i) {

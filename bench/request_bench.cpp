@@ -1,4 +1,4 @@
-// What every request does beside its operation: the session check, and log lines that nobody wants.
+// What every request costs beside its operation: the session check, and log lines below the level.
 #include <benchmark/benchmark.h>
 #include <fcgiapp.h>
 

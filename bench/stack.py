@@ -31,7 +31,8 @@ OPERATIONS = [
 ]
 CONNECTIONS = [1, 8, 32]
 REPORT = pathlib.Path(__file__).with_name("report.lua")
-# As on a device: no debug lines, and the service's own default is what the environment says nothing of.
+# Variables that the service must not inherit: as on a device, it uses its own defaults, so that it
+# writes no debug lines.
 NOT_ON_A_DEVICE = ("KESTAL_LOG_LEVEL",)
 
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// Whether @p text is UTF-8 throughout.
+/// Whether all of @p text is UTF-8.
 bool IsUtf8(std::string_view text);
 
-/// The answer is JSON. Texts that are no UTF-8 are copied byte by byte and only they may break it:
-/// its structure is looked at all the same.
+/// Requires the answer to be JSON. Texts that are not UTF-8 are copied into it byte by byte, so
+/// that the answer may not be UTF-8 either; its structure is checked all the same.
 void RequireJson(const std::string& answer);

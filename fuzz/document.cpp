@@ -19,7 +19,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether the reader takes @p text; if not, it says where in it the fault is.
+/// Whether the reader accepts @p text. Requires it to say where the fault is if it does not.
 bool IsDevice(const std::string& text) {
     try {
         (void)binding::ReadDevice("device.json", text);
@@ -35,7 +35,7 @@ bool IsDevice(const std::string& text) {
     }
 }
 
-/// Each value is found at its place.
+/// Requires that each value is found at its place in the text.
 void RequirePlaces(const std::string& text, const Json& value, binding::KeyPath& path,
                    int& budget) {
     if (--budget < 0) {
@@ -43,7 +43,7 @@ void RequirePlaces(const std::string& text, const Json& value, binding::KeyPath&
     }
     const auto place = binding::FindValue(text, path);
     Require(place.has_value(), "each value has a place", text);
-    // Of what stands in a list, only the line is known.
+    // Inside a list, only the line of a value is known.
     const bool hasBytes =
         path.empty() ? value.is_structured() : std::holds_alternative<std::string>(path.back());
     if (hasBytes) {
@@ -64,14 +64,14 @@ void RequirePlaces(const std::string& text, const Json& value, binding::KeyPath&
     }
 }
 
-/// Changing one value changes nothing else.
+/// Requires that changing one value changes nothing else.
 void RequireChange(const std::string& text, const Json& document) {
     Json expected = document;
     expected["sys"]["getCellularDataConnectionStatus"] = 4;
     const std::string changed =
         binding::WithMember(text, {"sys"}, "getCellularDataConnectionStatus", "4");
     const Json reread = binding::ParseStrictly(changed);
-    // In whatever order: a new member may stand anywhere.
+    // Compared without regard to order: a new member may stand anywhere.
     Require(nlohmann::json(reread) == nlohmann::json(expected), "one value is changed", changed);
     const std::string patched = binding::Patched(text, document, expected);
     Require(nlohmann::json(binding::ParseStrictly(patched)) == nlohmann::json(expected),

@@ -81,7 +81,7 @@ void RequireNumbers(const std::string& text) {
     } else if (isNumber && std::fabs(expected) < 1e15) {
         Require(value == static_cast<INT_64>(expected), "a real is truncated", text);
     } else if (!isNumber) {
-        Require(value == 0, "what is no number is 0", text);
+        Require(value == 0, "a text that is not a number counts as 0", text);
     }
     Require(integer.GetString() == text && integer.Size() == text.size(),
             "a text stays what it is when it is read", text);
@@ -168,11 +168,12 @@ class Builder {
             case 'n':
             case 'f':
                 if (!std::isfinite(RealOf(text))) {
-                    // Good JSON, and more than the parser here takes.
+                    // Valid JSON, but too large a number for the parser of this check.
                     return false;
                 }
                 value = text;
-                // Without quotes where it is a number for JSON, too.
+                // A text that was read as a number is written without quotes if JSON allows its
+                // form.
                 expected = text.find_first_not_of("0123456789+-.eE") == std::string::npos &&
                                    Json::accept(text)
                                ? Json::parse(text)

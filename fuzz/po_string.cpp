@@ -11,8 +11,8 @@ namespace {
 
 using Arguments = std::array<std::string, 11>;
 
-/// The slow and plain way. Returns whether the result is of a sensible size: each argument may
-/// multiply the ones behind it.
+/// The same in a slow and simple way, to compare with. Returns false when the result gets too
+/// large: each argument may contain placeholders of the ones behind it, which multiplies them.
 bool Fill(std::string& text, const Arguments& arguments, std::size_t count) {
     constexpr std::size_t kLargest = 2'000;
     for (std::size_t index = 0; index < count; ++index) {

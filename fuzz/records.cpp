@@ -25,8 +25,8 @@
 #include "platform/sysint.h"
 #include "platform/webui.h"
 
-// A device may say that it has any number of anything. Memory for all of it is not there, at a
-// limit that leaves the fuzzer fast.
+// A device may announce any number of records. The limit on memory refuses the large ones, and is
+// low enough for the fuzzer to stay fast.
 extern "C" {
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size) {
@@ -286,7 +286,7 @@ void Script(const Replies& replies) {
     }
 }
 
-/// Nothing of what this target leaves out has been asked for.
+/// Requires that the service has made none of the calls that this target leaves out.
 void RequireOmissions() {
     for (const Omission& row : kOmissions) {
         Require(recording::TranscriptText(row.prefix).empty(), "a call left out is not made",
@@ -314,7 +314,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Script(replies);
     StatusComponent status;
     status.Init("");
-    // The second time, caches hold what the first one has left there.
+    // The second answer may use caches that the first one has filled.
     for (int round = 0; round < 2; ++round) {
         Script(replies);
         CTPP::CDT answer;

@@ -1,4 +1,4 @@
-// Runs a fuzz target on files, without libFuzzer: what has once been found is tried by every build.
+// Runs a fuzz target on files, without libFuzzer, so that every build tries past findings again.
 //
 // usage: fuzz_TARGET [FILE | DIRECTORY]...
 #include <cstdio>
@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     for (int index = 1; index < argc; ++index) {
         for (const auto& path : FilesAt(argv[index])) {
             Require(std::filesystem::exists(path), "there is such a file", path.string());
-            // Before the run: the last line names the file that ended it.
+            // Printed before the run, so that the last line names the file that crashes it.
             (void)std::fprintf(stderr, "%s\n", path.c_str());
             const std::string input = ReadFile(path);
             (void)LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()),

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-/// A directory for this process, which disappears at its end; in that of TMPDIR.
+/// A directory of this process under TMPDIR. It is removed when the process ends.
 const std::filesystem::path& ScratchDirectory();
 
 /// Puts @p contents into the file at @p path.
@@ -12,8 +12,8 @@ void WriteFile(const std::filesystem::path& path, const std::string& contents);
 
 std::string ReadFile(const std::filesystem::path& path);
 
-/// Nothing of the simulator leaves the scratch directory from now on, its log goes nowhere, yet
-/// each line of it is formatted.
+/// Makes the simulator keep all of its files in the scratch directory. Its log is formatted, line
+/// by line, and discarded.
 void ConfineSimulator();
 
 /// Puts @p document in place of the device's. Its file has a new name, so that no two of them can

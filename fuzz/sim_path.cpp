@@ -14,7 +14,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using binding::KeyPath;
 
-/// Runs @p change; false, and @p document is as it was, when that is refused.
+/// Runs @p change on @p document. Returns false and leaves the document unchanged when it is
+/// refused.
 template <typename Change>
 bool Attempt(Json& document, Change change) {
     Json changed = document;
@@ -73,7 +74,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Json* const set = binding::FindAt(document, path);
     Require(set != nullptr && *set == value, "what was set is there", text);
     const std::string patched = binding::Patched(deviceText, device, document);
-    // In whatever order: a new member may stand anywhere.
+    // Compared without regard to order: a new member may stand anywhere.
     Require(nlohmann::json::parse(patched) == nlohmann::json(document),
             "the file says what was set", patched);
     (void)IsGood(document);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The byte of two hexadecimal digits; -1 when @p digits are none.
+/// The byte that two hexadecimal digits stand for; -1 when @p digits are something else.
 int HexByte(std::string_view digits) {
     int byte = -1;
     const char* const end = digits.data() + digits.size();

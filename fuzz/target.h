@@ -11,7 +11,7 @@
 /// Runs the code under test on one input. Returns 0; whatever is wrong ends the process.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Ends the process as a crash does when @p rule has not held. @p evidence is printed.
+/// Ends the process like a crash, unless the rule @p holds; prints the rule and @p evidence then.
 void Require(bool held, std::string_view rule, std::string_view evidence = "");
 
 /// The input as text.
@@ -20,13 +20,13 @@ std::string InputText(const std::uint8_t* data, std::size_t size);
 /// The lines of @p text, without their line feeds.
 std::vector<std::string_view> LinesOf(std::string_view text);
 
-/// Takes what stands before the first @p separator away from the front of @p text, and the
-/// separator too; all of it when there is none.
+/// Removes from @p text the part before the first @p separator and the separator, and returns the
+/// part; without a separator, that is all of the text.
 std::string_view TakeUntil(std::string_view& text, char separator);
 
-/// The bytes that @p text names: \n is a line feed, \xHH the byte of these two hexadecimal digits,
-/// anything else itself.
+/// @p text with its escapes replaced: \n by a line feed, \xHH by the byte with these two
+/// hexadecimal digits.
 std::string Unescaped(std::string_view text);
 
-/// The decimal integer that @p text begins with, clamped; 0 when it begins with something else.
+/// The decimal integer at the beginning of @p text, clamped to its type; 0 when there is none.
 std::int64_t Integer(std::string_view text);

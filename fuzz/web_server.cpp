@@ -100,7 +100,8 @@ WebAnswer Read(int connection) {
 
 }  // namespace
 
-// In place of the one of the system library: when nobody waits, nobody will come.
+// Replaces the function of the system library: without a waiting connection there will never be
+// one.
 int accept(int listener, sockaddr* address, socklen_t* length) {
     const int connection = accept4(listener, address, length, 0);
     if (connection < 0 && errno == EAGAIN) {
@@ -123,7 +124,7 @@ std::vector<WebAnswer> Serve(const std::vector<WebRequest>& requests, int (*resp
     for (const WebRequest& request : requests) {
         connections.push_back(Connect(address, Stream(request)));
     }
-    // Readable for ever: waiting for a request never takes long.
+    // This descriptor is always readable, so that waiting for a request never blocks.
     (void)shutdown(listener, SHUT_RD);
     (void)dup2(listener, STDIN_FILENO);
     (void)close(listener);

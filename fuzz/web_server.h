@@ -12,12 +12,12 @@ struct WebRequest {
     std::string body;
 };
 
-/// What came back of a request.
+/// The answer to a request.
 struct WebAnswer {
     std::string output;
     int endings = 0;  ///< how often the request was ended
 };
 
-/// Serves @p requests, each on a connection of its own, by @p responder, which listens on the
-/// standard input and ends when no more can come.
+/// Serves @p requests, each on a connection of its own. @p responder listens on the standard input
+/// and returns when there are no more connections.
 std::vector<WebAnswer> Serve(const std::vector<WebRequest>& requests, int (*responder)());

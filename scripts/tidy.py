@@ -38,7 +38,7 @@ def commands(build):
         source = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
         inside = source.startswith(f"{ROOT}/") and not source.startswith(f"{build}/")
         if inside and (source not in chosen or "-fsanitize=" in chosen[source]["command"]):
-            # Precompiled headers are those of the compiler; each source names all that it needs.
+            # Without the precompiled headers, which clang-tidy cannot read; each source includes all it needs.
             command = re.sub(r" -Winvalid-pch| (-Xclang )?-include(-pch)? (-Xclang )?\S*/cmake_pch\.\S+", "", entry["command"])
             chosen[source] = {**entry, "command": command}
     return chosen
@@ -92,7 +92,7 @@ def main(tidy, build, everything):
     headers = included_headers(build)
     states = {source: state(source, entry, headers, version) for source, entry in entries.items()}
     clean = {source: now for source, now in states.items() if now and known.get(source) == now}
-    # The largest first, so that no processor waits for a last long one.
+    # The largest sources first, so that no long one remains when the other processors are done.
     stale = sorted(entries.keys() - clean.keys(), key=os.path.getsize, reverse=True)
 
     def look(source):
@@ -105,20 +105,20 @@ def main(tidy, build, everything):
         )
 
     def write_down():
-        # In one step, so that a run that is broken off leaves a whole record.
+        # Replaced in one step, so that an interrupted run leaves a complete record.
         new = folder / "clean.json.new"
         new.write_text(json.dumps(clean, indent=0))
         os.replace(new, record)
 
     found = failed = 0
-    # Whatever runs beside it has its turn first: tests that wait for answers, say.
+    # At low priority: tests that run at the same time wait for answers with a deadline.
     os.nice(10)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         runs = {pool.submit(look, source): source for source in stale}
         for run in concurrent.futures.as_completed(runs):
             source, done = runs[run], run.result()
             if done.returncode != 0:
-                # A crash has another status than 1; a configuration that it cannot read has no findings.
+                # Findings end it with status 1; a crash has another status, unreadable settings no findings.
                 if done.returncode == 1 and FINDING.search(done.stdout):
                     found += 1
                 else:

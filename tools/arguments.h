@@ -17,8 +17,8 @@ struct Parameter {
         std::int64_t last;
     };
     std::optional<Range> range = std::nullopt;
-    /// An optional parameter may be left out, but not given as an empty text: a script whose
-    /// variable is not set does not mean to leave it out.
+    /// An optional parameter may be left out, but an empty text is refused: it usually comes from a
+    /// script whose variable is not set, and must not count as left out.
     bool isOptional = false;
 };
 

@@ -1,5 +1,5 @@
-// Names of the numbers with which the platform means something. A name is that of the enumerator in
-// platform/, in lower case and without what all enumerators of its enumeration begin with.
+// Names of the numbers that have a meaning in the platform. A name is that of the enumerator in
+// platform/, in lower case and without the prefix that all enumerators of its enumeration have.
 #pragma once
 
 #include <cstdint>

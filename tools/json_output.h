@@ -12,7 +12,7 @@
 
 using Json = nlohmann::ordered_json;
 
-/// Writes @p value for people to read. Bytes that are no UTF-8 come out as replacement characters.
+/// Writes @p value for people to read. Bytes that are not UTF-8 become replacement characters.
 void WriteJson(std::ostream& out, const Json& value);
 
 /// @p value with its name.

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// @p command, which then names the nearest right name when it complains about a wrong one.
+/// @p command, changed to suggest the closest right name when it complains about a wrong one.
 Command WithSuggestion(Command command) {
     command.run = [run = std::move(command.run)](const Arguments& arguments, std::ostream& out) {
         try {

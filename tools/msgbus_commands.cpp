@@ -75,15 +75,15 @@ Json Describe(const AnsNotificationRecord& record) {
                          {"active", (record.flags & ANS_NOTIFICATION_ACTIVE) != 0}});
 }
 
-/// What is wrong with a block that announces @p count records of which @p whole are there with all
-/// their bytes, followed by @p rest bytes; empty when nothing is.
+/// What is wrong with a block that announces @p count records and holds @p whole complete ones,
+/// followed by @p rest bytes; empty when nothing is wrong.
 std::string Fault(std::int64_t count, std::size_t whole, std::size_t rest) {
     if (count < 0) {
         return "the count is negative";
     }
     if (static_cast<std::size_t>(count) > whole) {
         return "only " + std::to_string(whole) + " of " + std::to_string(count) +
-               " records are whole";
+               " records are complete";
     }
     if (rest > 0) {
         return std::to_string(rest) + " bytes follow the last record";

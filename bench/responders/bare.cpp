@@ -1,4 +1,4 @@
-// The least that answers through libfcgi: a stored body, whatever was asked.
+// The smallest responder that libfcgi allows: it answers every request with a fixed body.
 #include <fcgiapp.h>
 
 #include "bench/responders/stored_body.h"

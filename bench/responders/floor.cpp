@@ -1,5 +1,5 @@
-// What the libraries of the service take as they come: a stored body through std::cout, after cgicc
-// has read the request by means of libfcgi.
+// The cost of the service's libraries alone: cgicc reads the request through libfcgi, and a fixed
+// body is written through std::cout.
 #include <cgicc/CgiInput.h>
 #include <cgicc/Cgicc.h>
 #include <fcgio.h>
@@ -12,7 +12,8 @@
 
 namespace {
 
-/// Not cgicc::FCgiIO: what makes the service faster must not move what it is compared with.
+/// Used in place of cgicc::FCgiIO, so that improvements of our own FCgiIO do not change this
+/// baseline.
 class LibfcgiInput : public cgicc::CgiInput {
   public:
     explicit LibfcgiInput(FCGX_Request& fcgiRequest) : request(fcgiRequest) {}

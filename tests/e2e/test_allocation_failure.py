@@ -28,7 +28,7 @@ def resting_device(tmp_path_factory):
     device = Device(tmp_path_factory.mktemp("device") / "device.json")
     device.write((paths.DEVICES / "all-notifications.json").read_bytes())
     device.set(cellularDataConnect={"error": 5}, cellularDataDisconnect={"error": 5})
-    wait_until(lambda: time.time() - device.path.stat().st_ctime > 3, "the document rests")
+    wait_until(lambda: time.time() - device.path.stat().st_ctime > 3, "the document counts as unchanged")
     return device
 
 

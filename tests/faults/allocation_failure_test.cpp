@@ -1,4 +1,5 @@
-// No allocation of the service that fails takes it down, leaks or is remembered.
+// When an allocation fails, the service lives on, leaks nothing and answers later requests as
+// usual.
 #include <gtest/gtest.h>
 #include <libintl.h>
 #include <sys/wait.h>
@@ -21,11 +22,11 @@ class ShortOfMemory : public Device {
   public:
     using Device::Device;
 
-    /// The n-th; none for 0.
+    /// The number of the allocation that fails; 0 for none.
     long failing = 0;
-    /// All behind it, too, to the end of the request.
+    /// Whether all later ones fail, too, until the end of the request.
     bool persistently = false;
-    /// How many there were in the first request.
+    /// The number of allocations in the first request.
     long count = 0;
 
     void See(const std::string& line) override {
@@ -62,8 +63,8 @@ void LogIn(Device& device, bool loggedIn) {
     }
 }
 
-/// What must be left behind a failure: the answers of the requests behind it, and no more blocks
-/// than without it.
+/// What must hold after a failure: later requests are answered with this body, and no more blocks
+/// are outstanding than without the failure.
 struct Healthy {
     std::string body;
     long outstanding = 0;
@@ -92,7 +93,8 @@ std::string Name(const Road& road, long n, bool persistently) {
            std::to_string(n) + (persistently ? " and all behind it" : "");
 }
 
-/// One case in a process that has settled. Returns whether the answer has the member of its road.
+/// Tries one case in a process that has served requests before. Returns whether the answer has the
+/// member of its road.
 bool CheckSettled(Report& report, const Road& road, ShortOfMemory& device, const Healthy& healthy) {
     ++report.cases;
     const std::string name = Name(road, device.failing, device.persistently);
@@ -147,9 +149,9 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
                     device.failing = n;
                     incomplete += CheckSettled(own, road, device, healthy) ? 0 : stride;
                 }
-                // One group of the status does not cost the others, and a notification list is
-                // empty rather than missing; what builds the answer itself costs it all, and that
-                // is the smallest part.
+                // When one group of the status fails, the others are still answered, and a list of
+                // notifications is empty rather than missing. Only the few allocations that build
+                // the answer itself leave it without its member.
                 if (!persistently && incomplete > healthy.allocations / 10) {
                     own.Problem(std::to_string(incomplete) + " answers without " + road.member);
                 }
@@ -166,7 +168,7 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
     }
 }
 
-/// One case as the first request of a process; returns what is left at its end.
+/// Tries one case in the first request of a process. Returns what the process holds at its end.
 void CheckFirst(Report& report, const Road& road, long n, bool persistently,
                 const Healthy* healthy) {
     const long before = failing_memory::Outstanding();
@@ -179,8 +181,8 @@ void CheckFirst(Report& report, const Road& road, long n, bool persistently,
     bool remembered = false;
     {
         const std::vector<Exchange> seen = Serve(device, road.uri, {{}, {}, {}});
-        // For the life of the process, the C library takes a locale or a catalogue that it has no
-        // memory for as one that is not there.
+        // The C library treats a locale or a catalogue for which it had no memory as one that does
+        // not exist, for the life of the process.
         remembered = failing_memory::FailedInCLibrary();
         own.body = seen.back().body;
         if (healthy != nullptr) {
@@ -224,8 +226,8 @@ TEST_F(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService
                     report, Name(road, n, persistently),
                     [&](Report& own) { CheckFirst(own, road, n, persistently, &healthy); },
                     [&](int status) {
-                        // glibc names the character sets of a catalogue's conversion and does not
-                        // look whether it had memory for the names.
+                        // glibc copies the names of the character sets that a catalogue is
+                        // converted between, and does not check whether it had memory for them.
                         const bool inGettext =
                             WTERMSIG(status) == SIGSEGV && watched_gettext::IsInside();
                         deaths += inGettext ? 1 : 0;
@@ -234,7 +236,7 @@ TEST_F(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService
             }
         }
         std::printf("[ faults   ]   first %s: gettext died %ld times\n", road.uri, deaths);
-        // Four names, each alone, and all behind one of them.
+        // There are four names: each can fail alone, or together with the ones after it.
         EXPECT_LE(deaths, 8);
     }
     Print("allocations, first request", report);

@@ -7,15 +7,15 @@
 
 #include "tests/faults/device.h"
 
-/// Whether a sanitizer or an emulator makes everything an order slower; long series are sampled
-/// then.
+/// Whether only a sample of long series is run, because a sanitizer or an emulator makes everything
+/// ten times slower.
 #if defined(__SANITIZE_ADDRESS__) || defined(KESTAL_EMULATED)
 constexpr bool kSampled = true;
 #else
 constexpr bool kSampled = false;
 #endif
 
-/// The success of @p call.
+/// The code with which @p call succeeds.
 int SuccessOf(const std::string& call);
 
 /// Whether @p call can fail by its result.
@@ -27,12 +27,12 @@ std::vector<Fault> FaultsOf(const std::string& call, int times);
 /// The faults of all of @p calls, names and how often they are made, one case for each.
 std::vector<std::vector<Fault>> Singles(const std::map<std::string, int>& calls);
 
-/// Each two of @p calls with several codes and garbage, one case for each; of these, each
-/// @p stride-th.
+/// Pairs of @p calls that fail together, with several codes and kinds of garbage, one case for
+/// each. Only every @p stride-th case is returned.
 std::vector<std::vector<Fault>> Pairs(const std::map<std::string, int>& calls, std::size_t stride);
 
-/// All of @p calls at once, but for the switch of the web UI, by result; one case for each code and
-/// each garbage.
+/// Cases in which all of @p calls except for the switch of the web UI fail at once by their result:
+/// one case for each code and each kind of garbage.
 std::vector<std::vector<Fault>> AllAtOnce(const std::map<std::string, int>& calls);
 
 /// Every @p stride-th case.

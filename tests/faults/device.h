@@ -1,4 +1,4 @@
-// A whole device that works, and of which any call can be made to fail in any request.
+// A complete simulated device. Any of its calls can be made to fail in any request.
 #pragma once
 
 #include <functional>
@@ -15,13 +15,13 @@ enum class Garbage { kNone, kZero, kAllOnes, kHighBits, kEndlessText, kLargest }
 
 enum class Thrown { kNothing, kBadAlloc, kError, kNumber };
 
-/// A call that answers @p code, 0 being as good a failure as any where success is another number.
+/// A call that answers @p code. 0 is a failure, too, for calls whose success is another number.
 struct Fault {
     std::string call;
     int code = 1;
     Garbage garbage = Garbage::kNone;
     Thrown thrown = Thrown::kNothing;
-    /// Which call of the request, from 1; all of them for 0.
+    /// Which call of that name in the request fails, counted from 1; 0 means all of them.
     int occurrence = 0;
 };
 
@@ -32,7 +32,7 @@ struct Exchange {
     int responses = 0;
     int status = 0;
     std::string body;
-    /// Lines of level 3 and of the system log, and others that tell of a failure.
+    /// Log lines that report a failure: those of level 3, those of the system log and some others.
     std::vector<std::string> errors;
     /// Calls that failed, with the number of the call in the request.
     std::set<std::pair<std::string, int>> failed;
@@ -40,17 +40,17 @@ struct Exchange {
     std::map<std::string, int> calls;
 };
 
-/// Which device: what one kind never asks for, the other does.
+/// Kinds of device. Together they make every call: each makes some that the other never makes.
 enum class Model { kFiveGWithTwoSims, kThreeGWithOneSim };
 
 class Device : public recording::Director {
   public:
     explicit Device(Model model);
 
-    /// The faults of the requests to come, one element each; forgets what was seen.
+    /// Sets the faults of the next requests, one element for each, and clears exchanges.
     void Plan(std::vector<std::vector<Fault>> faults);
 
-    /// Faults that stand from now on, outside of requests, too.
+    /// Faults in all requests and outside of them.
     std::vector<Fault> standing;
 
     /// What was seen so far; [0] stands for what happened before the first request.

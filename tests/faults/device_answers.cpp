@@ -1,4 +1,4 @@
-// What the device answers as long as it works.
+// The answers of the device without faults.
 #include <algorithm>
 #include <cstring>
 
@@ -134,7 +134,7 @@ void Device::GiveSims() {
     sys_subscriber_info_t subscriber{};
     SetText(subscriber.identity, "310480123456789");
     handlers["sys_getSubscriberInfo"] = Giving(subscriber);
-    // The carrier whose domestic roaming is none.
+    // The carrier for which domestic roaming does not count as roaming.
     handlers["sys_getSIMCarrierGID"] = [](const Call& call) {
         Put<std::uint8_t>(call, 0, 2);
         Put<std::uint8_t>(call, 1, 1);
@@ -186,7 +186,7 @@ void Device::GiveWebUi() {
 
 void Device::GiveNotifications() {
     std::vector<AnsNotificationRecord> records;
-    // One of each kind of link and text, and a type that nobody knows.
+    // One of each kind of link and text, and a type that the service does not know.
     for (const char* type :
          {"dataOff", "deviceJoinWiFi", "smsReceived", "data90", "uiccLaunchBrowser", "simPINLocked",
           "simNonQKT", "softwareUpdate", "softwareUpdateSuccess", "softwareUpdateFailure", "PCO5",

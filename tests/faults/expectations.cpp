@@ -20,7 +20,7 @@ struct Reason {
 constexpr const char* kSwitch = "a switch that cannot be read counts as off";
 constexpr const char* kNoSession = "whose session cannot be looked up is not logged in";
 
-/// Calls whose failure nobody is told of.
+/// Calls whose failure is not logged.
 constexpr Reason kSilent[] = {
     {"sys_sdkShutdown", "nothing follows it"},
     {"sys_getWebUICarrierEnabled", "the answer says that the web UI is off"},
@@ -75,10 +75,10 @@ constexpr Line kLines[] = {
     {"CgiHelper::GetInstance", "Failed to create CgiHelper object", false},
 };
 
-/// Codes that tell something else than a failure.
+/// Codes other than success that are not failures.
 struct AnswerCode {
     const char* call;
-    /// Of the call within the request; 0 for each.
+    /// Which call of that name in the request, counted from 1; 0 means each.
     int occurrence;
     int code;
 };
@@ -88,7 +88,8 @@ constexpr AnswerCode kAnswers[] = {
     {"MsgbusHandler::GetData", 1, MSGBUS_BUFFER_NEEDED},
 };
 
-/// A call whose failure is not logged because another one has failed, too, and says enough.
+/// A call whose failure is not logged when another call has failed, too, whose log line tells
+/// enough.
 struct Covered {
     const char* call;
     const char* by;

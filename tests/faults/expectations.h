@@ -1,30 +1,31 @@
-// What is known to be said, or not to be said, when a call of the platform fails.
+// What the service is expected to log, or not to log, when a call of the platform fails.
 #pragma once
 
 #include <string>
 
 #include "tests/faults/device.h"
 
-/// Whether the @p occurrence-th call of @p call in a request fails without a word.
+/// Whether the service logs nothing when the @p occurrence-th call of @p call in a request fails.
 bool IsSilent(const std::string& call, int occurrence);
 
-/// Whether @p code is no failure of this call but an answer.
+/// Whether @p code is an answer of this call rather than a failure.
 bool IsAnswer(const std::string& call, int occurrence, int code);
 
 /// Whether an error line of @p exchange tells that @p fault has occurred.
 bool IsLogged(const Exchange& exchange, const Fault& fault);
 
-/// Whether nothing is said of @p call because another one of @p failed says enough.
+/// Whether nothing is logged of @p call because the log line of another call in @p failed tells
+/// enough.
 bool IsCovered(const std::string& call, const std::set<std::pair<std::string, int>>& failed);
 
-/// Whether what @p call brought at the first request stays for the life of the process.
+/// Whether the service makes @p call in its first request only and keeps the result.
 bool IsReadOnce(const std::string& call);
 
 /// Why the service does not make @p call; null when it does.
 const char* ReasonNotToCall(const std::string& call);
 
-/// Why there is no failure of @p call; null when it can fail.
+/// Why @p call cannot fail; null when it can.
 const char* ReasonNotToFail(const std::string& call);
 
-/// Every call that the tables name, for a look at whether it is still declared.
+/// Every call that the tables name, to check that each is still declared.
 std::set<std::string> NamesInTables();

@@ -10,12 +10,13 @@
 
 #include "bindings/recording/recording.h"
 
-/// Who asks the function that this stands in.
+/// The caller of the function in which this stands.
 #define CALLER __builtin_return_address(0)
 
 namespace {
 
-/// No list of a device is as long; a block of this size could be had on some machines only.
+/// Larger blocks are refused: no list of a device needs one, and only some machines could provide
+/// it.
 constexpr std::size_t kLargestBlock = std::size_t{1} << 30U;
 
 bool gInCLibrary = false;
@@ -92,7 +93,7 @@ void* __wrap_calloc(std::size_t count, std::size_t size);
 
 #if defined(__SANITIZE_ADDRESS__)
 
-/// Not counted as outstanding, for free is the sanitizer's.
+/// Not counted as outstanding: the sanitizer provides free, so that its end would not be seen.
 void* __wrap_calloc(std::size_t count, std::size_t size) {
     return GrantsAll(count, size, CALLER) ? __real_calloc(count, size) : nullptr;
 }

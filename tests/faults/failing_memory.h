@@ -1,19 +1,19 @@
-// The memory of the whole process: it counts, and fails when told to. Nothing inside the platform
-// fails. Sanitized, only what C++ allocates and what the product asks of calloc goes through here;
-// otherwise everything does, the allocations of the system library and the other libraries
+// Counts the allocations of the whole process and makes them fail on demand, except for those of
+// the platform. In a sanitized build, it sees the allocations of C++ and the product's calls of
+// calloc only; otherwise all allocations, those of the system library and of other libraries
 // included.
 #pragma once
 
 namespace failing_memory {
 
-/// From now on the @p n-th allocation fails, from 1; with @p persistently, all that follow, too.
-/// For 0, none does.
+/// Makes the @p n-th allocation from now on fail, counted from 1, and with @p persistently all that
+/// follow it. With 0, none fails.
 void FailAt(long n, bool persistently);
 
-/// Nothing fails from now on. Returns how many allocations there were since FailAt.
+/// Lets allocations succeed again. Returns how many there were since FailAt.
 long Stop();
 
-/// Whether the C library itself asked for one of those that failed since FailAt.
+/// Whether the C library itself made one of the allocations that have failed since FailAt.
 bool FailedInCLibrary();
 
 /// Blocks that have been allocated and not been freed.

@@ -1,4 +1,4 @@
-// No call of the platform that fails, alone or with others, takes an answer or the service down.
+// Whichever calls of the platform fail, alone or together, the service lives on and answers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Requests that take one road through the service.
+/// A kind of request: a way through the service.
 struct Road {
     const char* name;
     const char* uri;
@@ -29,7 +29,7 @@ constexpr Road kRoads[] = {
 
 constexpr std::size_t kCasesPerLoop = 20;
 
-/// A request of which each case is a disturbance.
+/// What a request without faults is answered, and the calls that are made for it.
 struct Healthy {
     std::string body;
     std::map<std::string, int> calls;
@@ -43,7 +43,7 @@ const Fault* FaultIn(const std::vector<Fault>& faults, const std::string& call, 
     return found == faults.end() ? nullptr : &*found;
 }
 
-/// Why the answer of @p exchange is none; empty when it is as it must be.
+/// What is wrong with the answer of @p exchange; empty when nothing is.
 std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
                             const Exchange& exchange) {
     if (FaultIn(faults, "CgiHelper::SendResponse", true) != nullptr) {
@@ -65,7 +65,7 @@ std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
     return FaultOfAnswer(exchange.body, road.member);
 }
 
-/// Why the log of @p exchange does not tell of @p fault as it must; empty when it does.
+/// What is wrong with what the log of @p exchange tells of @p fault; empty when nothing is.
 std::string FaultOfLog(const Exchange& exchange, const Fault& fault, bool alone) {
     bool failed = false;
     bool answered = false;
@@ -113,7 +113,7 @@ void CheckMended(Report& report, const Road& road, const std::vector<Fault>& fau
     }
 }
 
-/// The healthy answer, when the process has settled.
+/// The answer without faults in a process that has served requests before.
 Healthy Settle(Report& report, const Road& road, Device& device) {
     const std::vector<Exchange> seen = Serve(device, road.uri, {{}, {}, {}});
     report.Note(seen);
@@ -125,7 +125,8 @@ Healthy Settle(Report& report, const Road& road, Device& device) {
     return {last.body, last.calls};
 }
 
-/// Each case in a process that has settled, a healthy request behind it.
+/// Tries each case in a process that has served requests before, followed by a request without
+/// faults.
 void CheckSettled(Report& report, const Road& road, Device& device, const Healthy& healthy,
                   const std::vector<std::vector<Fault>>& cases) {
     for (std::size_t first = 0; first < cases.size(); first += kCasesPerLoop) {
@@ -150,7 +151,7 @@ void CheckSettled(Report& report, const Road& road, Device& device, const Health
     }
 }
 
-/// Those of @p faults at the first request that stay for the life of the process.
+/// Those of @p faults in the first request whose effect lasts as long as the process.
 std::vector<Fault> Lasting(const Road& road, const std::vector<Fault>& faults) {
     std::vector<Fault> lasting;
     if (road.member == std::string("statusData")) {
@@ -164,14 +165,14 @@ std::vector<Fault> Lasting(const Road& road, const std::vector<Fault>& faults) {
     return lasting;
 }
 
-/// What the process answers for the rest of its life when @p faults have befallen calls that it
-/// makes only once: the same as of a device whose calls succeed with so much.
+/// What the process answers from then on when @p faults have hit calls that it makes only once: the
+/// same as on a device whose calls succeed with what the failed calls have left.
 std::string Remembered(const Road& road, const std::vector<Fault>& faults) {
     Device device(road.model);
     for (const Fault& fault : faults) {
         const bool list = fault.call.starts_with("webui_");
         const Garbage zero = list ? Garbage::kNone : Garbage::kZero;
-        // Only a switch follows what a failed call has written.
+        // Only a switch takes the value that a failed call has written.
         const bool written = fault.call.ends_with("Enabled") && fault.garbage != Garbage::kNone;
         device.standing.push_back(
             {fault.call, SuccessOf(fault.call), written ? fault.garbage : zero});
@@ -179,14 +180,14 @@ std::string Remembered(const Road& road, const std::vector<Fault>& faults) {
     return Serve(device, road.uri, {{}, {}, {}}).back().body;
 }
 
-/// Whether the slot in use is known behind @p exchange: it shows one request late.
+/// Whether the slot in use is known after @p exchange: it shows one request later.
 bool KnowsSlot(const Road& road, const Exchange& exchange) {
     const std::string call = "sys_getActiveSimSlot";
     return std::string(road.member) != "statusData" || road.model == Model::kThreeGWithOneSim ||
            (exchange.calls.count(call) != 0 && exchange.failed.count({call, 1}) == 0);
 }
 
-/// Each case as the very first request of a process.
+/// Tries each case in the very first request of a process.
 void CheckFirst(Report& report, const Road& road, const std::string& healthy,
                 const std::vector<std::vector<Fault>>& cases) {
     for (const std::vector<Fault>& faults : cases) {
@@ -230,7 +231,7 @@ std::map<std::string, int> CallsOfFirst(Report& report, const Road& road) {
     return trace.calls;
 }
 
-/// What a process that has settled does on @p road.
+/// The calls that @p road makes in a process that has served requests before.
 Healthy Settled(Report& report, const Road& road) {
     Healthy healthy;
     Report trace;
@@ -248,7 +249,7 @@ Healthy Settled(Report& report, const Road& road) {
     return healthy;
 }
 
-/// Runs the cases that @p make makes of a settled process's calls.
+/// Runs the cases that @p make builds from the calls of a process that has served requests before.
 template <typename Make>
 void CheckAllSettled(Report& report, const Road& road, Make make) {
     InFreshProcess(report, road.name, [&](Report& own) {
@@ -294,7 +295,7 @@ TEST(FaultMatrix, EachCallFailingAtTheFirstRequestOfAProcess) {
         for (const auto& [call, times] : CallsOfFirst(report, road)) {
             const auto settled = healthy.calls.find(call);
             const std::vector<Fault> faults = FaultsOf(call, times);
-            // What later requests do as well has been tried in all ways there.
+            // Calls that later requests make as well are tried in all ways there.
             const bool known = settled != healthy.calls.end() && settled->second == times;
             for (std::size_t i = 0;
                  i < (known ? std::min<std::size_t>(2, faults.size()) : faults.size()); ++i) {

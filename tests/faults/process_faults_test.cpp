@@ -1,4 +1,5 @@
-// No call that the process makes on its way up, down or beside the requests takes it down.
+// Whichever calls fail that the process makes at its start, at its end or beside the requests, it
+// does not crash.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -68,7 +69,7 @@ void CheckProcess(Report& report, const Fault& fault, const std::string& healthy
     if (all.failed.empty()) {
         report.Problem(Describe({fault}) + ": not called");
     }
-    // Nobody can be answered without the writer; the web server starts another process.
+    // Without the writer no request can be answered; the web server starts another process.
     const std::size_t answers = IsWithoutWriter(fault) ? 0 : 2;
     if (seen.size() != 1 + answers) {
         report.Problem(Describe({fault}) + ": " + std::to_string(seen.size() - 1) + " requests");
@@ -144,7 +145,7 @@ TEST(DeclaredCalls, EachIsMadeByTheServiceOrHasAReasonNotToBe) {
     for (const DeclaredCall& declared : kDeclaredCalls) {
         const std::string call = declared.name;
         names.erase(call);
-        // The one that is made outside of requests, and the object that stands before main.
+        // The call that is made outside of requests, and the object that exists before main.
         const bool seen = report.calls.count(call) != 0 ||
                           call == "watchdog_application_send_keep_alive" ||
                           call == "MaintenanceThread::MaintenanceThread";

@@ -1,4 +1,4 @@
-// Requests to the whole service, in this process or in one that is as good as new.
+// Sends requests to the whole service, in this process or in a fresh copy of it.
 #pragma once
 
 #include <functional>
@@ -8,13 +8,13 @@
 
 #include "tests/faults/device.h"
 
-/// Serves one request for @p uri per element of @p plan, the faults of each, by one call of @p run,
-/// which is the service's loop when it is left out. Returns what was seen: [0] before the first
-/// request, [1] during the first and so on; the end of the loop counts as part of the last.
+/// Serves one request for @p uri with the faults of each element of @p plan. All are served by one
+/// call of @p run, by default the loop of the service. Returns what was seen: [0] before the first
+/// request, [1] during the first and so on; the end of the loop belongs to the last one.
 std::vector<Exchange> Serve(Device& device, const std::string& uri,
                             std::vector<std::vector<Fault>> plan, int (*run)() = nullptr);
 
-/// What tests in other processes have to say.
+/// The results of tests that run in other processes.
 struct Report {
     long cases = 0;
     long problems = 0;
@@ -29,15 +29,15 @@ struct Report {
     void Add(const Report& other);
 };
 
-/// Runs @p test in a process that has served nothing yet, and adds what it reports. That there is
-/// no such process, or that it dies, is a problem, too, unless @p excused says otherwise of its
-/// status.
+/// Runs @p test in a new process that has not served anything yet, and adds its report to @p
+/// report. It is a problem, too, when the process cannot be started or dies, unless @p excused
+/// returns true for its status.
 void InFreshProcess(Report& report, const std::string& name,
                     const std::function<void(Report&)>& test,
                     const std::function<bool(int)>& excused = nullptr);
 
-/// Why @p text is no answer that holds the login status and, unless it is empty, the member
-/// @p member; empty when it is.
+/// What is wrong with the answer @p text, which must hold the login status and, unless it is empty,
+/// the member @p member; empty when nothing is wrong.
 std::string FaultOfAnswer(const std::string& text, const std::string& member);
 
 /// Prints how much was tried and makes each problem a failure of the test.

@@ -39,7 +39,7 @@ bool IsInside() {
 
 }  // namespace watched_gettext
 
-// Linked in place of the one of the system library, and does what that one does.
+// Linked in place of the function of the system library; it does the same.
 char* dgettext(const char* domain, const char* id) noexcept {
     SetInside(true);
     char* const text = dcgettext(domain, id, LC_MESSAGES);

@@ -1,12 +1,12 @@
-// Tells another process whether one that died was in the C library's gettext.
+// Tells whether another process, which has died, did so in gettext of the C library.
 #pragma once
 
 namespace watched_gettext {
 
-/// Before the processes that are to be watched, one at a time, are started.
+/// Prepares the watch. Call it before the processes are started that are watched, one at a time.
 void Start();
 
-/// Whether the last process looked a text up and has not come back from it.
+/// Whether the last process was still looking a text up when it ended.
 bool IsInside();
 
 }  // namespace watched_gettext

@@ -1,4 +1,4 @@
-"""Clients that ask without pause over kept connections and look at every answer."""
+"""Clients that send requests without pause over persistent connections and check every answer."""
 
 import collections
 import itertools
@@ -13,13 +13,13 @@ import time
 
 import mix
 
-# Beyond what the web server waits for the service.
+# Longer than the web server waits for the service.
 PATIENCE = 30.0
 # Connections refused in a row, and seconds between them, after which the web server is taken as gone.
 REFUSALS = 100
 PAUSE = 0.05
 RESET = struct.pack("ii", 1, 0)
-# Different heads and bodies that are kept as known to be right.
+# How many different heads and bodies are remembered as right, so that equal ones need no second check.
 KNOWN = 5000
 
 
@@ -32,7 +32,7 @@ class Connection:
         self.data = b""
 
     def leave(self):
-        """Closes as a client does that is gone: the connection is reset."""
+        """Closes like a client that has vanished: the connection is reset."""
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, RESET)
         self.socket.close()
 
@@ -88,7 +88,7 @@ class Client:
         return self.requests, self.problems, self.slowest
 
     def is_orphan(self):
-        """Whether nobody is left to stop this client or to take its result."""
+        """Whether the parent process, which stops this client and takes its result, is gone."""
         return os.getppid() != self.parent
 
     def goes_on(self):
@@ -178,7 +178,7 @@ class Client:
         return self.ask(connection)
 
     def judge(self, kind, status, content_type, body):
-        """What is wrong with an answer. Equal answers are looked at once."""
+        """What is wrong with an answer. Of equal answers only the first is checked."""
         key = (kind.name, status, content_type, body)
         if key not in self.bodies:
             if len(self.bodies) > KNOWN:
@@ -230,7 +230,7 @@ class Clients:
 
     @staticmethod
     def _run(arguments, connections, sender):
-        # An interruption is for the parent, which ends its clients.
+        # Ctrl-C is left to the parent, which ends its clients.
         signal.signal(signal.SIGINT, signal.SIG_IGN)
         signal.signal(signal.SIGTERM, signal.SIG_DFL)
         client = Client(*arguments)

@@ -11,14 +11,14 @@ import threading
 from support import paths
 
 LANGUAGES = ["en_US", "de_DE", "fr_FR", "es_ES", "ja_JP", "ar_EG"]
-# What kestal-sim does to it, in turn.
+# The changes that kestal-sim makes, in turn.
 COMMANDS = [
     [["set", "sys.getBatteryStatus.chargePercent", "9"]],
     [["fail", "sys.getGPSStatus", "5"], ["heal", "sys.getGPSStatus"]],
     [["notify", "smsReceived"], ["notify", "--clear"]],
 ]
 COMMAND_EVERY = 40
-# Seconds without a change after each round: a document that rests is not read again.
+# Seconds without a change after each round: the service does not read an unchanged document again.
 REST = 3.0
 
 
@@ -29,7 +29,7 @@ def locked(folder):
         fcntl.flock(descriptor, fcntl.LOCK_EX)
         yield
     finally:
-        # Closing does not suffice: a client process may have been forked meanwhile.
+        # Closing the file does not release the lock: a client process forked meanwhile may have it open.
         fcntl.flock(descriptor, fcntl.LOCK_UN)
         os.close(descriptor)
 

@@ -24,11 +24,11 @@ NO_ANSWER = "no answer"
 class Kill:
     failures: dict
     seconds: float
-    """From the signal to the end of the last answer that is no success; 0 when there is none."""
+    """Seconds from the signal to the end of the last answer that is not a success; 0 without one."""
 
 
 class Clients(load.Callers):
-    """Ask without end, slowly enough to count what fails."""
+    """Send requests until told to stop, slowly enough to count those that fail."""
 
     def __init__(self, server, outage):
         super().__init__(CLIENTS)
@@ -79,7 +79,7 @@ class Report:
     """Seconds that the service may be away."""
 
     def failures(self):
-        """Everything that must not be; that requests under way fail must be."""
+        """All that is wrong. Requests that are under way at a kill may fail."""
         found = []
         if self.different != 1:
             found.append(f"{self.different} different answers")

@@ -1,5 +1,5 @@
-// Preloaded into the service, loses 300 bytes with every request, or with every
-// KESTAL_LEAK_EVERY-th: proof that the soak sees a leak.
+// Preloaded into the service, this library leaks 300 bytes in every request, or in every
+// KESTAL_LEAK_EVERY-th, to prove that the soak detects a leak.
 #include <dlfcn.h>
 #include <fcgiapp.h>
 

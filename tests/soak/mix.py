@@ -7,7 +7,7 @@ from collections.abc import Callable
 from support import contract
 
 AGENT = "soak"
-# How a client leaves without its answer.
+# The ways in which a client leaves without waiting for its answer.
 IN_REQUEST, IN_BODY, AFTER_REQUEST, IN_ANSWER = range(1, 5)
 
 

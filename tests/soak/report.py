@@ -32,7 +32,7 @@ class Report:
         return memory.resolution(self.samples[name])
 
     def failures(self):
-        """Everything that must not be."""
+        """All that is wrong."""
         found = [f"{count} x {problem}" for problem, count in self.problems.items()]
         if self.restarted:
             found.append("the service or the web server has ended meanwhile")

@@ -1,4 +1,4 @@
-"""A long mixed load on web server and service, and what it does to them; see scripts/soak."""
+"""Puts a long mixed load on web server and service and measures its effects; see scripts/soak."""
 
 import argparse
 import json
@@ -39,7 +39,7 @@ def arguments():
     parser.add_argument("--processes", type=int, default=1, help="of clients (default 1)")
     parser.add_argument("--connections", type=int, default=8, help="of each process (default 8)")
     parser.add_argument(
-        "--changes", type=float, default=0.02, help="seconds between two states of the device; 0: it rests"
+        "--changes", type=float, default=0.02, help="seconds between two states of the device; 0: no changes"
     )
     parser.add_argument("--tolerance", type=int, default=16, help="pages of growth in all that are no growth")
     parser.add_argument("--seed", type=int, default=1)
@@ -74,7 +74,7 @@ class Soak:
         return {name: memory.holdings(pid) for name, pid in self.pids.items()}
 
     def at_rest(self):
-        """Holdings when the last clients have been seen to be gone."""
+        """What the processes hold when they have noticed that all clients are gone."""
 
         def idle():
             return not any(processes.connections(pid) for pid in self.pids.values())
@@ -83,7 +83,7 @@ class Soak:
         # the service has seen all that the web server has sent it for them.
         for _ in range(2):
             self.server.ask("/srv/status")
-            wait_until(idle, "web server and service are at rest")
+            wait_until(idle, "web server and service are idle")
         return self.holdings()
 
     def blocks(self):
@@ -97,7 +97,7 @@ class Soak:
         return held(pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"]))
 
     def keep_log_short(self):
-        """As a rotation would that truncates."""
+        """Empties the log, like a rotation that truncates."""
         log = self.server.log.path
         if log.exists() and log.stat().st_size > LOG_LIMIT:
             os.truncate(log, 0)
@@ -134,7 +134,7 @@ class Soak:
                 time.sleep(interval)
                 self.sample(clients.count())
                 if len(self.samples["service"]) > SAMPLES:
-                    # Fewer and fewer, so that a week's samples are no more than a minute's.
+                    # Samples get rarer, so that a week has no more of them than a minute.
                     for samples in self.samples.values():
                         del samples[1::2]
                     interval *= 2
@@ -173,7 +173,7 @@ class Soak:
             for name, held in self.holdings().items():
                 self.samples[name].append((count, held.own))
         except OSError:
-            # It has died; the clients will say so, too.
+            # The service has died; the clients report that, too.
             pass
 
 

@@ -1,5 +1,5 @@
-// Linked into tests of what happens when a list is too long for memory: an array of more than a
-// gigabyte cannot be had, on any machine.
+// For tests with lists that do not fit into memory: arrays above a limit, which is usually a
+// gigabyte, are refused however much memory the machine has.
 #include "tests/support/limited_memory.h"
 
 extern "C" {

@@ -1,4 +1,4 @@
-"""Clients that keep the web server's connections from others: each holds many, without an end."""
+"""Clients that deny the web server's connections to others: each opens many and never ends them."""
 
 import contextlib
 import dataclasses
@@ -105,7 +105,7 @@ class Attack:
 
     def _drip(self):
         for connection in self.open.values():
-            # The loop notices when it is lost.
+            # The loop finds out when the connection is lost.
             with contextlib.suppress(OSError):
                 connection.send(b"a")
 

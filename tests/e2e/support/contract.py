@@ -15,7 +15,7 @@ from support.sessions import open_session
 
 
 class UniqueKeys(yaml.SafeLoader):
-    """YAML itself lets the later of two keys win."""
+    """Refuses equal keys in one mapping, of which YAML would silently take the later one."""
 
     def construct_mapping(self, node, deep=False):
         keys = [self.construct_object(key, deep) for key, _ in node.value]

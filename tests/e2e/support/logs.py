@@ -14,7 +14,7 @@ LINE = re.compile(
 
 
 def times(message):
-    """What a line stands for: once, unless a note tells a number."""
+    """How many times a line has occurred: once, unless a note in it tells a number."""
     note = re.search(r" \[(\d+) times(?:, last \d+ s ago)?\]", message)
     return 1 if note is None else int(note[1])
 

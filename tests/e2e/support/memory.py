@@ -1,4 +1,4 @@
-"""A service whose allocations fail on order, and whose blocks are counted; see failing_memory.c."""
+"""A service whose allocations fail on demand, and whose blocks are counted; see failing_memory.c."""
 
 import mmap
 import pathlib

@@ -15,7 +15,7 @@ SYSCONFDIR = os.environ.get("KESTAL_SYSCONFDIR", "/etc")
 SIM = pathlib.Path(os.environ.get("KESTAL_SIM", BUILD / "tools" / "kestal-sim"))
 # The sanitizers the build has, if any.
 SANITIZERS = os.environ.get("KESTAL_SANITIZE", "")
-# Whose answer tree the build has: compat or system.
+# Which answer tree the build uses: our own (compat) or an installed CTPP2 (system).
 CTPP2 = os.environ.get("KESTAL_CTPP2", "compat")
 LAUNCHER = ROOT / "deploy" / "kestal-server"
 DEVICES = ROOT / "devices"

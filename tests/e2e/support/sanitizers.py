@@ -1,4 +1,4 @@
-"""What the sanitizers of a sanitized build have to say; scripts/sanitize makes such builds."""
+"""Reports of the sanitizers in a sanitized build, which scripts/sanitize makes."""
 
 import re
 

@@ -1,4 +1,4 @@
-"""Waiting for a condition instead of for a time."""
+"""Waits for a condition rather than for a fixed time."""
 
 import time
 

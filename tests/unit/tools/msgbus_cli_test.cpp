@@ -120,7 +120,7 @@ TEST_F(MsgbusCli, RecordsThatAreCutOffAreNotShown) {
     block.pop_back();
     EXPECT_EQ(ShownList(block),
               "{\n    \"count\": 2,\n"
-              "    \"malformed\": \"only 1 of 2 records are whole\",\n"
+              "    \"malformed\": \"only 1 of 2 records are complete\",\n"
               "    \"notifications\": [\n" +
                   kUpdate + "\n    ]\n}\n");
 }
@@ -128,7 +128,7 @@ TEST_F(MsgbusCli, RecordsThatAreCutOffAreNotShown) {
 TEST_F(MsgbusCli, AHugeCountShowsWhatIsThere) {
     EXPECT_EQ(ShownList(Announcing(2147483647, NotificationList({Update()}))),
               "{\n    \"count\": 2147483647,\n"
-              "    \"malformed\": \"only 1 of 2147483647 records are whole\",\n"
+              "    \"malformed\": \"only 1 of 2147483647 records are complete\",\n"
               "    \"notifications\": [\n" +
                   kUpdate + "\n    ]\n}\n");
 }
