@@ -8,6 +8,7 @@ A source that was clean is looked at again only when it, a project header it inc
 source that did not pass, and with 1 when clang-tidy failed in another way or could not be run.
 """
 
+import collections
 import concurrent.futures
 import functools
 import hashlib
@@ -20,6 +21,8 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
+# With larger groups, one processor would work alone at the end.
+GROUP = 12
 FINDING = re.compile(r"(?m)^\S.*: (warning|error): .* \[[\w.,+-]+\]$")
 
 
@@ -80,6 +83,79 @@ def known_clean(record):
     return known if isinstance(known, dict) else {}
 
 
+def arguments(entry):
+    """The command without the names of its source and of its object file."""
+    kept = shlex.split(entry["command"])
+    for option in ("-o", "-c"):
+        at = kept.index(option)
+        del kept[at : at + 2]
+    return kept
+
+
+def groups(stale, entries):
+    """The sources of one folder that are compiled alike, the group with the most text first."""
+    alike = collections.defaultdict(list)
+    for source in sorted(stale):
+        alike[os.path.dirname(source), tuple(arguments(entries[source]))].append(source)
+    parts = [found[i : i + GROUP] for found in alike.values() for i in range(0, len(found), GROUP)]
+    return sorted(parts, key=lambda part: sum(map(os.path.getsize, part)), reverse=True)
+
+
+class Tidy:
+    """Looks at a group as if it were one source that includes them all. clang-tidy spends nearly all its
+    time on the headers of libraries, which it then reads once for the group."""
+
+    def __init__(self, tidy, folder, entries):
+        self.tidy = tidy
+        self.folder = folder
+        self.entries = entries
+        (folder / "compile_commands.json").write_text(json.dumps(list(entries.values()), indent=0))
+
+    def run(self, folder, source):
+        return subprocess.run(
+            [self.tidy, "--quiet", "-p", str(folder), "--extra-arg=-Wno-unknown-warning-option", source],
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+            check=False,
+        )
+
+    def run_group(self, sources):
+        place = pathlib.Path(sources[0]).parent.relative_to(ROOT)
+        folder = self.folder / "groups" / place
+        folder.mkdir(parents=True, exist_ok=True)
+        # clang-tidy takes its settings from the folders above a source. The root's are above this one, too.
+        for each in (place, *place.parents)[:-1]:
+            settings = ROOT / each / ".clang-tidy"
+            if settings.exists():
+                (self.folder / "groups" / each / ".clang-tidy").write_text(settings.read_text())
+        # The analyzer looks into the sources that a file includes only if the file is called so.
+        name = "UnifiedSource" + hashlib.sha256("\n".join(sources).encode()).hexdigest()[:16]
+        source = folder / f"{name}.cpp"
+        source.write_text("".join(f'#include "{each}"  // NOLINT\n' for each in sources))
+        first = self.entries[sources[0]]
+        command = [*arguments(first), "-o", f"{name}.o", "-c", str(source)]
+        entry = {"directory": first["directory"], "file": str(source), "arguments": command}
+        (folder / name).mkdir(exist_ok=True)
+        (folder / name / "compile_commands.json").write_text(json.dumps([entry]))
+        return self.run(folder / name, str(source))
+
+    def look(self, sources):
+        """The run that speaks for each source. A source with findings in its group is looked at again by
+        itself, because two sources of a group may merely define the same name."""
+        runs = {}
+        rest = list(sources)
+        while len(rest) > 1:
+            group = self.run_group(rest)
+            if group.returncode == 0:
+                return {**runs, **dict.fromkeys(rest, group)}
+            named = [source for source in rest if re.search(f"(?m)^{re.escape(source)}:", group.stdout)] or rest
+            runs.update((source, self.run(self.folder, source)) for source in named)
+            rest = [source for source in rest if source not in named]
+        runs.update((source, self.run(self.folder, source)) for source in rest)
+        return runs
+
+
 def main(tidy, build, everything):
     build = pathlib.Path(build).resolve()
     version = subprocess.run([tidy, "--version"], capture_output=True, text=True, check=True).stdout
@@ -88,21 +164,11 @@ def main(tidy, build, everything):
     record = folder / "clean.json"
     known = {} if everything else known_clean(record)
     entries = commands(build)
-    (folder / "compile_commands.json").write_text(json.dumps(list(entries.values()), indent=0))
     headers = included_headers(build)
     states = {source: state(source, entry, headers, version) for source, entry in entries.items()}
     clean = {source: now for source, now in states.items() if now and known.get(source) == now}
-    # The largest sources first, so that no long one remains when the other processors are done.
-    stale = sorted(entries.keys() - clean.keys(), key=os.path.getsize, reverse=True)
-
-    def look(source):
-        return subprocess.run(
-            [tidy, "--quiet", "-p", str(folder), "--extra-arg=-Wno-unknown-warning-option", source],
-            stdout=subprocess.PIPE,
-            stderr=subprocess.PIPE,
-            text=True,
-            check=False,
-        )
+    tidying = Tidy(tidy, folder, entries)
+    stale = entries.keys() - clean.keys()
 
     def write_down():
         # Replaced in one step, so that an interrupted run leaves a complete record.
@@ -114,10 +180,13 @@ def main(tidy, build, everything):
     # At low priority: tests that run at the same time wait for answers with a deadline.
     os.nice(10)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs = {pool.submit(look, source): source for source in stale}
+        runs = [pool.submit(tidying.look, sources) for sources in groups(stale, entries)]
         for run in concurrent.futures.as_completed(runs):
-            source, done = runs[run], run.result()
-            if done.returncode != 0:
+            for source, done in run.result().items():
+                if done.returncode == 0:
+                    if states[source]:
+                        clean[source] = states[source]
+                    continue
                 # Findings end it with status 1; a crash has another status, unreadable settings no findings.
                 if done.returncode == 1 and FINDING.search(done.stdout):
                     found += 1
@@ -125,9 +194,7 @@ def main(tidy, build, everything):
                     failed += 1
                     print(f"{tidy} failed on {source} with status {done.returncode}:", file=sys.stderr)
                 print(done.stdout + done.stderr, end="", flush=True)
-            elif states[source]:
-                clean[source] = states[source]
-                write_down()
+            write_down()
     write_down()
     print(f"clang-tidy: {len(stale)} of {len(entries)} sources looked at, {found} with findings, {failed} failed")
     if failed:

@@ -102,8 +102,11 @@ def build(tree, work):
     return build
 
 
+# Looks at a source, or at those that it includes.
 FIND_BAD = """for file do :; done
-! grep -q bad "$file" || { echo "$file:1:1: error: it is bad [played-check]"; exit 1; }"""
+sources=$(sed -n 's/^#include "\\(.*\\.cpp\\)".*/\\1/p' "$file")
+bad=$(grep -l bad ${sources:-$file})
+[ -z "$bad" ] || { echo "$bad:1:1: error: it is bad [played-check]"; exit 1; }"""
 
 
 @pytest.mark.parametrize(
@@ -123,7 +126,8 @@ def tidy(build, work):
     """Runs clang-tidy, played, on the build; returns its exit status and what was looked at."""
     looked_at = work / "looked-at"
     version = '[ "$1" = --version ] && echo "version $VERSION" && exit'
-    play(work / "bin", "clang-tidy", f'{version}\nfor file do :; done\nbasename "$file" >> {looked_at}\n{FIND_BAD}')
+    note = f'echo $(for each in ${{sources:-$file}}; do basename "$each"; done) >> {looked_at}'
+    play(work / "bin", "clang-tidy", f"{version}\n{FIND_BAD.replace('bad=', f'{note}; bad=', 1)}")
 
     def look(*options, version="1"):
         looked_at.write_text("")
@@ -134,35 +138,53 @@ def tidy(build, work):
             text=True,
             timeout=60,
         )
-        return done.returncode, sorted(looked_at.read_text().split())
+        return done.returncode, looked_at.read_text().splitlines()
 
     return look
 
 
 def test_clang_tidy_looks_again_at_what_changed(tidy, tree):
-    assert tidy() == (0, ["a.cpp", "b.cpp"])
+    assert tidy() == (0, ["a.cpp b.cpp"])
     assert tidy() == (0, [])
     (tree / "b.cpp").write_text("int b;\n")
     assert tidy() == (0, ["b.cpp"])
     (tree / "a.h").write_text("int a;\n")
     assert tidy() == (0, ["a.cpp"])
     (tree / ".clang-tidy").write_text("Checks: '*'\n")
-    assert tidy() == (0, ["a.cpp", "b.cpp"])
-    assert tidy(version="2") == (0, ["a.cpp", "b.cpp"])
-    assert tidy("--all", version="2") == (0, ["a.cpp", "b.cpp"])
+    assert tidy() == (0, ["a.cpp b.cpp"])
+    assert tidy(version="2") == (0, ["a.cpp b.cpp"])
+    assert tidy("--all", version="2") == (0, ["a.cpp b.cpp"])
 
 
 def test_clang_tidy_tells_a_finding_until_it_is_gone(tidy, tree):
     (tree / "a.cpp").write_text("bad\n")
-    assert tidy() == (3, ["a.cpp", "b.cpp"])
+    assert tidy() == (3, ["a.cpp b.cpp", "a.cpp", "b.cpp"])
     assert tidy() == (3, ["a.cpp"])
     (tree / "a.cpp").write_text("good\n")
     assert tidy() == (0, ["a.cpp"])
 
 
+def test_what_is_found_only_together_is_no_finding(tidy, tree, work):
+    # Two sources may have something of the same name.
+    tool = work / "bin" / "clang-tidy"
+    tool.write_text(tool.read_text().replace("[ -z", '[ "${sources:-one}" = one ] && exit\n[ -z'))
+    (tree / "a.cpp").write_text("bad\n")
+    assert tidy() == (0, ["a.cpp b.cpp", "a.cpp", "b.cpp"])
+    assert tidy() == (0, [])
+
+
+def test_sources_are_looked_at_together_with_the_settings_of_their_folder(tidy, tree, build, work):
+    commands = build / "compile_commands.json"
+    commands.write_text(commands.read_text().replace(f"{tree}/", f"{tree}/sub/").replace("../../", "../../sub/"))
+    shutil.copytree(tree, tree / "sub", ignore=lambda *_: {"sub", "build", "scripts", ".git"})
+    (tree / "sub" / ".clang-tidy").write_text("Checks: played\n")
+    (work / "bin" / "clang-tidy").open("a").write(f'cat "$(dirname "$file")/.clang-tidy" >> {work / "looked-at"}\n')
+    assert tidy() == (0, ["a.cpp b.cpp", "Checks: played"])
+
+
 @pytest.mark.parametrize("damaged", ["", '{"a.cpp": "12', "[]"])
 def test_a_damaged_record_counts_as_none(tidy, build, damaged):
-    assert tidy() == (0, ["a.cpp", "b.cpp"])
+    assert tidy() == (0, ["a.cpp b.cpp"])
     (build / "clang-tidy" / "clean.json").write_text(damaged)
-    assert tidy() == (0, ["a.cpp", "b.cpp"])
+    assert tidy() == (0, ["a.cpp b.cpp"])
     assert tidy() == (0, [])
