@@ -40,7 +40,8 @@ def calls(code, scope="", language="cpp"):
         while label := re.match(r"(public|private|protected) ?: ?(?!:)", head):
             public = label[1] == "public"
             head = head[label.end() :]
-        if re.match(r"(enum|struct|static_assert|using|constexpr)\b", head) or not head:
+        # A template is whole in its header: no binding has it.
+        if re.match(r"(enum|struct|static_assert|using|constexpr|template)\b", head) or not head:
             continue
         if head.startswith('extern "C"') and body is not None:
             yield from calls(body, scope, "c")
