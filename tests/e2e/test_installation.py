@@ -40,6 +40,7 @@ def test_everything_that_runs_is_installed(prefix, configuration):
     assert configuration.is_file() and configuration.with_name("firewall.nft").is_file()
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
+        "bin/kestal-conformance",
         "bin/kestal-sim",
         "bin/msgbus_cli",
         "bin/sysinicli",

@@ -1,0 +1,21 @@
+// What is said when a call ends the process.
+#pragma once
+
+namespace conformance {
+
+/// From now on, a fatal signal prints a finding with the name of the call that was running.
+void InstallCrashHandler();
+
+/// The calling thread makes the call @p name for the lifetime of this.
+class CrashName {
+  public:
+    explicit CrashName(const char* name);
+    ~CrashName();
+    CrashName(const CrashName&) = delete;
+    CrashName& operator=(const CrashName&) = delete;
+
+  private:
+    const char* previous;
+};
+
+}  // namespace conformance

@@ -1,0 +1,233 @@
+#include "conformance/list.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "conformance/guarded_buffer.h"
+
+namespace conformance {
+
+namespace {
+
+/// Records that a buffer has room for; none without a buffer.
+using Room = std::optional<std::int64_t>;
+
+/// Longer lists are a mistake, for which no memory is asked.
+constexpr std::int64_t kLongest = 10'000'000;
+/// A list may change while it is being looked at, but not for ever.
+constexpr int kTries = 5;
+
+/// One making of a call.
+struct Made {
+    int code = 0;
+    std::int64_t count = 0;
+    std::vector<std::byte> bytes;
+};
+
+/// The call @p list with a buffer for @p room records, whose count is @p count before.
+class ListCall {
+  public:
+    ListCall(Probe& newProbe, const List& newList) : probe(newProbe), list(newList) {}
+
+    Made Make(Room room, std::int32_t count, std::byte fill) const {
+        GuardedBuffer records(static_cast<std::size_t>(room.value_or(0)) * list.recordSize, fill);
+        GuardedBuffer counter(sizeof(count), fill);
+        std::memcpy(counter.Data(), &count, sizeof(count));
+        Made made;
+        made.code = 0;
+        time = probe.Make(list.call, [&] {
+            made.code = list.make(room ? records.Data() : nullptr, counter.Data());
+        });
+        std::int32_t after = 0;
+        std::memcpy(&after, counter.Bytes().data(), sizeof(after));
+        made.count = after;
+        made.bytes.assign(records.Bytes().begin(), records.Bytes().end());
+        CheckMemory(made, records, counter, count);
+        return made;
+    }
+
+    /// The same, and prints it.
+    Made Tell(Room room, std::int32_t count, std::byte fill = GuardedBuffer::kFill) const {
+        Made made = Make(room, count, fill);
+        const std::string buffer = room ? "room for " + std::to_string(*room) : "no buffer";
+        probe.Told().Answered(
+            list.call + "(" + list.arguments + (list.arguments.empty() ? "" : ", ") + buffer +
+                ", " + std::to_string(count) + ")",
+            std::to_string(made.code) + ", count " + std::to_string(made.count), time);
+        return made;
+    }
+
+    bool HasWorked(const Made& made) const { return made.code == list.success; }
+    bool NeedsBuffer(const Made& made) const { return made.code == list.bufferNeeded; }
+    bool HasFailed(const Made& made) const { return !HasWorked(made) && !NeedsBuffer(made); }
+
+    void Fail(const std::string& reason) const { probe.Told().Fail(list.call, reason); }
+
+  private:
+    void CheckMemory(const Made& made, const GuardedBuffer& records, const GuardedBuffer& counter,
+                     std::int32_t count) const {
+        for (const GuardedBuffer* buffer : {&records, &counter}) {
+            if (const std::string damage = buffer->Damage(); !damage.empty()) {
+                Fail("writes " + damage);
+            }
+        }
+        if (HasFailed(made) && (!records.IsUntouched() || made.count != count)) {
+            Fail("fails with " + std::to_string(made.code) +
+                 ", but has written to its buffer or its count");
+        }
+    }
+
+    Probe& probe;
+    const List& list;
+    mutable Duration time{};
+};
+
+/// What one look at a list has shown.
+struct Look {
+    Made first;
+    Made roomWithoutBuffer;
+    std::optional<Made> exact;
+    std::optional<Made> tooSmall;
+    Made tooLarge;
+    Made again;
+
+    bool IsOfOneState() const { return first.code == again.code && first.count == again.count; }
+};
+
+/// Whether @p first says how long the list is.
+bool TellsCount(const ListCall& call, const Made& first) {
+    if (call.HasFailed(first)) {
+        return false;
+    }
+    if (first.count < 0 || first.count > kLongest) {
+        call.Fail("without a buffer, it says that it has " + std::to_string(first.count) +
+                  " records");
+        return false;
+    }
+    if (call.HasWorked(first) && first.count > 0) {
+        call.Fail("without a buffer, it succeeds although it has " + std::to_string(first.count) +
+                  " records");
+        return false;
+    }
+    return true;
+}
+
+Look LookAt(const ListCall& call, const Made& first) {
+    constexpr std::int32_t kSpare = 3;
+    const auto count = static_cast<std::int32_t>(first.count);
+    Look look;
+    look.first = first;
+    look.roomWithoutBuffer = call.Tell(std::nullopt, count + kSpare);
+    if (count > 0) {
+        look.exact = call.Tell(count, count);
+        look.tooSmall = call.Tell(count - 1, count - 1);
+    }
+    look.tooLarge = call.Tell(count + kSpare, count + kSpare, GuardedBuffer::kOtherFill);
+    look.again = call.Tell(std::nullopt, 0);
+    return look;
+}
+
+void CheckRecords(const ListCall& call, const List& list, const Look& look) {
+    for (std::int64_t index = 0; index < look.first.count; ++index) {
+        const auto place = static_cast<std::size_t>(index) * list.recordSize;
+        const auto record = std::span(look.exact->bytes).subspan(place, list.recordSize);
+        const auto again = std::span(look.tooLarge.bytes).subspan(place, list.recordSize);
+        for (const Field& field : list.fields(record)) {
+            if (const std::string problem = field.Problem(record); !problem.empty()) {
+                call.Fail("record " + std::to_string(index) + ": " + problem);
+            }
+            if (field.IsUnwritten(record, GuardedBuffer::kFill) &&
+                field.IsUnwritten(again, GuardedBuffer::kOtherFill)) {
+                call.Fail("record " + std::to_string(index) + ": " + field.name +
+                          " has not been written");
+            }
+        }
+    }
+}
+
+void CheckFilled(const ListCall& call, const Made& made, std::int64_t count,
+                 const std::string& with) {
+    if (!call.HasWorked(made)) {
+        call.Fail("with " + with + ", it returns " + std::to_string(made.code));
+    } else if (made.count != count) {
+        call.Fail("with " + with + ", it has " + std::to_string(count) +
+                  " records and sets the count to " + std::to_string(made.count));
+    }
+}
+
+void Judge(const ListCall& call, const List& list, const Look& look) {
+    const std::int64_t count = look.first.count;
+    if (look.roomWithoutBuffer.code != look.first.code || look.roomWithoutBuffer.count != count) {
+        call.Fail("without a buffer, the count that it is given changes what it answers");
+    }
+    CheckFilled(call, look.tooLarge, count, "more room than it needs");
+    if (!look.exact) {
+        return;
+    }
+    CheckFilled(call, *look.exact, count, "the room that it asked for");
+    const bool tells = call.NeedsBuffer(*look.tooSmall) && look.tooSmall->count == count;
+    if (list.tellsTooSmall ? !tells : call.HasWorked(*look.tooSmall)) {
+        call.Fail("with room for one record less than it has, it returns " +
+                  std::to_string(look.tooSmall->code) + " with the count " +
+                  std::to_string(look.tooSmall->count));
+    }
+    if (call.HasWorked(*look.exact) && call.HasWorked(look.tooLarge)) {
+        CheckRecords(call, list, look);
+    }
+}
+
+}  // namespace
+
+ListContents Examine(Probe& probe, const List& list) {
+    const ListCall call(probe, list);
+    if (list.isForThreads) {
+        probe.Keep({list.call, [&probe, list] { return Read(probe, list); }});
+    }
+    Made first = call.Tell(std::nullopt, 0);
+    for (int attempt = 0; attempt < kTries; ++attempt) {
+        if (!TellsCount(call, first)) {
+            // What fails without a buffer has to leave one alone, too.
+            (void)call.Tell(2, 2);
+            return {first.code, 0, {}};
+        }
+        const Look look = LookAt(call, first);
+        if (look.IsOfOneState()) {
+            Judge(call, list, look);
+            return look.exact && call.HasWorked(*look.exact)
+                       ? ListContents{look.exact->code, look.exact->count, look.exact->bytes}
+                       : ListContents{first.code, 0, {}};
+        }
+        first = look.again;
+    }
+    call.Fail("says each time that it has another number of records");
+    return {first.code, 0, {}};
+}
+
+std::string Read(Probe& probe, const List& list) {
+    const ListCall call(probe, list);
+    const Made first = call.Make(std::nullopt, 0, GuardedBuffer::kFill);
+    std::string text = std::to_string(first.code);
+    if (!call.NeedsBuffer(first) || first.count <= 0 || first.count > kLongest) {
+        return text;
+    }
+    const Made filled =
+        call.Make(first.count, static_cast<std::int32_t>(first.count), GuardedBuffer::kFill);
+    text += ", then " + std::to_string(filled.code) + ", count " + std::to_string(filled.count);
+    if (list.recordSize == 1) {
+        // A block may be long, and no person reads it here.
+        std::string block(filled.bytes.size(), '\0');
+        std::memcpy(block.data(), filled.bytes.data(), filled.bytes.size());
+        return text + ", bytes with the hash " + std::to_string(std::hash<std::string>()(block));
+    }
+    const std::int64_t whole = call.HasWorked(filled) ? std::min(first.count, filled.count) : 0;
+    for (std::int64_t index = 0; index < whole; ++index) {
+        const auto record =
+            std::span(filled.bytes)
+                .subspan(static_cast<std::size_t>(index) * list.recordSize, list.recordSize);
+        text += ", " + Values(list.fields(record), record);
+    }
+    return text;
+}
+
+}  // namespace conformance

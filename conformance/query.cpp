@@ -1,0 +1,103 @@
+#include "conformance/query.h"
+
+#include "conformance/guarded_buffer.h"
+
+namespace conformance {
+
+namespace {
+
+/// One making of a call: its code and what it has left in each result.
+struct Made {
+    int code = 0;
+    std::vector<GuardedBuffer> buffers;
+    Duration time{};
+};
+
+Made Make(Probe& probe, const Query& query, std::byte fill) {
+    Made made;
+    std::vector<void*> pointers;
+    for (const Result& result : query.results) {
+        made.buffers.emplace_back(result.size, fill);
+    }
+    for (GuardedBuffer& buffer : made.buffers) {
+        pointers.push_back(buffer.Data());
+    }
+    made.time = probe.Make(query.call, [&] { made.code = query.make(pointers); });
+    return made;
+}
+
+/// The code and, of a call that has worked, the values.
+std::string Answer(const Query& query, const Made& made) {
+    std::string text = std::to_string(made.code);
+    if (made.code == query.success) {
+        for (std::size_t index = 0; index < made.buffers.size(); ++index) {
+            const auto bytes = made.buffers[index].Bytes();
+            const std::string values = Values(query.results[index].fields(bytes), bytes);
+            text += values.empty() ? "" : ", " + values;
+        }
+    }
+    return text;
+}
+
+void CheckMemory(Report& report, const Query& query, const Made& made) {
+    for (const GuardedBuffer& buffer : made.buffers) {
+        if (const std::string damage = buffer.Damage(); !damage.empty()) {
+            report.Fail(query.call, "writes " + damage);
+        }
+        if (made.code != query.success && !buffer.IsUntouched()) {
+            report.Fail(query.call, "fails with " + std::to_string(made.code) +
+                                        ", but has written to its result");
+        }
+    }
+}
+
+void CheckValues(Report& report, const Query& query, const Made& made) {
+    if (made.code != query.success) {
+        return;
+    }
+    for (std::size_t index = 0; index < made.buffers.size(); ++index) {
+        const auto bytes = made.buffers[index].Bytes();
+        for (const Field& field : query.results[index].fields(bytes)) {
+            if (const std::string problem = field.Problem(bytes); !problem.empty()) {
+                report.Fail(query.call, problem);
+            }
+        }
+    }
+}
+
+/// Whether @p field, found in a result with the first fill, has kept the second as well.
+void CheckThatAllIsWritten(Report& report, const Query& query, const Made& first,
+                           const Made& second) {
+    if (first.code != query.success || second.code != query.success) {
+        return;
+    }
+    for (std::size_t index = 0; index < first.buffers.size(); ++index) {
+        const auto bytes = first.buffers[index].Bytes();
+        for (const Field& field : query.results[index].fields(bytes)) {
+            if (field.IsUnwritten(bytes, GuardedBuffer::kFill) &&
+                field.IsUnwritten(second.buffers[index].Bytes(), GuardedBuffer::kOtherFill)) {
+                report.Fail(query.call, "succeeds, but has not written " + field.name);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void Examine(Probe& probe, const Query& query) {
+    const Made first = Make(probe, query, GuardedBuffer::kFill);
+    Report& report = probe.Told();
+    report.Answered(query.call + "(" + query.arguments + ")", Answer(query, first), first.time);
+    CheckMemory(report, query, first);
+    const Made second = Make(probe, query, GuardedBuffer::kOtherFill);
+    report.Answered(query.call + "(" + query.arguments + ") again", Answer(query, second),
+                    second.time);
+    CheckMemory(report, query, second);
+    CheckThatAllIsWritten(report, query, first, second);
+    CheckValues(report, query, second);
+    probe.Keep({query.call, [&probe, query] {
+                    return Answer(query, Make(probe, query, GuardedBuffer::kFill));
+                }});
+}
+
+}  // namespace conformance

@@ -1,0 +1,174 @@
+// platform/maintenance_thread.h.
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <thread>
+
+#include "conformance/sections/sections.h"
+#include "platform/maintenance_thread.h"
+
+namespace conformance {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr unsigned int kInterval = 1;
+constexpr unsigned int kLongInterval = 86400;
+
+/// Counts its callbacks. From the second on, one stays until the thread is being shut down.
+class Counter : public MaintenanceThreadCallbackInterface {
+  public:
+    bool OnThreadNotify(unsigned int /*event*/) override {
+        std::unique_lock lock(mutex);
+        ++callbacks;
+        thread = std::this_thread::get_id();
+        sigset_t mask{};
+        (void)pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        hasMask = sigismember(&mask, SIGUSR2) == 1;
+        inside = true;
+        changed.notify_all();
+        if (callbacks >= 2) {
+            changed.wait(lock, [this] { return ending; });
+            // Time for a Shutdown that does not wait to return before this has ended.
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            lock.lock();
+        }
+        inside = false;
+        return false;
+    }
+
+    /// Waits until there have been @p wanted callbacks; false when they do not come in @p limit.
+    bool WaitFor(unsigned int wanted, std::chrono::seconds limit) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, limit, [&] { return callbacks >= wanted; });
+    }
+
+    void End() {
+        const std::scoped_lock lock(mutex);
+        ending = true;
+        changed.notify_all();
+    }
+
+    unsigned int Callbacks() {
+        const std::scoped_lock lock(mutex);
+        return callbacks;
+    }
+    bool IsInside() {
+        const std::scoped_lock lock(mutex);
+        return inside;
+    }
+    bool HasMask() {
+        const std::scoped_lock lock(mutex);
+        return hasMask;
+    }
+    std::thread::id Thread() {
+        const std::scoped_lock lock(mutex);
+        return thread;
+    }
+
+  private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    unsigned int callbacks = 0;
+    bool inside = false;
+    bool ending = false;
+    bool hasMask = false;
+    std::thread::id thread;
+};
+
+/// Blocks SIGUSR2 in the calling thread, so that a thread that inherits the mask can be told.
+int RunWithMask(MaintenanceThread& thread) {
+    sigset_t blocked{};
+    sigset_t previous{};
+    (void)sigemptyset(&blocked);
+    (void)sigaddset(&blocked, SIGUSR2);
+    (void)pthread_sigmask(SIG_BLOCK, &blocked, &previous);
+    const int code = thread.Run();
+    (void)pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    return code;
+}
+
+int Shutdown(Probe& probe, MaintenanceThread& thread) {
+    const int code =
+        probe.Code("MaintenanceThread::Shutdown", "", [&] { return thread.Shutdown(); });
+    if (code != 0) {
+        probe.Told().Fail("MaintenanceThread::Shutdown", "returns " + std::to_string(code));
+    }
+    return code;
+}
+
+void ExamineCallbacks(Probe& probe, Counter& counter, Clock::time_point begun) {
+    Report& report = probe.Told();
+    constexpr const char* kRun = "MaintenanceThread::Run";
+    if (!counter.WaitFor(2, probe.Limit())) {
+        report.Fail(kRun, "with an interval of " + std::to_string(kInterval) + " s, there are " +
+                              std::to_string(counter.Callbacks()) + " callbacks in " +
+                              std::to_string(probe.Limit().count()) + " s");
+        return;
+    }
+    const auto elapsed = Clock::now() - begun;
+    report.Note("two callbacks within " + TimeText(elapsed) + " of MaintenanceThread::Run");
+    // The first may come at once, the second not before its interval is over.
+    if (elapsed < std::chrono::seconds(kInterval)) {
+        report.Fail(kRun, "the second callback comes " + TimeText(elapsed) +
+                              " after the start, with an interval of " + std::to_string(kInterval) +
+                              " s");
+    }
+    if (counter.Thread() == std::this_thread::get_id()) {
+        report.Fail(kRun, "calls back on the thread of its caller");
+    }
+    if (!counter.HasMask()) {
+        report.Fail(kRun, "the thread has not inherited the signal mask of the caller");
+    }
+}
+
+/// One run, which ends while a callback is being made.
+void ExamineRun(Probe& probe, MaintenanceThread& thread, Counter& counter) {
+    const Clock::time_point begun = Clock::now();
+    const int running =
+        probe.Code("MaintenanceThread::Run", "", [&] { return RunWithMask(thread); });
+    if (running == 0) {
+        ExamineCallbacks(probe, counter, begun);
+    }
+    counter.End();
+    (void)Shutdown(probe, thread);
+    if (counter.IsInside()) {
+        probe.Told().Fail("MaintenanceThread::Shutdown", "returns before the callback does");
+    }
+}
+
+}  // namespace
+
+void ExamineMaintenance(Probe& probe, const Options& /*options*/) {
+    MaintenanceThreadCallbackInterface base;
+    bool answer = true;
+    probe.Tell(
+        "MaintenanceThreadCallbackInterface::OnThreadNotify", "0",
+        [&] { answer = base.OnThreadNotify(0); },
+        [&] { return std::string(answer ? "true" : "false"); });
+    if (answer) {
+        probe.Told().Fail("MaintenanceThreadCallbackInterface::OnThreadNotify",
+                          "the base returns true");
+    }
+    Counter counter;
+    std::unique_ptr<MaintenanceThread> thread;
+    probe.Tell(
+        "MaintenanceThread::MaintenanceThread", std::to_string(kLongInterval),
+        [&] { thread = std::make_unique<MaintenanceThread>(&counter, kLongInterval, 0); },
+        [] { return std::string(); });
+    (void)Shutdown(probe, *thread);
+    (void)probe.Code("MaintenanceThread::Initialize", "", [&] { return thread->Initialize(); });
+    probe.Tell(
+        "MaintenanceThread::SetInterval", std::to_string(kInterval),
+        [&] { thread->SetInterval(kInterval); }, [] { return std::string(); });
+    ExamineRun(probe, *thread, counter);
+    // A thread in a long interval must not be waited for.
+    thread->SetInterval(kLongInterval);
+    (void)probe.Code("MaintenanceThread::Run", "", [&] { return thread->Run(); });
+    (void)Shutdown(probe, *thread);
+    (void)Shutdown(probe, *thread);
+}
+
+}  // namespace conformance

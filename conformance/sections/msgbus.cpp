@@ -1,0 +1,122 @@
+// platform/msgbus.h, and the block that platform/notification.h describes.
+#include "platform/msgbus.h"
+
+#include <cstring>
+#include <memory>
+
+#include "conformance/guarded_buffer.h"
+#include "conformance/list.h"
+#include "conformance/sections/sections.h"
+#include "platform/notification.h"
+
+namespace conformance {
+
+namespace {
+
+constexpr const char* kGetData = "MsgbusHandler::GetData";
+
+/// The channel as a list of bytes, as @p client reads it. A client belongs to one thread.
+List Channel(const std::shared_ptr<MsgbusHandler>& client, const std::string& channel) {
+    List list;
+    list.call = kGetData;
+    list.arguments = Quoted(channel);
+    list.success = MSGBUS_SUCCESS;
+    list.bufferNeeded = MSGBUS_BUFFER_NEEDED;
+    list.fields = FieldsInBytes<std::byte>;
+    list.isForThreads = false;
+    list.make = [client, channel](void* buffer, void* size) {
+        return client->GetData(channel, buffer, *static_cast<unsigned int*>(size));
+    };
+    return list;
+}
+
+void CheckBlock(Report& report, const std::vector<std::byte>& block) {
+    const auto fail = [&](const std::string& reason) {
+        report.Fail(kGetData, std::string(ANS_NOTIFICATION_CHANNEL) + ": " + reason);
+    };
+    if (block.size() < ANS_NOTIFICATION_LIST_RECORDS) {
+        fail("the block of " + std::to_string(block.size()) + " bytes has no count");
+        return;
+    }
+    std::int32_t count = 0;
+    std::memcpy(&count, block.data(), sizeof(count));
+    constexpr std::size_t kRecordSize = sizeof(AnsNotificationRecord);
+    const std::size_t records = block.size() - ANS_NOTIFICATION_LIST_RECORDS;
+    report.Note(std::string(ANS_NOTIFICATION_CHANNEL) + ": " + std::to_string(count) +
+                " notifications");
+    if (count < 0 || records != static_cast<std::size_t>(count) * kRecordSize) {
+        fail("the block of " + std::to_string(block.size()) + " bytes is not that of " +
+             std::to_string(count) + " records");
+        return;
+    }
+    for (std::int32_t index = 0; index < count; ++index) {
+        const auto record = std::span(block).subspan(
+            ANS_NOTIFICATION_LIST_RECORDS + static_cast<std::size_t>(index) * kRecordSize,
+            kRecordSize);
+        for (const Field& field : FieldsInBytes<AnsNotificationRecord>(record)) {
+            if (const std::string problem = field.Problem(record); !problem.empty()) {
+                fail("record " + std::to_string(index) + ": " + problem);
+            }
+        }
+    }
+}
+
+/// A client that is not on the bus gets nothing.
+void ExamineOutside(Probe& probe, MsgbusHandler& client, const std::string& when) {
+    GuardedBuffer buffer(64, GuardedBuffer::kFill);
+    auto size = static_cast<unsigned int>(buffer.Bytes().size());
+    const int code = probe.Code(kGetData, when, [&] {
+        return client.GetData(ANS_NOTIFICATION_CHANNEL, buffer.Data(), size);
+    });
+    if (code == MSGBUS_SUCCESS || code == MSGBUS_BUFFER_NEEDED) {
+        probe.Told().Fail(kGetData, "answers a client " + when);
+    } else if (!buffer.IsUntouched() || size != buffer.Bytes().size()) {
+        probe.Told().Fail(
+            kGetData, "fails for a client " + when + ", but has written to its buffer or its size");
+    }
+}
+
+void ExamineUnknownChannel(Probe& probe, const std::shared_ptr<MsgbusHandler>& client) {
+    const ListContents unknown = Examine(probe, Channel(client, "zelt.conformance.unknown"));
+    if (unknown.code == MSGBUS_SUCCESS || unknown.code == MSGBUS_BUFFER_NEEDED) {
+        probe.Told().Fail(kGetData, "answers for a channel on which nobody has published");
+    }
+}
+
+/// Reads the notifications as a request does: with a client of its own.
+std::string ReadNotifications(Probe& probe) {
+    const auto client = std::make_shared<MsgbusHandler>(nullptr);
+    std::string text;
+    (void)probe.Make("MsgbusHandler::Initialize",
+                     [&] { text = std::to_string(client->Initialize()) + ", "; });
+    text += Read(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
+    (void)probe.Make("MsgbusHandler::Uninitialize",
+                     [&] { text += ", " + std::to_string(client->Uninitialize()); });
+    return text;
+}
+
+}  // namespace
+
+void ExamineMsgbus(Probe& probe, const Options& /*options*/) {
+    std::shared_ptr<MsgbusHandler> client;
+    probe.Tell(
+        "MsgbusHandler::MsgbusHandler", "no callback",
+        [&] { client = std::make_shared<MsgbusHandler>(nullptr); }, [] { return std::string(); });
+    ExamineOutside(probe, *client, "that has not joined");
+    const int joined =
+        probe.Code("MsgbusHandler::Initialize", "", [&] { return client->Initialize(); });
+    if (joined == MSGBUS_SUCCESS) {
+        const ListContents list = Examine(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
+        if (list.code == MSGBUS_SUCCESS && !list.bytes.empty()) {
+            CheckBlock(probe.Told(), list.bytes);
+        }
+        ExamineUnknownChannel(probe, client);
+        probe.Keep({kGetData, [&probe] { return ReadNotifications(probe); }});
+    }
+    MsgbusHandler second(nullptr);
+    (void)probe.Code("MsgbusHandler::Initialize", "", [&] { return second.Initialize(); });
+    (void)probe.Code("MsgbusHandler::Uninitialize", "", [&] { return second.Uninitialize(); });
+    ExamineOutside(probe, second, "that has left");
+}
+
+}  // namespace conformance

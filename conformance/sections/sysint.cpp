@@ -1,0 +1,220 @@
+// platform/sysint.h.
+#include "platform/sysint.h"
+
+#include <initializer_list>
+
+#include "conformance/list.h"
+#include "conformance/query.h"
+#include "conformance/sections/sections.h"
+
+namespace conformance {
+
+namespace {
+
+constexpr Bounds kSwitch{0, 1};
+
+/// A call of the SDK whose only parameter is its result; the bounds of a number may follow.
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
+#define QUERY(name, ...) QueryOf(#name, SYS_SUCCESS, name __VA_OPT__(, ) __VA_ARGS__)
+
+Query DataCallStatus() {
+    return QUERY(sys_getCellularDataConnectionStatus,
+                 Bounds{SYS_DATA_CONNECTION_READY, SYS_DATA_CONNECTION_UNACTIVATED});
+}
+
+std::vector<Query> Queries() {
+    return {
+        QUERY(sys_getWebUICarrierEnabled),
+        QUERY(sys_getSambaCarrierEnabled),
+        QUERY(sys_getGPSCarrierEnabled),
+        QUERY(sys_getMTSMSCarrierEnabled),
+        QUERY(sys_getWiFiCarrierEnabled),
+        QUERY(sys_getWiFiGuestCarrierEnabled),
+        QUERY(sys_getPCOCarrierEnabled),
+        QUERY(sys_getNUACarrierEnabled),
+        QUERY(sys_getOmadmFumoCarrierEnabled),
+        QUERY(sys_getMultiSimEnabled),
+        QUERY(sys_getWDCPCarrierEnabled),
+        QUERY(sys_getHalyardAgentCarrierEnabled),
+        QUERY(sys_getWatchdogInterval),
+        QUERY(sys_getCellularDataEnabled),
+        DataCallStatus(),
+        QUERY(sys_getCellularServiceStats),
+        QUERY(sys_getCellularDataConnectionStats),
+        QUERY(sys_getRadioEnabled, kSwitch),
+        QUERY(sys_getCellularServiceStatus, Bounds{SYS_SERVICE_NONE, SYS_SERVICE_AVAILABLE}),
+        QUERY(sys_getCellularDataAccountStatus),
+        QUERY(sys_getEnabledRadioTechnologies),
+        QUERY(sys_getSIMStatus, Bounds{SYS_SIM_NOT_FOUND, SYS_SIM_READY}),
+        QUERY(sys_getSubscriberInfo),
+        QUERY(sys_getNetworkSIMLockStatus),
+        QUERY(sys_getSIMNetworkRejectCode),
+        QUERY(sys_getActiveSimSlot),
+        QUERY(sys_getNumSims),
+        QUERY(sys_getAllSimSlotsInfo),
+        QUERY(sys_getCellular3GBand),
+        QUERY(sys_getCellularBand),
+        QUERY(sys_getCellular5GMode),
+        QUERY(sys_getCABandWidth),
+        QUERY(sys_get5GBandWidth),
+        QUERY(sys_getEthernetEnabled),
+        QUERY(sys_getEthernetLinkStatus),
+        QUERY(sys_getFotaInstallStatus),
+        QUERY(sys_getGPSStatus, Bounds{SYS_GPS_OFF, SYS_GPS_GOT_FIX}),
+        QUERY(sys_getSMSUnreadCount),
+        QUERY(sys_getGpioPin1CustomSettings),
+        QUERY(sys_getGpioPin2CustomSettings),
+        QUERY(sys_getSDCardInfo),
+        QUERY(sys_getSambaEnabled),
+        QUERY(sys_getSambaShareInfo),
+        QUERY(sys_getWiFiEnabled),
+        QUERY(sys_getWiFiMaxClients),
+        QUERY(sys_getBatteryStatus),
+    };
+}
+
+/// The calls that are given the name of a field or an application.
+std::vector<Query> NamedQueries(const std::string& name) {
+    return {
+        NamedQueryOf("sys_getUIFieldShowEnabled", SYS_SUCCESS, sys_getUIFieldShowEnabled, name),
+        NamedQueryOf("sys_getUIFieldLockEnabled", SYS_SUCCESS, sys_getUIFieldLockEnabled, name),
+        NamedQueryOf("sys_getUIAppDisplayEnabled", SYS_SUCCESS, sys_getUIAppDisplayEnabled, name),
+        NamedQueryOf("sys_getUIAppWriteEnabled", SYS_SUCCESS, sys_getUIAppWriteEnabled, name),
+    };
+}
+
+/// A group identifier of the SIM. Of the bytes beyond its length nothing is said.
+Query GroupIdentifier(std::uint8_t index) {
+    struct Room {
+        std::byte bytes[SYS_SIM_CARRIER_GID_SIZE];
+    };
+    const auto none = [](std::span<const std::byte>) { return Fields(); };
+    return {"sys_getSIMCarrierGID",
+            "index " + std::to_string(index),
+            SYS_SUCCESS,
+            {Result{sizeof(Room), none}, ResultOf<std::uint8_t>("length")},
+            [index](auto results) {
+                return sys_getSIMCarrierGID(static_cast<std::uint8_t*>(results[0]),
+                                            static_cast<std::uint8_t*>(results[1]), index);
+            }};
+}
+
+Query ManualNetworkSelection() {
+    return {"sys_getModemMnsInfo",
+            "",
+            SYS_SUCCESS,
+            {ResultOf<int>("allowed"), ResultOf<int>("selected"), ResultOf<int>("scanStatus")},
+            [](auto results) {
+                return sys_getModemMnsInfo(static_cast<int*>(results[0]),
+                                           static_cast<int*>(results[1]),
+                                           static_cast<int*>(results[2]));
+            }};
+}
+
+Query NewRadioBand() {
+    // Callers do not use the second number, so that it may stay unwritten.
+    const auto none = [](std::span<const std::byte>) { return Fields(); };
+    return {"sys_getCellular5GBand",
+            "",
+            SYS_SUCCESS,
+            {ResultOf<int>("band"), Result{sizeof(int), none}},
+            [](auto results) {
+                return sys_getCellular5GBand(static_cast<int*>(results[0]),
+                                             static_cast<int*>(results[1]));
+            }};
+}
+
+Query GuestProfile(int profile) {
+    return {"sys_getWiFiGuestProfileEnabled",
+            "profile " + std::to_string(profile),
+            SYS_SUCCESS,
+            {ResultOf<int>()},
+            [profile](auto results) {
+                return sys_getWiFiGuestProfileEnabled(profile, static_cast<int*>(results[0]));
+            }};
+}
+
+List ConnectedDevices() {
+    List list;
+    list.call = "sys_getConnectedDeviceList";
+    list.success = SYS_SUCCESS;
+    list.bufferNeeded = SYS_ERROR_BUFFER_NEEDED;
+    list.tellsTooSmall = false;
+    list.recordSize = sizeof(sys_connected_device_t);
+    list.fields = FieldsInBytes<sys_connected_device_t>;
+    list.make = [](void* buffer, void* count) {
+        return sys_getConnectedDeviceList(static_cast<sys_connected_device_t*>(buffer),
+                                          static_cast<unsigned int*>(count));
+    };
+    return list;
+}
+
+void OpenSdk(Probe& probe) {
+    const int code = probe.Code("sys_sdkInitialize", "", sys_sdkInitialize);
+    if (code != SYS_SUCCESS) {
+        probe.Told().Note("the SDK has not been opened; its calls are made all the same");
+    }
+}
+
+/// Rounds follow one another.
+void ExamineRounds(Probe& probe) {
+    const auto query = [&] {
+        int status = 0;
+        return probe.Code("sys_getSIMStatus", "", [&] { return sys_getSIMStatus(&status); });
+    };
+    const int opened = probe.Code("sys_sdkInitialize", "", sys_sdkInitialize);
+    const int first = query();
+    (void)probe.Code("sys_sdkShutdown", "", sys_sdkShutdown);
+    const int openedAgain = probe.Code("sys_sdkInitialize", "", sys_sdkInitialize);
+    const int second = query();
+    (void)probe.Code("sys_sdkShutdown", "", sys_sdkShutdown);
+    if (opened == SYS_SUCCESS && openedAgain != SYS_SUCCESS) {
+        probe.Told().Fail("sys_sdkInitialize", "the SDK can be opened once only");
+    } else if (first == SYS_SUCCESS && second != SYS_SUCCESS) {
+        probe.Told().Fail("sys_sdkInitialize", "calls of the second round fail");
+    }
+}
+
+}  // namespace
+
+#undef QUERY
+
+void ExamineSysint(Probe& probe, const Options& options) {
+    ExamineRounds(probe);
+    // Stays open: the tests with threads and signals make the calls again.
+    OpenSdk(probe);
+    for (const Query& query : Queries()) {
+        Examine(probe, query);
+    }
+    for (const std::string& name : options.names) {
+        for (const Query& query : NamedQueries(name)) {
+            Examine(probe, query);
+        }
+    }
+    for (const std::uint8_t index : std::initializer_list<std::uint8_t>{0, 1, 255}) {
+        Examine(probe, GroupIdentifier(index));
+    }
+    Examine(probe, ManualNetworkSelection());
+    Examine(probe, NewRadioBand());
+    for (const int profile : {int{SYS_WIFI_GUEST_2_4_GHZ}, int{SYS_WIFI_GUEST_5_GHZ}, 0, 3}) {
+        Examine(probe, GuestProfile(profile));
+    }
+    (void)Examine(probe, ConnectedDevices());
+}
+
+void ExamineActions(Probe& probe, const Options& options) {
+    constexpr int kReserved = 0;
+    if (!options.actions) {
+        probe.Skip("sys_cellularDataDisconnect", "--actions asks for it");
+        probe.Skip("sys_cellularDataConnect", "--actions asks for it");
+        return;
+    }
+    (void)probe.Code("sys_cellularDataDisconnect", "0",
+                     [] { return sys_cellularDataDisconnect(kReserved); });
+    Examine(probe, DataCallStatus());
+    (void)probe.Code("sys_cellularDataConnect", "0",
+                     [] { return sys_cellularDataConnect(kReserved); });
+    Examine(probe, DataCallStatus());
+}
+
+}  // namespace conformance

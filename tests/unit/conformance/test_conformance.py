@@ -1,0 +1,189 @@
+"""kestal-conformance finds nothing in bindings that are right, and each fault in one that is wrong."""
+
+import os
+import pathlib
+import re
+import subprocess
+
+import pytest
+
+ROOT = pathlib.Path(os.environ["KESTAL_ROOT"])
+CONFORMANCE = os.environ["KESTAL_CONFORMANCE"]
+ON_RECORDING = os.environ["KESTAL_CONFORMANCE_ON_RECORDING"]
+ON_WRONG = os.environ["KESTAL_CONFORMANCE_ON_WRONG"]
+SIM = os.environ["KESTAL_SIM"]
+CALLER = ["--address", "192.0.2.7", "--agent", "A browser"]
+
+# What is broken: the parts that are run, the call that is blamed, and why.
+FAULTS = {
+    "level-without-name": (["log"], "toru_dbg_get_level_name", "returns null"),
+    "one-round-only": (["sysint"], "sys_sdkInitialize", "can be opened once only"),
+    "result-too-long": (["sysint"], "sys_getGPSStatus", "bytes behind the 4 of its buffer"),
+    "before-result": (["sysint"], "sys_getSMSUnreadCount", "bytes before the 4 of its buffer"),
+    "success-without-result": (["sysint"], "sys_getNumSims", "succeeds, but has not written value"),
+    "failure-with-result": (["sysint"], "sys_getActiveSimSlot", "fails with 5, but has written"),
+    "field-left-out": (["sysint"], "sys_getBatteryStatus", "has not written detection"),
+    "text-not-terminated": (["sysint"], "sys_getCellularServiceStats", "networkName is not term"),
+    "unknown-enumerator": (["sysint"], "sys_getSIMStatus", "value is 42"),
+    "too-many-slots": (["sysint"], "sys_getAllSimSlotsInfo", "count is 3"),
+    "identifier-too-long": (["sysint"], "sys_getSIMCarrierGID", "behind the 256 of its buffer"),
+    "identifier-without-length": (["sysint"], "sys_getSIMCarrierGID", "has not written length"),
+    "hang": (["sysint"], "sys_getCellularBand", "has not returned within 2 s"),
+    "crash": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGSEGV"),
+    "list-without-count": (["sysint"], "sys_getConnectedDeviceList", "the count that it is given"),
+    "list-beyond-room": (["sysint"], "sys_getConnectedDeviceList", "bytes behind"),
+    "list-cut-off": (["sysint"], "sys_getConnectedDeviceList", "one record less than it has"),
+    "language-not-terminated": (["webui"], "webui_get_i18n_settings", "language is not terminated"),
+    "list-success-without-buffer": (["webui"], "webui_get_common_features", "succeeds although"),
+    "list-of-changing-length": (["webui"], "webui_get_common_features", "another number"),
+    "list-counts-room": (["webui"], "webui_get_common_features", "more room than it needs"),
+    "list-counts-one-less": (["webui"], "webui_get_common_features", "the room that it asked for"),
+    "list-too-small-fails": (["webui"], "webui_get_common_features", "one record less than it has"),
+    "record-not-terminated": (["webui"], "webui_get_common_configurations", "record 0: the text"),
+    "record-left-out": (["webui"], "webui_get_common_configurations", "record 1: name has not"),
+    "failure-with-count": (["webui"], "webui_get_app_features", "has written to its buffer or its"),
+    "unknown-name-succeeds": (["webui"], "webui_get_uri_data", "has not written address"),
+    "bus-answers-all": (["msgbus"], "MsgbusHandler::GetData", "a client that has not joined"),
+    "bus-failure-with-size": (["msgbus"], "MsgbusHandler::GetData", "written to its buffer or its"),
+    "bus-throws": (["msgbus"], "MsgbusHandler::GetData", "an exception has left it: no such"),
+    "bus-keeps-size": (["msgbus"], "MsgbusHandler::GetData", "more room than it needs"),
+    "block-counts-too-many": (["msgbus"], "MsgbusHandler::GetData", "is not that of 3 records"),
+    "block-without-terminators": (["msgbus"], "MsgbusHandler::GetData", "category is not"),
+    "block-left-out": (["msgbus"], "MsgbusHandler::GetData", "record 5: byte has not been written"),
+    "block-of-unknown-severity": (["msgbus"], "MsgbusHandler::GetData", "severity is 9"),
+    "session-for-anybody": (["session"], "AuthSession::Init", "a caller with session"),
+    "session-for-other-address": (["session"], "AuthSession::Init", "with another address"),
+    "session-for-other-family": (["session"], "AuthSession::Init", "with an address of another"),
+    "session-for-other-agent": (["session"], "AuthSession::Init", "with another user agent"),
+    "refusal-with-result": (["session"], "AuthSession::LoggedOn", "but has written to its result"),
+    "logged-on-without-session": (["session"], "AuthSession::LoggedOn", "succeeds without"),
+    "family-of-short-address": (["cgi"], "GetIPAddressFamily", '"192.0.2" is no address'),
+    "failure-with-family": (["cgi"], "GetIPAddressFamily", "but has written to its result"),
+    "two-writers": (["cgi"], "CgiHelper::GetInstance", "more than one writer"),
+    "header-lost": (["cgi"], "CgiHelper::SetHeader", "not in the next response"),
+    "header-not-replaced": (["cgi"], "CgiHelper::SetHeader", "that was replaced is still there"),
+    "response-without-status": (["cgi"], "CgiHelper::SendResponse", "does not begin with"),
+    "response-without-empty-line": (["cgi"], "CgiHelper::SendResponse", "has no empty line"),
+    "body-ends-at-zero": (["cgi"], "CgiHelper::SendResponse", "has not written the body"),
+    "address-made-up": (["cgi"], "CgiHelper::GetIp", 'returns "0.0.0.0"'),
+    "cookie-without-default": (["cgi"], "CgiHelper::GetCookie", 'in place of "none"'),
+    "last-cookie": (["cgi"], "CgiHelper::GetCookie", 'returns "second"'),
+    "no-callback": (["maintenance"], "MaintenanceThread::Run", "there are 0 callbacks in 2 s"),
+    "no-interval": (["maintenance"], "MaintenanceThread::Run", "the second callback comes"),
+    "mask-not-inherited": (["maintenance"], "MaintenanceThread::Run", "the signal mask"),
+    "end-not-waited-for": (["maintenance"], "MaintenanceThread::Shutdown", "before the callback"),
+    "shutdown-fails": (["maintenance"], "MaintenanceThread::Shutdown", "returns 3"),
+    "code-set-left-out": (["language"], "LanguageSupport::SetTextDomain", "the code set"),
+    "directory-left-out": (["language"], "LanguageSupport::SetTextDomain", "the directory"),
+    "domain-not-current": (["language"], "LanguageSupport::SetTextDomain", "the current domain"),
+    "not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two threads"),
+    "interrupted": (["sysint", "signals"], "sys_getWiFiEnabled", "answers 4 while signals arrive"),
+}
+
+
+def run(program, *arguments, device="default", **environment):
+    return subprocess.run(
+        [program, *arguments],
+        env={
+            "PATH": "/usr/bin:/bin",
+            "LC_ALL": "C.UTF-8",
+            "KESTAL_DEVICE": str(ROOT / "devices" / f"{device}.json"),
+            **environment,
+        },
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        text=True,
+        timeout=300,
+    )
+
+
+def findings(done):
+    return [line for line in done.stdout.splitlines() if line.startswith("FAIL")]
+
+
+@pytest.fixture(scope="module")
+def session(tmp_path_factory):
+    """The arguments with which a live session is given, and where the simulator finds it."""
+    store = {"KESTAL_SESSIONS": str(tmp_path_factory.mktemp("sessions") / "store")}
+    opened = run(SIM, "session", "open", "--address", CALLER[1], "--user-agent", CALLER[3], **store)
+    assert opened.returncode == 0, opened.stderr
+    identifier = opened.stdout.strip().partition("=")[2]
+    return ["--session", identifier, *CALLER], store
+
+
+@pytest.mark.parametrize("device", ["default", "every-group-failing"])
+def test_the_simulator_keeps_its_promises(device, session):
+    arguments, store = session
+    done = run(CONFORMANCE, *arguments, device=device, **store)
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+    assert done.stdout.endswith("\nno findings\n")
+    assert 'AuthSession::Init(the session given) -> 0, ' in done.stdout
+
+
+def test_what_is_left_out_is_called_when_asked_for(tmp_path):
+    device = tmp_path / "device.json"
+    device.write_bytes((ROOT / "devices" / "default.json").read_bytes())
+    done = run(CONFORMANCE, "--only", "actions", "--actions", KESTAL_DEVICE=str(device))
+    assert done.returncode == 0, done.stdout
+    lines = [line.rpartition(", ")[0] for line in done.stdout.splitlines()]
+    assert lines[1:7] == [
+        "sys_cellularDataDisconnect(0) -> 0",
+        "sys_getCellularDataConnectionStatus() -> 0, value 0",
+        "sys_getCellularDataConnectionStatus() again -> 0, value 0",
+        "sys_cellularDataConnect(0) -> 0",
+        "sys_getCellularDataConnectionStatus() -> 0, value 2",
+        "sys_getCellularDataConnectionStatus() again -> 0, value 2",
+    ]
+
+
+def test_calls_that_are_not_scripted_fail_properly():
+    """The recording binding fails them all and writes nothing. Its threads do not run and its
+    responses are bodies alone, so that these parts are left out."""
+    parts = ["sysint", "webui", "msgbus", "session", "threads", "signals"]
+    done = run(ON_RECORDING, *[word for part in parts for word in ("--only", part)])
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+    assert "sys_getSIMStatus() -> 90001, " in done.stdout
+
+
+def test_without_a_fault_the_wrong_binding_is_right(session):
+    arguments, store = session
+    done = run(ON_WRONG, *arguments, **store)
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+
+
+@pytest.mark.parametrize("fault", FAULTS)
+def test_the_fault_is_found(fault, session):
+    parts, call, reason = FAULTS[fault]
+    arguments, store = session
+    only = [word for part in parts for word in ("--only", part)]
+    limit = ["--deadline", "2"] if reason.endswith(" 2 s") else []
+    done = run(ON_WRONG, *limit, *only, *arguments, KESTAL_FAULT=fault, **store)
+    assert done.returncode == 1, done.stdout
+    found = [line for line in findings(done) if line.startswith(f"FAIL {call}") and reason in line]
+    assert found, findings(done)
+    others = [line for line in findings(done) if not line.startswith(f"FAIL {call}")]
+    assert others == []
+
+
+def test_each_fault_is_tried():
+    sources = "".join(path.read_text() for path in pathlib.Path(__file__).parent.glob("wrong_*"))
+    names = "".join(re.findall(r"Has\(([^)]*)\)", sources))
+    assert set(re.findall(r'"([a-z-]+)"', names)) == set(FAULTS)
+
+
+def test_wrong_usage_exits_with_2():
+    for arguments in (["--only", "nothing"], ["more"], ["--deadline", "0"]):
+        done = run(CONFORMANCE, *arguments)
+        assert (done.returncode, done.stdout) == (2, "")
+        assert done.stderr.endswith("\nTry 'kestal-conformance --help'.\n")
+
+
+def test_help_and_man_page_tell_all_options_and_parts():
+    done = run(CONFORMANCE, "--help")
+    assert done.returncode == 0
+    page = (ROOT / "docs" / "man" / "kestal-conformance.1.scd").read_text()
+    options = set(re.findall(r"--[a-z]+", done.stdout))
+    parts = done.stdout.partition("Parts:")[2].splitlines()[0].split()
+    assert len(options) == 9 and len(parts) == 12
+    assert options <= set(re.findall(r"--[a-z]+", page))
+    assert re.findall(r"^\*([a-z]+)\*$", page.partition("# PARTS")[2].partition("# OPT")[0], re.M) == parts
