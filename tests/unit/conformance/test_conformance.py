@@ -9,6 +9,9 @@ import pytest
 
 ROOT = pathlib.Path(os.environ["KESTAL_ROOT"])
 CONFORMANCE = os.environ["KESTAL_CONFORMANCE"]
+ON_ALONE = os.environ["KESTAL_CONFORMANCE_ON_ALONE"]
+ON_TEMPLATE = os.environ["KESTAL_CONFORMANCE_ON_TEMPLATE"]
+ON_REPLACED = os.environ["KESTAL_CONFORMANCE_ON_REPLACED"]
 ON_RECORDING = os.environ["KESTAL_CONFORMANCE_ON_RECORDING"]
 ON_WRONG = os.environ["KESTAL_CONFORMANCE_ON_WRONG"]
 SIM = os.environ["KESTAL_SIM"]
@@ -143,6 +146,32 @@ def test_calls_that_are_not_scripted_fail_properly():
     done = run(ON_RECORDING, *[word for part in parts for word in ("--only", part)])
     assert (done.returncode, findings(done)) == (0, []), done.stdout
     assert "sys_getSIMStatus() -> 90001, " in done.stdout
+
+
+def test_the_template_that_supports_nothing_keeps_its_promises(session):
+    arguments, store = session
+    done = run(ON_TEMPLATE, *arguments, **store)
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+    assert "sys_getSIMStatus() -> 9900, " in done.stdout
+    assert "CgiHelper::GetInstance() -> a writer, " in done.stdout
+
+
+@pytest.mark.parametrize("program", [ON_REPLACED, ON_ALONE])
+def test_every_piece_of_the_template_can_be_replaced(program):
+    done = run(program)
+    # What answers "not supported" is right to, but for these.
+    assert {line.split(": ")[0] for line in findings(done)} == {
+        "FAIL GetIPAddressFamily",
+        "FAIL LanguageSupport::SetTextDomainProperties",
+    }
+    for answer in (
+        'toru_dbg_get_level_name(3) -> "", ',
+        "AuthSession::Init(session \"\") -> 9900, ",
+        "CgiHelper::GetInstance() -> null, ",
+        "MaintenanceThread::Run() -> 9900, ",
+        "watchdog_application_send_keep_alive() -> 9900, ",
+    ):
+        assert answer in done.stdout
 
 
 def test_without_a_fault_the_wrong_binding_is_right(session):

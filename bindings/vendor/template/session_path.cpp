@@ -1,0 +1,7 @@
+// Where the sessions are that people open when they log in.
+#include "bindings/posix/session/session_store.h"
+
+// A folder that only your login page and the service can write to, and that is empty after a start.
+std::string binding::DefaultSessionStorePath() {
+    return "/run/kestal/sessions";
+}

@@ -1,0 +1,93 @@
+// System-interface SDK: what the carrier enables and allows.
+#include "not_supported.h"
+#include "platform/sysint.h"
+
+// Open what the calls of one request share, such as the connection to your modem service.
+int sys_sdkInitialize() {
+    return SYS_SUCCESS;
+}
+
+// Close it; the request is over.
+int sys_sdkShutdown() {
+    return SYS_SUCCESS;
+}
+
+// Whether the carrier's settings of the device allow the web UI.
+int sys_getWebUICarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// The same for file sharing.
+int sys_getSambaCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// The same for positioning.
+int sys_getGPSCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// The same for received messages.
+int sys_getMTSMSCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// The same for Wi-Fi.
+int sys_getWiFiCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// The same for guest Wi-Fi.
+int sys_getWiFiGuestCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Whether the network's protocol configuration options say how the account stands.
+int sys_getPCOCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Whether the NUA software-update agent is enabled.
+int sys_getNUACarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Whether OMA-DM firmware updates are enabled.
+int sys_getOmadmFumoCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// 1 for a device that runs with more than one SIM.
+int sys_getMultiSimEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Whether the WDCP agent restricts the web UI.
+int sys_getWDCPCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Whether the Halyard agent does.
+int sys_getHalyardAgentCarrierEnabled(int* /*enabled*/) {
+    return kNotSupported;
+}
+
+// Look the field up in what the carrier hides.
+int sys_getUIFieldShowEnabled(const char* /*field*/, int* /*show*/) {
+    return kNotSupported;
+}
+
+// Look the field up in what the carrier locks.
+int sys_getUIFieldLockEnabled(const char* /*field*/, int* /*locked*/) {
+    return kNotSupported;
+}
+
+// Look the application up in what the carrier hides.
+int sys_getUIAppDisplayEnabled(const char* /*app*/, int* /*display*/) {
+    return kNotSupported;
+}
+
+// Look the application up in what the carrier locks.
+int sys_getUIAppWriteEnabled(const char* /*app*/, int* /*write*/) {
+    return kNotSupported;
+}

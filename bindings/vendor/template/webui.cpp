@@ -1,0 +1,57 @@
+// Configuration of the web UI, from your settings.
+#include "platform/webui.h"
+
+#include "not_supported.h"
+
+// Switches of the web UI that hold for the whole device; see the declaration for how the size is
+// asked for.
+int webui_get_common_features(webui_feature_t* /*buffer*/, int* /*count*/) {
+    return kNotSupported;
+}
+
+// Switches of one application.
+int webui_get_app_features(const char* /*appName*/, webui_feature_t* /*buffer*/, int* /*count*/) {
+    return kNotSupported;
+}
+
+// Settings of the web UI that hold for the whole device.
+int webui_get_common_configurations(webui_configuration_t* /*buffer*/, int* /*count*/) {
+    return kNotSupported;
+}
+
+// Settings of one application.
+int webui_get_app_configurations(const char* /*appName*/, webui_configuration_t* /*buffer*/,
+                                 int* /*count*/) {
+    return kNotSupported;
+}
+
+// Path and title of a page of yours, such as "sms"; notifications link to it.
+int webui_get_uri_data(const char* /*uriId*/, webui_uri_data_t* /*data*/) {
+    return kNotSupported;
+}
+
+// Address of a page outside of the device.
+int webui_get_external_uri_data(const char* /*uriId*/, webui_external_uri_data_t* /*data*/) {
+    return kNotSupported;
+}
+
+// Language that the user has chosen, such as "en_US".
+int webui_get_i18n_settings(webui_i18n_settings_t* /*settings*/) {
+    return kNotSupported;
+}
+
+// State of the software update, as your update agent counts.
+int webui_get_software_update_status(webui_software_update_status_t* /*status*/) {
+    return kNotSupported;
+}
+
+// Minutes that the installation of an update takes.
+int webui_get_software_installation_duration(int* /*duration*/) {
+    return kNotSupported;
+}
+
+// What the carrier says about updates in that language; empty texts for nothing.
+int webui_get_software_update_custom_msgs(const char* /*language*/,
+                                          SoftwareUpdateCustomMessages* /*messages*/) {
+    return kNotSupported;
+}
