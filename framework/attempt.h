@@ -13,10 +13,9 @@ bool Attempt(const char* signature, const char* name, Step step) {
         step();
         return true;
     } catch (const std::exception& error) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed: %s", signature, name,
-                            error.what());
+        KESTAL_FAILURE("%s failed: %s", name, error.what());
     } catch (...) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %s - %s failed", signature, name);
+        KESTAL_FAILURE("%s failed", name);
     }
     return false;
 }

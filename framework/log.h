@@ -1,6 +1,8 @@
-// How the product writes its log lines: module tag, level name and the function's own signature are
-// filled in here, so that a call site holds its exact format and its own arguments, nothing else.
-// They are macros because the compiler checks a literal format against its arguments.
+// How the product writes its log lines. Each macro completes the format with the prefix that lines
+// of its kind begin with and supplies the arguments for the prefix: module tag, level name and the
+// signature of the function that logs. What stands at a call is the rest of the format, a literal,
+// and the arguments for it. They are macros because the compiler checks only a literal format
+// against its arguments.
 //
 // Levels: error (3) a platform call or a request failed; notice (5) the process or a data call
 // changes its state; information (6) something that happens once per request or seldom; debug (7)
@@ -11,24 +13,28 @@
 
 #define KESTAL_MODULE "KESTAL_CGI"
 
-/// Names the function in its own log lines. The text is part of what the product logs and does not
-/// depend on the compiler.
-#define KESTAL_SIGNATURE(text) static constexpr const char* kSignature = text
+/// Names the function in its log lines; stands first in its body. The text is part of what the
+/// product logs and does not depend on the compiler, and only the function that it names contains
+/// it: a function that logs in the name of its caller takes `const char* signature` as its first
+/// parameter. Either way, the macros below that log a signature take it from `signature`.
+#define KESTAL_SIGNATURE(text) static const char* const signature = "" text
 
-/// One line of the module @p module without signature: the format begins with "[%s]:[%s] - ".
-#define KESTAL_MODULE_LOG(module, level, format, ...) \
-    toru_dbg_log((module), (level), format, (module), \
+// Lines without a signature: "[module]:[level] - " and the format.
+
+/// One line of the module @p module.
+#define KESTAL_MODULE_LOG(module, level, format, ...)                \
+    toru_dbg_log((module), (level), "[%s]:[%s] - " format, (module), \
                  toru_dbg_get_level_name(level) __VA_OPT__(, ) __VA_ARGS__)
 
 /// The same, first to the system log.
 #define KESTAL_MODULE_SYSLOG(module, level, format, ...)                            \
     do {                                                                            \
-        toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, format, (module),                 \
+        toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "[%s]:[%s] - " format, (module),  \
                         toru_dbg_get_level_name(level) __VA_OPT__(, ) __VA_ARGS__); \
         KESTAL_MODULE_LOG(module, level, format __VA_OPT__(, ) __VA_ARGS__);        \
     } while (false)
 
-/// One line without signature.
+/// One line of the product's own module.
 #define KESTAL_LOG_PLAIN(level, format, ...) \
     KESTAL_MODULE_LOG(KESTAL_MODULE, level, format __VA_OPT__(, ) __VA_ARGS__)
 
@@ -36,13 +42,15 @@
 #define KESTAL_SYSLOG_PLAIN(level, format, ...) \
     KESTAL_MODULE_SYSLOG(KESTAL_MODULE, level, format __VA_OPT__(, ) __VA_ARGS__)
 
-/// One line of a function that has a KESTAL_SIGNATURE: the format begins with "[%s]:[%s] - %s".
+// Lines of a function: "[module]:[level] - signature - " and the format.
+
+/// One line.
 #define KESTAL_LOG(level, format, ...) \
-    KESTAL_LOG_PLAIN(level, format, kSignature __VA_OPT__(, ) __VA_ARGS__)
+    KESTAL_LOG_PLAIN(level, "%s - " format, signature __VA_OPT__(, ) __VA_ARGS__)
 
 /// The same, first to the system log.
 #define KESTAL_SYSLOG(level, format, ...) \
-    KESTAL_SYSLOG_PLAIN(level, format, kSignature __VA_OPT__(, ) __VA_ARGS__)
+    KESTAL_SYSLOG_PLAIN(level, "%s - " format, signature __VA_OPT__(, ) __VA_ARGS__)
 
 /// A debug line.
 #define KESTAL_DEBUG(format, ...) KESTAL_LOG(TORU_DBG_DEBUG, format __VA_OPT__(, ) __VA_ARGS__)
@@ -50,6 +58,22 @@
 /// A failure: to the system log and to the debug log, in this order.
 #define KESTAL_FAILURE(format, ...) KESTAL_SYSLOG(TORU_DBG_ERROR, format __VA_OPT__(, ) __VA_ARGS__)
 
-#define KESTAL_BEGIN() KESTAL_DEBUG("[%s]:[%s] - %s - BEGIN")
-#define KESTAL_END() KESTAL_DEBUG("[%s]:[%s] - %s - END")
-#define KESTAL_END_RETURNING(result) KESTAL_DEBUG("[%s]:[%s] - %s - END returning %d", (result))
+#define KESTAL_BEGIN() KESTAL_DEBUG("BEGIN")
+#define KESTAL_END() KESTAL_DEBUG("END")
+#define KESTAL_END_RETURNING(result) KESTAL_DEBUG("END returning %d", (result))
+
+// Lines of a function that have always had something else than " - " between the signature and the
+// rest, or nothing: "[module]:[level] - signature" and the format, which begins with what stands
+// there.
+
+/// One line.
+#define KESTAL_LOG_UNSEPARATED(level, format, ...) \
+    KESTAL_LOG_PLAIN(level, "%s" format, signature __VA_OPT__(, ) __VA_ARGS__)
+
+/// A debug line.
+#define KESTAL_DEBUG_UNSEPARATED(format, ...) \
+    KESTAL_LOG_UNSEPARATED(TORU_DBG_DEBUG, format __VA_OPT__(, ) __VA_ARGS__)
+
+/// A failure: to the system log and to the debug log, in this order.
+#define KESTAL_FAILURE_UNSEPARATED(format, ...) \
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "%s" format, signature __VA_OPT__(, ) __VA_ARGS__)

@@ -92,17 +92,17 @@ void PageComponent::Init(std::string applicationName) {
     appName = std::move(applicationName);
     const int featuresStatus = GetFeatures();
     if (featuresStatus != WEBUI_SUCCESS) {
-        KESTAL_FAILURE("[%s]:[%s] - %s Unable to read the app features, returned error code %d.",
-                       featuresStatus);
+        KESTAL_FAILURE_UNSEPARATED(" Unable to read the app features, returned error code %d.",
+                                   featuresStatus);
     }
     const int configurationsStatus = GetConfigurations();
     if (configurationsStatus != WEBUI_SUCCESS) {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s Unable to read the app configurations, returned error code %d.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " Unable to read the app configurations, returned error code %d.",
             configurationsStatus);
     }
     if (!appName.empty() &&
-        !Attempt(kSignature, "GetURI", [this] { helpUri = GetURI((appName + "_help").c_str()); })) {
+        !Attempt(signature, "GetURI", [this] { helpUri = GetURI((appName + "_help").c_str()); })) {
         cutShort = true;
     }
     KESTAL_END();
@@ -114,49 +114,48 @@ int PageComponent::GetFeatures() {
     int status = WEBUI_SUCCESS;
     if (useCommonFeatures != 0) {
         status = ReadRecords<webui_feature_t>(
-            kSignature, "webui_get_common_features", cutShort, webui_get_common_features,
+            signature, "webui_get_common_features", cutShort, webui_get_common_features,
             [](int count) {
-                KESTAL_LOG(TORU_DBG_INFO,
-                           "[%s]:[%s] - %s webui_get_common_features returned features_count: %d, "
-                           "allocate sufficient memory",
-                           count);
+                KESTAL_LOG_UNSEPARATED(TORU_DBG_INFO,
+                                       " webui_get_common_features returned features_count: %d, "
+                                       "allocate sufficient memory",
+                                       count);
             },
             [this](const webui_feature_t& feature) {
                 const std::string name = FixedText(feature.name);
-                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG,
-                                 "[%s]:[%s] - [common] feature name - [%s] value - [%d]",
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[common] feature name - [%s] value - [%d]",
                                  name.c_str(), feature.value);
                 features[name] = feature.value;
             });
         if (status != WEBUI_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s webui_get_common_features failed, returned error code %d. Try "
-                "webui_cli get_common_features from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " webui_get_common_features failed, returned error code %d. Try webui_cli "
+                "get_common_features from command line.",
                 status);
         }
     }
     if (!appName.empty()) {
         status = ReadRecords<webui_feature_t>(
-            kSignature, "webui_get_app_features", cutShort,
+            signature, "webui_get_app_features", cutShort,
             [this](webui_feature_t* buffer, int* count) {
                 return webui_get_app_features(appName.c_str(), buffer, count);
             },
             [](int count) {
-                KESTAL_LOG(TORU_DBG_INFO,
-                           "[%s]:[%s] - %s webui_get_app_features returned features_count%d, "
-                           "allocate sufficient memory",
-                           count);
+                KESTAL_LOG_UNSEPARATED(
+                    TORU_DBG_INFO,
+                    " webui_get_app_features returned features_count%d, allocate sufficient memory",
+                    count);
             },
             [this](const webui_feature_t& feature) {
                 const std::string name = FixedText(feature.name);
-                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - feature name - [%s] value - [%d]",
-                                 name.c_str(), feature.value);
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "feature name - [%s] value - [%d]", name.c_str(),
+                                 feature.value);
                 features[name] = feature.value;
             });
         if (status != WEBUI_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s webui_get_app_features failed, returned error code %d. Try "
-                "webui_cli get_app_features from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " webui_get_app_features failed, returned error code %d. Try webui_cli "
+                "get_app_features from command line.",
                 status);
         }
     }
@@ -170,53 +169,50 @@ int PageComponent::GetConfigurations() {
     int status = WEBUI_SUCCESS;
     if (useCommonConfigurations != 0) {
         status = ReadRecords<webui_configuration_t>(
-            kSignature, "webui_get_common_configurations", cutShort,
-            webui_get_common_configurations,
+            signature, "webui_get_common_configurations", cutShort, webui_get_common_configurations,
             [](int count) {
-                KESTAL_LOG(TORU_DBG_INFO,
-                           "[%s]:[%s] - %s webui_get_common_configurations returned "
-                           "configurations_count: %d, allocate sufficient memory",
-                           count);
+                KESTAL_LOG_UNSEPARATED(TORU_DBG_INFO,
+                                       " webui_get_common_configurations returned "
+                                       "configurations_count: %d, allocate sufficient memory",
+                                       count);
             },
             [this](const webui_configuration_t& configuration) {
                 const std::string name = FixedText(configuration.name);
                 const std::string value = FixedText(configuration.value);
-                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG,
-                                 "[%s]:[%s] - [common] configuration name - [%s] value - [%s]",
+                KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[common] configuration name - [%s] value - [%s]",
                                  name.c_str(), value.c_str());
                 configurations[name] = value;
             });
         if (status != WEBUI_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s webui_get_common_configurations failed, returned error code %d. "
-                "Try webui_cli get_common_configurations from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " webui_get_common_configurations failed, returned error code %d. Try webui_cli "
+                "get_common_configurations from command line.",
                 status);
         }
     }
     if (!appName.empty()) {
         status = ReadRecords<webui_configuration_t>(
-            kSignature, "webui_get_app_configurations", cutShort,
+            signature, "webui_get_app_configurations", cutShort,
             [this](webui_configuration_t* buffer, int* count) {
                 return webui_get_app_configurations(appName.c_str(), buffer, count);
             },
             [](int count) {
-                KESTAL_LOG(TORU_DBG_INFO,
-                           "[%s]:[%s] - %s webui_get_app_configurations returned "
-                           "configurations_count: %d, allocate sufficient memory",
-                           count);
+                KESTAL_LOG_UNSEPARATED(TORU_DBG_INFO,
+                                       " webui_get_app_configurations returned "
+                                       "configurations_count: %d, allocate sufficient memory",
+                                       count);
             },
             [this](const webui_configuration_t& configuration) {
                 const std::string name = FixedText(configuration.name);
                 const std::string value = FixedText(configuration.value);
-                KESTAL_LOG_PLAIN(TORU_DBG_INFO,
-                                 "[%s]:[%s] - configuration name - [%s] value - [%s]", name.c_str(),
-                                 value.c_str());
+                KESTAL_LOG_PLAIN(TORU_DBG_INFO, "configuration name - [%s] value - [%s]",
+                                 name.c_str(), value.c_str());
                 configurations[name] = value;
             });
         if (status != WEBUI_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s webui_get_app_configurations failed, returned error code %d. Try "
-                "webui_cli get_app_configurations from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " webui_get_app_configurations failed, returned error code %d. Try webui_cli "
+                "get_app_configurations from command line.",
                 status);
         }
     }
@@ -232,14 +228,14 @@ std::string PageComponent::GetURI(const char* uriId) const {
     const int status = webui_get_uri_data(uriId, &data);
     if (status == WEBUI_SUCCESS) {
         uri = FixedText(data.address);
-        KESTAL_DEBUG("[%s]:[%s] - %s Friendly uri : %s for uri_id %s", uri.c_str(), uriId);
+        KESTAL_DEBUG_UNSEPARATED(" Friendly uri : %s for uri_id %s", uri.c_str(), uriId);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s webui_get_uri_data failed, returned error code %d. Try webui_cli "
-            "get_uri_data from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " webui_get_uri_data failed, returned error code %d. Try webui_cli get_uri_data from "
+            "command line.",
             status);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s - END returning %s", uri.c_str());
+    KESTAL_DEBUG("END returning %s", uri.c_str());
     return uri;
 }
 
@@ -251,14 +247,14 @@ std::string PageComponent::GetExternalURI(const char* uriId) const {
     const int status = webui_get_external_uri_data(uriId, &data);
     if (status == WEBUI_SUCCESS) {
         uri = FixedText(data.address);
-        KESTAL_DEBUG("[%s]:[%s] - %s Friendly uri : %s for uri_id %s\n", uri.c_str(), uriId);
+        KESTAL_DEBUG_UNSEPARATED(" Friendly uri : %s for uri_id %s\n", uri.c_str(), uriId);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s webui_get_external_uri_data failed, returned error code %d. Try "
-            "webui_cli get_external_uri_data from command line.\n",
+        KESTAL_FAILURE_UNSEPARATED(
+            " webui_get_external_uri_data failed, returned error code %d. Try webui_cli "
+            "get_external_uri_data from command line.\n",
             status);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s - END returning %s", uri.c_str());
+    KESTAL_DEBUG("END returning %s", uri.c_str());
     return uri;
 }
 

@@ -7,7 +7,7 @@ void PageComponent::SetData(CTPP::CDT& tree, const std::string& key, const std::
     KESTAL_SIGNATURE(
         "static void PageComponent::SetData(CTPP::CDT&, const string&, const string&)");
     tree[key] = Translated(value.c_str());
-    KESTAL_DEBUG("[%s]:[%s] - %s- %s = \"%s\"", key.c_str(), value.c_str());
+    KESTAL_DEBUG_UNSEPARATED("- %s = \"%s\"", key.c_str(), value.c_str());
 }
 
 void PageComponent::SetData(CTPP::CDT& tree, const std::string& key, const char* value) {
@@ -21,7 +21,7 @@ void PageComponent::SetData(CTPP::CDT& tree, const std::string& key, int value) 
 void PageComponent::SetData(CTPP::CDT& tree, const std::string& key, bool value) {
     KESTAL_SIGNATURE("static void PageComponent::SetData(CTPP::CDT&, const string&, bool)");
     tree[key] = value ? 1 : 0;
-    KESTAL_DEBUG("[%s]:[%s] - %s- %s = %d", key.c_str(), value);
+    KESTAL_DEBUG_UNSEPARATED("- %s = %d", key.c_str(), value);
 }
 
 bool PageComponent::IsTrue(const std::string& text, bool defaultValue) {
@@ -32,8 +32,7 @@ bool PageComponent::IsTrue(const std::string& text, bool defaultValue) {
     if (text == "false" || text == "off" || text == "0") {
         return false;
     }
-    KESTAL_SYSLOG(TORU_DBG_NOTICE,
-                  "[%s]:[%s] - %s - couldn't convert %s to a boolean value, treating as %d",
+    KESTAL_SYSLOG(TORU_DBG_NOTICE, "couldn't convert %s to a boolean value, treating as %d",
                   text.c_str(), defaultValue);
     return defaultValue;
 }
@@ -48,7 +47,7 @@ PageError PageComponent::nativeChecker(int result, std::string callName, std::st
     if (result == SYS_SUCCESS) {
         return PAGE_ERROR_NONE;
     }
-    KESTAL_FAILURE("[%s]:[%s] - %s - %s returned - %d", callName.c_str(), result);
+    KESTAL_FAILURE("%s returned - %d", callName.c_str(), result);
     return PAGE_ERROR_FAILED;
 }
 
@@ -70,7 +69,6 @@ std::string PageComponent::ConvertUnitToLanguage(std::string unit) {
             return Translated(known.messageId);
         }
     }
-    KESTAL_FAILURE("[%s]:[%s] - %s - Unknown Unit Type!  No conversion can be done for %s.",
-                   unit.c_str());
+    KESTAL_FAILURE("Unknown Unit Type!  No conversion can be done for %s.", unit.c_str());
     return unit;
 }

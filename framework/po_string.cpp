@@ -42,7 +42,7 @@ std::string FormatPoString(int count, std::string& text, std::span<const char* c
         }
     }
     if (matched > count) {
-        KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR, "[%s]:[%s] - Number of arguments mismatched");
+        KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR, "Number of arguments mismatched");
     }
     return text;
 }

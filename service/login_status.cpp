@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr const char* kGetLoginStatus = "int GetLoginStatus(CgiHelper*, FCGX_Request&)";
-
 constexpr const char* kSessionCookie = "torusess";
 
 /// The service only asks for the session.
@@ -26,8 +24,7 @@ constexpr int kSessionMode = 2;
 /// length must not reach it.
 constexpr std::uint32_t kMaxBodySize = 1024 * 1024;
 
-bool HasAcceptableBody(const FCGX_Request& request) {
-    KESTAL_SIGNATURE(kGetLoginStatus);
+bool HasAcceptableBody(const char* signature, const FCGX_Request& request) {
     const char* given = FCGX_GetParam("CONTENT_LENGTH", request.envp);
     const std::string_view length = given == nullptr ? "" : given;
     if (length.empty()) {
@@ -38,12 +35,11 @@ bool HasAcceptableBody(const FCGX_Request& request) {
     if (error == std::errc() && end == length.data() + length.size() && size <= kMaxBodySize) {
         return true;
     }
-    KESTAL_FAILURE("[%s]:[%s] - %s - unacceptable length of request body: %s", given);
+    KESTAL_FAILURE("unacceptable length of request body: %s", given);
     return false;
 }
 
-bool HasSession(const CgiHelper& helper, FCGX_Request& request) {
-    KESTAL_SIGNATURE(kGetLoginStatus);
+bool HasSession(const char* signature, const CgiHelper& helper, FCGX_Request& request) {
     cgicc::FCgiIO input(request);
     const cgicc::Cgicc cgi(&input);
     const cgicc::CgiEnvironment& environment = cgi.getEnvironment();
@@ -51,8 +47,8 @@ bool HasSession(const CgiHelper& helper, FCGX_Request& request) {
     const std::string ip = helper.GetIp(environment);
     int family = 0;
     if (GetIPAddressFamily(ip, &family) != 0) {
-        KESTAL_FAILURE("[%s]:[%s] - %s Kestal.cgi: Unable to determine the family of ip(%s)",
-                       ip.c_str());
+        KESTAL_FAILURE_UNSEPARATED(" Kestal.cgi: Unable to determine the family of ip(%s)",
+                                   ip.c_str());
         return false;
     }
     webui_addr_t address{};
@@ -60,7 +56,7 @@ bool HasSession(const CgiHelper& helper, FCGX_Request& request) {
     inet_pton(family, ip.c_str(), address.address);
 
     const std::string sessionId = helper.GetCookie(environment, kSessionCookie, "");
-    KESTAL_DEBUG("[%s]:[%s] - %s - sessionId %s", sessionId.c_str());
+    KESTAL_DEBUG("sessionId %s", sessionId.c_str());
     const std::string userAgent = environment.getUserAgent();
     AuthSession session;
     bool loggedIn = false;
@@ -73,18 +69,18 @@ bool HasSession(const CgiHelper& helper, FCGX_Request& request) {
 }  // namespace
 
 int GetLoginStatus(CgiHelper* helper, FCGX_Request& request) {
-    KESTAL_SIGNATURE(kGetLoginStatus);
+    KESTAL_SIGNATURE("int GetLoginStatus(CgiHelper*, FCGX_Request&)");
     KESTAL_BEGIN();
     bool loggedIn = false;
     try {
-        loggedIn = HasAcceptableBody(request) && HasSession(*helper, request);
+        loggedIn = HasAcceptableBody(signature, request) && HasSession(signature, *helper, request);
     } catch (const std::exception& error) {
         // cgicc throws on a body that is shorter than announced.
-        KESTAL_FAILURE("[%s]:[%s] - %s - session check failed: %s", error.what());
+        KESTAL_FAILURE("session check failed: %s", error.what());
     } catch (...) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - session check failed");
+        KESTAL_FAILURE("session check failed");
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s - kestal admin %s logged in", loggedIn ? "is" : "not");
-    KESTAL_DEBUG("[%s]:[%s] - %s - END by returning [%d]", loggedIn ? 1 : 0);
+    KESTAL_DEBUG("kestal admin %s logged in", loggedIn ? "is" : "not");
+    KESTAL_DEBUG("END by returning [%d]", loggedIn ? 1 : 0);
     return loggedIn ? 1 : 0;
 }

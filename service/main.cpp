@@ -15,6 +15,7 @@
 #include "service/standard_descriptors.h"
 
 int main(int /*argc*/, char** argv) {
+    KESTAL_SIGNATURE("int main(int, char**)");
     int result = 0;
     // Before anything opens a descriptor.
     OpenClosedStandardDescriptors();
@@ -24,13 +25,12 @@ int main(int /*argc*/, char** argv) {
     (void)std::signal(SIGXFSZ, SIG_IGN);
     gProgramName = basename(argv[0]);
     toru_dbg_start(gProgramName);
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE,
-                        "[%s]:[%s] - %s Process Start with pthread ID:%lu, process ID:%d.",
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "%s Process Start with pthread ID:%lu, process ID:%d.",
                         KESTAL_MODULE, pthread_self(), getpid());
     InstallFatalSignalHandler();
     InstallDeadlineHandler(OperationLimit());
     gOperationDeadline.Begin("start of the process");
-    Attempt("int main(int, char**)", "text domain", [] {
+    Attempt(signature, "text domain", [] {
         LanguageSupport::SetTextDomainProperties(kTextDomain, "UTF-8", "/usr/share/locale");
     });
     gKeepAliveHandler.Initialize();
@@ -40,7 +40,7 @@ int main(int /*argc*/, char** argv) {
     result = fastcgi_main_loop();
     gOperationDeadline.Begin("end of the process");
     gKeepAliveHandler.Shutdown();
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "[%s]:[%s] - %s Server Terminating.", KESTAL_MODULE);
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "%s Server Terminating.", KESTAL_MODULE);
     toru_dbg_stop();
     // The deadline still holds: the libraries' exit handlers come next.
     return result;

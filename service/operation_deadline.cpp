@@ -64,7 +64,7 @@ void OperationDeadline::Watch(std::chrono::milliseconds newLimit) {
     if (!hasTimer) {
         const int error = errno;
         // The keep-alives still end with an operation that does not.
-        KESTAL_FAILURE("[%s]:[%s] - %s - timer_create failed, returned error code [%d]", error);
+        KESTAL_FAILURE("timer_create failed, returned error code [%d]", error);
     }
 }
 

@@ -19,15 +19,14 @@
 
 namespace {
 
-constexpr const char* kFastcgiMainLoop = "int fastcgi_main_loop()";
-
 constexpr const char* kDefaultLanguage = "en_US";
 
-/// One step of the loop, which @p name, a literal, tells from the others in the log.
+/// Attempts one step of the loop. @p name, a literal, tells it from the others, both in the log and
+/// in the message of a process that is stuck.
 template <typename Step>
-bool Attempt(const char* name, Step step) {
+bool AttemptStep(const char* signature, const char* name, Step step) {
     gOperationDeadline.Enter(name);
-    return ::Attempt(kFastcgiMainLoop, name, step);
+    return Attempt(signature, name, step);
 }
 
 const char* OperationStep(int api) {
@@ -45,8 +44,7 @@ const char* OperationStep(int api) {
     }
 }
 
-void ApplyLanguage() {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
+void ApplyLanguage(const char* signature) {
     std::string language = kDefaultLanguage;
     webui_i18n_settings_t settings{};
     const int status = webui_get_i18n_settings(&settings);
@@ -54,20 +52,19 @@ void ApplyLanguage() {
         language = FixedText(settings.language);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_i18n_settings API failed returning [%d]. Try webui_cli "
+            "webui_get_i18n_settings API failed returning [%d]. Try webui_cli "
             "get_internationalization_settings on command line",
             status);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s - current language is %s", language.c_str());
+    KESTAL_DEBUG("current language is %s", language.c_str());
     (void)std::setlocale(LC_MESSAGES, language.c_str());
 }
 
-std::string Json(const CTPP::CDT& answer) {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
+std::string Json(const char* signature, const CTPP::CDT& answer) {
     std::string json;
     CTPP::CDT2JSON(answer, json);
     if (ReplaceInvalidUtf8(json)) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - the device has text that is no UTF-8, answered as U+FFFD");
+        KESTAL_FAILURE("the device has text that is no UTF-8, answered as U+FFFD");
     }
     return json;
 }
@@ -77,87 +74,89 @@ const std::string kLoggedInAnswer = R"({"loginStatus":1})";
 const std::string kNotLoggedInAnswer = R"({"loginStatus":0})";
 const std::string kDisabledAnswer = "WebUI feature disabled";
 
-void AnswerEnabled(const FCGX_Request& request, SystemServiceComponent& component,
-                   CgiHelper& helper, CTPP::CDT& answer, int loginStatus) {
-    Attempt("request (language)", ApplyLanguage);
+void AnswerEnabled(const char* signature, const FCGX_Request& request,
+                   SystemServiceComponent& component, CgiHelper& helper, CTPP::CDT& answer,
+                   int loginStatus) {
+    AttemptStep(signature, "request (language)", [&] { ApplyLanguage(signature); });
     int api = SERVICE_API_UNKNOWN;
-    Attempt("request (routing)", [&] { api = get_service_api(request.envp); });
-    Attempt(OperationStep(api), [&] { component.Dispatch(answer, api); });
+    AttemptStep(signature, "request (routing)", [&] { api = get_service_api(request.envp); });
+    AttemptStep(signature, OperationStep(api), [&] { component.Dispatch(answer, api); });
     std::string json;
-    const bool complete = Attempt("request (JSON)", [&] {
+    const bool complete = AttemptStep(signature, "request (JSON)", [&] {
         // Once more, in case there was no memory for it before.
         answer["loginStatus"] = loginStatus;
-        json = Json(answer);
+        json = Json(signature, answer);
     });
     const std::string& fallback = loginStatus == 1 ? kLoggedInAnswer : kNotLoggedInAnswer;
-    Attempt("request (response)", [&] { helper.SendResponse(200, complete ? json : fallback); });
+    AttemptStep(signature, "request (response)",
+                [&] { helper.SendResponse(200, complete ? json : fallback); });
 }
 
-void ServeRequest(FCGX_Request& request, SystemServiceComponent& component, CgiHelper& helper) {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
+void ServeRequest(const char* signature, FCGX_Request& request, SystemServiceComponent& component,
+                  CgiHelper& helper) {
     const StandardOutputTo output(request.out);
     CTPP::CDT answer;
     gOperationDeadline.Enter("request (login status)");
     const int loginStatus = GetLoginStatus(&helper, request);
-    Attempt("request (login status)", [&] { answer["loginStatus"] = loginStatus; });
-    KESTAL_DEBUG("[%s]:[%s] - %s - Starting %s request", KESTAL_MODULE);
+    AttemptStep(signature, "request (login status)", [&] { answer["loginStatus"] = loginStatus; });
+    KESTAL_DEBUG("Starting %s request", KESTAL_MODULE);
     bool initialized = false;
-    Attempt("request (start of the SDK)", [&] { initialized = InitializeSysinterface(); });
+    AttemptStep(signature, "request (start of the SDK)",
+                [&] { initialized = InitializeSysinterface(); });
     if (!initialized) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - sysinterface initialization failed by returning [%d]",
-                       initialized);
+        KESTAL_FAILURE("sysinterface initialization failed by returning [%d]", initialized);
     }
     int enabled = 0;
-    Attempt("request (carrier switch)", [&] { sys_getWebUICarrierEnabled(&enabled); });
+    AttemptStep(signature, "request (carrier switch)",
+                [&] { sys_getWebUICarrierEnabled(&enabled); });
     if (enabled == 0) {
-        Attempt("request (response)", [&] { helper.SendResponse(501, kDisabledAnswer); });
+        AttemptStep(signature, "request (response)",
+                    [&] { helper.SendResponse(501, kDisabledAnswer); });
     } else {
-        AnswerEnabled(request, component, helper, answer, loginStatus);
+        AnswerEnabled(signature, request, component, helper, answer, loginStatus);
     }
-    Attempt("request (end of the SDK)", [] { UninitializeSysinterface(); });
-    KESTAL_DEBUG("[%s]:[%s] - %s - End %s request", KESTAL_MODULE);
+    AttemptStep(signature, "request (end of the SDK)", [] { UninitializeSysinterface(); });
+    KESTAL_DEBUG("End %s request", KESTAL_MODULE);
     WaitIfEndingByFatalSignal();
     gOperationDeadline.Enter("request (end)");
     FCGX_Finish_r(&request);
 }
 
-void ServeRequests(FCGX_Request& request) {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
+void ServeRequests(const char* signature, FCGX_Request& request) {
     SystemServiceComponent component;
     std::unique_ptr<CgiHelper> helper;
-    Attempt("response writer", [&] { helper.reset(CgiHelper::GetInstance()); });
+    AttemptStep(signature, "response writer", [&] { helper.reset(CgiHelper::GetInstance()); });
     if (helper == nullptr) {
-        KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed to create CgiHelper object");
+        KESTAL_SYSLOG(TORU_DBG_NOTICE, "Failed to create CgiHelper object");
         return;
     }
     const auto setType = [&] { helper->SetHeader("Content-Type", "application/json"); };
-    bool typed = Attempt("content type", setType);
+    bool typed = AttemptStep(signature, "content type", setType);
     RequestAcceptor acceptor(request);
     while (acceptor.Accept() >= 0) {
         // Once more, in case there was no memory for it before.
-        typed = typed || Attempt("content type", setType);
-        ServeRequest(request, component, *helper);
+        typed = typed || AttemptStep(signature, "content type", setType);
+        ServeRequest(signature, request, component, *helper);
     }
 }
 
 }  // namespace
 
 int fastcgi_main_loop() {
-    KESTAL_SIGNATURE(kFastcgiMainLoop);
-    KESTAL_DEBUG("[%s]:[%s] - %s BEGIN");
+    KESTAL_SIGNATURE("int fastcgi_main_loop()");
+    KESTAL_DEBUG_UNSEPARATED(" BEGIN");
     FCGX_Request request{};
     int status = FCGX_Init();
     if (status != 0) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - Failed FCGX_Init - status = %d", status);
+        KESTAL_FAILURE("Failed FCGX_Init - status = %d", status);
     } else {
         status = FCGX_InitRequest(&request, 0, 0);
         if (status != 0) {
-            KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Failed FCGX_InitRequest - status = %d",
-                          status);
+            KESTAL_SYSLOG(TORU_DBG_NOTICE, "Failed FCGX_InitRequest - status = %d", status);
         } else {
-            ServeRequests(request);
+            ServeRequests(signature, request);
         }
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s END returning %d", status);
+    KESTAL_DEBUG_UNSEPARATED(" END returning %d", status);
     return status;
 }

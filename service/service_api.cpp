@@ -38,11 +38,11 @@ ServiceApi FindApi(std::string_view uri) {
 
 int get_service_api(FCGX_ParamArray envp) {
     KESTAL_SIGNATURE("int get_service_api(FCGX_ParamArray)");
-    KESTAL_DEBUG("[%s]:[%s] - %s BEGIN");
+    KESTAL_DEBUG_UNSEPARATED(" BEGIN");
     const char* given = FCGX_GetParam("REQUEST_URI", envp);
     const char* uri = given == nullptr ? "" : given;
-    KESTAL_LOG(TORU_DBG_INFO, "[%s]:[%s] - %s - %s %s request received", gProgramName, uri);
+    KESTAL_LOG(TORU_DBG_INFO, "%s %s request received", gProgramName, uri);
     const ServiceApi api = FindApi(uri);
-    KESTAL_DEBUG("[%s]:[%s] - %s END returning %d", api);
+    KESTAL_DEBUG_UNSEPARATED(" END returning %d", api);
     return api;
 }

@@ -17,8 +17,8 @@
 namespace {
 
 // Literals, so that the compiler checks them against their arguments.
-#define RECEIVED_SIGNAL_FORMAT "[%s]:[%s] - %s received signal: %d, backtrace:"
-#define STUCK_FORMAT "[%s]:[%s] - %s is stuck: %s has not ended within %d ms, backtrace:"
+#define RECEIVED_SIGNAL_FORMAT "%s received signal: %d, backtrace:"
+#define STUCK_FORMAT "%s is stuck: %s has not ended within %d ms, backtrace:"
 
 constexpr int kMaxFrames = 48;
 
@@ -119,8 +119,7 @@ void LogBacktrace() {
     SyslogReason();
     gReasonLogged = true;
     for (int i = 0; i < count; ++i) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - %p : %s",
-                            frames[static_cast<std::size_t>(i)],
+        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "%p : %s", frames[static_cast<std::size_t>(i)],
                             symbols == nullptr ? "" : symbols[i]);
     }
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the C library allocated them
@@ -155,7 +154,7 @@ void terminationHandler(int /*signo*/) {
     LetDeadlineSignalIn();
     gOperationDeadline.Begin("termination");
     gKeepAliveHandler.Shutdown();
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - %s Server Terminating", KESTAL_MODULE);
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_DEBUG, "%s Server Terminating", KESTAL_MODULE);
     std::exit(0);
 }
 
@@ -197,7 +196,7 @@ void EndIfStuck() {
     BeginEnd(kStuckExitStatus);
     SyslogReason();
     gReasonLogged = true;
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "[%s]:[%s] - none, for the main thread takes no signals");
+    KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, "none, for the main thread takes no signals");
     _exit(kStuckExitStatus);
 }
 

@@ -8,7 +8,7 @@ bool InitializeSysinterface() {
     const int code = sys_sdkInitialize();
     const bool initialized = code == SYS_SUCCESS;
     if (!initialized) {
-        KESTAL_FAILURE("[%s]:[%s] - %s - system interface api failed returning [%d].", code);
+        KESTAL_FAILURE("system interface api failed returning [%d].", code);
     }
     KESTAL_END_RETURNING(initialized ? 1 : 0);
     return initialized;

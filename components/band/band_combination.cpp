@@ -17,10 +17,10 @@ std::optional<int> ReadTechnology(const char* signature) {
     int simStatus = 0;
     const int simResult = sys_getSIMStatus(&simStatus);
     if (simResult != SYS_SUCCESS) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR,
-                            "[%s]:[%s] - %s - sys_getSIMStatus failed, returned error code %d. Try "
-                            "sysintcli getSIMStatus from command line.",
-                            signature, simResult);
+        KESTAL_FAILURE(
+            "sys_getSIMStatus failed, returned error code %d. Try sysintcli getSIMStatus from "
+            "command line.",
+            simResult);
         return std::nullopt;
     }
     if (simStatus != SYS_SIM_READY) {
@@ -30,14 +30,13 @@ std::optional<int> ReadTechnology(const char* signature) {
     const int statsResult = sys_getCellularServiceStats(&stats);
     if (statsResult != SYS_SUCCESS) {
         // The line names the status call; those who search the logs know it by this text.
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR,
-                            "[%s]:[%s] - %s - sys_getCellularServiceStatus failed, returned error "
-                            "code %d. Try sysintcli getCellularServiceStatus from command line.",
-                            signature, statsResult);
+        KESTAL_FAILURE(
+            "sys_getCellularServiceStatus failed, returned error code %d. Try sysintcli "
+            "getCellularServiceStatus from command line.",
+            statsResult);
         return std::nullopt;
     }
-    KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - %s - technology: [%d]", signature,
-                     stats.technology);
+    KESTAL_DEBUG("technology: [%d]", stats.technology);
     return stats.technology;
 }
 
@@ -55,8 +54,8 @@ std::string InMegahertz(int bandwidth) {
 PageError BandCombination::GetBandCombinationString(std::string& text) {
     KESTAL_SIGNATURE(
         "virtual PageError BandCombination::GetBandCombinationString(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
-    const std::optional<int> technology = ReadTechnology(kSignature);
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
+    const std::optional<int> technology = ReadTechnology(signature);
     if (technology.has_value()) {
         if (*technology == SYS_TECHNOLOGY_5G) {
             sys_wan_5g_mode_e mode = SYS_WAN_5G_NONE;
@@ -70,15 +69,15 @@ PageError BandCombination::GetBandCombinationString(std::string& text) {
             text = kNotAvailable;
         }
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END returning %d", PAGE_ERROR_NONE);
+    KESTAL_DEBUG_UNSEPARATED("- END returning %d", PAGE_ERROR_NONE);
     return PAGE_ERROR_NONE;
 }
 
 PageError BandCombination::GetBandwidthString(std::string& text) {
     KESTAL_SIGNATURE(
         "virtual PageError BandCombination::GetBandwidthString(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
-    const std::optional<int> technology = ReadTechnology(kSignature);
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
+    const std::optional<int> technology = ReadTechnology(signature);
     if (technology.has_value()) {
         if (*technology == SYS_TECHNOLOGY_5G) {
             sys_wan_5g_mode_e mode = SYS_WAN_5G_NONE;
@@ -90,45 +89,45 @@ PageError BandCombination::GetBandwidthString(std::string& text) {
             text = kNotAvailable;
         }
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END returning %d", PAGE_ERROR_NONE);
+    KESTAL_DEBUG_UNSEPARATED("- END returning %d", PAGE_ERROR_NONE);
     return PAGE_ERROR_NONE;
 }
 
 void BandCombination::Get3GBandValue(std::string& band) {
     KESTAL_SIGNATURE("void BandCombination::Get3GBandValue(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     int value = 0;
     const int result = sys_getCellular3GBand(&value);
     if (result == SYS_SUCCESS) {
         band = std::to_string(value);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCellular3GBand failed returning error code %d, try sysinicli "
-            "getCellular3GBand on command line ",
+            "sys_getCellular3GBand failed returning error code %d, try sysinicli getCellular3GBand "
+            "on command line ",
             result);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::Get4GBandValue(std::string& band) {
     KESTAL_SIGNATURE("void BandCombination::Get4GBandValue(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     int value = 0;
     const int result = sys_getCellularBand(&value);
     if (result == SYS_SUCCESS) {
         band = std::to_string(value);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCellularBand failed returning error code %d, try sysinicli "
-            "getCellularBand on command line ",
+            "sys_getCellularBand failed returning error code %d, try sysinicli getCellularBand on "
+            "command line ",
             result);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::Get5GBandValue(std::string& band) {
     KESTAL_SIGNATURE("void BandCombination::Get5GBandValue(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     int value = 0;
     int second = 0;
     const int result = sys_getCellular5GBand(&value, &second);
@@ -136,50 +135,50 @@ void BandCombination::Get5GBandValue(std::string& band) {
         band = std::to_string(value);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCellular5GBand failed returning error code %d, try sysinicli "
-            "getCellular5GBand on command line ",
+            "sys_getCellular5GBand failed returning error code %d, try sysinicli getCellular5GBand "
+            "on command line ",
             result);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::Get5GMode(sys_wan_5g_mode_e& mode) {
     KESTAL_SIGNATURE("void BandCombination::Get5GMode(sys_wan_5g_mode_e&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     sys_wan_5g_mode_e value = SYS_WAN_5G_NONE;
     const int result = sys_getCellular5GMode(&value);
     if (result == SYS_SUCCESS) {
         mode = value;
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCellular5GMode failed returning error code %d, try sysinicli "
-            "getCellular5GMode on command line ",
+            "sys_getCellular5GMode failed returning error code %d, try sysinicli getCellular5GMode "
+            "on command line ",
             result);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::GetThreeGBandString(std::string& text) {
     KESTAL_SIGNATURE("void BandCombination::GetThreeGBandString(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     std::string band;
     Get3GBandValue(band);
     text += "B" + band;
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::GetFourGBandString(std::string& text) {
     KESTAL_SIGNATURE("void BandCombination::GetFourGBandString(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     std::string band;
     Get4GBandValue(band);
     text += "B" + band;
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::GetFiveGBandString(int mode, std::string& text) {
     KESTAL_SIGNATURE("void BandCombination::GetFiveGBandString(int, std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     std::string band;
     Get5GBandValue(band);
     switch (mode) {
@@ -193,31 +192,31 @@ void BandCombination::GetFiveGBandString(int mode, std::string& text) {
             }
             break;
         default:
-            KESTAL_DEBUG("[%s]:[%s] - %s - 5G is not available.");
+            KESTAL_DEBUG("5G is not available.");
             break;
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::GetBandwidth(std::string& text) {
     KESTAL_SIGNATURE("void BandCombination::GetBandwidth(std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     int bandwidth = 0;
     const int result = sys_getCABandWidth(&bandwidth);
     if (result == SYS_SUCCESS) {
         text += InMegahertz(bandwidth);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCABandwidth failed returning error code %d, try sysinicli "
-            "getCABandwidth on command line ",
+            "sys_getCABandwidth failed returning error code %d, try sysinicli getCABandwidth on "
+            "command line ",
             result);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END ");
+    KESTAL_DEBUG_UNSEPARATED("- END ");
 }
 
 void BandCombination::Get5GBandwidth(int mode, std::string& text) {
     KESTAL_SIGNATURE("void BandCombination::Get5GBandwidth(int, std::__cxx11::string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s- BEGIN");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     std::string band;
     Get5GBandValue(band);
     int bandwidth = 0;
@@ -226,8 +225,8 @@ void BandCombination::Get5GBandwidth(int mode, std::string& text) {
         bandwidth = 0;
         // The line is the same for both bandwidths; those who search the logs know it by this text.
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCABandwidth failed returning error code %d, try sysinicli "
-            "getCABandwidth on command line ",
+            "sys_getCABandwidth failed returning error code %d, try sysinicli getCABandwidth on "
+            "command line ",
             result);
     }
     switch (mode) {
@@ -241,8 +240,8 @@ void BandCombination::Get5GBandwidth(int mode, std::string& text) {
             }
             break;
         default:
-            KESTAL_DEBUG("[%s]:[%s] - %s - 5G is not available.");
+            KESTAL_DEBUG("5G is not available.");
             break;
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s- END");
+    KESTAL_DEBUG_UNSEPARATED("- END");
 }

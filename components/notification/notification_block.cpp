@@ -30,8 +30,8 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     if (size < ANS_NOTIFICATION_LIST_RECORDS ||
         std::cmp_not_equal(AnnouncedCount(), Records().size())) {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - malformed notification list, [%d] announced, [%zu] received in [%zu] "
-            "bytes. Try msgbus_cli MsgBusGet %s",
+            "malformed notification list, [%d] announced, [%zu] received in [%zu] bytes. Try "
+            "msgbus_cli MsgBusGet %s",
             AnnouncedCount(), ReceivedCount(), size, ANS_NOTIFICATION_CHANNEL);
     }
     return ReadResult::kRead;

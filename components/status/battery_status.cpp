@@ -21,13 +21,12 @@ void StatusComponent::GetBatteryStatus(CTPP::CDT& statusData) {
         statusData["statusBarBatteryDetection"] = detection;
         statusData["statusBarBatteryChargingSource"] = chargingSource;
         KESTAL_DEBUG(
-            "[%s]:[%s] - %s - battery percentage: %s charging state: %s battery detection: %s "
-            "charging source: %s",
+            "battery percentage: %s charging state: %s battery detection: %s charging source: %s",
             percent.c_str(), chargingState.c_str(), detection.c_str(), chargingSource.c_str());
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getBatteryStatus failed, returned error code [%d]. Try sysintcli "
-            "getBatteryStatus from command line",
+            "sys_getBatteryStatus failed, returned error code [%d]. Try sysintcli getBatteryStatus "
+            "from command line",
             result);
     }
     KESTAL_END();

@@ -65,8 +65,8 @@ void StatusComponent::GetRouterStatus(CTPP::CDT& statusData) {
                                   counts);
             } else {
                 KESTAL_FAILURE(
-                    "[%s]:[%s] - %s - sys_getConnectedDeviceList failed, returned error code [%d]. "
-                    "Try sysintcli getConnectedDeviceList from command line.",
+                    "sys_getConnectedDeviceList failed, returned error code [%d]. Try sysintcli "
+                    "getConnectedDeviceList from command line.",
                     result);
             }
         }

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char* kGetDualSimStatus = "void StatusComponent::GetDualSimStatus(CTPP::CDT&)";
-
 /// The texts of one slot.
 struct SlotTexts {
     std::string status;
@@ -22,7 +20,7 @@ struct SlotTexts {
     std::string carrierBlocked;
 };
 
-SlotTexts ReadSlot(const sys_sim_slot_t& slot, bool isPCOSupported) {
+SlotTexts ReadSlot(const char* signature, const sys_sim_slot_t& slot, bool isPCOSupported) {
     SlotTexts texts;
     (void)GetSimStatusText(slot.simStatus, texts.status);
     texts.network = FixedText(slot.networkName);
@@ -34,7 +32,7 @@ SlotTexts ReadSlot(const sys_sim_slot_t& slot, bool isPCOSupported) {
     (void)GetConnectionStateText(slot.serviceStatus, slot.dataConnectionStatus, accountStatus,
                                  connection);
     if (IsUsableSim(slot.simStatus)) {
-        const SimLockTexts lock = ReadSimLock(kGetDualSimStatus);
+        const SimLockTexts lock = ReadSimLock(signature);
         texts.rejectCode = lock.networkRejectCode.value_or("");
         texts.carrierBlocked = lock.carrierBlocked.value_or("");
     }
@@ -46,31 +44,28 @@ SlotTexts ReadSlot(const sys_sim_slot_t& slot, bool isPCOSupported) {
 }  // namespace
 
 void StatusComponent::GetDualSimStatus(CTPP::CDT& statusData) {
-    KESTAL_SIGNATURE(kGetDualSimStatus);
+    KESTAL_SIGNATURE("void StatusComponent::GetDualSimStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
     int active = 0;
     const int activeResult = sys_getActiveSimSlot(&active);
     if (activeResult == SYS_SUCCESS) {
-        KESTAL_LOG(TORU_DBG_NOTICE,
-                   "[%s]:[%s] - %s - sys_getActiveSimSlot success, Active Sim Slot: %d", active);
+        KESTAL_LOG(TORU_DBG_NOTICE, "sys_getActiveSimSlot success, Active Sim Slot: %d", active);
         activeSimSlot = static_cast<std::uint32_t>(active);
         statusData["statusBarActiveSimSlot"] = active;
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getActiveSimSlot failed with error code: %d, try sysintcli "
-            "getActiveSimSlot from command line",
+            "sys_getActiveSimSlot failed with error code: %d, try sysintcli getActiveSimSlot from "
+            "command line",
             activeResult);
     }
     int sims = 0;
     const int simsResult = sys_getNumSims(&sims);
     if (simsResult == SYS_SUCCESS) {
-        KESTAL_LOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - sys_getNumSims success, Number of Sims: %d",
-                   sims);
+        KESTAL_LOG(TORU_DBG_NOTICE, "sys_getNumSims success, Number of Sims: %d", sims);
         statusData["statusBarNumSims"] = sims;
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getNumSims failed with error code: %d, try sysintcli getNumSims "
-            "from command line",
+            "sys_getNumSims failed with error code: %d, try sysintcli getNumSims from command line",
             simsResult);
     }
     sys_all_sim_slots_t all{};
@@ -79,7 +74,7 @@ void StatusComponent::GetDualSimStatus(CTPP::CDT& statusData) {
     if (slotsResult == SYS_SUCCESS) {
         const int count = std::min<int>(all.count, std::size(all.slots));
         for (int i = 0; i < count; ++i) {
-            const SlotTexts texts = ReadSlot(all.slots[i], isPCOSupported);
+            const SlotTexts texts = ReadSlot(signature, all.slots[i], isPCOSupported);
             if (i == 1) {
                 statusData["statusBarSim2Status"] = texts.status;
                 statusData["statusBarSim2Network"] = texts.network;

@@ -10,19 +10,19 @@ void StatusComponent::GetEthernetPortEnabled(CTPP::CDT& statusData) {
     const int result = sys_getEthernetEnabled(&enabled);
     if (result != SYS_SUCCESS) {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getEthernetEnabled failed, returned error code [%d]. Try "
-            "sysintcli getEthernetEnabled from command line.",
+            "sys_getEthernetEnabled failed, returned error code [%d]. Try sysintcli "
+            "getEthernetEnabled from command line.",
             result);
     } else {
-        KESTAL_DEBUG("[%s]:[%s] - %s - ethernet enabled status [%d]", enabled);
+        KESTAL_DEBUG("ethernet enabled status [%d]", enabled);
         if (enabled != 0) {
             port = "enabled";
             int link = 0;
             const int linkResult = sys_getEthernetLinkStatus(&link);
             if (linkResult != SYS_SUCCESS) {
-                KESTAL_FAILURE(
-                    "[%s]:[%s] - %s: sys_getEthernetLinkStatus failed to get link status by "
-                    "returning[%d]. sysintcli getEthernetLinkStatus on command line",
+                KESTAL_FAILURE_UNSEPARATED(
+                    ": sys_getEthernetLinkStatus failed to get link status by returning[%d]. "
+                    "sysintcli getEthernetLinkStatus on command line",
                     linkResult);
             } else if (link != 0) {
                 port = "connected";

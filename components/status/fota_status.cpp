@@ -8,16 +8,16 @@ void StatusComponent::GetFotaInstallStatus(CTPP::CDT& statusData) {
     int status = -1;
     // Firmware is installed in the background only where a second partition can take it.
     if (ConfigurationNumber("IsABPartitionEnabled").value_or(0) != 0) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - Found AB partition and calling install status from fota");
+        KESTAL_DEBUG("Found AB partition and calling install status from fota");
         const int result = sys_getFotaInstallStatus(&status);
         if (result != SYS_SUCCESS) {
             KESTAL_FAILURE(
-                "[%s]:[%s] - %s - sys_getFotaInstallStatus API failed with error code %d. Try "
-                "sysintcli getFotaInstallStatus from command line.",
+                "sys_getFotaInstallStatus API failed with error code %d. Try sysintcli "
+                "getFotaInstallStatus from command line.",
                 result);
         }
     }
     statusData["statusBarFotaInstallStatus"] = status;
-    KESTAL_DEBUG("[%s]:[%s] - %s - Final statusBarFotaInstallStatus is %d", status);
+    KESTAL_DEBUG("Final statusBarFotaInstallStatus is %d", status);
     KESTAL_END();
 }

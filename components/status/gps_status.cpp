@@ -12,11 +12,11 @@ void StatusComponent::GetGpsStatus(CTPP::CDT& statusData) {
         std::string text;
         (void)GetGpsStatusText(status, text);
         statusData["statusBarGpsStatus"] = text;
-        KESTAL_DEBUG("[%s]:[%s] - %s - gps status : %s", text.c_str());
+        KESTAL_DEBUG("gps status : %s", text.c_str());
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getGPSStatus failed, returned error code [%d]. Try sysintcli "
-            "getGPSStatus from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getGPSStatus failed, returned error code [%d]. Try sysintcli getGPSStatus from "
+            "command line.",
             result);
     }
     KESTAL_END();

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char* kGetInternetStatus = "void StatusComponent::GetInternetStatus(CTPP::CDT&)";
-
 /// What the group reads of the device, preset for calls that write nothing.
 struct Readings {
     sys_cellular_service_stats_t service{};
@@ -24,8 +22,7 @@ struct Readings {
 
 /// Reads everything, in this order, before any result is looked at. The account's own result does
 /// not count. Returns whether the rest could be read.
-bool Read(bool isPCOSupported, Readings& readings) {
-    KESTAL_SIGNATURE(kGetInternetStatus);
+bool Read(const char* signature, bool isPCOSupported, Readings& readings) {
     const int serviceStats = sys_getCellularServiceStats(&readings.service);
     const int connectionStats = sys_getCellularDataConnectionStats(&readings.connection);
     const int radio = sys_getRadioEnabled(&readings.radioEnabled);
@@ -39,8 +36,8 @@ bool Read(bool isPCOSupported, Readings& readings) {
         return true;
     }
     // The fifth name is not that of the fifth call; those who search the logs know it by this text.
-    KESTAL_FAILURE(
-        "[%s]:[%s] - %s sys_getCellularServiceStats failed, returned error code [%d], "
+    KESTAL_FAILURE_UNSEPARATED(
+        " sys_getCellularServiceStats failed, returned error code [%d], "
         "sys_getCellularDataConnectionStats failed, returned error code [%d], sys_getRadioEnabled "
         "failed, returned error code[%d], sys_getCellularServiceStatus failed, returned error code "
         "[%d], sys_getCellularDataAccountStatus failed, returned error code [%d]",
@@ -76,14 +73,13 @@ struct Texts {
     std::string signalBars;
 };
 
-Texts Compute(const Readings& readings) {
-    KESTAL_SIGNATURE(kGetInternetStatus);
+Texts Compute(const char* signature, const Readings& readings) {
     const sys_cellular_service_stats_t& service = readings.service;
     const sys_cellular_data_connection_stats_t& connection = readings.connection;
     Texts texts;
     texts.network = FixedText(service.networkName);
     (void)GetTechnologyText(service.technology, texts.technology, service.fiveGType);
-    KESTAL_DEBUG("[%s]:[%s] - %s - wan technology %d", service.technology);
+    KESTAL_DEBUG("wan technology %d", service.technology);
     (void)GetRoamingText(service.roaming, texts.roaming);
     (void)GetTrafficStatusText(connection.trafficStatus, texts.traffic);
     (void)GetAirplaneModeText(readings.radioEnabled, texts.airplaneMode);
@@ -101,18 +97,16 @@ Texts Compute(const Readings& readings) {
     return texts;
 }
 
-std::string PreferredTechnology() {
-    KESTAL_SIGNATURE(kGetInternetStatus);
+std::string PreferredTechnology(const char* signature) {
     int technologies = 0;
     const int result = sys_getEnabledRadioTechnologies(&technologies);
     if (result == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - preferred technology %d", technologies);
+        KESTAL_DEBUG("preferred technology %d", technologies);
     } else {
         technologies = 0;
         KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR,
-                            "[%s]:[%s] - sys_getEnabledRadioTechnologies failed, returned error "
-                            "code [%d].Try sysintcli getEnabledRadioTechnologies from command "
-                            "line.",
+                            "sys_getEnabledRadioTechnologies failed, returned error code [%d].Try "
+                            "sysintcli getEnabledRadioTechnologies from command line.",
                             result);
     }
     std::string text;
@@ -123,11 +117,11 @@ std::string PreferredTechnology() {
 }  // namespace
 
 void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
-    KESTAL_SIGNATURE(kGetInternetStatus);
+    KESTAL_SIGNATURE("void StatusComponent::GetInternetStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
     Readings readings;
-    if (Read(isPCOSupported, readings)) {
-        Texts texts = Compute(readings);
+    if (Read(signature, isPCOSupported, readings)) {
+        Texts texts = Compute(signature, readings);
         if (readings.accountStatus == SYS_ACCOUNT_OUT_OF_CREDIT ||
             readings.accountStatus == SYS_ACCOUNT_NOT_ACTIVE) {
             std::string text;
@@ -174,7 +168,7 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
         statusData["statusBarSignalBars"] = secondSim ? "" : texts.signalBars;
         // The preferred technology is for devices that hide what is not the carrier's own.
         if (ConfigurationNumber("ShowNonOrvaneTechnologies") == 0) {
-            statusData["statusBarPreferredTechnology"] = PreferredTechnology();
+            statusData["statusBarPreferredTechnology"] = PreferredTechnology(signature);
         }
     }
     KESTAL_END();

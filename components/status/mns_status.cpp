@@ -13,12 +13,12 @@ void StatusComponent::GetMnsStatus(CTPP::CDT& statusData) {
         statusData["statusBarMnsAvailable"] = allowed;
         statusData["statusBarMnsInUse"] = selected;
         statusData["statusBarMnsScan"] = scanStatus;
-        KESTAL_DEBUG("[%s]:[%s] - %s mns allowed: %d mns selected %d mns scan status %d", allowed,
-                     selected, scanStatus);
+        KESTAL_DEBUG_UNSEPARATED(" mns allowed: %d mns selected %d mns scan status %d", allowed,
+                                 selected, scanStatus);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getModemMnsInfo failed, returned error code [%d]. Try sysintcli "
-            "getMnsInfo from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getModemMnsInfo failed, returned error code [%d]. Try sysintcli getMnsInfo from "
+            "command line.",
             result);
     }
     KESTAL_END();

@@ -8,12 +8,12 @@ void StatusComponent::GetMobileDataEnabled(CTPP::CDT& statusData) {
     int enabled = 0;
     const int result = sys_getCellularDataEnabled(&enabled);
     if (result == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - cellular data enabled status [%d]", enabled);
+        KESTAL_DEBUG("cellular data enabled status [%d]", enabled);
         statusData["statusBarMobileDataEnabled"] = enabled != 0 ? 1 : 0;
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getCellularDataEnabled failed, returned error code [%d]. Try "
-            "sysintcli getCellularDataEnabled from command line.",
+            "sys_getCellularDataEnabled failed, returned error code [%d]. Try sysintcli "
+            "getCellularDataEnabled from command line.",
             result);
     }
     KESTAL_END();

@@ -10,19 +10,19 @@ void StatusComponent::GetNotificationFlagStatus(CTPP::CDT& statusData) {
     KESTAL_BEGIN();
     // Before the bus is asked, so that the flag is there whatever fails.
     CTPP::CDT& flag = statusData["statusBarNotificationFlag"] = "0";
-    OnMessageBus(kSignature, "notification flag", [&](MsgbusHandler& bus) {
+    OnMessageBus(signature, "notification flag", [&](MsgbusHandler& bus) {
         NotificationBlock block;
         switch (block.Read(bus)) {
             case NotificationBlock::ReadResult::kRead:
-                KESTAL_DEBUG("[%s]:[%s] - %s -[%d] notifications received on msgbus",
-                             block.AnnouncedCount());
+                KESTAL_DEBUG_UNSEPARATED(" -[%d] notifications received on msgbus",
+                                         block.AnnouncedCount());
                 break;
             case NotificationBlock::ReadResult::kFailed:
-                KESTAL_FAILURE("[%s]:[%s] - %s: msgbus.GetData for %s channel failed",
-                               ANS_NOTIFICATION_CHANNEL);
+                KESTAL_FAILURE_UNSEPARATED(": msgbus.GetData for %s channel failed",
+                                           ANS_NOTIFICATION_CHANNEL);
                 break;
             case NotificationBlock::ReadResult::kNoMemory:
-                KESTAL_FAILURE("[%s]:[%s] - %s: Failed to allocate memory");
+                KESTAL_FAILURE_UNSEPARATED(": Failed to allocate memory");
                 break;
         }
         const auto records = block.Records();

@@ -14,14 +14,14 @@ void GetSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t inde
     const std::uint8_t knownLength = *length;
     const int result = sys_getSIMCarrierGID(gid, length, index);
     if (result == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - simGid: %d", gid[0]);
+        KESTAL_DEBUG("simGid: %d", gid[0]);
     } else {
         // The caller keeps what it knows of the SIM, whatever the failed call has written.
         std::copy(knownGid.begin(), knownGid.end(), gid);
         *length = knownLength;
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getSIMCarrierGID failed, returned error code [%d]. Try sysintcli "
-            "getSIMCarrierGID from command line.",
+            "sys_getSIMCarrierGID failed, returned error code [%d]. Try sysintcli getSIMCarrierGID "
+            "from command line.",
             result);
     }
     KESTAL_END();

@@ -16,21 +16,20 @@ SimLockTexts ReadSimLock(const char* signature) {
     const int rejectResult = sys_getSIMNetworkRejectCode(&rejectCode);
     SimLockTexts texts;
     if (lockResult != SYS_SUCCESS) {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR,
-                            "[%s]:[%s] - %s - sys_getNetworkSIMLockStatus failed, returned error "
-                            "code [%d]. Try sysintcli getNetworkSIMLockStatus from command line.",
-                            signature, lockResult);
+        KESTAL_FAILURE(
+            "sys_getNetworkSIMLockStatus failed, returned error code [%d]. Try sysintcli "
+            "getNetworkSIMLockStatus from command line.",
+            lockResult);
         return texts;
     }
     if (rejectResult == SYS_SUCCESS) {
         texts.networkRejectCode = std::to_string(rejectCode);
-        KESTAL_LOG_PLAIN(TORU_DBG_DEBUG, "[%s]:[%s] - %s - sim network reject code: %s", signature,
-                         texts.networkRejectCode->c_str());
+        KESTAL_DEBUG("sim network reject code: %s", texts.networkRejectCode->c_str());
     } else {
-        KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR,
-                            "[%s]:[%s] - %s sys_getSIMNetworkRejectCode failed, returned error "
-                            "code [%d]. Try sysintcli getSIMNetworkRejectCode from command line.",
-                            signature, rejectResult);
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getSIMNetworkRejectCode failed, returned error code [%d]. Try sysintcli "
+            "getSIMNetworkRejectCode from command line.",
+            rejectResult);
     }
     texts.carrierBlocked.emplace();
     (void)GetFemtoCellText(lock.carrierBlocked, *texts.carrierBlocked);

@@ -11,7 +11,7 @@ void StatusComponent::GetSimStatus(CTPP::CDT& statusData) {
     const int result = sys_getSIMStatus(&status);
     if (result == SYS_SUCCESS) {
         if (IsUsableSim(status)) {
-            const SimLockTexts lock = ReadSimLock(kSignature);
+            const SimLockTexts lock = ReadSimLock(signature);
             if (lock.networkRejectCode) {
                 statusData["statusBarSimMMCode"] = *lock.networkRejectCode;
             }
@@ -23,9 +23,9 @@ void StatusComponent::GetSimStatus(CTPP::CDT& statusData) {
         (void)GetSimStatusText(status, text);
         statusData["statusBarSimStatus"] = text;
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getSIMStatus failed, returned error code [%d]. Try sysintcli "
-            "getSIMStatus from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getSIMStatus failed, returned error code [%d]. Try sysintcli getSIMStatus from "
+            "command line.",
             result);
     }
     KESTAL_END();

@@ -9,10 +9,10 @@ void StatusComponent::GetSmsStatus(CTPP::CDT& statusData) {
     const int result = sys_getSMSUnreadCount(&count);
     if (result == SYS_SUCCESS) {
         statusData["statusBarSmsUnreadCount"] = std::to_string(count);
-        KESTAL_DEBUG("[%s]:[%s] - %s - sms unread count %d", count);
+        KESTAL_DEBUG("sms unread count %d", count);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getSMSUnreadCount failed, returned error code [%d]. Try sysintcli "
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getSMSUnreadCount failed, returned error code [%d]. Try sysintcli "
             "getSMSUnreadCount from command line.",
             result);
     }

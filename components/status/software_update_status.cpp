@@ -55,14 +55,13 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
         value = update.value;
         version = FixedText(update.version);
         userInitiated = update.userInitiated;
-        KESTAL_DEBUG(
-            "[%s]:[%s] - %s - webui_get_software_update_status success, status[%d]  value[%d]",
-            update.status, update.value);
+        KESTAL_DEBUG("webui_get_software_update_status success, status[%d]  value[%d]",
+                     update.status, update.value);
     } else {
         update = {};
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_software_update_status failed, returned error %d. Try "
-            "webui_cli get_software_update_status from command line.",
+            "webui_get_software_update_status failed, returned error %d. Try webui_cli "
+            "get_software_update_status from command line.",
             updateResult);
     }
 
@@ -70,11 +69,11 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
     const int durationResult = webui_get_software_installation_duration(&duration);
     if (durationResult == WEBUI_SUCCESS) {
         installationDuration = duration;
-        KESTAL_DEBUG("[%s]:[%s] - %s - software installation duration is [%d]", duration);
+        KESTAL_DEBUG("software installation duration is [%d]", duration);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_software_installation_duration failed, returned error %d. "
-            "Try webui_cli software_installation_duration from command line.",
+            "webui_get_software_installation_duration failed, returned error %d. Try webui_cli "
+            "software_installation_duration from command line.",
             durationResult);
     }
 
@@ -83,8 +82,8 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
     if (settingsResult != WEBUI_SUCCESS) {
         settings = {};
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_i18n_settings failed, returned error %d. Try webui_cli "
-            "get_i18n_settings from command line.",
+            "webui_get_i18n_settings failed, returned error %d. Try webui_cli get_i18n_settings "
+            "from command line.",
             settingsResult);
     }
 
@@ -98,8 +97,8 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
             SetCustomMessages(statusData, messages);
         } else {
             KESTAL_FAILURE(
-                "[%s]:[%s] - %s - webui_get_software_update_custom_msgs failed, returned error %d. "
-                "Try webui_cli get_software_update_custom_msgs from command line.",
+                "webui_get_software_update_custom_msgs failed, returned error %d. Try webui_cli "
+                "get_software_update_custom_msgs from command line.",
                 messagesResult);
         }
     }

@@ -25,14 +25,14 @@ StatusComponent::StatusComponent() {
     useCommonFeatures = 1;
     useCommonConfigurations = 1;
     bandCombination = std::make_unique<BandCombination>();
-    KESTAL_DEBUG("[%s]:[%s] - %s - ENd");
+    KESTAL_DEBUG("ENd");
 }
 
 StatusComponent::~StatusComponent() {
     KESTAL_SIGNATURE("virtual StatusComponent::~StatusComponent()");
     KESTAL_BEGIN();
     bandCombination.reset();
-    KESTAL_DEBUG("[%s]:[%s] - %s - ENd");
+    KESTAL_DEBUG("ENd");
 }
 
 void StatusComponent::GetCapabilities() {
@@ -48,12 +48,12 @@ void StatusComponent::GetCapabilities() {
     isOMADMSupported = IsSwitchedOn(sys_getOmadmFumoCarrierEnabled);
     isDualSIMSupported = IsSwitchedOn(sys_getMultiSimEnabled);
     KESTAL_DEBUG(
-        "[%s]:[%s] - %s - IsSMBSupported is [%d], IsGPSSupported is [%d],IsMTSMSSupported is "
-        "[%d],IsWifiSupported is [%d],IsGuestWifiSupported is [%d],IsPCOSupported is "
-        "[%d],IsNUASupported is [%d],IsOMADMSupported is [%d], IsDualSIMSupported[%d]",
+        "IsSMBSupported is [%d], IsGPSSupported is [%d],IsMTSMSSupported is [%d],IsWifiSupported "
+        "is [%d],IsGuestWifiSupported is [%d],IsPCOSupported is [%d],IsNUASupported is "
+        "[%d],IsOMADMSupported is [%d], IsDualSIMSupported[%d]",
         isSMBSupported, isGPSSupported, isMTSMSSupported, isWifiSupported, isGuestWifiSupported,
         isPCOSupported, isNUASupported, isOMADMSupported, isDualSIMSupported);
-    KESTAL_DEBUG("[%s]:[%s] - %s - END ");
+    KESTAL_DEBUG("END ");
 }
 
 PageError StatusComponent::GetData(CTPP::CDT& out) {
@@ -62,7 +62,7 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
     // One group that cannot be had must not cost the others.
     const auto gather = [&](const char* name, void (StatusComponent::*group)(CTPP::CDT&)) {
-        Attempt(kSignature, name, [&] { (this->*group)(statusData); });
+        Attempt(signature, name, [&] { (this->*group)(statusData); });
     };
     gather("GetBatteryStatus", &StatusComponent::GetBatteryStatus);
     gather("GetMnsStatus", &StatusComponent::GetMnsStatus);
@@ -91,7 +91,7 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
         gather("GetSoftwareUpdateStatus", &StatusComponent::GetSoftwareUpdateStatus);
     }
     // After the internet group, which therefore shows a change of the active slot one request late.
-    Attempt(kSignature, "isDualSimSupported",
+    Attempt(signature, "isDualSimSupported",
             [&] { statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0; });
     if (isDualSIMSupported) {
         gather("GetDualSimStatus", &StatusComponent::GetDualSimStatus);

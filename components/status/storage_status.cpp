@@ -18,9 +18,9 @@ void StatusComponent::GetSmbStatus(CTPP::CDT& statusData) {
             std::to_string(card.totalCapacity - card.freeSpace);
         statusData["statusBarSdCardFreeSpace"] = std::to_string(card.freeSpace);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getSDCardInfo/ sys_getSambaEnabled failed, returned error codes "
-            "[%d]/ [%d]. Try sysintcli getSDCardInfo/ sysintcli getSambaEnabled from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getSDCardInfo/ sys_getSambaEnabled failed, returned error codes [%d]/ [%d]. Try "
+            "sysintcli getSDCardInfo/ sysintcli getSambaEnabled from command line.",
             cardResult, sharingResult);
     }
     statusData["statusBarSdCardStatus"] = cardStatus;
@@ -28,13 +28,12 @@ void StatusComponent::GetSmbStatus(CTPP::CDT& statusData) {
     sys_samba_share_info_t share{};
     const int shareResult = sys_getSambaShareInfo(&share);
     if (shareResult == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - statusBarSdCardInUse is:[%d].",
-                     static_cast<int>(share.cardInUse));
+        KESTAL_DEBUG("statusBarSdCardInUse is:[%d].", static_cast<int>(share.cardInUse));
         statusData["statusBarSdCardInUse"] = share.cardInUse;
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getSambaShareInfo failed with error code: %d, try sysintcli "
-            "getSambaShareInfo from command line",
+            "sys_getSambaShareInfo failed with error code: %d, try sysintcli getSambaShareInfo "
+            "from command line",
             shareResult);
     }
     KESTAL_END();

@@ -39,8 +39,8 @@ int RefreshSubscriberInfo() {
         TheSubscriberCache().Update(FixedText(info.identity));
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getSubscriberInfo failed, returned error code [%d]. Try "
-            "sysintcli getSubscriberInfo from command line.",
+            "sys_getSubscriberInfo failed, returned error code [%d]. Try sysintcli "
+            "getSubscriberInfo from command line.",
             result);
     }
     KESTAL_END_RETURNING(result);

@@ -9,11 +9,11 @@ void StatusComponent::GetWifiStatus(CTPP::CDT& statusData) {
     const int enabledResult = sys_getWiFiEnabled(&enabled);
     if (enabledResult == SYS_SUCCESS) {
         statusData["statusBarWiFiEnabled"] = enabled != 0 ? 1 : 0;
-        KESTAL_DEBUG("[%s]:[%s] - %s - wifi enabled status: %d", enabled);
+        KESTAL_DEBUG("wifi enabled status: %d", enabled);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getWiFiEnabled failed, returned error code [%d]. Try sysintcli "
-            "getWiFiEnabled from command line.",
+            "sys_getWiFiEnabled failed, returned error code [%d]. Try sysintcli getWiFiEnabled "
+            "from command line.",
             enabledResult);
     }
     unsigned int maxClients = 30;
@@ -22,8 +22,8 @@ void StatusComponent::GetWifiStatus(CTPP::CDT& statusData) {
         statusData["statusBarMaxWiFiClientListSize"] = std::to_string(maxClients);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getWiFiMaxClients failed, returned error code [%d]. Try "
-            "sysintcli getWiFiMaxClients from command line.",
+            "sys_getWiFiMaxClients failed, returned error code [%d]. Try sysintcli "
+            "getWiFiMaxClients from command line.",
             maxClientsResult);
     }
     KESTAL_END();
@@ -37,11 +37,11 @@ void StatusComponent::GetGuestWifiStatus(CTPP::CDT& statusData) {
     int result = sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_2_4_GHZ, &enabled);
     if (result == SYS_SUCCESS) {
         guestEnabled = enabled != 0;
-        KESTAL_DEBUG("[%s]:[%s] - %s - guest 2.4 GHz wifi enabled status: %d", enabled);
+        KESTAL_DEBUG("guest 2.4 GHz wifi enabled status: %d", enabled);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getWiFiGuestProfileEnabled failed, returned error code [%d]. Try "
-            "sysintcli getWiFiGuestProfileEnabled from command line for 2.4GHZ guest profile",
+            "sys_getWiFiGuestProfileEnabled failed, returned error code [%d]. Try sysintcli "
+            "getWiFiGuestProfileEnabled from command line for 2.4GHZ guest profile",
             result);
     }
     if (!guestEnabled) {
@@ -49,11 +49,11 @@ void StatusComponent::GetGuestWifiStatus(CTPP::CDT& statusData) {
         result = sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_5_GHZ, &enabled);
         if (result == SYS_SUCCESS) {
             guestEnabled = enabled != 0;
-            KESTAL_DEBUG("[%s]:[%s] - %s - guest 5 GHz wifi enabled status: %d", enabled);
+            KESTAL_DEBUG("guest 5 GHz wifi enabled status: %d", enabled);
         } else {
             KESTAL_FAILURE(
-                "[%s]:[%s] - %s - sys_getWiFiGuestProfileEnabled failed, returned error code [%d]. "
-                "Try sysintcli getWiFiGuestProfileEnabled from command line for 5GHZ guest profile",
+                "sys_getWiFiGuestProfileEnabled failed, returned error code [%d]. Try sysintcli "
+                "getWiFiGuestProfileEnabled from command line for 5GHZ guest profile",
                 result);
         }
     }

@@ -2,13 +2,10 @@
 
 #include <optional>
 
-#include "components/systemservice/notification_list_signature.h"
 #include "framework/log.h"
 #include "platform/fixed_text.h"
 
 namespace {
-
-KESTAL_SIGNATURE(kNotificationListSignature);
 
 enum class Update { kReady, kSuccess, kFailure };
 
@@ -34,40 +31,40 @@ std::string TextFor(Update update, const SoftwareUpdateCustomMessages& messages)
 
 /// Logs that the notification shows @p text. The text that it replaces is not known yet: it would
 /// be looked up only afterwards.
-void LogReplacement(Update update, const std::string& text) {
+void LogReplacement(const char* signature, Update update, const std::string& text) {
     const char* const replaced = "";
     if (update == Update::kReady) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_READY [%s]-->[%s]", replaced, text.c_str());
+        KESTAL_DEBUG("Replace SU_READY [%s]-->[%s]", replaced, text.c_str());
     } else if (update == Update::kSuccess) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_SUCCESS [%s]-->[%s]", replaced, text.c_str());
+        KESTAL_DEBUG("Replace SU_SUCCESS [%s]-->[%s]", replaced, text.c_str());
     } else {
-        KESTAL_DEBUG("[%s]:[%s] - %s - Replace SU_FAIL [%s]-->[%s]", replaced, text.c_str());
+        KESTAL_DEBUG("Replace SU_FAIL [%s]-->[%s]", replaced, text.c_str());
     }
 }
 
 }  // namespace
 
-std::string CustomMessageCache::Text(const std::string& type) {
+std::string CustomMessageCache::Text(const char* signature, const std::string& type) {
     const std::optional<Update> update = UpdateOf(type);
     if (!update) {
         return "";
     }
-    const bool fetched = Refresh();
+    const bool fetched = Refresh(signature);
     std::string text = TextFor(*update, messages);
     if (fetched && !text.empty()) {
-        LogReplacement(*update, text);
+        LogReplacement(signature, *update, text);
     }
     return text;
 }
 
-bool CustomMessageCache::Refresh() {
+bool CustomMessageCache::Refresh(const char* signature) {
     webui_i18n_settings_t settings{};
     const int settingsStatus = webui_get_i18n_settings(&settings);
     if (settingsStatus != WEBUI_SUCCESS) {
         language = "en";
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_i18n_settings failed, returned error %d. Try webui_cli "
-            "get_i18n_settings from command line.",
+            "webui_get_i18n_settings failed, returned error %d. Try webui_cli get_i18n_settings "
+            "from command line.",
             settingsStatus);
     }
     const std::string chosen = FixedText(settings.language);
@@ -81,8 +78,8 @@ bool CustomMessageCache::Refresh() {
         // A call that failed has nothing to say, whatever it wrote.
         messages = {};
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - webui_get_software_update_custom_msgs failed, returned error %d. Try "
-            "webui_cli get_software_update_custom_msgs from command line.",
+            "webui_get_software_update_custom_msgs failed, returned error %d. Try webui_cli "
+            "get_software_update_custom_msgs from command line.",
             status);
         return false;
     }

@@ -2,15 +2,12 @@
 
 #include <span>
 
-#include "components/systemservice/notification_list_signature.h"
 #include "framework/log.h"
 #include "framework/text_domain.h"
 #include "platform/fixed_text.h"
 #include "platform/sysint.h"
 
 namespace {
-
-KESTAL_SIGNATURE(kNotificationListSignature);
 
 /// A change of a pin's state and its texts, by what the user has named.
 struct PinChange {
@@ -68,26 +65,26 @@ std::string PinText(std::span<const PinChange> changes, const GpioCustomSettings
     return "";
 }
 
-std::string ReadPin1Text(const std::string& type) {
+std::string ReadPin1Text(const char* signature, const std::string& type) {
     GpioCustomSettings settings{};
     const int result = sys_getGpioPin1CustomSettings(&settings);
     if (result != SYS_SUCCESS) {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getGpioPin1CustomSettings failed with error code: %d, try "
-            "sysintcli getGpioPin1CustomSettings from command line.",
+            "sys_getGpioPin1CustomSettings failed with error code: %d, try sysintcli "
+            "getGpioPin1CustomSettings from command line.",
             result);
         return "";
     }
     return PinText(kPin1Changes, settings, type);
 }
 
-std::string ReadPin2Text(const std::string& type) {
+std::string ReadPin2Text(const char* signature, const std::string& type) {
     GpioCustomSettings settings{};
     const int result = sys_getGpioPin2CustomSettings(&settings);
     if (result != SYS_SUCCESS) {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getGpioPin2CustomSettings failed with error code: %d, try "
-            "sysintcli getGpioPin2CustomSettings from command line.",
+            "sys_getGpioPin2CustomSettings failed with error code: %d, try sysintcli "
+            "getGpioPin2CustomSettings from command line.",
             result);
         return "";
     }
@@ -96,8 +93,8 @@ std::string ReadPin2Text(const std::string& type) {
 
 }  // namespace
 
-std::string ReadGpioText(const std::string& type) {
-    std::string text = ReadPin1Text(type);
-    text += ReadPin2Text(type);
+std::string ReadGpioText(const char* signature, const std::string& type) {
+    std::string text = ReadPin1Text(signature, type);
+    text += ReadPin2Text(signature, type);
     return text;
 }

@@ -129,8 +129,8 @@ void SystemServiceComponent::GetPageUrlData(const std::string& pageId, std::stri
     if (webui_get_uri_data(pageId.c_str(), &data) == WEBUI_SUCCESS) {
         url = FixedText(data.address);
         title = Translated(FixedText(data.titleId).c_str());
-        KESTAL_DEBUG("[%s]:[%s] - %s - page id is %s, url is %s and url title is %s",
-                     pageId.c_str(), url.c_str(), title.c_str());
+        KESTAL_DEBUG("page id is %s, url is %s and url title is %s", pageId.c_str(), url.c_str(),
+                     title.c_str());
     }
     KESTAL_END();
 }

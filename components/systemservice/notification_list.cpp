@@ -8,7 +8,6 @@
 #include "components/notification/notification_block.h"
 #include "components/status/value_text.h"
 #include "components/systemservice/gpio_text.h"
-#include "components/systemservice/notification_list_signature.h"
 #include "components/systemservice/system_service_component.h"
 #include "framework/attempt.h"
 #include "framework/log.h"
@@ -18,8 +17,6 @@
 #include "platform/sysint.h"
 
 namespace {
-
-KESTAL_SIGNATURE(kNotificationListSignature);
 
 /// What the placeholders of the texts stand for, in their order.
 struct TextArguments {
@@ -44,14 +41,14 @@ std::string SeverityText(std::uint32_t severity) {
 }
 
 /// Decimal number of unread messages; what the call has left there when it fails.
-std::string ReadUnreadCount() {
+std::string ReadUnreadCount(const char* signature) {
     int count = 0;
     const int result = sys_getSMSUnreadCount(&count);
     if (result == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - sms unread count %d", count);
+        KESTAL_DEBUG("sms unread count %d", count);
     } else {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getSMSUnreadCount failed, returned error code [%d]. Try sysintcli "
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getSMSUnreadCount failed, returned error code [%d]. Try sysintcli "
             "getSMSUnreadCount from command line.",
             result);
     }
@@ -68,8 +65,7 @@ std::string TranslatedField(const char (&id)[Size]) {
 std::string CatalogueText(const AnsNotificationRecord& record, const TextArguments& arguments) {
     std::string text = TranslatedField(record.textId);
     if (text == " ") {
-        KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR,
-                             "[%s]:[%s] - po string is empty or no arguments passed");
+        KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR, "po string is empty or no arguments passed");
         return text;
     }
     return FormatPoString(4, text, arguments.productName.c_str(), arguments.productNumber.c_str(),
@@ -79,38 +75,37 @@ std::string CatalogueText(const AnsNotificationRecord& record, const TextArgumen
 }  // namespace
 
 PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT& out) {
+    KESTAL_SIGNATURE("PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
     // First of all an empty list, so that there is one whatever fails.
-    Attempt(kSignature, "empty notification list",
+    Attempt(signature, "empty notification list",
             [&] { out["notificationsList"] = CTPP::CDT(CTPP::CDT::ARRAY_VAL); });
-    OnMessageBus(kSignature, "notification list",
-                 [&](MsgbusHandler& bus) { out["notificationsList"] = ReadNotificationList(bus); });
+    OnMessageBus(signature, "notification list", [&](MsgbusHandler& bus) {
+        out["notificationsList"] = ReadNotificationList(signature, bus);
+    });
     KESTAL_END_RETURNING(PAGE_ERROR_NONE);
     return PAGE_ERROR_NONE;
 }
 
-CTPP::CDT SystemServiceComponent::ReadNotificationList(MsgbusHandler& bus) {
+CTPP::CDT SystemServiceComponent::ReadNotificationList(const char* signature, MsgbusHandler& bus) {
     NotificationBlock block;
     switch (block.Read(bus)) {
         case NotificationBlock::ReadResult::kRead:
-            KESTAL_DEBUG("[%s]:[%s] - %s - [%d] notifications received on msgbus",
-                         block.AnnouncedCount());
-            return BuildNotificationList(block.Records());
+            KESTAL_DEBUG("[%d] notifications received on msgbus", block.AnnouncedCount());
+            return BuildNotificationList(signature, block.Records());
         case NotificationBlock::ReadResult::kFailed:
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s - msgbus failed to read notification data. Try msgbus_cli "
-                "MsgBusGet %s",
-                ANS_NOTIFICATION_CHANNEL);
+            KESTAL_FAILURE("msgbus failed to read notification data. Try msgbus_cli MsgBusGet %s",
+                           ANS_NOTIFICATION_CHANNEL);
             break;
         case NotificationBlock::ReadResult::kNoMemory:
-            KESTAL_FAILURE("[%s]:[%s] - %s - Failed to allocate memory for notification list");
+            KESTAL_FAILURE("Failed to allocate memory for notification list");
             break;
     }
     return CTPP::CDT(CTPP::CDT::ARRAY_VAL);
 }
 
 CTPP::CDT SystemServiceComponent::BuildNotificationList(
-    std::span<const AnsNotificationRecord> records) {
+    const char* signature, std::span<const AnsNotificationRecord> records) {
     CTPP::CDT list(CTPP::CDT::ARRAY_VAL);
     TextArguments arguments;
     arguments.productName = Translated("webui_product_name");
@@ -120,14 +115,14 @@ CTPP::CDT SystemServiceComponent::BuildNotificationList(
             continue;
         }
         const std::string type = FixedText(record.id);
-        arguments.gpioText = ReadGpioText(type);
-        arguments.unreadCount = ReadUnreadCount();
+        arguments.gpioText = ReadGpioText(signature, type);
+        arguments.unreadCount = ReadUnreadCount(signature);
         CTPP::CDT notification;
         notification["id"] = type;
         notification["category"] = FixedText(record.category);
         notification["severity"] = SeverityText(record.severity);
         notification["title"] = TranslatedField(record.titleId);
-        std::string text = customMessages.Text(type);
+        std::string text = customMessages.Text(signature, type);
         if (text.empty()) {
             text = CatalogueText(record, arguments);
         }

@@ -52,7 +52,7 @@ PageError SystemServiceComponent::GetDynamicData(CTPP::CDT& out, const CTPP::CDT
         "virtual PageError SystemServiceComponent::GetDynamicData(CTPP::CDT&, const CTPP::CDT&)");
     KESTAL_BEGIN();
     apiName = ApiName(in);
-    KESTAL_DEBUG("[%s]:[%s] - %s api called is %s", apiName.c_str());
+    KESTAL_DEBUG_UNSEPARATED(" api called is %s", apiName.c_str());
     PageError result = PAGE_ERROR_FAILED;
     if (apiName == "status") {
         result = Dispatch(out, SERVICE_API_STATUS);
@@ -68,11 +68,11 @@ int SystemServiceComponent::ValidateFormData(const CTPP::CDT& in, CTPP::CDT& out
         "virtual int SystemServiceComponent::ValidateFormData(const CTPP::CDT&, CTPP::CDT&)");
     KESTAL_BEGIN();
     apiName = ApiName(in);
-    KESTAL_DEBUG("[%s]:[%s] - %s - Api called is %s", apiName.c_str());
+    KESTAL_DEBUG("Api called is %s", apiName.c_str());
     int errors = 0;
     if (apiName != "connect" && apiName != "disconnect" && apiName != "passcoderecovery") {
         errors = 1;
-        KESTAL_FAILURE("[%s]:[%s] - %s - system service unsupported operation");
+        KESTAL_FAILURE("system service unsupported operation");
         out["errorDesc"] = Translated("system_service_unsupport_operation_error_text");
     }
     KESTAL_END_RETURNING(errors);
@@ -85,11 +85,10 @@ PageError SystemServiceComponent::StoreData(const CTPP::CDT& /*in*/, CTPP::CDT& 
     KESTAL_BEGIN();
     PageError result = PAGE_ERROR_FAILED;
     if (apiName == "connect") {
-        KESTAL_SYSLOG(TORU_DBG_NOTICE,
-                      "[%s]:[%s] - %s - Establishing the cellular data connection");
+        KESTAL_SYSLOG(TORU_DBG_NOTICE, "Establishing the cellular data connection");
         result = PerformConnectAction(kConnectAction);
     } else if (apiName == "disconnect") {
-        KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - Terminating the cellular data connection");
+        KESTAL_SYSLOG(TORU_DBG_NOTICE, "Terminating the cellular data connection");
         result = PerformConnectAction(kDisconnectAction);
     }
     if (result != PAGE_ERROR_NONE) {
@@ -106,16 +105,16 @@ PageError SystemServiceComponent::PerformConnectAction(const std::string& action
     if (action == kConnectAction) {
         code = sys_cellularDataConnect(0);
         if (code != SYS_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s -system interface API failed returning [%d]. Try sysintcli "
-                "cellularDataConnect on the command line",
+            KESTAL_FAILURE_UNSEPARATED(
+                " -system interface API failed returning [%d]. Try sysintcli cellularDataConnect "
+                "on the command line",
                 code);
         }
     } else if (action == kDisconnectAction) {
         code = sys_cellularDataDisconnect(0);
         if (code != SYS_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s -system interface API failed returning [%d]. Try sysintcli "
+            KESTAL_FAILURE_UNSEPARATED(
+                " -system interface API failed returning [%d]. Try sysintcli "
                 "cellularDataDisconnect on the command line",
                 code);
         }

@@ -51,12 +51,15 @@ class SystemServiceComponent : public PageComponent {
     void GetPageUrlData(const std::string& pageId, std::string& url, std::string& title);
 
   private:
+    // Both log in the name of the function with signature.
+
     /// The active notifications that are published on @p bus; an empty array when they cannot be
     /// read.
-    CTPP::CDT ReadNotificationList(MsgbusHandler& bus);
+    CTPP::CDT ReadNotificationList(const char* signature, MsgbusHandler& bus);
 
     /// An array of the active ones among @p records.
-    CTPP::CDT BuildNotificationList(std::span<const AnsNotificationRecord> records);
+    CTPP::CDT BuildNotificationList(const char* signature,
+                                    std::span<const AnsNotificationRecord> records);
 
     /// The carrier's texts about software updates, kept from one request to the next.
     CustomMessageCache customMessages;

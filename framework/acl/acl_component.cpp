@@ -12,21 +12,21 @@ void AclComponent::LoadOneAclSetting(const std::string& field, const std::string
     int lock = 0;
     const int showResult = sys_getUIFieldShowEnabled(field.c_str(), &show);
     if (showResult == SYS_SUCCESS) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - Acl show status for [%s] is [%d]", field.c_str(), show);
+        KESTAL_DEBUG("Acl show status for [%s] is [%d]", field.c_str(), show);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getUIFieldShowEnabled failed, returned error code %d. Try "
-            "sysintcli getUIFieldShowEnabled from command line.",
+            "sys_getUIFieldShowEnabled failed, returned error code %d. Try sysintcli "
+            "getUIFieldShowEnabled from command line.",
             showResult);
     }
     const int lockResult = sys_getUIFieldLockEnabled(field.c_str(), &lock);
     if (lockResult == SYS_SUCCESS) {
         // The line has always given the show value; whoever reads these logs counts on it.
-        KESTAL_DEBUG("[%s]:[%s] - %s - Acl locked status for [%s] is [%d]", field.c_str(), show);
+        KESTAL_DEBUG("Acl locked status for [%s] is [%d]", field.c_str(), show);
     } else {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getUIFieldLockEnabled failed, returned error code %d. Try "
-            "sysintcli getUIFieldLockEnabled from command line.",
+            "sys_getUIFieldLockEnabled failed, returned error code %d. Try sysintcli "
+            "getUIFieldLockEnabled from command line.",
             lockResult);
     }
     settings[keyBase + "Show"] = show != 0;
@@ -64,45 +64,44 @@ void AclComponent::GetAppLevelAclSetting(char* app, int* hidden, int* locked) {
     const int wdcpResult = sys_getWDCPCarrierEnabled(&wdcpEnabled);
     if (wdcpResult != SYS_SUCCESS) {
         KESTAL_FAILURE(
-            "[%s]:[%s] - %s - sys_getWDCPCarrierEnabled failed, returned error code %d. Try "
-            "sysintcli getWDCPCarrierEnabled from command line.",
+            "sys_getWDCPCarrierEnabled failed, returned error code %d. Try sysintcli "
+            "getWDCPCarrierEnabled from command line.",
             wdcpResult);
     }
     int halyardEnabled = 1;
     const int halyardResult = sys_getHalyardAgentCarrierEnabled(&halyardEnabled);
     if (halyardResult != SYS_SUCCESS) {
-        KESTAL_FAILURE(
-            "[%s]:[%s] - %s sys_getHalyardAgentCarrierEnabled failed, returned error code %d. Try "
-            "sysintcli getHalyardAgentCarrierEnabled from command line.",
+        KESTAL_FAILURE_UNSEPARATED(
+            " sys_getHalyardAgentCarrierEnabled failed, returned error code %d. Try sysintcli "
+            "getHalyardAgentCarrierEnabled from command line.",
             halyardResult);
     }
     if (wdcpEnabled != 0 || halyardEnabled != 0) {
         const int displayResult = sys_getUIAppDisplayEnabled(app, hidden);
         if (displayResult != SYS_SUCCESS) {
             KESTAL_FAILURE(
-                "[%s]:[%s] - %s - sys_getUIAppDisplayEnabled failed, returned error code %d. Try "
-                "sysintcli getUIAppDisplayEnabled from command line.",
+                "sys_getUIAppDisplayEnabled failed, returned error code %d. Try sysintcli "
+                "getUIAppDisplayEnabled from command line.",
                 displayResult);
         }
         const int writeResult = sys_getUIAppWriteEnabled(app, locked);
         if (writeResult != SYS_SUCCESS) {
             KESTAL_FAILURE(
-                "[%s]:[%s] - %s - sys_getUIAppWriteEnabled failed, returned error code %d. Try "
-                "sysintcli getUIAppWriteEnabled from command line.",
+                "sys_getUIAppWriteEnabled failed, returned error code %d. Try sysintcli "
+                "getUIAppWriteEnabled from command line.",
                 writeResult);
         }
-        KESTAL_DEBUG("[%s]:[%s] - %s - App:%s, Hidden:%d, Locked:%d", app != nullptr ? app : "",
-                     *hidden, *locked);
+        KESTAL_DEBUG("App:%s, Hidden:%d, Locked:%d", app != nullptr ? app : "", *hidden, *locked);
     }
-    KESTAL_DEBUG("[%s]:[%s] - %s - END\n");
+    KESTAL_DEBUG("END\n");
 }
 
 void AclComponent::GenerateFieldACLData(CTPP::CDT& node, std::string field, bool featureSupport,
                                         bool uiSupport) {
     KESTAL_SIGNATURE(
         "void AclComponent::GenerateFieldACLData(CTPP::CDT&, std::__cxx11::string, bool, bool)");
-    KESTAL_DEBUG("[%s]:[%s] - %s - BEGIN field[%s] featureSupport[%d] uiSupport[%d]", field.c_str(),
-                 featureSupport, uiSupport);
+    KESTAL_DEBUG("BEGIN field[%s] featureSupport[%d] uiSupport[%d]", field.c_str(), featureSupport,
+                 uiSupport);
     int show = 1;
     int lock = 0;
     if (!featureSupport || !uiSupport) {
@@ -112,38 +111,38 @@ void AclComponent::GenerateFieldACLData(CTPP::CDT& node, std::string field, bool
         int wdcpEnabled = 1;
         const int wdcpResult = sys_getWDCPCarrierEnabled(&wdcpEnabled);
         if (wdcpResult != SYS_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s sys_getWDCPCarrierEnabled failed, returned error code %d. Try "
-                "sysintcli getWDCPCarrierEnabled from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " sys_getWDCPCarrierEnabled failed, returned error code %d. Try sysintcli "
+                "getWDCPCarrierEnabled from command line.",
                 wdcpResult);
         }
         int halyardEnabled = 1;
         const int halyardResult = sys_getHalyardAgentCarrierEnabled(&halyardEnabled);
         if (halyardResult != SYS_SUCCESS) {
-            KESTAL_FAILURE(
-                "[%s]:[%s] - %s sys_getHalyardAgentCarrierEnabled failed, returned error code %d. "
-                "Try sysintcli getHalyardAgentCarrierEnabled from command line.",
+            KESTAL_FAILURE_UNSEPARATED(
+                " sys_getHalyardAgentCarrierEnabled failed, returned error code %d. Try sysintcli "
+                "getHalyardAgentCarrierEnabled from command line.",
                 halyardResult);
         }
         if (wdcpEnabled != 0 || halyardEnabled != 0) {
             const int showResult = sys_getUIFieldShowEnabled(field.c_str(), &show);
             if (showResult != SYS_SUCCESS) {
-                KESTAL_FAILURE(
-                    "[%s]:[%s] - %s sys_getUIFieldShowEnabled(%s) failed, returned error code %d. "
-                    "Try sysintcli getUIFieldShowEnabled from command line.",
+                KESTAL_FAILURE_UNSEPARATED(
+                    " sys_getUIFieldShowEnabled(%s) failed, returned error code %d. Try sysintcli "
+                    "getUIFieldShowEnabled from command line.",
                     field.c_str(), showResult);
             }
             const int lockResult = sys_getUIFieldLockEnabled(field.c_str(), &lock);
             if (lockResult != SYS_SUCCESS) {
-                KESTAL_FAILURE(
-                    "[%s]:[%s] - %s sys_getUIFieldLockEnabled(%s) failed, returned error code %d. "
-                    "Try sysintcli getUIFieldLockEnabled from command line.",
+                KESTAL_FAILURE_UNSEPARATED(
+                    " sys_getUIFieldLockEnabled(%s) failed, returned error code %d. Try sysintcli "
+                    "getUIFieldLockEnabled from command line.",
                     field.c_str(), lockResult);
             }
-            KESTAL_DEBUG("[%s]:[%s] - %s - App:%s, Show:%d, Locked:%d", field.c_str(), show, lock);
+            KESTAL_DEBUG("App:%s, Show:%d, Locked:%d", field.c_str(), show, lock);
         }
     }
     node[field + "Show"] = show;
     node[std::move(field) + "Locked"] = lock;
-    KESTAL_DEBUG("[%s]:[%s] - %s - END show[%d] locked[%d]\n", show, lock);
+    KESTAL_DEBUG("END show[%d] locked[%d]\n", show, lock);
 }

@@ -24,8 +24,8 @@ int KeepAliveHandler::Initialize() {
     KESTAL_SIGNATURE("int KeepAliveHandler::Initialize()");
     KESTAL_BEGIN();
     parentProcessId = getppid();
-    KESTAL_DEBUG("[%s]:[%s] - %s - Parent Process Id = %d registering %s with watchdog",
-                 parentProcessId, gProgramName);
+    KESTAL_DEBUG("Parent Process Id = %d registering %s with watchdog", parentProcessId,
+                 gProgramName);
     watchdog_application_register(gProgramName, WATCHDOG_REGISTER);
     KESTAL_END_RETURNING(0);
     return 0;
@@ -34,11 +34,11 @@ int KeepAliveHandler::Initialize() {
 int KeepAliveHandler::Run() {
     KESTAL_SIGNATURE("int KeepAliveHandler::Run()");
     KESTAL_BEGIN();
-    Attempt(kSignature, "maintenance thread", [this] { thread.Initialize(); });
+    Attempt(signature, "maintenance thread", [this] { thread.Initialize(); });
     int interval = kDefaultIntervalSeconds;
     sys_getWatchdogInterval(&interval);
     thread.SetInterval(static_cast<unsigned int>(interval));
-    Attempt(kSignature, "maintenance thread", [this] { thread.Run(); });
+    Attempt(signature, "maintenance thread", [this] { thread.Run(); });
     KESTAL_END_RETURNING(0);
     return 0;
 }
@@ -52,9 +52,9 @@ bool KeepAliveHandler::OnThreadNotify(unsigned int /*event*/) {
     // watchdog left, which must not be told otherwise.
     if (!gOperationDeadline.IsPassed() && getppid() == parentProcessId &&
         kill(parentProcessId, 0) != -1) {
-        KESTAL_LOG(TORU_DBG_INFO,
-                   "[%s]:[%s] - %s - Watchdog timer event. lighttpd alive ( and kicking ). "
-                   "Sending keep alive message");
+        KESTAL_LOG(
+            TORU_DBG_INFO,
+            "Watchdog timer event. lighttpd alive ( and kicking ). Sending keep alive message");
         watchdog_application_send_keep_alive(gProgramName);
     }
     KESTAL_END_RETURNING(false);
@@ -64,9 +64,9 @@ bool KeepAliveHandler::OnThreadNotify(unsigned int /*event*/) {
 int KeepAliveHandler::Shutdown() {
     KESTAL_SIGNATURE("int KeepAliveHandler::Shutdown()");
     KESTAL_BEGIN();
-    KESTAL_DEBUG("[%s]:[%s] - %s - Unregistering %s with watchdog", gProgramName);
+    KESTAL_DEBUG("Unregistering %s with watchdog", gProgramName);
     watchdog_application_register(gProgramName, WATCHDOG_UNREGISTER);
-    Attempt(kSignature, "maintenance thread", [this] { thread.Shutdown(); });
+    Attempt(signature, "maintenance thread", [this] { thread.Shutdown(); });
     KESTAL_END_RETURNING(0);
     return 0;
 }

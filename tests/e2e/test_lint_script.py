@@ -16,7 +16,7 @@ def tree(work):
     """A source tree of two files that git tracks."""
     tree = work / "tree"
     (tree / "scripts").mkdir(parents=True)
-    for name in ("lint", "tidy.py"):
+    for name in ("lint", "signatures.py", "tidy.py"):
         shutil.copy(paths.ROOT / "scripts" / name, tree / "scripts")
     (tree / "main.cpp").write_text("int main() { return 0; }\n")
     (tree / "script").write_text("#!/bin/sh\necho fine\n")
@@ -59,6 +59,46 @@ def test_what_is_badly_formed_is_told(tree, work):
     assert done.returncode == 1
     assert "main.cpp:1" in done.stderr
     assert "SC2086" in done.stdout
+
+
+def play_well_formed(work):
+    """The folder of a clang-format that finds nothing, whatever this machine's would find."""
+    return play_release(work, "", "exit 0")
+
+
+@pytest.mark.parametrize(
+    "function",
+    [
+        'void Device::Read(const std::string& key, unsigned int count)@"void Device::Read(const string&, unsigned int)"',
+        'int Read(std::string* key) const@"int Read(" "std::__cxx11::string*) const"',
+        'Device::Device(int size) : room(size)@"Device::Device(int)"',
+        # What its caller hands down is no part of the text.
+        'int Refresh(Cache& cache)@"int Refresh()"',
+    ],
+)
+def test_a_signature_that_names_its_function_passes(tree, work, function):
+    head, text = function.split("@")
+    (tree / "main.cpp").write_text(f"int unused;\n\n{head} {{\n    KESTAL_SIGNATURE({text});\n}}\n")
+    done = run(tree / "scripts" / "lint", "--form", path=play_well_formed(work))
+    assert done.returncode == 0, done.stdout + done.stderr
+
+
+@pytest.mark.parametrize(
+    ("body", "finding"),
+    [
+        ('KESTAL_SIGNATURE("void Device::Write(int)");', '"void Device::Write(int)" stands in void Device::Read(int)'),
+        ('KESTAL_SIGNATURE("void Read(int)");', '"void Read(int)" stands in void Device::Read(int)'),
+        ('KESTAL_SIGNATURE("void Device::Read(bool)");', '"void Device::Read(bool)" stands in void Device::Read(int)'),
+        ('Log();\n    KESTAL_SIGNATURE("void Device::Read(int)");', "does not stand first in the body of a function"),
+        ("KESTAL_SIGNATURE(kRead);", "the signature is no literal"),
+    ],
+)
+def test_a_signature_that_names_another_function_is_told(tree, work, body, finding):
+    (tree / "main.cpp").write_text(f"void Device::Read(int) {{\n    {body}\n}}\n")
+    done = run(tree / "scripts" / "lint", "--form", path=play_well_formed(work))
+    assert done.returncode == 1
+    assert "main.cpp:" in done.stderr
+    assert finding in done.stderr
 
 
 def test_a_tree_without_git_does_not_pass(tree):

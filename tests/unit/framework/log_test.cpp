@@ -13,30 +13,43 @@ class LogTest : public testing::Test {
 
 TEST_F(LogTest, LineCarriesModuleTagLevelNameAndSignature) {
     KESTAL_SIGNATURE("void Component::Operation(const string&)");
-    KESTAL_DEBUG("[%s]:[%s] - %s - value %d", 5);
+    KESTAL_DEBUG("value %d", 5);
     EXPECT_EQ(recording::TranscriptText(),
               recording::Lines({"log 7 [KESTAL_CGI]:[DEBUG] - void "
                                 "Component::Operation(const string&) - value 5"}));
 }
 
 TEST_F(LogTest, PlainLineHasNoSignature) {
-    KESTAL_LOG_PLAIN(TORU_DBG_INFO, "[%s]:[%s] - name - [%s]", "x");
+    KESTAL_LOG_PLAIN(TORU_DBG_INFO, "name - [%s]", "x");
     EXPECT_EQ(recording::TranscriptText(),
               recording::Lines({"log 6 [KESTAL_CGI]:[INFO] - name - [x]"}));
 }
 
 TEST_F(LogTest, FailureGoesToTheSystemLogFirstAndThenToTheDebugLogAtLevelThree) {
     KESTAL_SIGNATURE("int F()");
-    KESTAL_FAILURE("[%s]:[%s] - %s failed, returned error code [%d].", 7);
+    KESTAL_FAILURE("call failed, returned error code [%d].", 7);
+    EXPECT_EQ(
+        recording::TranscriptText(),
+        recording::Lines(
+            {"syslog 138 [KESTAL_CGI]:[ERROR] - int F() - call failed, returned error code [7].",
+             "log 3 [KESTAL_CGI]:[ERROR] - int F() - call failed, returned error code [7]."}));
+}
+
+TEST_F(LogTest, UnseparatedLineBringsWhatStandsBehindTheSignature) {
+    KESTAL_SIGNATURE("int F()");
+    KESTAL_DEBUG_UNSEPARATED("- BEGIN");
+    KESTAL_LOG_UNSEPARATED(TORU_DBG_INFO, " count%d", 2);
+    KESTAL_FAILURE_UNSEPARATED(": failed");
     EXPECT_EQ(recording::TranscriptText(),
-              recording::Lines(
-                  {"syslog 138 [KESTAL_CGI]:[ERROR] - int F() failed, returned error code [7].",
-                   "log 3 [KESTAL_CGI]:[ERROR] - int F() failed, returned error code [7]."}));
+              recording::Lines({"log 7 [KESTAL_CGI]:[DEBUG] - int F()- BEGIN",
+                                "log 6 [KESTAL_CGI]:[INFO] - int F() count2",
+                                "syslog 138 [KESTAL_CGI]:[ERROR] - int F(): failed",
+                                "log 3 [KESTAL_CGI]:[ERROR] - int F(): failed"}));
 }
 
 TEST_F(LogTest, LineThatAlsoGoesToTheSystemLogKeepsItsOwnLevelThere) {
     KESTAL_SIGNATURE("int F()");
-    KESTAL_SYSLOG(TORU_DBG_NOTICE, "[%s]:[%s] - %s - done");
+    KESTAL_SYSLOG(TORU_DBG_NOTICE, "done");
     EXPECT_EQ(recording::TranscriptText(),
               recording::Lines({"syslog 138 [KESTAL_CGI]:[NOTICE] - int F() - done",
                                 "log 5 [KESTAL_CGI]:[NOTICE] - int F() - done"}));

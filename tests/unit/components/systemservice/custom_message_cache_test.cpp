@@ -53,7 +53,7 @@ class CustomMessageCacheTest : public testing::Test {
         recording::Reset();
         GivenLanguage(code);
         GivenMessages(messages);
-        cache.Text(kReadyType);
+        cache.Text(kListSignature, kReadyType);
         recording::Reset();
     }
 
@@ -63,9 +63,9 @@ class CustomMessageCacheTest : public testing::Test {
 TEST_F(CustomMessageCacheTest, TextsAreLoadedEvenByATypeThatHasNone) {
     GivenLanguage("fr");
     GivenMessages(Messages("ready", "", ""));
-    EXPECT_EQ(cache.Text(kSuccessType), "");
-    EXPECT_EQ(cache.Text(kFailureType), "");
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), "");
+    EXPECT_EQ(cache.Text(kListSignature, kFailureType), "");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
     EXPECT_EQ(CallCount(kMessagesCall), 1U);
     EXPECT_EQ(TranscriptText("log"), "");
 }
@@ -85,7 +85,7 @@ TEST_F(CustomMessageCacheTest, EachTypeHasItsTextAndItsLogLine) {
         GivenLanguage("fr");
         GivenMessages(Messages("ready", "success", "failure"));
         CustomMessageCache fresh;
-        EXPECT_EQ(fresh.Text(type), text);
+        EXPECT_EQ(fresh.Text(kListSignature, type), text);
         EXPECT_EQ(TranscriptText(), Steps({kLanguageCall + "()", kMessagesCall + "(fr)",
                                            Log(7, kGetList + " - " + line)}));
     }
@@ -95,7 +95,7 @@ TEST_F(CustomMessageCacheTest, OtherTypesHaveNoTextAndAskNothing) {
     Load("fr", Messages("ready", "success", "failure"));
     for (const std::string type :
          {"", "dataOff", "softwareupdate", "softwareUpdate ", "softwareUpdateSucces"}) {
-        EXPECT_EQ(cache.Text(type), "");
+        EXPECT_EQ(cache.Text(kListSignature, type), "");
     }
     EXPECT_EQ(TranscriptText(), "");
 }
@@ -103,9 +103,9 @@ TEST_F(CustomMessageCacheTest, OtherTypesHaveNoTextAndAskNothing) {
 TEST_F(CustomMessageCacheTest, LoadedTextsAreNotFetchedAgainNorLogged) {
     Load("fr", Messages("ready", "success", "failure"));
     GivenLanguage("fr");
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
-    EXPECT_EQ(cache.Text(kSuccessType), "success");
-    EXPECT_EQ(cache.Text(kFailureType), "failure");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), "success");
+    EXPECT_EQ(cache.Text(kListSignature, kFailureType), "failure");
     EXPECT_EQ(TranscriptText(),
               Steps({kLanguageCall + "()", kLanguageCall + "()", kLanguageCall + "()"}));
 }
@@ -114,9 +114,9 @@ TEST_F(CustomMessageCacheTest, AnotherLanguageFetchesAgain) {
     Load("fr", Messages("ready", "success", "failure"));
     GivenLanguage("de");
     GivenMessages(Messages("bereit", "", "misslungen"));
-    EXPECT_EQ(cache.Text(kSuccessType), "");
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), "");
     EXPECT_EQ(TranscriptText(), Steps({kLanguageCall + "()", kMessagesCall + "(de)"}));
-    EXPECT_EQ(cache.Text(kReadyType), "bereit");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "bereit");
     EXPECT_EQ(CallCount(kMessagesCall), 1U);
 }
 
@@ -124,8 +124,8 @@ TEST_F(CustomMessageCacheTest, EmptyReadyTextIsFetchedEveryTime) {
     Load("fr", Messages("", "success", ""));
     GivenLanguage("fr");
     GivenMessages(Messages("", "success", ""));
-    EXPECT_EQ(cache.Text(kSuccessType), "success");
-    EXPECT_EQ(cache.Text(kSuccessType), "success");
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), "success");
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), "success");
     EXPECT_EQ(CallCount(kMessagesCall), 2U);
 }
 
@@ -133,7 +133,7 @@ TEST_F(CustomMessageCacheTest, FailedFetchGivesNoTextAndIsRepeated) {
     GivenLanguage("fr");
     Given(kMessagesCall).Returns(12).Writes(Messages("ready", "success", "failure"));
     for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(cache.Text(kReadyType), "");
+        EXPECT_EQ(cache.Text(kListSignature, kReadyType), "");
     }
     EXPECT_EQ(TranscriptText(),
               Steps({kLanguageCall + "()", kMessagesCall + "(fr)", kMessagesFailure,
@@ -141,18 +141,18 @@ TEST_F(CustomMessageCacheTest, FailedFetchGivesNoTextAndIsRepeated) {
     recording::Reset();
     GivenLanguage("fr");
     GivenMessages(Messages("ready", "success", "failure"));
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
 }
 
 TEST_F(CustomMessageCacheTest, FetchThatFailsAfterALanguageChangeForgetsTheOldTexts) {
     Load("fr", Messages("ready", "success", "failure"));
     GivenLanguage("de");
     Given(kMessagesCall).Returns(12);
-    EXPECT_EQ(cache.Text(kReadyType), "");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "");
     recording::Reset();
     GivenLanguage("fr");
     GivenMessages(Messages("ready", "success", "failure"));
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
     EXPECT_EQ(CallCount(kMessagesCall), 1U);
 }
 
@@ -160,14 +160,14 @@ TEST_F(CustomMessageCacheTest, TextsOfAnEarlierFetchDoNotShineThrough) {
     Load("fr", Messages("ready", "success", "failure"));
     GivenLanguage("de");
     Given(kMessagesCall).Returns(WEBUI_SUCCESS);
-    EXPECT_EQ(cache.Text(kFailureType), "");
+    EXPECT_EQ(cache.Text(kListSignature, kFailureType), "");
 }
 
 TEST_F(CustomMessageCacheTest, LanguageThatCannotBeReadFetchesWithAnEmptyCodeEveryTime) {
     Given(kLanguageCall).Returns(11);
     GivenMessages(Messages("ready", "success", "failure"));
     for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(cache.Text(kReadyType), "ready");
+        EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
     }
     const Step replaced = Log(7, kGetList + " - Replace SU_READY []-->[ready]");
     EXPECT_EQ(TranscriptText(),
@@ -178,8 +178,8 @@ TEST_F(CustomMessageCacheTest, LanguageThatCannotBeReadFetchesWithAnEmptyCodeEve
 TEST_F(CustomMessageCacheTest, LanguageThatAFailingCallWroteIsUsed) {
     Given(kLanguageCall).Returns(11).Writes(Language("fr"));
     GivenMessages(Messages("ready", "", ""));
-    cache.Text(kReadyType);
-    cache.Text(kReadyType);
+    cache.Text(kListSignature, kReadyType);
+    cache.Text(kListSignature, kReadyType);
     EXPECT_EQ(TranscriptText(kMessagesCall),
               Steps({kMessagesCall + "(fr)", kMessagesCall + "(fr)"}));
 }
@@ -188,7 +188,7 @@ TEST_F(CustomMessageCacheTest, LanguageThatAFailingCallWroteIsUsed) {
 TEST_F(CustomMessageCacheTest, EnglishThatAFailingCallWroteFindsTheTextsLoaded) {
     Load("fr", Messages("ready", "", ""));
     Given(kLanguageCall).Returns(11).Writes(Language("en"));
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
     EXPECT_EQ(CallCount(kMessagesCall), 0U);
 }
 
@@ -196,11 +196,11 @@ TEST_F(CustomMessageCacheTest, LanguageIsReadAgainAfterAFailure) {
     Load("fr", Messages("ready", "", ""));
     Given(kLanguageCall).Returns(11);
     GivenMessages(Messages("ready", "", ""));
-    cache.Text(kReadyType);
+    cache.Text(kListSignature, kReadyType);
     recording::Reset();
     GivenLanguage("fr");
     GivenMessages(Messages("ready", "", ""));
-    cache.Text(kReadyType);
+    cache.Text(kListSignature, kReadyType);
     EXPECT_EQ(TranscriptText(kMessagesCall), Steps({kMessagesCall + "(fr)"}));
 }
 
@@ -208,7 +208,7 @@ TEST_F(CustomMessageCacheTest, LanguageWithoutTerminatorEndsWithItsField) {
     const std::string code(32, 'x');
     Load(code, Messages("ready", "", ""));
     GivenLanguage(code);
-    EXPECT_EQ(cache.Text(kReadyType), "ready");
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), "ready");
     EXPECT_EQ(CallCount(kMessagesCall), 0U);
 }
 
@@ -218,9 +218,9 @@ TEST_F(CustomMessageCacheTest, TextsWithoutTerminatorEndWithTheirField) {
     const std::string failure(1024, 'f');
     Load("fr", Messages(ready, success, failure));
     GivenLanguage("fr");
-    EXPECT_EQ(cache.Text(kReadyType), ready);
-    EXPECT_EQ(cache.Text(kSuccessType), success);
-    EXPECT_EQ(cache.Text(kFailureType), failure);
+    EXPECT_EQ(cache.Text(kListSignature, kReadyType), ready);
+    EXPECT_EQ(cache.Text(kListSignature, kSuccessType), success);
+    EXPECT_EQ(cache.Text(kListSignature, kFailureType), failure);
 }
 
 class CustomMessagesInTheListTest : public NotificationListTest {

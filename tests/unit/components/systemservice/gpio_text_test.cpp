@@ -63,7 +63,7 @@ class GpioTextTest : public testing::Test {
                 Given(call).Writes(Names(pin, "other state", state));
             }
         }
-        return ReadGpioText(change.type);
+        return ReadGpioText(kListSignature, change.type);
     }
 };
 
@@ -81,7 +81,7 @@ TEST_F(GpioTextTest, NamesOfOneReadingAreNotThoseOfTheNext) {
         recording::Reset();
         Given(kPin1Call);
         Given(kPin2Call);
-        EXPECT_EQ(ReadGpioText(change.type), change.nothingNamed);
+        EXPECT_EQ(ReadGpioText(kListSignature, change.type), change.nothingNamed);
     }
 }
 
@@ -122,7 +122,7 @@ TEST_F(GpioTextTest, BothPinsAreReadInOrderWhateverTheType) {
         recording::Reset();
         Given(kPin1Call);
         Given(kPin2Call);
-        ReadGpioText(type);
+        ReadGpioText(kListSignature, type);
         EXPECT_EQ(TranscriptText(), Steps({kPin1Call + "()", kPin2Call + "()"})) << type;
     }
 }
@@ -133,7 +133,7 @@ TEST_F(GpioTextTest, OtherTypesHaveNoText) {
     for (const std::string type :
          {"dataOff", "", "gpiopin1statechangetolow", "gpioPin1StateChangeToLow ",
           "gpioPin1StateChangeTo", "gpioPin3StateChangeToLow"}) {
-        EXPECT_EQ(ReadGpioText(type), "") << type;
+        EXPECT_EQ(ReadGpioText(kListSignature, type), "") << type;
     }
 }
 

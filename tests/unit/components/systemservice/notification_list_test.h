@@ -14,8 +14,10 @@
 #include "tests/support/transcript.h"
 #include "tests/support/translations.h"
 
-inline const std::string kGetList =
-    " - PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT&)";
+/// The function in whose name everything logs that takes part in listing the notifications.
+inline constexpr const char* kListSignature =
+    "PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT&)";
+inline const std::string kGetList = std::string(" - ") + kListSignature;
 inline const std::string kGetLink =
     " - void SystemServiceComponent::GetSupplementaryTextForNotification(const string&, "
     "std::__cxx11::string&)";
