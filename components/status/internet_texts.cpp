@@ -1,9 +1,8 @@
 #include "components/status/internet_texts.h"
 
-#include "components/status/status_texts.h"
 #include "components/status/subscriber_cache.h"
-#include "components/status/value_text.h"
 #include "framework/text_domain.h"
+#include "framework/value_text.h"
 #include "platform/sysint.h"
 
 namespace {
@@ -62,7 +61,7 @@ int GetTechnologyText(std::int32_t technology, std::string& text, std::int32_t f
     if (technology == SYS_TECHNOLOGY_5G) {
         text.clear();
         (void)FindText(kFiveGTexts, fiveGType, text);
-        return kStatusTextSet;
+        return kTextSet;
     }
     return FindText(kTechnologyTexts, technology, text);
 }
@@ -105,5 +104,5 @@ int GetPreferredNetworkText(std::int32_t enabledTechnologies, std::string& text)
             break;
     }
     text = Translated(id);
-    return kStatusTextSet;
+    return kTextSet;
 }

@@ -19,5 +19,5 @@ int GetTrafficStatusText(std::int32_t trafficStatus, std::string& text);
 int GetAirplaneModeText(std::int32_t radioEnabled, std::string& text);
 
 /// Translated name of the preferred network for a set of enabled radio technologies; always
-/// kStatusTextSet.
+/// kTextSet.
 int GetPreferredNetworkText(std::int32_t enabledTechnologies, std::string& text);

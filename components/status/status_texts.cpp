@@ -1,6 +1,6 @@
 #include "components/status/status_texts.h"
 
-#include "components/status/value_text.h"
+#include "framework/value_text.h"
 #include "platform/sysint.h"
 
 namespace {
@@ -61,13 +61,13 @@ int GetConnectionStateText(std::int32_t serviceStatus, std::int32_t dataConnecti
             } else if (dataConnectionStatus == SYS_DATA_CONNECTION_READY) {
                 text = "Account restricted (PCO 2) Disconnected";
             }
-            return kStatusTextSet;
+            return kTextSet;
         case SYS_ACCOUNT_OUT_OF_CREDIT:
             text = "Account out of credit (PCO 3)";
-            return kStatusTextSet;
+            return kTextSet;
         case SYS_ACCOUNT_NOT_ACTIVE:
             text = "Account not active (PCO 5)";
-            return kStatusTextSet;
+            return kTextSet;
         default:
             break;
     }
@@ -75,15 +75,15 @@ int GetConnectionStateText(std::int32_t serviceStatus, std::int32_t dataConnecti
         case SYS_SERVICE_NONE:
             text = dataConnectionStatus == SYS_DATA_CONNECTION_INITIALIZING ? "Initializing"
                                                                             : "No Service";
-            return kStatusTextSet;
+            return kTextSet;
         case SYS_SERVICE_SEARCHING:
             text = "Searching";
-            return kStatusTextSet;
+            return kTextSet;
         case SYS_SERVICE_AVAILABLE:
             (void)GetDataConnectionStatusText(dataConnectionStatus, text);
-            return kStatusTextSet;
+            return kTextSet;
         default:
-            return kStatusTextNone;
+            return kTextNone;
     }
 }
 

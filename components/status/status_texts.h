@@ -1,12 +1,9 @@
-// Texts of the status data set for values of the platform. Each function returns kStatusTextSet, or
-// kStatusTextNone for a value that has no text; the string that it was given then stays as it was.
+// Texts of the status data set for numbers of the platform. Each function returns kTextSet, or
+// kTextNone for a number that has no text, and then leaves the given string as it was.
 #pragma once
 
 #include <cstdint>
 #include <string>
-
-constexpr int kStatusTextSet = 0;
-constexpr int kStatusTextNone = 200;
 
 /// State of the connection as the user sees it, from a sys_service_status_e, a
 /// sys_data_connection_status_e and a sys_account_status_e. What the account forbids comes first,

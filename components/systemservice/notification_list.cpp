@@ -6,13 +6,13 @@
 
 #include "components/notification/message_bus.h"
 #include "components/notification/notification_block.h"
-#include "components/status/value_text.h"
 #include "components/systemservice/gpio_text.h"
 #include "components/systemservice/system_service_component.h"
 #include "framework/attempt.h"
 #include "framework/log.h"
 #include "framework/po_string.h"
 #include "framework/text_domain.h"
+#include "framework/value_text.h"
 #include "platform/fixed_text.h"
 #include "platform/sysint.h"
 

@@ -1,13 +1,11 @@
-#include "components/status/value_text.h"
-
-#include "components/status/status_texts.h"
+#include "framework/value_text.h"
 
 int FindText(std::span<const ValueText> table, std::int32_t value, std::string& text) {
     for (const ValueText& entry : table) {
         if (entry.value == value) {
             text = entry.text;
-            return kStatusTextSet;
+            return kTextSet;
         }
     }
-    return kStatusTextNone;
+    return kTextNone;
 }
