@@ -8,11 +8,13 @@
 #include "framework/log.h"
 #include "framework/text_domain.h"
 #include "platform/language_support.h"
+#include "service/keepalive/keep_alive_handler.h"
 #include "service/main_thread_signals.h"
 #include "service/process.h"
 #include "service/request_loop.h"
 #include "service/signal_handlers.h"
 #include "service/standard_descriptors.h"
+#include "service/termination_handler.h"
 
 int main(int /*argc*/, char** argv) {
     KESTAL_SIGNATURE("int main(int, char**)");

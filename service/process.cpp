@@ -2,6 +2,4 @@
 
 const char* gProgramName = "";
 
-KeepAliveHandler gKeepAliveHandler;
-
 OperationDeadline gOperationDeadline;

@@ -1,15 +1,11 @@
-// What the whole process shares. But for the deadline's own state, it is written before the
-// keep-alive thread starts.
+// What the whole process shares. It is written before the keep-alive thread starts, except for the
+// state of the deadline, which is atomic.
 #pragma once
 
-#include "service/keepalive/keep_alive_handler.h"
 #include "service/operation_deadline.h"
 
 /// Base name of the process's first argument: its name in log lines and for the watchdog.
 extern const char* gProgramName;
 
-/// The process's only keep-alive handler.
-extern KeepAliveHandler gKeepAliveHandler;
-
-/// The deadline of what the main thread does.
+/// The deadline for what the main thread does.
 extern OperationDeadline gOperationDeadline;

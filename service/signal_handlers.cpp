@@ -145,19 +145,6 @@ void deadlineHandler(int /*signo*/) {
     _exit(kStuckExitStatus);
 }
 
-void terminationHandler(int /*signo*/) {
-    if (gExitStatus != 0) {
-        // The keep-alive thread is ending the process.
-        WaitForEnd();
-    }
-    // Held back where the thread waited.
-    LetDeadlineSignalIn();
-    gOperationDeadline.Begin("termination");
-    gKeepAliveHandler.Shutdown();
-    KESTAL_SYSLOG_PLAIN(TORU_DBG_DEBUG, "%s Server Terminating", KESTAL_MODULE);
-    std::exit(0);
-}
-
 }  // namespace
 
 void InstallFatalSignalHandler() {
@@ -182,10 +169,6 @@ void InstallDeadlineHandler(std::chrono::milliseconds limit) {
     Install(DeadlineSignal(), deadlineHandler, SA_ONSTACK | SA_RESTART);
     LetDeadlineSignalIn();
     gOperationDeadline.Watch(limit);
-}
-
-void InstallTerminationHandler() {
-    Install(SIGTERM, terminationHandler, 0);
 }
 
 void EndIfStuck() {

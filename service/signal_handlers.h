@@ -19,10 +19,6 @@ void InstallDeadlineHandler(std::chrono::milliseconds limit);
 /// thread, which has a SignalStack.
 void EndIfStuck();
 
-/// From now on SIGTERM unregisters from the watchdog, stops the keep-alive thread and ends the
-/// process with exit status 0, wherever it is let in. That, too, has the deadline.
-void InstallTerminationHandler();
-
 /// Does not return once the other thread ends the process: the handler of a fatal signal takes the
 /// standard output away, and an answer that lost something by that must not be finished.
 void WaitIfEndingByFatalSignal();

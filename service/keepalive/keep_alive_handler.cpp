@@ -18,6 +18,8 @@ constexpr int kDefaultIntervalSeconds = 60;
 
 }  // namespace
 
+KeepAliveHandler gKeepAliveHandler;
+
 KeepAliveHandler::KeepAliveHandler() : thread(this, kDefaultIntervalSeconds, 0) {}
 
 int KeepAliveHandler::Initialize() {

@@ -31,3 +31,7 @@ class KeepAliveHandler : public MaintenanceThreadCallbackInterface {
     MaintenanceThread thread;
     pid_t parentProcessId = 0;
 };
+
+/// The process's only keep-alive handler. It is constructed before main and lives until the process
+/// has run its exit handlers.
+extern KeepAliveHandler gKeepAliveHandler;

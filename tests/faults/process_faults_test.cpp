@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "declared_calls.h"
+#include "service/keepalive/keep_alive_handler.h"
 #include "service/process.h"
 #include "tests/faults/cases.h"
 #include "tests/faults/expectations.h"

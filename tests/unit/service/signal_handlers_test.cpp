@@ -17,9 +17,11 @@
 #include <thread>
 
 #include "bindings/recording/recording.h"
+#include "service/keepalive/keep_alive_handler.h"
 #include "service/main_thread_signals.h"
 #include "service/process.h"
 #include "service/signal_stack.h"
+#include "service/termination_handler.h"
 
 namespace {
 
