@@ -73,14 +73,14 @@ struct Texts {
     std::string signalBars;
 };
 
-Texts Compute(const char* signature, const Readings& readings) {
+Texts Compute(const char* signature, const Readings& readings, SubscriberCache& subscriber) {
     const sys_cellular_service_stats_t& service = readings.service;
     const sys_cellular_data_connection_stats_t& connection = readings.connection;
     Texts texts;
     texts.network = FixedText(service.networkName);
     (void)GetTechnologyText(service.technology, texts.technology, service.fiveGType);
     KESTAL_DEBUG("wan technology %d", service.technology);
-    (void)GetRoamingText(service.roaming, texts.roaming);
+    (void)GetRoamingText(subscriber, service.roaming, texts.roaming);
     (void)GetTrafficStatusText(connection.trafficStatus, texts.traffic);
     (void)GetAirplaneModeText(readings.radioEnabled, texts.airplaneMode);
     (void)GetFemtoCellText(service.femtoCell, texts.femtoCell);
@@ -121,7 +121,7 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
     KESTAL_BEGIN();
     Readings readings;
     if (Read(signature, isPCOSupported, readings)) {
-        Texts texts = Compute(signature, readings);
+        Texts texts = Compute(signature, readings, subscriber);
         if (readings.accountStatus == SYS_ACCOUNT_OUT_OF_CREDIT ||
             readings.accountStatus == SYS_ACCOUNT_NOT_ACTIVE) {
             std::string text;

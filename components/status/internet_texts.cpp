@@ -1,6 +1,5 @@
 #include "components/status/internet_texts.h"
 
-#include "components/status/subscriber_cache.h"
 #include "framework/text_domain.h"
 #include "framework/value_text.h"
 #include "platform/sysint.h"
@@ -66,9 +65,8 @@ int GetTechnologyText(std::int32_t technology, std::string& text, std::int32_t f
     return FindText(kTechnologyTexts, technology, text);
 }
 
-int GetRoamingText(std::int32_t roamingIndicator, std::string& text) {
-    RefreshSubscriberInfo();
-    SubscriberCache& subscriber = TheSubscriberCache();
+int GetRoamingText(SubscriberCache& subscriber, std::int32_t roamingIndicator, std::string& text) {
+    RefreshSubscriberInfo(subscriber);
     subscriber.RefreshGid();
     if (roamingIndicator == SYS_ROAMING_DOMESTIC &&
         subscriber.Gid() == kGidWithoutDomesticRoaming) {

@@ -1,23 +1,26 @@
-// Texts of the internet group for values of the platform. Return codes as in status_texts.h.
+// Texts of the internet group for numbers of the platform. Each function returns kTextSet, or
+// kTextNone for a number that has no text, and then leaves the given string as it was.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-/// @p technology is a sys_technology_e; for 5G, @p fiveGType is a sys_5g_type_e, and one without a
-/// name gives an empty text.
+#include "components/status/subscriber_cache.h"
+
+/// @p technology is a sys_technology_e. For 5G, the text depends on @p fiveGType, a sys_5g_type_e;
+/// it is empty for a type that has no text.
 int GetTechnologyText(std::int32_t technology, std::string& text, std::int32_t fiveGType);
 
-/// @p roamingIndicator is 0 to 3. Asks for the subscriber first, since one carrier's SIMs roam
-/// nationwide without being told so.
-int GetRoamingText(std::int32_t roamingIndicator, std::string& text);
+/// @p roamingIndicator is a sys_roaming_e. Refreshes @p subscriber first, whatever the indicator:
+/// one carrier does not want domestic roaming to be shown for its SIMs.
+int GetRoamingText(SubscriberCache& subscriber, std::int32_t roamingIndicator, std::string& text);
 
 /// @p trafficStatus is a sys_traffic_status_e.
 int GetTrafficStatusText(std::int32_t trafficStatus, std::string& text);
 
-/// @p radioEnabled is 1 or 0.
+/// @p radioEnabled is 1 with the radio on, 0 in airplane mode.
 int GetAirplaneModeText(std::int32_t radioEnabled, std::string& text);
 
-/// Translated name of the preferred network for a set of enabled radio technologies; always
-/// kTextSet.
+/// Translated name of the preferred network for a bit mask of enabled radio technologies. Always
+/// returns kTextSet.
 int GetPreferredNetworkText(std::int32_t enabledTechnologies, std::string& text);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "components/band/band_combination.h"
+#include "components/status/subscriber_cache.h"
 #include "framework/answer_tree.h"
 #include "framework/page_component.h"
 #include "framework/page_error.h"
@@ -97,4 +98,6 @@ class StatusComponent : public PageComponent {
     bool isOMADMSupported = false;
     bool isDualSIMSupported = false;
     std::unique_ptr<BandCombination> bandCombination;
+    /// For the roaming text.
+    SubscriberCache subscriber;
 };

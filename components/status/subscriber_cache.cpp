@@ -25,18 +25,13 @@ void SubscriberCache::RefreshGid() {
     }
 }
 
-SubscriberCache& TheSubscriberCache() {
-    static SubscriberCache cache;
-    return cache;
-}
-
-int RefreshSubscriberInfo() {
+int RefreshSubscriberInfo(SubscriberCache& cache) {
     KESTAL_SIGNATURE("int RefreshSubscriberInfo()");
     KESTAL_BEGIN();
     sys_subscriber_info_t info{};
     const int result = sys_getSubscriberInfo(&info);
     if (result == SYS_SUCCESS) {
-        TheSubscriberCache().Update(FixedText(info.identity));
+        cache.Update(FixedText(info.identity));
     } else {
         KESTAL_FAILURE(
             "sys_getSubscriberInfo failed, returned error code [%d]. Try sysintcli "

@@ -6,17 +6,18 @@
 
 #include "platform/sysint.h"
 
-/// What the process remembers of the SIM from one request to the next, so that its carrier's group
-/// identifier (GID) is read once per SIM and not once per request.
+/// What the status component, its owner, remembers of the SIM from one request to the next, so that
+/// the group identifier (GID) of the SIM's carrier is read once per SIM and not once per request.
 class SubscriberCache {
   public:
-    /// Remembers the subscriber identity @p identity of a successful reading.
+    /// Remembers @p identity, the subscriber that was successfully read.
     void Update(std::string identity);
 
-    /// Reads the GID when the last Update brought another subscriber, and there is one.
+    /// Reads the GID if the last Update brought another subscriber than the one before it and the
+    /// identity of that subscriber is not empty.
     void RefreshGid();
 
-    /// First byte of the GID that was last read; 0 at first.
+    /// First byte of the GID that was read last; 0 before any was read.
     std::uint8_t Gid() const { return gid[0]; }
 
   private:
@@ -25,9 +26,6 @@ class SubscriberCache {
     std::array<std::uint8_t, SYS_SIM_CARRIER_GID_SIZE> gid{};
 };
 
-/// The process's only subscriber cache.
-SubscriberCache& TheSubscriberCache();
-
-/// Reads the subscriber's identity into the process's cache, which stays as it was when that fails.
-/// Returns the result code of sys_getSubscriberInfo.
-int RefreshSubscriberInfo();
+/// Reads the subscriber's identity into @p cache, which stays as it was if that fails. Returns the
+/// result code of sys_getSubscriberInfo.
+int RefreshSubscriberInfo(SubscriberCache& cache);

@@ -72,8 +72,7 @@ TEST_F(InternetStatusLog, EverythingIsReadThenTheTextsAreMadeThenTheBands) {
 
 TEST_F(InternetStatusLog, TheTechnologyIsLoggedByNumberWhetherItHasATextOrNot) {
     for (const int technology : {-1, 0, 17, 18}) {
-        recording::Reset();
-        TheSubscriberCache() = SubscriberCache();
+        Construct({});
         service.technology = technology;
         EXPECT_EQ(Transcript(),
                   kReadings + Technology(technology) + kSubscriber + kCarrier + kBandTexts + kEnd);

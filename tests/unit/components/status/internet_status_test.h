@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "components/status/subscriber_cache.h"
 #include "platform/sysint.h"
 #include "tests/support/translations.h"
 #include "tests/unit/components/status/status_group_test.h"
@@ -15,7 +14,6 @@ class InternetStatusTest : public StatusGroupTest {
   protected:
     void SetUp() override {
         StatusGroupTest::SetUp();
-        TheSubscriberCache() = SubscriberCache();
         translations::Reset();
         SetText(service.networkName, "Orvane");
         SetText(service.networkId, "311480");

@@ -9,7 +9,6 @@
 #include <string>
 
 #include "bindings/recording/recording.h"
-#include "components/status/subscriber_cache.h"
 #include "platform/sysint.h"
 #include "tests/support/records.h"
 #include "tests/support/translations.h"
@@ -52,39 +51,40 @@ TEST(InternetTexts, AirplaneModeIsOnWhenTheRadioIsOff) {
 
 class RoamingTextTest : public testing::Test {
   protected:
-    void SetUp() override {
-        recording::Reset();
-        TheSubscriberCache() = SubscriberCache();
-    }
+    void SetUp() override { recording::Reset(); }
 
     /// A SIM whose group identifier begins with @p gid.
     static void GivenSim(std::uint8_t gid) {
         recording::Reset();
-        TheSubscriberCache() = SubscriberCache();
         sys_subscriber_info_t info{};
         SetText(info.identity, "310480123456789");
         Given("sys_getSubscriberInfo").Writes(info);
         Given("sys_getSIMCarrierGID").Writes(gid).Writes<std::uint8_t>(1);
+    }
+
+    /// The roaming texts of a device that has just started are those of @p texts.
+    static void ExpectRoamingTexts(const std::map<std::int32_t, std::string>& texts) {
+        SubscriberCache cache;
+        ExpectStatusTexts([&](std::int32_t indicator,
+                              std::string& text) { return GetRoamingText(cache, indicator, text); },
+                          texts);
     }
 };
 
 TEST_F(RoamingTextTest, EveryIndicatorHasItsTextForMostSims) {
     for (const int gid : {0, 1, 3, 127, 128, 254, 255}) {
         GivenSim(static_cast<std::uint8_t>(gid));
-        ExpectStatusTexts(GetRoamingText,
-                          {{0, "None"}, {1, "Domestic"}, {2, "International"}, {3, "Flash"}});
+        ExpectRoamingTexts({{0, "None"}, {1, "Domestic"}, {2, "International"}, {3, "Flash"}});
     }
 }
 
 TEST_F(RoamingTextTest, SimWhoseGidByteIsTwoDoesNotRoamAtHome) {
     GivenSim(2);
-    ExpectStatusTexts(GetRoamingText,
-                      {{0, "None"}, {1, "None"}, {2, "International"}, {3, "Flash"}});
+    ExpectRoamingTexts({{0, "None"}, {1, "None"}, {2, "International"}, {3, "Flash"}});
 }
 
 TEST_F(RoamingTextTest, WithoutSubscriberEveryIndicatorHasItsText) {
-    ExpectStatusTexts(GetRoamingText,
-                      {{0, "None"}, {1, "Domestic"}, {2, "International"}, {3, "Flash"}});
+    ExpectRoamingTexts({{0, "None"}, {1, "Domestic"}, {2, "International"}, {3, "Flash"}});
     EXPECT_EQ(recording::CallCount("sys_getSIMCarrierGID"), 0U);
 }
 

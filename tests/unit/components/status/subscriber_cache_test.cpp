@@ -29,10 +29,7 @@ const std::string kGid = " - void GetSIMCarrierGID(uint8_t*, uint8_t*, uint8_t)"
 
 class SubscriberCacheTest : public testing::Test {
   protected:
-    void SetUp() override {
-        recording::Reset();
-        TheSubscriberCache() = SubscriberCache();
-    }
+    void SetUp() override { recording::Reset(); }
 
     static void GivenIdentity(const std::string& identity) {
         sys_subscriber_info_t info{};
@@ -45,23 +42,25 @@ class SubscriberCacheTest : public testing::Test {
     }
 
     /// The roaming text of one request.
-    static std::string Domestic() {
+    std::string Domestic() {
         std::string text;
-        EXPECT_EQ(GetRoamingText(kDomestic, text), 0);
+        EXPECT_EQ(GetRoamingText(cache, kDomestic, text), 0);
         return text;
     }
+
+    SubscriberCache cache;
 };
 
 TEST_F(SubscriberCacheTest, RefreshReturnsTheResultAndIsLogged) {
     GivenIdentity("310480123456789");
-    EXPECT_EQ(RefreshSubscriberInfo(), SYS_SUCCESS);
+    EXPECT_EQ(RefreshSubscriberInfo(cache), SYS_SUCCESS);
     EXPECT_EQ(TranscriptText(), Steps({Log(7, kRefresh + " - BEGIN"), "sys_getSubscriberInfo()",
                                        Log(7, kRefresh + " - END returning 0")}));
 }
 
 TEST_F(SubscriberCacheTest, FailedRefreshReturnsTheCodeAndIsLogged) {
     Given("sys_getSubscriberInfo").Returns(41);
-    EXPECT_EQ(RefreshSubscriberInfo(), 41);
+    EXPECT_EQ(RefreshSubscriberInfo(cache), 41);
     EXPECT_EQ(
         TranscriptText(),
         Steps({Log(7, kRefresh + " - BEGIN"), "sys_getSubscriberInfo()",
@@ -113,10 +112,10 @@ TEST_F(SubscriberCacheTest, EveryIndicatorCountsAsARequest) {
     GivenIdentity("310480123456789");
     GivenGid(2);
     std::string text = "untouched";
-    EXPECT_EQ(GetRoamingText(99, text), 200);
+    EXPECT_EQ(GetRoamingText(cache, 99, text), 200);
     EXPECT_EQ(text, "untouched");
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 1U);
-    EXPECT_EQ(TheSubscriberCache().Gid(), 2);
+    EXPECT_EQ(cache.Gid(), 2);
 }
 
 TEST_F(SubscriberCacheTest, FailedRefreshBehindAChangeReadsTheGidAgain) {
@@ -232,15 +231,6 @@ TEST_F(SubscriberCacheTest, WhatStandsBehindTheTerminatorDoesNotCount) {
     Domestic();
     Domestic();
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 1U);
-}
-
-TEST_F(SubscriberCacheTest, CachesAreIndependentOfEachOther) {
-    GivenGid(2);
-    SubscriberCache cache;
-    cache.Update("310480123456789");
-    cache.RefreshGid();
-    EXPECT_EQ(cache.Gid(), 2);
-    EXPECT_EQ(TheSubscriberCache().Gid(), 0);
 }
 
 }  // namespace
