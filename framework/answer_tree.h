@@ -1,5 +1,6 @@
-// The tree that an answer is built in and the function that turns it into JSON. Everything includes
-// CTPP2 from here: its utility header must not be included twice.
+// The tree in which an answer is built, and the function that turns it into JSON. Every file
+// includes CTPP2 through this one, because the utility header of the installed library has no
+// include guard.
 #pragma once
 
 #include <ctpp2/CDT.hpp>

@@ -13,14 +13,15 @@
 
 namespace {
 
-/// No device has more features or configurations than that.
+/// More features or configurations than any device has.
 constexpr std::size_t kUsualRecords = 10000;
 
-/// The list calls of the web UI configuration library are made twice: for the count, then with a
-/// buffer. Calls @p logCount between the two and @p store for every record that was read, never for
-/// more than there was room for. Returns the status of the last call; a reading that is cut short
-/// by something thrown, or because there is no memory for a list of usual length, sets @p cutShort
-/// and is logged as a failure of @p name by the function with @p signature.
+/// Reads a list of the web UI configuration library. Its list calls are made twice: first for the
+/// count, then with a buffer of so many records. Calls @p logCount between the two and @p store for
+/// each record that was read, at most for as many as the buffer holds. Returns the status of the
+/// last call. If something is thrown, or there is no memory for a list of a usual length, sets
+/// @p cutShort, logs a failure of @p name in the name of the function with @p signature and returns
+/// WEBUI_BUFFER_NEEDED.
 template <typename Record, typename Call, typename LogCount, typename Store>
 int ReadRecords(const char* signature, const char* name, bool& cutShort, Call call,
                 LogCount logCount, Store store) {
@@ -33,12 +34,12 @@ int ReadRecords(const char* signature, const char* name, bool& cutShort, Call ca
         }
         logCount(count);
         const int room = std::max(count, 0);
-        // One record at least: a missing buffer would ask for the size again.
+        // At least one record, because a call without a buffer would ask for the count again.
         const auto length = static_cast<std::size_t>(std::max(room, 1));
         const auto buffer = NothrowArray<Record>(length);
         if (buffer == nullptr) {
-            // The records are read once per process: where a list of this size is only short of
-            // memory at the moment, the next request tries again.
+            // A list of a usual length does not fit only because memory is short at the moment: the
+            // next request tries again. A longer one would not fit then either.
             if (length <= kUsualRecords) {
                 throw std::bad_alloc();
             }

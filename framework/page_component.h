@@ -8,40 +8,48 @@
 #include "framework/answer_tree.h"
 #include "framework/page_error.h"
 
-/// Base of every component that answers a page or an API of the web UI: its identity, the device's
-/// feature switches and configuration values for it, and operations with harmless defaults.
+/// Base of every component that answers a page or an API of the web UI. It holds the name of the
+/// component's application and the features and configurations that the device has for it, and
+/// declares operations whose defaults do nothing. Components outside this service have the same
+/// base; for them, the order of its members and virtual operations is fixed, and some of these have
+/// no use here.
 class PageComponent {
   public:
     PageComponent() = default;
     PageComponent(const PageComponent&) = delete;
     PageComponent& operator=(const PageComponent&) = delete;
 
-    // The order of the virtual operations is part of the interface of the component family.
+    // The order of these operations is fixed. Hook0, Hook2, Hook3 and Hook5 hold positions in the
+    // virtual table that only components outside this service use: nothing here calls or overrides
+    // them.
 
     virtual int Hook0(CTPP::CDT& out, const CTPP::CDT& in);
+    /// Answers a read operation, the request @p in.
     virtual PageError GetDynamicData(CTPP::CDT& out, const CTPP::CDT& in);
     virtual int Hook2(CTPP::CDT& out, const CTPP::CDT& in);
     virtual void Hook3(CTPP::CDT& out, const CTPP::CDT& in);
-    /// Returns the number of validation errors in @p in.
+    /// Checks a write operation, the request @p in. Returns the number of errors in it.
     virtual int ValidateFormData(const CTPP::CDT& in, CTPP::CDT& out);
     virtual int Hook5(CTPP::CDT& out, const CTPP::CDT& in, CTPP::CDT& errors);
+    /// Performs a write operation, the request @p in.
     virtual PageError StoreData(const CTPP::CDT& in, CTPP::CDT& out);
     virtual ~PageComponent() = default;
 
     /// Loads features, configurations and the address of the help page of the application
-    /// @p applicationName; an empty name loads only what is device-wide. Failures are logged, and
-    /// what could be loaded stays loaded.
+    /// @p applicationName; with an empty name, only those that are device-wide. Failures are
+    /// logged, and what could be loaded stays loaded.
     void Init(std::string applicationName);
 
-    /// Whether the last Init lacked memory, or was thrown something, and another may load more.
+    /// Whether the last Init ran out of memory or caught an exception, so that a further Init may
+    /// load more.
     bool WasCutShort() const { return cutShort; }
 
-    /// Fills `features`: name to integer, 0 to 255. Returns the last status of the web UI
-    /// configuration library, WEBUI_SUCCESS when all went well; WEBUI_BUFFER_NEEDED stands for a
-    /// lack of memory, too.
+    /// Fills `features`: name to integer, 0 to 255. Returns the status of the last call of the web
+    /// UI configuration library, WEBUI_SUCCESS if it succeeded, or WEBUI_BUFFER_NEEDED if there was
+    /// no memory for a list.
     int GetFeatures();
 
-    /// Fills `configurations`: name to text. Returns as GetFeatures.
+    /// Fills `configurations`: name to text. Returns the same as GetFeatures.
     int GetConfigurations();
 
     /// Friendly address of the page @p uriId; empty when it is unknown.
@@ -50,18 +58,18 @@ class PageComponent {
     /// Friendly address of the external page @p uriId; empty when it is unknown.
     std::string GetExternalURI(const char* uriId) const;
 
-    /// Number in the configuration value @p name (0 when it is no number); nothing when the value
-    /// was not loaded.
+    /// The configuration value @p name as a number, 0 if its text is no number; nothing if the
+    /// value was not loaded.
     std::optional<INT_64> ConfigurationNumber(const std::string& name) const;
 
-    /// Stores the translation of @p value under @p key of @p tree; the value itself when the
-    /// catalogue has none.
+    /// Stores the translation of @p value under @p key of @p tree, or the value itself if the
+    /// catalogue has no translation.
     static void SetData(CTPP::CDT& tree, const std::string& key, const std::string& value);
-    /// The same; null is the empty text.
+    /// The same; a null pointer counts as the empty text.
     static void SetData(CTPP::CDT& tree, const std::string& key, const char* value);
-    /// The same for the decimal text of @p value, which goes through the catalogue as well.
+    /// The same for the decimal text of @p value, which is looked up in the catalogue as well.
     static void SetData(CTPP::CDT& tree, const std::string& key, int value);
-    /// Stores 1 or 0.
+    /// Stores the integer 1 for true, 0 for false.
     static void SetData(CTPP::CDT& tree, const std::string& key, bool value);
 
     /// Whether @p text is "true", "on" or "1" and not "false", "off" or "0". Any other text is
@@ -79,6 +87,7 @@ class PageComponent {
 
   protected:
     std::string appName;
+    /// Part of the layout, as fieldMap.
     std::uint32_t reserved[2] = {0, 0};
     /// Non-zero: GetConfigurations also loads the device-wide configurations.
     std::uint32_t useCommonConfigurations = 0;
@@ -87,7 +96,8 @@ class PageComponent {
     std::string helpUri;
     CTPP::CDT features;
     CTPP::CDT configurations;
-    /// For other components of the family; not used in this service.
+    /// Other components of the family use it. It stays, unused in this service, because it is part
+    /// of the layout of this class.
     std::map<std::string, int> fieldMap;
 
   private:

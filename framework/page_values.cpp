@@ -37,7 +37,7 @@ bool PageComponent::IsTrue(const std::string& text, bool defaultValue) {
     return defaultValue;
 }
 
-// The components of the family call it with texts by value.
+// Other components of the family call it with this signature, which takes the texts by value.
 // cppcheck-suppress passedByValue
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 PageError PageComponent::nativeChecker(int result, std::string callName, std::string /*hint*/) {

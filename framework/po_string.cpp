@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Replaces every @p placeholder in @p text; returns whether there was one. The result is built
-/// aside, so that a text with many placeholders is not moved for each of them.
+/// Replaces every @p placeholder in @p text; returns whether there was one. The result is built in
+/// a second string, so that the rest of the text is not moved once per placeholder.
 bool ReplaceAll(std::string& text, const std::string& placeholder, std::string_view argument) {
     std::size_t found = text.find(placeholder);
     if (found == std::string::npos) {

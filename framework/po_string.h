@@ -5,12 +5,12 @@
 #include <string>
 
 /// Replaces %1 in @p text by the first of @p arguments, then %2 by the second and so on up to
-/// @p count, as far as there are arguments; a null argument counts as an empty one. What has been
-/// inserted is not searched for its own placeholder again, but for those that follow. There is no
-/// way to write a literal "%1". Returns a copy of @p text.
+/// @p count, as far as there are arguments; a null argument counts as an empty one. An inserted
+/// argument is searched for the placeholders that are replaced after its own, but not for its own
+/// or earlier ones. There is no way to write a literal "%1". Returns a copy of the changed @p text.
 std::string FormatPoString(int count, std::string& text, std::span<const char* const> arguments);
 
-/// The same with the arguments, terminated texts, one by one.
+/// The same with each argument, a terminated text, given separately.
 template <typename... Arguments>
 std::string FormatPoString(int count, std::string& text, const Arguments*... arguments) {
     const char* const list[] = {arguments..., nullptr};

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-/// Text of a fixed-size field of a platform record: up to its terminator or, without one, to the
+/// Text of a fixed-size field of a platform record: up to its terminator or, if it has none, to the
 /// end of the field.
 template <std::size_t Size>
 std::string FixedText(const char (&field)[Size]) {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Makes @p json valid UTF-8. Names of networks, clients and messages come from outside as any
-/// bytes, and the tree writes them as they are; a reader of JSON refuses the whole answer for one
-/// wrong byte. Each sequence that is no UTF-8 becomes U+FFFD, valid text stays as it is. Returns
-/// whether there was anything to replace.
+/// Makes @p json valid UTF-8: replaces each invalid sequence by U+FFFD and leaves valid text as it
+/// is. Names of networks, clients and messages come from outside and may hold any bytes, which the
+/// answer tree writes unchanged; one invalid byte would make a JSON parser reject the whole answer.
+/// Returns whether anything was replaced.
 bool ReplaceInvalidUtf8(std::string& json);

@@ -17,11 +17,11 @@ namespace {
 
 constexpr const char* kSessionCookie = "torusess";
 
-/// The service only asks for the session.
+/// The mode of a caller that only asks for a session (see AuthSession::Init).
 constexpr int kSessionMode = 2;
 
-/// No operation has a body. cgicc makes room for a whole one before it looks at it, so an absurd
-/// length must not reach it.
+/// No operation reads a body. But cgicc allocates memory for as many bytes as a request announces
+/// before it reads them, so a request that announces an absurd number must not reach it.
 constexpr std::uint32_t kMaxBodySize = 1024 * 1024;
 
 bool HasAcceptableBody(const char* signature, const FCGX_Request& request) {

@@ -19,11 +19,13 @@
 int main(int /*argc*/, char** argv) {
     KESTAL_SIGNATURE("int main(int, char**)");
     int result = 0;
-    // Before anything opens a descriptor.
+    // First, because whatever opens a descriptor before could get the number of a standard one.
     OpenClosedStandardDescriptors();
-    // Before any thread starts: one that took a termination would wait for its own end.
-    HoldBackMainThreadSignals();
-    // A log that has reached its size limit loses lines; it must not end the service.
+    // Before any thread starts, because threads inherit the mask: if the keep-alive thread took
+    // SIGTERM, the handler would join that thread, that is, wait for itself for ever.
+    BlockMainThreadSignals();
+    // When a log file reaches the size limit of the process, lines are lost. By default, SIGXFSZ
+    // would end the service.
     (void)std::signal(SIGXFSZ, SIG_IGN);
     gProgramName = basename(argv[0]);
     toru_dbg_start(gProgramName);
@@ -37,13 +39,13 @@ int main(int /*argc*/, char** argv) {
     });
     gKeepAliveHandler.Initialize();
     gKeepAliveHandler.Run();
-    // Only now, so that a termination always finds something to unregister.
+    // Only now, so that the process is registered whenever the handler unregisters it.
     InstallTerminationHandler();
     result = fastcgi_main_loop();
     gOperationDeadline.Begin("end of the process");
     gKeepAliveHandler.Shutdown();
     KESTAL_SYSLOG_PLAIN(TORU_DBG_NOTICE, "%s Server Terminating.", KESTAL_MODULE);
     toru_dbg_stop();
-    // The deadline still holds: the libraries' exit handlers come next.
+    // The operation is not ended: its deadline also holds for the exit handlers of the libraries.
     return result;
 }

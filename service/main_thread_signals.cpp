@@ -15,7 +15,7 @@ sigset_t MainThreadSignals() {
     return signals;
 }
 
-void HoldBackMainThreadSignals() {
+void BlockMainThreadSignals() {
     const sigset_t signals = MainThreadSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
@@ -32,7 +32,7 @@ bool IsMainThreadSignalPending() {
     return false;
 }
 
-sigset_t MaskLettingMainThreadSignalsIn() {
+sigset_t WaitingSignalMask() {
     sigset_t mask;
     pthread_sigmask(SIG_BLOCK, nullptr, &mask);
     for (const int signo : kMainThreadSignals) {
@@ -47,7 +47,7 @@ int DeadlineSignal() {
     return SIGRTMIN + kNumber;
 }
 
-void LetDeadlineSignalIn() {
+void UnblockDeadlineSignal() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, DeadlineSignal());

@@ -12,19 +12,19 @@
 #include "framework/log.h"
 #include "service/main_thread_signals.h"
 
-// Some C libraries do not name the member.
+// Some C libraries have the member of sigevent, but not its documented name.
 #ifndef sigev_notify_thread_id
 #define sigev_notify_thread_id _sigev_un._tid
 #endif
 
 namespace {
 
-/// What the web server's launcher takes, too, when it is told nothing.
+/// The same default as in deploy/kestal-server, which starts the web server.
 constexpr int kDefaultTimeoutSeconds = 10;
-constexpr int kTimeouts = 3;
+constexpr int kLimitInTimeouts = 3;
 
-/// Part of the limit that an operation may take beyond it.
-constexpr int kSlack = 16;
+/// The timer may expire later than the limit by the limit divided by this number.
+constexpr int kSlackDivisor = 16;
 
 timespec ToTimespec(std::chrono::nanoseconds duration) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(duration);
@@ -42,13 +42,13 @@ std::chrono::seconds OperationLimit() {
     const std::string_view text = given == nullptr ? "" : given;
     int timeout = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), timeout);
-    // What the launcher allows at most.
+    // The largest number that deploy/kestal-server accepts.
     constexpr int kMaxTimeout = 600;
     if (error != std::errc() || end != text.data() + text.size() || timeout < 1 ||
         timeout > kMaxTimeout) {
         timeout = kDefaultTimeoutSeconds;
     }
-    return std::chrono::seconds(kTimeouts * timeout);
+    return std::chrono::seconds(kLimitInTimeouts * timeout);
 }
 
 void OperationDeadline::Watch(std::chrono::milliseconds newLimit) {
@@ -63,7 +63,7 @@ void OperationDeadline::Watch(std::chrono::milliseconds newLimit) {
     hasTimer = hasTimer || timer_create(CLOCK_MONOTONIC, &event, &timer) == 0;
     if (!hasTimer) {
         const int error = errno;
-        // The keep-alives still end with an operation that does not.
+        // Without the timer, the deadline still stops the keep-alive messages of a stuck process.
         KESTAL_FAILURE("timer_create failed, returned error code [%d]", error);
     }
 }
@@ -85,7 +85,7 @@ void OperationDeadline::Begin(const char* name) {
 }
 
 bool OperationDeadline::IsLongPassed() const {
-    // Once for the timer, once more for the signal to be taken on a busy device.
+    // One slack for the timer to expire, one more for a busy device to deliver the signal.
     return IsPassedBy(2 * Slack());
 }
 
@@ -96,5 +96,5 @@ bool OperationDeadline::IsPassedBy(Clock::duration time) const {
 }
 
 OperationDeadline::Clock::duration OperationDeadline::Slack() const {
-    return Clock::duration(limit) / kSlack;
+    return Clock::duration(limit) / kSlackDivisor;
 }

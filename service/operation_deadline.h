@@ -1,51 +1,56 @@
+// When the main thread counts as stuck: its start, each request and its end have to be over within
+// a limit. Then DeadlineSignal() interrupts it, and the handler in signal_handlers.h ends the
+// process.
 #pragma once
 
 #include <atomic>
 #include <chrono>
 #include <ctime>
 
-/// How long an operation may take: three times what the web server waits for an answer, which is
-/// KESTAL_TIMEOUT seconds. By then its caller has had an error for long: the web server looks at
-/// its own limit only now and then.
+/// How long an operation may take: three times as long as the web server waits for an answer, which
+/// is KESTAL_TIMEOUT seconds. The web server checks its own limit only from time to time; after
+/// three times that limit, it has certainly sent the client an error.
 std::chrono::seconds OperationLimit();
 
-/// Tells when the main thread, at its start, in a request or at its end, is stuck in a call that
-/// does not come back. An operation costs a look at the clock; the timer behind it is only set when
-/// that was some time ago, and left alone at the end.
+/// The deadline of what the main thread is doing: the start of the process, a request or the end of
+/// the process. To keep operations cheap, each one only reads the clock. The timer that sends the
+/// signal is set again only if it was set some time ago, and is not stopped when an operation ends.
 class OperationDeadline {
   public:
-    /// From now on a limit holds. The calling thread, the main thread, gets DeadlineSignal() when
-    /// an operation has passed it by at most one sixteenth. It may get one without any operation.
+    /// Sets the limit. From now on the calling thread, the main thread, gets DeadlineSignal() at
+    /// most one sixteenth of the limit after an operation has passed it. It may get the signal when
+    /// no operation has passed its limit, because the timer of an earlier operation keeps running.
     void Watch(std::chrono::milliseconds newLimit);
 
-    /// An operation begins with its step @p name, a literal.
+    /// Begins an operation. Its first step is @p name, a literal.
     void Begin(const char* name);
 
-    /// The next step of the operation begins.
+    /// Begins the next step of the operation, @p name, a literal.
     void Enter(const char* name) { step.store(name, std::memory_order_relaxed); }
 
-    /// The operation has ended.
+    /// Ends the operation.
     void End() { end.store(kNever, std::memory_order_relaxed); }
 
-    /// Whether an operation is under way that has passed its limit. For any thread.
+    /// Whether an operation is in progress that has passed its limit. Any thread may ask.
     bool IsPassed() const { return IsPassedBy(Clock::duration(0)); }
 
-    /// The same, and so long ago that DeadlineSignal() would have ended the process if the main
-    /// thread took it. For any thread.
+    /// Whether it has passed its limit so long ago that DeadlineSignal() would have ended the
+    /// process unless the main thread blocks the signal. Any thread may ask.
     bool IsLongPassed() const;
 
-    /// The step that has begun last.
+    /// The step that was begun last.
     const char* Step() const { return step.load(std::memory_order_relaxed); }
 
     std::chrono::milliseconds Limit() const { return limit; }
 
   private:
-    /// Stands still while the device sleeps, which is no fault of the operation.
+    /// This clock stops while the device is suspended, so that a suspended operation does not pass
+    /// its deadline.
     using Clock = std::chrono::steady_clock;
 
     bool IsPassedBy(Clock::duration time) const;
 
-    /// How much later than the limit the timer may expire.
+    /// How much later than the limit the timer may expire, at most.
     Clock::duration Slack() const;
 
     static constexpr Clock::rep kNever = 0;
@@ -56,7 +61,7 @@ class OperationDeadline {
     std::chrono::milliseconds limit{0};
     timer_t timer{};
     bool hasTimer = false;
-    /// An operation that begins before then is sure to have passed its limit when the timer
-    /// expires.
+    /// Until then the timer need not be set again: when it expires, an operation that began before
+    /// then has passed its limit.
     Clock::duration setAgainAt{0};
 };

@@ -23,24 +23,24 @@ bool Listens(int descriptor) {
 RequestAcceptor::RequestAcceptor(FCGX_Request& fcgiRequest)
     : request(fcgiRequest),
       listens(Listens(request.listen_sock)),
-      waitingMask(MaskLettingMainThreadSignalsIn()) {
+      waitingMask(WaitingSignalMask()) {
     if (listens) {
-        // libfcgi drops a connection that brings no request and goes on accepting: without this it
-        // would wait there, deaf to signals.
+        // libfcgi drops a connection that brings no request and accepts the next one. On a blocking
+        // socket it would wait there, where the signals are blocked.
         fcntl(request.listen_sock, F_SETFL, fcntl(request.listen_sock, F_GETFL) | O_NONBLOCK);
     }
 }
 
 int RequestAcceptor::Accept() {
     for (;;) {
-        // A process that waits is stuck in nothing.
+        // Waiting for a request is no operation: it has no deadline.
         gOperationDeadline.End();
-        // Where the web server has given no socket that listens, accepting fails at once.
+        // If the web server has not passed a listening socket, accepting fails immediately.
         const bool signalled = listens && !Wait();
         gOperationDeadline.Begin("request (receipt)");
         if (signalled && request.ipcFd >= 0) {
-            // A signal ends the waiting on a connection that the web server keeps open; libfcgi
-            // would read from it and look at nothing else.
+            // A signal was handled while the web server kept the last connection open. libfcgi
+            // would now block in reading from that connection, so it is closed.
             FCGX_Free(&request, 1);
         }
         errno = 0;
@@ -49,7 +49,7 @@ int RequestAcceptor::Accept() {
             return result;
         }
         if (result != -EAGAIN) {
-            // No request comes any more. What was built for them is taken down next.
+            // There are no more requests. The caller destroys next what it had for them.
             gOperationDeadline.Begin("end of the process");
             return result;
         }
@@ -57,12 +57,13 @@ int RequestAcceptor::Accept() {
 }
 
 bool RequestAcceptor::Wait() const {
-    // ppoll lets no signal in while requests keep coming.
+    // ppoll returns without delivering a pending signal if a request is waiting already. Under
+    // constant load, SIGTERM would never be handled.
     if (IsMainThreadSignalPending()) {
         sigsuspend(&waitingMask);
         return false;
     }
-    // A connection that the web server keeps open comes before new ones.
+    // If the web server keeps the last connection open, the next request comes on it.
     pollfd source{};
     source.fd = request.ipcFd >= 0 ? request.ipcFd : request.listen_sock;
     source.events = POLLIN;

@@ -4,17 +4,17 @@
 
 #include <csignal>
 
-/// FCGX_Accept_r in which a termination can be answered at any time: until a request comes in, and
-/// only then, the signals of MainThreadSignals() are let in.
+/// Accepts requests with FCGX_Accept_r so that SIGTERM is handled while no request is in progress:
+/// only while it waits for a request, the signals of MainThreadSignals() are unblocked.
 class RequestAcceptor {
   public:
     /// @p fcgiRequest is initialised and outlives the acceptor. The calling thread is the one that
-    /// accepts; it holds those signals back already.
+    /// will accept; it has those signals blocked.
     explicit RequestAcceptor(FCGX_Request& fcgiRequest);
 
-    /// Waits for the next request. Returns what FCGX_Accept_r returns. Ends the operation before;
-    /// the request's deadline runs from when its connection is there, and that of the end of the
-    /// process from when no request comes any more.
+    /// Waits for the next request and returns what FCGX_Accept_r returns. The wait has no deadline:
+    /// this ends the operation that was in progress, and begins the next one when a connection is
+    /// there (the request), or when no more requests come (the end of the process).
     int Accept();
 
   private:
@@ -22,8 +22,8 @@ class RequestAcceptor {
     bool Wait() const;
 
     FCGX_Request& request;
-    /// Whether connections can come; nothing else is worth waiting for.
+    /// Whether the socket listens. If not, no request can come and there is nothing to wait for.
     bool listens;
-    /// The thread's mask while it waits.
+    /// The signal mask of the thread while it waits.
     sigset_t waitingMask;
 };

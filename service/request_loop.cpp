@@ -21,8 +21,10 @@ namespace {
 
 constexpr const char* kDefaultLanguage = "en_US";
 
-/// Attempts one step of the loop. @p name, a literal, tells it from the others, both in the log and
-/// in the message of a process that is stuck.
+/// Runs one step of the loop. Each step is attempted on its own, so that one that throws, most
+/// likely for lack of memory, costs its part of the answer but neither the request nor the process.
+/// @p name, a literal, tells it from the other steps, both in the log and in the message of a
+/// process that is stuck.
 template <typename Step>
 bool AttemptStep(const char* signature, const char* name, Step step) {
     gOperationDeadline.Enter(name);
@@ -69,7 +71,8 @@ std::string Json(const char* signature, const CTPP::CDT& answer) {
     return json;
 }
 
-/// Ready-made answers for when memory does not suffice to build one.
+/// Answers that are sent when there is not enough memory to build one. They are made at the start
+/// of the process.
 const std::string kLoggedInAnswer = R"({"loginStatus":1})";
 const std::string kNotLoggedInAnswer = R"({"loginStatus":0})";
 const std::string kDisabledAnswer = "WebUI feature disabled";
@@ -83,7 +86,7 @@ void AnswerEnabled(const char* signature, const FCGX_Request& request,
     AttemptStep(signature, OperationStep(api), [&] { component.Dispatch(answer, api); });
     std::string json;
     const bool complete = AttemptStep(signature, "request (JSON)", [&] {
-        // Once more, in case there was no memory for it before.
+        // Set again, in case there was no memory for it the first time.
         answer["loginStatus"] = loginStatus;
         json = Json(signature, answer);
     });
@@ -117,7 +120,7 @@ void ServeRequest(const char* signature, FCGX_Request& request, SystemServiceCom
     }
     AttemptStep(signature, "request (end of the SDK)", [] { UninitializeSysinterface(); });
     KESTAL_DEBUG("End %s request", KESTAL_MODULE);
-    WaitIfEndingByFatalSignal();
+    WaitIfProcessIsEnding();
     gOperationDeadline.Enter("request (end)");
     FCGX_Finish_r(&request);
 }
@@ -134,7 +137,7 @@ void ServeRequests(const char* signature, FCGX_Request& request) {
     bool typed = AttemptStep(signature, "content type", setType);
     RequestAcceptor acceptor(request);
     while (acceptor.Accept() >= 0) {
-        // Once more, in case there was no memory for it before.
+        // Try again if there was no memory for it before.
         typed = typed || AttemptStep(signature, "content type", setType);
         ServeRequest(signature, request, component, *helper);
     }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kPrefix = "/srv";
 
-/// Searched in this order: "disconnect" contains "connect".
+/// Searched in this order, because "disconnect" contains "connect".
 struct ApiName {
     std::string_view text;
     ServiceApi api;

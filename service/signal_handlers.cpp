@@ -24,11 +24,12 @@ constexpr int kMaxFrames = 48;
 
 constexpr std::array kFatalSignals = {SIGILL, SIGABRT, SIGSEGV};
 
-/// A handler that has not ended the process by then never will.
+/// How long a handler may take to end the process before the alarm does it.
 constexpr unsigned int kEndSeconds = 2;
 
-/// Of the end that is under way; 0 when there is none.
+/// The status with which the process is ending; 0 while it is not ending.
 std::atomic<int> gExitStatus = 0;
+/// The thread that is ending the process.
 std::atomic<pid_t> gEndingThread = 0;
 std::atomic<bool> gReasonLogged = false;
 
@@ -40,13 +41,14 @@ void Install(int signo, void (*handler)(int), int flags) {
     sigaction(signo, &action, nullptr);
 }
 
-void LetIn(int signo) {
+void Unblock(int signo) {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, signo);
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+/// Waits until another thread has ended the process.
 [[noreturn]] void WaitForEnd() {
     for (;;) {
         pause();
@@ -57,7 +59,7 @@ int LimitMilliseconds() {
     return static_cast<int>(gOperationDeadline.Limit().count());
 }
 
-/// Tells the debug log, which takes no locks, why the process ends.
+/// Writes why the process ends to the debug log. Unlike the system log, that takes no locks.
 void LogReason() {
     if (gExitStatus == kStuckExitStatus) {
         KESTAL_LOG_PLAIN(TORU_DBG_ERROR, STUCK_FORMAT, gProgramName, gOperationDeadline.Step(),
@@ -67,7 +69,7 @@ void LogReason() {
     }
 }
 
-/// The same, first to the system log.
+/// Writes it to the system log first, then to the debug log.
 void SyslogReason() {
     if (gExitStatus == kStuckExitStatus) {
         KESTAL_SYSLOG_PLAIN(TORU_DBG_ERROR, STUCK_FORMAT, gProgramName, gOperationDeadline.Step(),
@@ -78,9 +80,9 @@ void SyslogReason() {
     }
 }
 
-/// Last resort, for a process whose handler does not get through: it crashed or is stuck while it
-/// holds a lock that logging or exit needs, or the handler itself crashes. Tells the debug log what
-/// happened unless it knows; should even that hang, the next deadline ends it.
+/// Ends the process when its handler cannot: the thread holds a lock that logging or exit needs, or
+/// the handler itself crashes. Logs the reason unless that has been done. If even that hangs, the
+/// next alarm comes here again and finds it marked as logged.
 [[noreturn]] void EndNow() {
     if (!gReasonLogged.exchange(true)) {
         alarm(kEndSeconds);
@@ -93,12 +95,13 @@ void endHandler(int /*signo*/) {
     EndNow();
 }
 
-/// Makes the calling thread the one that ends the process, in a limited time. Does not return when
-/// the process is already ending.
+/// Makes the calling thread the one that ends the process, and sets an alarm for the case that it
+/// hangs. Does not return if the process is already ending.
 void BeginEnd(int status) {
     int none = 0;
     if (!gExitStatus.compare_exchange_strong(none, status)) {
         if (gEndingThread == gettid()) {
+            // The handler that ends the process has crashed.
             EndNow();
         }
         // Another thread is already ending the process.
@@ -106,12 +109,12 @@ void BeginEnd(int status) {
     }
     gEndingThread = gettid();
     Install(SIGALRM, endHandler, SA_ONSTACK | SA_NODEFER);
-    // A library may have held it back in this thread.
-    LetIn(SIGALRM);
+    // A library may have blocked it in this thread.
+    Unblock(SIGALRM);
     alarm(kEndSeconds);
 }
 
-/// Logs why the process ends and where the calling thread stands.
+/// Logs why the process ends and a backtrace of the calling thread.
 void LogBacktrace() {
     std::array<void*, kMaxFrames> frames{};
     const int count = backtrace(frames.data(), kMaxFrames);
@@ -128,27 +131,28 @@ void LogBacktrace() {
 
 void fatalSignalHandler(int signo) {
     BeginEnd(signo);
-    // What was half written of an answer must not leave at exit.
+    // exit flushes the standard output, but half of an answer must not be sent.
     std::cout.rdbuf(nullptr);
     LogBacktrace();
     std::exit(signo);
 }
 
 void deadlineHandler(int /*signo*/) {
-    // The timer outlives its operation. An end that is under way has its own time.
+    // The timer is not stopped when its operation ends, so it may expire in a later one. A process
+    // that is already ending has its own alarm.
     if (gExitStatus != 0 || !gOperationDeadline.IsPassed()) {
         return;
     }
     BeginEnd(kStuckExitStatus);
     LogBacktrace();
-    // Exit handlers may need what the stuck call holds.
+    // No exit handlers: they may need a lock that the stuck call holds.
     _exit(kStuckExitStatus);
 }
 
 }  // namespace
 
 void InstallFatalSignalHandler() {
-    // The first backtrace loads a library; a handler could not.
+    // The first call of backtrace loads a library, which a signal handler could not do.
     std::array<void*, 1> frame{};
     backtrace(frame.data(), static_cast<int>(frame.size()));
 
@@ -157,22 +161,22 @@ void InstallFatalSignalHandler() {
     sigemptyset(&needed);
     sigaddset(&needed, SIGALRM);
     for (const int signo : kFatalSignals) {
-        // A fault of the handler itself comes back to it.
+        // SA_NODEFER: if the handler itself crashes, it is called again and ends the process.
         Install(signo, fatalSignalHandler, SA_ONSTACK | SA_NODEFER);
         sigaddset(&needed, signo);
     }
-    // The process that started this one may have held them back.
+    // The process that started this one may have blocked them.
     pthread_sigmask(SIG_UNBLOCK, &needed, nullptr);
 }
 
 void InstallDeadlineHandler(std::chrono::milliseconds limit) {
     Install(DeadlineSignal(), deadlineHandler, SA_ONSTACK | SA_RESTART);
-    LetDeadlineSignalIn();
+    UnblockDeadlineSignal();
     gOperationDeadline.Watch(limit);
 }
 
 void EndIfStuck() {
-    // An end that is under way has its own time.
+    // A process that is already ending has its own alarm.
     if (gExitStatus != 0 || !gOperationDeadline.IsLongPassed()) {
         return;
     }
@@ -183,7 +187,7 @@ void EndIfStuck() {
     _exit(kStuckExitStatus);
 }
 
-void WaitIfEndingByFatalSignal() {
+void WaitIfProcessIsEnding() {
     if (gExitStatus != 0) {
         WaitForEnd();
     }

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A handler formats log lines and runs the exit handlers here.
+/// Enough for a handler to format log lines and to run the exit handlers.
 constexpr std::size_t kStackSize = std::size_t{128} * 1024;
 
 std::size_t GuardSize() {
@@ -22,7 +22,8 @@ SignalStack::SignalStack()
     if (memory == MAP_FAILED) {
         return;
     }
-    // Stacks grow downwards.
+    // Stacks grow downwards: a handler that uses up this stack, too, crashes at the page below it
+    // in place of overwriting other memory.
     mprotect(memory, GuardSize(), PROT_NONE);
     stack_t stack{};
     stack.ss_sp = Start();
@@ -33,12 +34,13 @@ SignalStack::SignalStack()
 SignalStack::~SignalStack() {
     stack_t stack{};
     sigaltstack(nullptr, &stack);
-    // The thread that runs the exit handlers may be another one: the stack stays with its own.
+    // The exit handlers, which destroy static objects, may run on another thread than the one that
+    // uses this stack. Then it is left to that thread.
     if (memory == MAP_FAILED || stack.ss_sp != Start()) {
         return;
     }
     stack.ss_flags = SS_DISABLE;
-    // Refused to a handler that is running on it, whose memory must then stay.
+    // The kernel refuses this while a handler is running on the stack; the memory must then stay.
     if (sigaltstack(&stack, nullptr) == 0) {
         munmap(memory, GuardSize() + kStackSize);
     }

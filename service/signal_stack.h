@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
-/// A stack of its own for the signal handlers of the thread that constructs it, so that they run
-/// even when the thread's stack is used up. Without memory for it, handlers run as they would
-/// otherwise.
+/// A separate stack for the signal handlers of the thread that constructs it, so that they can run
+/// even after the thread has used up its own stack. If there is no memory for it, handlers run on
+/// the thread's own stack, as without this class.
 class SignalStack {
   public:
     SignalStack();

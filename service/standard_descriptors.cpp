@@ -6,7 +6,8 @@
 void OpenClosedStandardDescriptors() {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) == -1) {
-            // Takes this number, because those below are open by now, and keeps it.
+            // open returns the lowest free number, which is this one because those below are open.
+            // The descriptor is never closed.
             // cppcheck-suppress leakReturnValNotUsed
             (void)open("/dev/null", O_RDWR);
         }

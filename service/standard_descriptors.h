@@ -1,6 +1,6 @@
 #pragma once
 
-/// Opens /dev/null as standard input, output and error where they are closed. The next descriptor
-/// to be opened takes the lowest number that is free: a connection would become standard error, and
-/// log lines would go to the web server.
+/// Opens /dev/null as standard input, output or error if that is closed. Otherwise the next
+/// descriptor that is opened would get its number: a connection could become standard error, and
+/// log lines would be sent to the web server.
 void OpenClosedStandardDescriptors();

@@ -4,7 +4,8 @@
 
 #include <iostream>
 
-/// Points std::cout at a request's output stream for its own lifetime.
+/// As long as this object lives, what is written to std::cout goes to the output stream of a
+/// request.
 class StandardOutputTo {
   public:
     explicit StandardOutputTo(FCGX_Stream* stream)

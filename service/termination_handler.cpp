@@ -12,10 +12,10 @@
 namespace {
 
 void terminationHandler(int /*signo*/) {
-    // The keep-alive thread may have crashed and be ending the process already.
-    WaitIfEndingByFatalSignal();
-    // The main thread held it back while it waited for a request.
-    LetDeadlineSignalIn();
+    // The keep-alive thread may have crashed and be about to end the process.
+    WaitIfProcessIsEnding();
+    // It is blocked while the main thread waits for a request.
+    UnblockDeadlineSignal();
     gOperationDeadline.Begin("termination");
     gKeepAliveHandler.Shutdown();
     KESTAL_SYSLOG_PLAIN(TORU_DBG_DEBUG, "%s Server Terminating", KESTAL_MODULE);

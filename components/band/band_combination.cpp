@@ -11,8 +11,8 @@ namespace {
 
 constexpr const char* kNotAvailable = "-";
 
-/// Technology of the connection; none without a ready SIM, nothing when the device does not tell.
-/// Logs in the name of the function with @p signature.
+/// Technology of the connection: SYS_TECHNOLOGY_NONE without a ready SIM, nothing if it cannot be
+/// read. Logs in the name of the function with @p signature.
 std::optional<int> ReadTechnology(const char* signature) {
     int simStatus = 0;
     const int simResult = sys_getSIMStatus(&simStatus);
@@ -29,7 +29,8 @@ std::optional<int> ReadTechnology(const char* signature) {
     sys_cellular_service_stats_t stats{};
     const int statsResult = sys_getCellularServiceStats(&stats);
     if (statsResult != SYS_SUCCESS) {
-        // The line names the status call; those who search the logs know it by this text.
+        // The line names another call than the one that failed. It stays so, because those who
+        // search the logs know it by this text.
         KESTAL_FAILURE(
             "sys_getCellularServiceStatus failed, returned error code %d. Try sysintcli "
             "getCellularServiceStatus from command line.",
@@ -40,7 +41,7 @@ std::optional<int> ReadTechnology(const char* signature) {
     return stats.technology;
 }
 
-/// Whether a band text names a band: the device reports band 0 where there is none.
+/// Whether @p band is the number of a band. The device reports band 0 if there is none.
 bool NamesBand(const std::string& band) {
     return std::strtol(band.c_str(), nullptr, 10) != 0;
 }
@@ -223,7 +224,8 @@ void BandCombination::Get5GBandwidth(int mode, std::string& text) {
     const int result = sys_get5GBandWidth(&bandwidth);
     if (result != SYS_SUCCESS) {
         bandwidth = 0;
-        // The line is the same for both bandwidths; those who search the logs know it by this text.
+        // The line is that of the other bandwidth. It stays so, because those who search the logs
+        // know it by this text.
         KESTAL_FAILURE(
             "sys_getCABandwidth failed returning error code %d, try sysinicli getCABandwidth on "
             "command line ",

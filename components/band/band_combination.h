@@ -12,10 +12,10 @@ class BandCombination {
     BandCombination(const BandCombination&) = delete;
     BandCombination& operator=(const BandCombination&) = delete;
 
-    // The order of the virtual operations is part of the interface of the class.
+    // The order of the virtual operations is part of the binary interface of the class.
 
-    /// Appends the bands to @p text, which the caller gives empty. Without a ready SIM or a
-    /// cellular technology the text becomes "-"; when the device does not tell, it stays as it was.
+    /// Appends the bands to @p text, which the caller passes empty. Without a ready SIM or a
+    /// cellular technology, @p text becomes "-"; if the device cannot be read, it stays as it was.
     /// Always returns PAGE_ERROR_NONE.
     virtual PageError GetBandCombinationString(std::string& text);
 
@@ -25,14 +25,14 @@ class BandCombination {
     virtual ~BandCombination() = default;
 
   private:
-    // The readers replace what they are given, and leave it alone when the device does not tell.
+    // These read one value of the device. If that fails, the argument stays as it was.
 
     void Get3GBandValue(std::string& band);
     void Get4GBandValue(std::string& band);
     void Get5GBandValue(std::string& band);
     void Get5GMode(sys_wan_5g_mode_e& mode);
 
-    // The texts are appended; mode is a sys_wan_5g_mode_e.
+    // These append to text; mode is a sys_wan_5g_mode_e.
 
     void GetThreeGBandString(std::string& text);
     void GetFourGBandString(std::string& text);

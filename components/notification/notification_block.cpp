@@ -16,7 +16,7 @@ NotificationBlock::ReadResult NotificationBlock::Read(MsgbusHandler& bus) {
     if (bus.GetData(channel, nullptr, needed) != MSGBUS_BUFFER_NEEDED || needed == 0) {
         return ReadResult::kFailed;
     }
-    // Cleared, for a bus can say that it has copied the block and copy nothing.
+    // Cleared memory, because a faulty bus can report success without having copied anything.
     bytes = NothrowArray<std::byte>(needed);
     if (bytes == nullptr) {
         return ReadResult::kNoMemory;
@@ -56,8 +56,8 @@ std::span<const AnsNotificationRecord> NotificationBlock::Records() const {
     if (announced <= 0) {
         return {};
     }
-    // The block is walked where it lies: it may hold thousands of records. Memory for bytes is
-    // aligned for anything, and the offset of the records suits them.
+    // The records are not copied, because there may be thousands. The memory that NothrowArray
+    // gives is aligned for any type, and so is the offset of the records for their type.
     static_assert(ANS_NOTIFICATION_LIST_RECORDS % alignof(AnsNotificationRecord) == 0);
     const void* first = bytes.get() + ANS_NOTIFICATION_LIST_RECORDS;
     const auto* records = static_cast<const AnsNotificationRecord*>(first);

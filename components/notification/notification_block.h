@@ -9,32 +9,32 @@
 #include "platform/msgbus.h"
 #include "platform/notification.h"
 
-/// The published notifications, read as one block. What a malformed block announces beyond the
-/// bytes that were received is logged and not there.
+/// The published notifications, read as one block. If a malformed block announces more records than
+/// it has bytes for, that is logged, and only the records that were received count.
 class NotificationBlock {
   public:
     enum class ReadResult {
         kRead,
-        /// The channel did not answer as it must.
+        /// The channel did not answer as the message bus promises.
         kFailed,
         /// There is no memory for a block of the size that the channel announced.
         kNoMemory,
     };
 
-    /// Reads the block anew over @p bus, which has been joined. When it cannot be read, the block
-    /// is empty.
+    /// Reads the block again over @p bus, which has been joined. The block is empty if it cannot be
+    /// read.
     ReadResult Read(MsgbusHandler& bus);
 
-    /// How many records the block claims to hold; 0 when it is too short to say so. Any number can
-    /// stand there.
+    /// The number of records that the block announces, which may be any number, even a negative
+    /// one. 0 if the block is too short to hold the number.
     std::int32_t AnnouncedCount() const;
 
-    /// The records that the block claims to hold and of which every byte was received. They live as
-    /// long as the block and until the next Read.
+    /// The announced records of which every byte was received. They are valid as long as the block,
+    /// and until the next Read.
     std::span<const AnsNotificationRecord> Records() const;
 
   private:
-    /// How many records there are with all their bytes, whatever the block claims.
+    /// How many records were received with all their bytes, whatever the block announces.
     std::size_t ReceivedCount() const;
 
     std::unique_ptr<std::byte[], FreeMemory> bytes;

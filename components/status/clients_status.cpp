@@ -56,7 +56,7 @@ void StatusComponent::GetRouterStatus(CTPP::CDT& statusData) {
         if (devices != nullptr) {
             const int result = sys_getConnectedDeviceList(devices.get(), &count);
             if (result == SYS_SUCCESS) {
-                // Devices come and go between the two calls.
+                // The count may have changed, because clients come and go between the two calls.
                 const std::size_t delivered = std::min<std::size_t>(count, room);
                 const ClientCounts counts = CountClients({devices.get(), delivered});
                 const bool countWired = ConfigurationNumber("ShowWifiEthernetUSBTotalClients") == 1;

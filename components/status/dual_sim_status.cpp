@@ -14,7 +14,7 @@ namespace {
 struct SlotTexts {
     std::string status;
     std::string network;
-    /// Of the connection for the SIM that is ready and in use, else of the SIM.
+    /// The state of the connection if the SIM is ready and in use, otherwise that of the SIM.
     std::string connectionState;
     std::string rejectCode;
     std::string carrierBlocked;
@@ -83,8 +83,8 @@ void StatusComponent::GetDualSimStatus(CTPP::CDT& statusData) {
                     statusData["statusBarSim2MMCode"] = texts.rejectCode;
                     statusData["statusBarSim2CarrierBlockedStatus"] = texts.carrierBlocked;
                 } else {
-                    // With two slots, the first one's codes are blanked unless the second is in
-                    // use.
+                    // On a device with two slots, the codes of the first slot are emptied unless
+                    // the second slot is in use.
                     statusData["statusBarSimMMCode"] = "";
                     statusData["statusBarSimCarrierBlockedStatus"] = "";
                 }

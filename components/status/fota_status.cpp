@@ -6,7 +6,7 @@ void StatusComponent::GetFotaInstallStatus(CTPP::CDT& statusData) {
     KESTAL_SIGNATURE("void StatusComponent::GetFotaInstallStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
     int status = -1;
-    // Firmware is installed in the background only where a second partition can take it.
+    // Firmware is installed in the background only on devices with a second partition for it.
     if (ConfigurationNumber("IsABPartitionEnabled").value_or(0) != 0) {
         KESTAL_DEBUG("Found AB partition and calling install status from fota");
         const int result = sys_getFotaInstallStatus(&status);

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// What the group reads of the device, preset for calls that write nothing.
+/// What the group reads of the device. The initial values remain if a call writes nothing.
 struct Readings {
     sys_cellular_service_stats_t service{};
     sys_cellular_data_connection_stats_t connection{};
@@ -20,8 +20,9 @@ struct Readings {
     int accountStatus = 0;
 };
 
-/// Reads everything, in this order, before any result is looked at. The account's own result does
-/// not count. Returns whether the rest could be read.
+/// Reads everything, in this order, before it checks any result. Returns whether all but the
+/// account could be read; the result of the account is not checked. Logs in the name of the
+/// function with @p signature.
 bool Read(const char* signature, bool isPCOSupported, Readings& readings) {
     const int serviceStats = sys_getCellularServiceStats(&readings.service);
     const int connectionStats = sys_getCellularDataConnectionStats(&readings.connection);
@@ -35,7 +36,8 @@ bool Read(const char* signature, bool isPCOSupported, Readings& readings) {
         service == SYS_SUCCESS && connection == SYS_SUCCESS) {
         return true;
     }
-    // The fifth name is not that of the fifth call; those who search the logs know it by this text.
+    // The fifth name is not that of the fifth call. It stays so, because those who search the logs
+    // know the line by this text.
     KESTAL_FAILURE_UNSEPARATED(
         " sys_getCellularServiceStats failed, returned error code [%d], "
         "sys_getCellularDataConnectionStats failed, returned error code [%d], sys_getRadioEnabled "
@@ -56,7 +58,7 @@ std::string FirstWord(const std::string& text) {
     return text.substr(begin, end == std::string::npos ? end : end - begin);
 }
 
-/// The texts that are made of the readings.
+/// The texts that are computed from the readings.
 struct Texts {
     std::string network;
     std::string technology;
@@ -166,7 +168,8 @@ void StatusComponent::GetInternetStatus(CTPP::CDT& statusData) {
             statusData["statusBarSim2SignalBars"] = secondSim ? texts.signalBars : "";
         }
         statusData["statusBarSignalBars"] = secondSim ? "" : texts.signalBars;
-        // The preferred technology is for devices that hide what is not the carrier's own.
+        // The preferred technology is shown only on devices that hide technologies which are not
+        // the carrier's own.
         if (ConfigurationNumber("ShowNonOrvaneTechnologies") == 0) {
             statusData["statusBarPreferredTechnology"] = PreferredTechnology(signature);
         }

@@ -9,7 +9,7 @@ namespace {
 /// Group identifier of the carrier whose domestic roaming is not shown.
 constexpr std::uint8_t kGidWithoutDomesticRoaming = 2;
 
-// 5G has no text of its own: it depends on the type.
+// 5G is not in the table, because its text depends on its type.
 constexpr ValueText kTechnologyTexts[] = {
     {SYS_TECHNOLOGY_NONE, "None"},
     {SYS_TECHNOLOGY_WIFI, "WiFi"},

@@ -8,7 +8,7 @@
 void StatusComponent::GetNotificationFlagStatus(CTPP::CDT& statusData) {
     KESTAL_SIGNATURE("void StatusComponent::GetNotificationFlagStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
-    // Before the bus is asked, so that the flag is there whatever fails.
+    // Written before the bus is read, so that the answer has the flag whatever fails.
     CTPP::CDT& flag = statusData["statusBarNotificationFlag"] = "0";
     OnMessageBus(signature, "notification flag", [&](MsgbusHandler& bus) {
         NotificationBlock block;

@@ -16,7 +16,7 @@ void GetSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t inde
     if (result == SYS_SUCCESS) {
         KESTAL_DEBUG("simGid: %d", gid[0]);
     } else {
-        // The caller keeps what it knows of the SIM, whatever the failed call has written.
+        // Undoes what the failed call may have written: the caller keeps what it knew of the SIM.
         std::copy(knownGid.begin(), knownGid.end(), gid);
         *length = knownLength;
         KESTAL_FAILURE(

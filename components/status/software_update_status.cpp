@@ -39,7 +39,8 @@ void SetCustomMessages(CTPP::CDT& statusData, const SoftwareUpdateCustomMessages
 void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
     KESTAL_SIGNATURE("void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
-    // Defaults come first; the values are put into the same members without another search.
+    // Write all keys with their defaults and keep references to the values: to set them later takes
+    // no second search in the tree.
     CTPP::CDT& status = statusData["StatusBarSoftwareUpdateStatus"] = 0;
     CTPP::CDT& value = statusData["StatusBarSoftwareUpdateValue"] = 0;
     CTPP::CDT& version = statusData["StatusBarSoftwareUpdateVersion"] = "";
@@ -87,8 +88,8 @@ void StatusComponent::GetSoftwareUpdateStatus(CTPP::CDT& statusData) {
             settingsResult);
     }
 
-    // Asked for on every request and never kept: the carrier may change its messages while neither
-    // the state nor the language changes.
+    // Read for every request and not cached, because the carrier may change its messages while
+    // neither the state nor the language changes.
     if (HasCustomMessages(update)) {
         const std::string language = FixedText(settings.language).substr(0, kLanguageCodeLimit);
         const int messagesResult =

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Whether the switch that @p call reads is on. Its result code is not asked: a call that fails
-/// leaves the switch off unless it has written a value all the same.
+/// Whether the switch that @p call reads is on. Its result code is not checked: a call that fails
+/// leaves the switch off, unless it has written a value nevertheless.
 bool IsSwitchedOn(int (*call)(int*)) {
     int enabled = 0;
     (void)call(&enabled);
@@ -60,7 +60,7 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     KESTAL_SIGNATURE("PageError StatusComponent::GetData(CTPP::CDT&)");
     KESTAL_BEGIN();
     CTPP::CDT statusData(CTPP::CDT::HASH_VAL);
-    // One group that cannot be had must not cost the others.
+    // A group that throws must not prevent the others from being read.
     const auto gather = [&](const char* name, void (StatusComponent::*group)(CTPP::CDT&)) {
         Attempt(signature, name, [&] { (this->*group)(statusData); });
     };
@@ -90,7 +90,8 @@ PageError StatusComponent::GetData(CTPP::CDT& out) {
     if (isNUASupported || isOMADMSupported) {
         gather("GetSoftwareUpdateStatus", &StatusComponent::GetSoftwareUpdateStatus);
     }
-    // After the internet group, which therefore shows a change of the active slot one request late.
+    // The order of the groups is fixed. The dual-SIM group, which reads the active slot, comes
+    // after the internet group, which therefore shows a change of the slot one request late.
     Attempt(signature, "isDualSimSupported",
             [&] { statusData["isDualSimSupported"] = isDualSIMSupported ? 1 : 0; });
     if (isDualSIMSupported) {

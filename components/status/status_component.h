@@ -10,8 +10,8 @@
 #include "framework/page_component.h"
 #include "framework/page_error.h"
 
-/// Gathers the data set behind the status bar of the web UI. One object serves all requests: the
-/// carrier's switches are read once, when it is constructed, the data anew for each request.
+/// Gathers the data set for the status bar of the web UI. One object serves all requests: it reads
+/// the carrier's switches once, when it is constructed, and the data again for each request.
 class StatusComponent : public PageComponent {
   public:
     StatusComponent();
@@ -23,16 +23,16 @@ class StatusComponent : public PageComponent {
     /// counts as off, unless the failed call has written a value.
     void GetCapabilities();
 
-    /// Writes the status data set to "statusData" of @p out: one object with flat keys. What the
-    /// device does not tell is logged and left out, or given its fallback. Always returns
-    /// PAGE_ERROR_NONE.
+    /// Writes the status data set to "statusData" of @p out: one object without nested objects. A
+    /// value that cannot be read is logged, and either left out or replaced by its fallback. Always
+    /// returns PAGE_ERROR_NONE.
     PageError GetData(CTPP::CDT& out);
 
     // The field groups. Each writes its "statusBar..." keys into the status data set and logs what
-    // the device does not tell.
+    // it cannot read.
 
-    /// The cellular connection: network, technology, signal, bands, traffic. Nothing at all when
-    /// one of the five readings of service, connection and radio fails.
+    /// The cellular connection: network, technology, signal, bands, traffic. Writes nothing if one
+    /// of its first five readings, those of service, connection and radio, fails.
     void GetInternetStatus(CTPP::CDT& statusData);
     /// Manual network selection, as the platform's numbers.
     void GetMnsStatus(CTPP::CDT& statusData);
@@ -42,10 +42,11 @@ class StatusComponent : public PageComponent {
     void GetDualSimStatus(CTPP::CDT& statusData);
     /// Whether the user has switched cellular data on, 1 or 0.
     void GetMobileDataEnabled(CTPP::CDT& statusData);
-    /// "connected", "enabled" or "disabled"; a state that cannot be read counts as the lesser one.
+    /// "connected", "enabled" or "disabled". If the port cannot be read, it counts as disabled; if
+    /// only its link cannot be read, as enabled.
     void GetEthernetPortEnabled(CTPP::CDT& statusData);
-    /// The platform's number for the firmware installation, -1 where there is nothing to install
-    /// to.
+    /// The platform's number for the state of the firmware installation; -1 on a device that has no
+    /// second partition to install to.
     void GetFotaInstallStatus(CTPP::CDT& statusData);
     void GetGpsStatus(CTPP::CDT& statusData);
     void GetSmsStatus(CTPP::CDT& statusData);
@@ -59,8 +60,8 @@ class StatusComponent : public PageComponent {
     void GetBatteryStatus(CTPP::CDT& statusData);
     /// "1" when any notification is active, else "0".
     void GetNotificationFlagStatus(CTPP::CDT& statusData);
-    /// State of the software update and, in the states in which the page shows them, the carrier's
-    /// messages in the user's language.
+    /// State of the software update, and the carrier's messages in the user's language if the page
+    /// shows them in that state.
     void GetSoftwareUpdateStatus(CTPP::CDT& statusData);
 
     bool IsGPSSupported() const { return isGPSSupported; }
@@ -82,11 +83,12 @@ class StatusComponent : public PageComponent {
   private:
     static constexpr std::uint32_t kSecondSimSlot = 2;
 
-    /// Whether the second SIM is in use, as far as the dual-SIM group last knew.
+    /// Whether the second SIM was in use when the dual-SIM group last read it.
     bool IsSecondSimActive() const { return activeSimSlot == kSecondSimSlot; }
 
     /// Slot number of the SIM in use, kept from one request to the next.
     std::uint32_t activeSimSlot = 0;
+    /// Part of the layout of this class; not used.
     std::string reservedTexts[2];
     bool isGPSSupported = false;
     bool isSMBSupported = false;

@@ -6,9 +6,10 @@
 #include <string>
 
 /// State of the connection as the user sees it, from a sys_service_status_e, a
-/// sys_data_connection_status_e and a sys_account_status_e. What the account forbids comes first,
-/// then the service, then the data connection. A restricted account and an available service count
-/// as set even where the data connection gives them no text.
+/// sys_data_connection_status_e and a sys_account_status_e. A restriction of the account decides
+/// first, then the service, then the data connection. For a restricted account and for an available
+/// service, this returns kTextSet even if the data connection has no text and @p text stays as it
+/// was.
 int GetConnectionStateText(std::int32_t serviceStatus, std::int32_t dataConnectionStatus,
                            std::int32_t accountStatus, std::string& text);
 

@@ -29,8 +29,8 @@ std::string TextFor(Update update, const SoftwareUpdateCustomMessages& messages)
     return FixedText(update == Update::kSuccess ? messages.installSuccess : messages.installFail);
 }
 
-/// Logs that the notification shows @p text. The text that it replaces is not known yet: it would
-/// be looked up only afterwards.
+/// Logs that the notification shows @p text in place of the text of the catalogue. The line has a
+/// place for the replaced text, which is always empty: that text has not been looked up.
 void LogReplacement(const char* signature, Update update, const std::string& text) {
     const char* const replaced = "";
     if (update == Update::kReady) {
@@ -75,7 +75,7 @@ bool CustomMessageCache::Refresh(const char* signature) {
     messages = {};
     const int status = webui_get_software_update_custom_msgs(language.c_str(), &messages);
     if (status != WEBUI_SUCCESS) {
-        // A call that failed has nothing to say, whatever it wrote.
+        // Discards what the failed call may have written.
         messages = {};
         KESTAL_FAILURE(
             "webui_get_software_update_custom_msgs failed, returned error %d. Try webui_cli "

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// A change of a pin's state and its texts, by what the user has named.
+/// A change of a pin's state, and the ids of its texts. Which one is used depends on what the user
+/// has given a name.
 struct PinChange {
     const char* type;
     char (GpioCustomSettings::*state)[64];

@@ -13,7 +13,7 @@ namespace {
 /// Where the page of a link comes from.
 enum class Page {
     kNamed,
-    /// The page of the SIM, or of the SIMs where there can be several.
+    /// The page of the SIM, or that of the SIMs on a device with several.
     kSim,
     /// The carrier's portal.
     kActivation,
@@ -32,7 +32,7 @@ struct Link {
     bool hasExtraText;  ///< a sentence follows the link
 };
 
-// Other types, those about roaming among them, have no page.
+// Notifications of other types, for example those about roaming, lead to no page.
 constexpr Link kLinks[] = {
     {"dataOff", Page::kNamed, "wwan_settings", "webui_app_turnon_text", Tail::kNothing, false},
     {"deviceJoinWiFi", Page::kNamed, "connected_devices", "system_services_view_link_text",
@@ -60,7 +60,7 @@ constexpr Link kLinks[] = {
     {"PCO5", Page::kNamed, "pco", "webui_click_here_text", Tail::kDot, true},
 };
 
-/// Page on which a SIM is unlocked; null when the device does not tell whether it has several.
+/// Page on which a SIM is unlocked; null if it cannot be read whether the device has several SIMs.
 const char* SimPageId() {
     int enabled = 0;
     if (sys_getMultiSimEnabled(&enabled) != SYS_SUCCESS) {
@@ -108,8 +108,8 @@ void SystemServiceComponent::GetSupplementaryTextForNotification(const std::stri
         if (!address.empty()) {
             const std::string text =
                 Translated(link->textId) + TailText(link->tail, address, title);
-            // The catalogue may hold a better wording of the whole. Addresses and texts are HTML
-            // as they stand.
+            // The complete link text is looked up again, because the catalogue may contain a better
+            // wording of the whole. Addresses and texts are HTML already and are not escaped.
             out += "<a href=\"" + address + "\">" + Translated(text.c_str()) + "</a>";
             if (link->hasExtraText) {
                 out += Translated("system_service_extra_text");

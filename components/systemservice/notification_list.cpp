@@ -18,7 +18,7 @@
 
 namespace {
 
-/// What the placeholders of the texts stand for, in their order.
+/// What replaces the placeholders %1 to %4 of the texts, in this order.
 struct TextArguments {
     std::string productName;
     std::string productNumber;
@@ -33,14 +33,15 @@ constexpr ValueText kSeverityTexts[] = {
     {ANS_SEVERITY_CRITICAL, "critical"},
 };
 
-/// Empty for a severity that is not known.
+/// Text of @p severity, an ans_severity_e; empty if it is unknown.
 std::string SeverityText(std::uint32_t severity) {
     std::string text;
     (void)FindText(kSeverityTexts, static_cast<std::int32_t>(severity), text);
     return text;
 }
 
-/// Decimal number of unread messages; what the call has left there when it fails.
+/// The number of unread messages as decimal text. If the call fails, that is 0 or what the call has
+/// written nevertheless.
 std::string ReadUnreadCount(const char* signature) {
     int count = 0;
     const int result = sys_getSMSUnreadCount(&count);
@@ -77,7 +78,7 @@ std::string CatalogueText(const AnsNotificationRecord& record, const TextArgumen
 PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT& out) {
     KESTAL_SIGNATURE("PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT&)");
     KESTAL_BEGIN();
-    // First of all an empty list, so that there is one whatever fails.
+    // First an empty list, so that the answer has a list whatever fails.
     Attempt(signature, "empty notification list",
             [&] { out["notificationsList"] = CTPP::CDT(CTPP::CDT::ARRAY_VAL); });
     OnMessageBus(signature, "notification list", [&](MsgbusHandler& bus) {

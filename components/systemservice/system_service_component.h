@@ -13,12 +13,12 @@ class SystemServiceComponent : public PageComponent {
   public:
     SystemServiceComponent();
 
-    /// Read operation by name: @p in holds it under "api". Returns the result of Dispatch, or
-    /// PAGE_ERROR_FAILED for a name that reads nothing.
+    /// Performs the read operation whose name @p in holds under "api". Returns the result of
+    /// Dispatch, or PAGE_ERROR_FAILED if no read operation has this name.
     PageError GetDynamicData(CTPP::CDT& out, const CTPP::CDT& in) override;
 
-    /// Checks the name of a write operation under "api" of @p in. Returns 0, or 1 with "errorDesc"
-    /// set in @p out.
+    /// Checks that @p in holds the name of a write operation under "api". Returns 0 if so.
+    /// Otherwise sets "errorDesc" in @p out and returns 1.
     int ValidateFormData(const CTPP::CDT& in, CTPP::CDT& out) override;
 
     /// Performs the write operation that the last ValidateFormData or GetDynamicData named; @p in
@@ -38,22 +38,23 @@ class SystemServiceComponent : public PageComponent {
     PageError GetStatus(CTPP::CDT& out);
 
     /// Writes the active notifications to "notificationsList" of @p out, texts translated and
-    /// filled, in the order in which they are published. What fails is logged and leaves the list
-    /// shorter or empty; always PAGE_ERROR_NONE.
+    /// filled, in the order in which they are published. A failure is logged and leaves the list
+    /// empty; always PAGE_ERROR_NONE.
     PageError GetNotificationStatus(CTPP::CDT& out);
 
-    /// Appends to @p out, as HTML, the link to the page on which the user deals with a notification
-    /// of the type @p type and the sentence behind it; nothing when there is no such page.
+    /// Appends to @p out, as HTML, the link to the page on which the user can act on a notification
+    /// of the type @p type, and the sentence that follows the link. Appends nothing if there is no
+    /// such page.
     void GetSupplementaryTextForNotification(const std::string& type, std::string& out);
 
-    /// Looks up address and translated title of the page @p pageId; both stay as they are when it
-    /// is unknown.
+    /// Looks up the address and the translated title of the page @p pageId. Both arguments stay as
+    /// they are if the page is unknown.
     void GetPageUrlData(const std::string& pageId, std::string& url, std::string& title);
 
   private:
     // Both log in the name of the function with signature.
 
-    /// The active notifications that are published on @p bus; an empty array when they cannot be
+    /// The active notifications that are published on @p bus; an empty array if they cannot be
     /// read.
     CTPP::CDT ReadNotificationList(const char* signature, MsgbusHandler& bus);
 

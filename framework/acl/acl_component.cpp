@@ -21,7 +21,8 @@ void AclComponent::LoadOneAclSetting(const std::string& field, const std::string
     }
     const int lockResult = sys_getUIFieldLockEnabled(field.c_str(), &lock);
     if (lockResult == SYS_SUCCESS) {
-        // The line has always given the show value; whoever reads these logs counts on it.
+        // The line contains the show value in place of the lock value. It stays so, because those
+        // who read these logs know it so.
         KESTAL_DEBUG("Acl locked status for [%s] is [%d]", field.c_str(), show);
     } else {
         KESTAL_FAILURE(
@@ -53,7 +54,7 @@ bool AclComponent::GetFieldStatus(const std::string& key) {
 void AclComponent::GetAppLevelAclSetting(char* app, int* hidden, int* locked) {
     KESTAL_SIGNATURE("void AclComponent::GetAppLevelAclSetting(char*, int*, int*)");
     KESTAL_BEGIN();
-    // A caller that does not want one of the results may leave it out.
+    // A caller may pass null for a result that it does not want.
     int unwantedHidden = 0;
     int unwantedLocked = 0;
     hidden = hidden != nullptr ? hidden : &unwantedHidden;

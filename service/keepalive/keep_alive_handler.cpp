@@ -50,8 +50,8 @@ bool KeepAliveHandler::OnThreadNotify(unsigned int /*event*/) {
     KESTAL_BEGIN();
     thread_local const SignalStack stack;
     EndIfStuck();
-    // A process that is stuck and does not end, because the kernel does not come back, has the
-    // watchdog left, which must not be told otherwise.
+    // If even EndIfStuck cannot end a stuck process, because it hangs inside the kernel, only the
+    // watchdog can help. So a process that has passed its deadline sends no keep-alive message.
     if (!gOperationDeadline.IsPassed() && getppid() == parentProcessId &&
         kill(parentProcessId, 0) != -1) {
         KESTAL_LOG(

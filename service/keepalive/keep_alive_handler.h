@@ -11,8 +11,8 @@ class KeepAliveHandler : public MaintenanceThreadCallbackInterface {
   public:
     KeepAliveHandler();
 
-    /// Sends one keep-alive message when both are alive, and ends a process that is stuck and could
-    /// not end by itself. Runs on the maintenance thread.
+    /// Sends one keep-alive message if both are alive. Ends the process if the main thread is stuck
+    /// and does not end it itself (see EndIfStuck). Runs on the maintenance thread.
     bool OnThreadNotify(unsigned int event) override;
 
     ~KeepAliveHandler() override = default;

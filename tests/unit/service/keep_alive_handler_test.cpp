@@ -126,7 +126,7 @@ TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck)
     KeepAliveHandler handler;
     handler.Initialize();
     // Nothing takes the deadline's signal here, as where a library holds it back.
-    const sigset_t heldBack = MaskLettingMainThreadSignalsIn();
+    const sigset_t heldBack = WaitingSignalMask();
     pthread_sigmask(SIG_BLOCK, &heldBack, nullptr);
     gOperationDeadline.Watch(milliseconds(1));
     gOperationDeadline.Begin("request (status)");

@@ -28,7 +28,7 @@ class RequestAcceptorTest : public testing::Test {
         recording::Reset();
         gHandled = 0;
         (void)std::signal(SIGUSR1, [](int) { gHandled = gHandled + 1; });
-        HoldBackMainThreadSignals();
+        BlockMainThreadSignals();
     }
 
     void TearDown() override {

@@ -244,7 +244,7 @@ TEST_F(SignalHandlersDeathTest, TerminationWhileTheKeepAliveThreadCrashesLeavesT
                 WaitUntilItRests(getpid());
             };
             std::thread([] {
-                HoldBackMainThreadSignals();
+                BlockMainThreadSignals();
                 const SignalStack stack;
                 (void)raise(SIGSEGV);
             }).detach();
@@ -336,7 +336,7 @@ TEST_F(SignalHandlersDeathTest, TimerOfAnOperationThatHasEndedDisturbsNoLaterOne
         {
             PrepareDeadline();
             // As while the process waits: the signal comes in with the next request.
-            const sigset_t waiting = MaskLettingMainThreadSignalsIn();
+            const sigset_t waiting = WaitingSignalMask();
             sigset_t usual;
             pthread_sigmask(SIG_SETMASK, &waiting, &usual);
             gOperationDeadline.Begin("request (connect)");
@@ -358,10 +358,10 @@ TEST_F(SignalHandlersDeathTest, TerminationThatIsStuckEndsTheProcess) {
         {
             PrepareDeadline();
             recording::Given("watchdog_application_register").Does(HangForGood);
-            HoldBackMainThreadSignals();
+            BlockMainThreadSignals();
             InstallTerminationHandler();
             (void)raise(SIGTERM);
-            const sigset_t mask = MaskLettingMainThreadSignalsIn();
+            const sigset_t mask = WaitingSignalMask();
             sigsuspend(&mask);
         },
         testing::ExitedWithCode(kStuckExitStatus),
@@ -438,11 +438,11 @@ TEST_F(SignalHandlersDeathTest, TerminationUnregistersAndEndsWithZero) {
     EXPECT_EXIT(
         {
             recording::Echo();
-            HoldBackMainThreadSignals();
+            BlockMainThreadSignals();
             InstallTerminationHandler();
             (void)raise(SIGTERM);
             recording::Record("still running");
-            const sigset_t mask = MaskLettingMainThreadSignalsIn();
+            const sigset_t mask = WaitingSignalMask();
             sigsuspend(&mask);
         },
         testing::ExitedWithCode(0),
