@@ -14,12 +14,13 @@ class AuthSession {
     AuthSession(const AuthSession&) = delete;
     AuthSession& operator=(const AuthSession&) = delete;
 
-    /// Looks the session up for this caller. @p mode is 2 for a caller that only asks. Returns 0
-    /// when there is such a session.
+    /// Looks up the session @p sessionId of the caller with @p address and @p userAgent. @p mode is
+    /// 2 for a caller that only asks whether there is one. Returns 0 if there is.
     int Init(const std::string& sessionId, webui_addr_t address, const std::string& userAgent,
              int mode);
 
-    /// Stores whether the session is logged on. Returns 0 on success; needs a successful Init.
+    /// Stores in @p loggedOn whether the session is logged on. Init must have succeeded. Returns 0
+    /// on success.
     int LoggedOn(bool& loggedOn);
 
   private:

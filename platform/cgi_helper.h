@@ -11,8 +11,8 @@ class CgiEnvironment;
 /// Writes CGI responses to std::cout and reads the caller's address and cookies.
 class CgiHelper {
   public:
-    /// The process's only writer, created on first use; null when it cannot be created. The caller
-    /// that is done with it deletes it.
+    /// The process's only writer, created on first use; null if it cannot be created. The caller
+    /// deletes it when it needs it no longer.
     static CgiHelper* GetInstance();
 
     virtual ~CgiHelper();
@@ -25,7 +25,7 @@ class CgiHelper {
     /// Writes status line, headers and @p body.
     void SendResponse(int status, const std::string& body);
 
-    /// Text of the caller's address; empty when the web server gave none.
+    /// Text of the caller's address; empty if the web server has not passed one.
     std::string GetIp(const cgicc::CgiEnvironment& environment) const;
 
     /// Value of the first cookie called @p name, or @p defaultValue.
@@ -39,6 +39,6 @@ class CgiHelper {
     std::unique_ptr<State> state;
 };
 
-/// Stores AF_INET or AF_INET6 in @p family for the address text @p ip. Returns 0 on success;
-/// otherwise the text is no address and @p family is left as it was.
+/// Stores AF_INET or AF_INET6 in @p family, depending on the address text @p ip. Returns 0 on
+/// success. Any other result means that the text is no address; @p family then stays as it was.
 int GetIPAddressFamily(const std::string& ip, int* family);

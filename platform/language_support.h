@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// Where gettext finds the translations.
+/// Tells gettext where to find the translations.
 class LanguageSupport {
   public:
     /// Binds @p textDomain to the catalogues below @p localeDirectory, read in @p codeSet, and

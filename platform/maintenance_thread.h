@@ -4,7 +4,7 @@
 #include <memory>
 
 /// What a MaintenanceThread calls.
-// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): without state, it can be copied
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): it has no state, copies are harmless
 class MaintenanceThreadCallbackInterface {
   public:
     /// Called once per interval on the maintenance thread; the base returns false.
@@ -29,10 +29,10 @@ class MaintenanceThread {
     /// Starts the thread, which inherits the caller's signal mask. Returns 0 on success.
     int Run();
 
-    /// Stops the thread and waits for its end; harmless when it is not running. Returns 0.
+    /// Stops the thread and waits until it has ended. Does nothing if it is not running. Returns 0.
     int Shutdown();
 
-    /// Replaces the interval, in seconds; takes effect with the next Run.
+    /// Replaces the interval, in seconds, from the next Run on.
     void SetInterval(unsigned int newInterval) { interval = newInterval; }
 
   private:

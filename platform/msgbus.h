@@ -27,9 +27,9 @@ class MsgbusHandler {
     int Initialize();
 
     /// Copies what was last published on @p channel to @p buffer, which has room for @p size bytes,
-    /// and sets @p size to the number of bytes copied. Returns MSGBUS_SUCCESS then,
-    /// MSGBUS_BUFFER_NEEDED with the size that is needed when the buffer is null or too small, and
-    /// another code, with nothing written, on failure.
+    /// sets @p size to the number of bytes copied and returns MSGBUS_SUCCESS. If the buffer is null
+    /// or too small, sets @p size to the size that is needed and returns MSGBUS_BUFFER_NEEDED. On
+    /// any other failure, writes nothing and returns another code.
     int GetData(const std::string& channel, void* buffer, unsigned int& size);
 
     /// Leaves the bus. Returns MSGBUS_SUCCESS on success.

@@ -9,7 +9,7 @@
 /// The channel of the message bus on which the list is published.
 inline constexpr const char* ANS_NOTIFICATION_CHANNEL = "zelt.ans.notifications";
 
-/// Where the records begin in the block, behind their count.
+/// Offset of the first record in the block, in bytes; the count stands in front of it.
 enum ans_notification_list_e : std::size_t {
     ANS_NOTIFICATION_LIST_RECORDS = 4,
 };

@@ -95,8 +95,8 @@ enum sys_data_connection_status_e : std::int32_t {
     SYS_DATA_CONNECTION_UNACTIVATED = 7,
 };
 
-/// What the carrier says of the account in its protocol configuration options; any other value puts
-/// no limit on the connection.
+/// State of the account, which the carrier reports in protocol configuration options (PCO). Any
+/// other value means that the account does not limit the connection.
 enum sys_account_status_e : std::int32_t {
     SYS_ACCOUNT_RESTRICTED = 2,
     SYS_ACCOUNT_OUT_OF_CREDIT = 3,
@@ -167,7 +167,8 @@ static_assert(offsetof(sys_cellular_service_stats_t, networkId) == 117);
 static_assert(offsetof(sys_cellular_service_stats_t, femtoCell) == 216);
 static_assert(offsetof(sys_cellular_service_stats_t, fiveGType) == 232);
 
-/// Statistics of the cellular data connection. Each direction has two counters, which add up.
+/// Statistics of the cellular data connection. The bytes of each direction are the sum of its two
+/// counters.
 struct sys_cellular_data_connection_stats_t {
     std::int32_t trafficStatus;  ///< sys_traffic_status_e
     std::int32_t reserved4;
@@ -197,7 +198,7 @@ static_assert(sizeof(sys_subscriber_info_t) == 132);
 struct sys_network_sim_lock_t {
     std::int32_t reserved0[3];
     std::int32_t carrierBlocked;  ///< 1 when the carrier blocks the SIM, else 0
-    /// The platform may append to this record; nobody reads it here.
+    /// Room for what the platform may add to this record; not read.
     std::int32_t reserved16[12];
 };
 static_assert(offsetof(sys_network_sim_lock_t, carrierBlocked) == 12);
@@ -236,7 +237,7 @@ static_assert(offsetof(sys_sd_card_info_t, freeSpace) == 8);
 
 /// State of file sharing from the memory card.
 struct sys_samba_share_info_t {
-    std::uint32_t cardInUse;  ///< meaning defined by the platform, published as it is
+    std::uint32_t cardInUse;  ///< defined by the platform, published unchanged
     std::uint32_t reserved4[2];
 };
 static_assert(sizeof(sys_samba_share_info_t) == 12);
@@ -292,7 +293,7 @@ int sys_sdkInitialize();
 /// Ends the round that sys_sdkInitialize opened.
 int sys_sdkShutdown();
 
-// Carrier switches: which functions the carrier enables on this device.
+// Carrier switches: whether the carrier enables a function on this device.
 
 int sys_getWebUICarrierEnabled(int* enabled);
 int sys_getSambaCarrierEnabled(int* enabled);
@@ -312,11 +313,11 @@ int sys_getMultiSimEnabled(int* enabled);
 /// WDCP agent, one of the two through which the carrier restricts fields and applications of the
 /// web UI.
 int sys_getWDCPCarrierEnabled(int* enabled);
-/// Halyard agent, the other one.
+/// Halyard agent, the other of the two.
 int sys_getHalyardAgentCarrierEnabled(int* enabled);
 
-// What the carrier allows in the web UI. Which fields and applications there are and what the
-// numbers of an application mean is the platform's.
+// What the carrier allows in the web UI. The platform defines which fields and applications there
+// are and what the numbers of an application mean.
 
 /// Whether the input field @p field is shown.
 int sys_getUIFieldShowEnabled(const char* field, int* show);
@@ -389,7 +390,7 @@ int sys_get5GBandWidth(int* bandwidth);
 int sys_getEthernetEnabled(int* enabled);
 /// Non-zero when a cable is connected.
 int sys_getEthernetLinkStatus(int* status);
-/// Meaning defined by the platform, published as it is.
+/// State of the firmware installation, a number that the platform defines; published unchanged.
 int sys_getFotaInstallStatus(int* status);
 /// 0 off, 1 searching, 2 position found.
 int sys_getGPSStatus(int* status);

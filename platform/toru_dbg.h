@@ -21,12 +21,12 @@ int toru_dbg_start(const char* programName);
 /// Closes the debug log; lines logged afterwards may be lost.
 void toru_dbg_stop();
 
-/// Writes one line of @p module when @p level is at or below the level the log is set to.
+/// Writes one line of @p module if the number of @p level is at most that to which the log is set.
 /// @p format and the arguments are those of printf.
 [[gnu::format(printf, 3, 4)]] void toru_dbg_log(const char* module, int level, const char* format,
                                                 ...);
 
-/// Writes one line to the system log, whatever level the debug log is set to.
+/// Writes one line to the system log, whatever the level of the debug log.
 [[gnu::format(printf, 2, 3)]] void toru_dbg_syslog(int priority, const char* format, ...);
 
 /// Returns the name of a level as it stands in log lines; never null, static storage.

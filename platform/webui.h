@@ -63,8 +63,8 @@ static_assert(offsetof(webui_software_update_status_t, userInitiated) == 4);
 static_assert(offsetof(webui_software_update_status_t, value) == 8);
 static_assert(offsetof(webui_software_update_status_t, version) == 12);
 
-/// What the carrier says about a software update, in one language. All are terminated texts, empty
-/// when the carrier has nothing to say.
+/// The carrier's texts about a software update, in one language. All are terminated; a text that
+/// the carrier does not supply is empty.
 struct SoftwareUpdateCustomMessages {
     char description[1024];
     char download[1024];
@@ -87,9 +87,10 @@ struct webui_addr_t {
 static_assert(sizeof(webui_addr_t) == 20);
 static_assert(offsetof(webui_addr_t, address) == 4);
 
-// The list calls take a buffer of *count records and set *count to the number of records that they
-// have or that they wrote. All calls return WEBUI_SUCCESS, WEBUI_BUFFER_NEEDED (list calls only)
-// or an error code.
+// A list call takes a buffer of *count records. If the buffer is null or too small, it sets *count
+// to the number of records that there are and returns WEBUI_BUFFER_NEEDED; otherwise it fills the
+// buffer and sets *count to the number of records that it wrote. All calls return WEBUI_SUCCESS or
+// an error code.
 extern "C" {
 
 /// Device-wide features.

@@ -8,8 +8,9 @@
 
 namespace CTPP {
 
-/// The members of a node. Branches that are to be destroyed form a chain, so that the depth of a
-/// tree costs no stack.
+/// The members of an array or a hash. To destroy a tree, its branches are moved to a linked list
+/// (the chain) and destroyed one after another, because recursion would overflow the stack for a
+/// very deep tree.
 struct CDT::Branch {
     Branch() = default;
     Branch(const Branch&) = delete;

@@ -75,7 +75,8 @@ CDT::CDT(const CDT& other) {
     }
 }
 
-/// Copies a value without members; notes down an array or a hash.
+/// Copies the value if it is not an array or a hash; those are added to @p branches for the caller,
+/// which copies their members without recursion.
 void CDT::CopyShallow(const CDT& other, Copies& branches) {
     std::visit(
         [&](const auto& value) {
@@ -110,8 +111,8 @@ CDT::~CDT() {
     }
 }
 
-/// Moves the branch of an array or a hash to the front of the chain. The value is good for nothing
-/// but destruction afterwards.
+/// Moves the branch of an array or a hash to the front of the chain. Afterwards, the value may only
+/// be destroyed.
 void CDT::Unhook(std::unique_ptr<Branch>& chain) noexcept {
     std::unique_ptr<Branch> branch;
     if (ArrayPtr* array = std::get_if<ArrayPtr>(&content)) {

@@ -36,12 +36,12 @@ constexpr std::array<char, 256> kEscapes = [] {
     return escapes;
 }();
 
-/// Bytes side by side, so that the processor looks at all of them at once.
+/// A vector of bytes, all of which the processor compares at once.
 template <std::size_t Size>
 using Bytes [[gnu::vector_size(Size)]] = unsigned char;
 
-/// Copies bytes and tells whether all of them are written as they are. Inlined, so that a loop
-/// keeps what it compares with.
+/// Copies the bytes of one vector and returns whether none of them needs an escape. Inlined, so
+/// that a loop keeps the constants of the comparison in registers.
 template <std::size_t Size>
 [[gnu::always_inline]] inline bool CopyPlainBytes(const char* from, char* to) {
     Bytes<Size> bytes;
@@ -54,8 +54,9 @@ template <std::size_t Size>
     return std::all_of(words.begin(), words.end(), [](UINT_64 word) { return word == 0; });
 }
 
-/// Copies the text, which has at least this size, until some bytes side by side are not all written
-/// as they are; returns how many bytes came before. The last bytes overlap those before them.
+/// Copies the text, which has at least the size of a vector, up to the first vector that contains a
+/// byte which needs an escape; returns how many bytes come before that vector. The last vector ends
+/// with the text, so it may overlap the one before it.
 template <std::size_t Size>
 std::size_t CopyPlainText(std::string_view text, char* to) {
     const char* const from = text.data();
@@ -67,8 +68,8 @@ std::size_t CopyPlainText(std::string_view text, char* to) {
     return count >= last && CopyPlainBytes<Size>(from + last, to + last) ? text.size() : count;
 }
 
-/// Copies bytes up to the first that is not written as it is; returns how many. Some more may have
-/// been copied.
+/// Copies bytes up to the first that needs an escape; returns how many. It may have copied some of
+/// the following bytes as well.
 std::size_t CopyPlain(std::string_view text, char* to) {
     std::size_t count = 0;
     if (text.size() >= 16) {
@@ -82,7 +83,8 @@ std::size_t CopyPlain(std::string_view text, char* to) {
     return count;
 }
 
-/// Collects what is written in small pieces, so that the text grows by large ones.
+/// Collects small pieces of output in a buffer and appends them to the text together, which is
+/// faster than to append each one.
 class Buffer {
   public:
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): bytes are read once they are written
@@ -107,7 +109,7 @@ class Buffer {
     }
 
     void PutQuoted(std::string_view text) {
-        // Nearly all texts are plain and find room.
+        // The usual case: the text needs no escape and fits into the buffer.
         if (room.size() - size >= text.size() + 2) {
             char* const to = room.data() + size;
             to[0] = '"';
@@ -165,7 +167,8 @@ class Buffer {
 
 }  // namespace
 
-/// Writes a tree with a stack of its own, so that the depth of the tree does not matter.
+/// Writes a tree. It keeps the open arrays and hashes in a container in place of calling itself,
+/// because recursion would overflow the stack for a very deep tree.
 class JSONWriter {
   public:
     explicit JSONWriter(std::string& out) : json(out) { levels.reserve(8); }
@@ -245,7 +248,8 @@ class JSONWriter {
         json.Put({digits.data(), result.ptr});
     }
 
-    /// A text that was read as a number is written as one, if it is one.
+    /// Writes a text that was read as a number: without quotes if it is a number in JSON, otherwise
+    /// as a text.
     void WriteText(const CDT::Text& text) {
         if (!std::holds_alternative<std::monostate>(text.number) && IsJSONNumber(text.value)) {
             json.Put(text.value);

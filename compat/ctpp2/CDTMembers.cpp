@@ -3,10 +3,11 @@
 namespace CTPP {
 namespace {
 
-/// Far above any real array; a negative index, converted to unsigned, lies beyond it.
+/// Limit of an index, far above any real one. A negative index that was converted to unsigned
+/// exceeds it.
 constexpr UINT_32 kMaxElements = 1U << 24;
 
-/// The array or the hash that a value must be.
+/// The array or the hash that @p value holds; throws CDTAccessException if it holds another type.
 template <class BranchPtr, class Value>
 auto& Require(Value& value) {
     if (auto* branch = std::get_if<BranchPtr>(&value)) {
@@ -27,7 +28,7 @@ const CDT::Hash* CDT::GetHash() const {
     return hash != nullptr ? hash->get() : nullptr;
 }
 
-/// The array of this value, which may be UNDEF.
+/// The array of this value; UNDEF becomes an empty array first.
 CDT::Array& CDT::MakeArray() {
     if (std::holds_alternative<std::monostate>(content)) {
         content = std::make_unique<Array>();
@@ -35,7 +36,7 @@ CDT::Array& CDT::MakeArray() {
     return Require<ArrayPtr>(content);
 }
 
-/// The hash of this value, which may be UNDEF.
+/// The hash of this value; UNDEF becomes an empty hash first.
 CDT::Hash& CDT::MakeHash() {
     if (std::holds_alternative<std::monostate>(content)) {
         content = std::make_unique<Hash>();

@@ -11,7 +11,7 @@ namespace {
 
 void AppendAddress(const void* address, std::string& out) {
     std::array<char, 2 * sizeof(address)> buffer{};
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the number is the text
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the text is the address
     const auto number = reinterpret_cast<std::uintptr_t>(address);
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, 16);
     out.append("0x").append(buffer.data(), result.ptr);
@@ -35,7 +35,7 @@ CDT::Number CDT::ReadNumber() const {
         return *real;
     }
     if (void* const* pointer = std::get_if<void*>(&content)) {
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): its address counts
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): only the address is read
         return static_cast<INT_64>(reinterpret_cast<std::intptr_t>(*pointer));
     }
     if (const Text* text = std::get_if<Text>(&content)) {

@@ -19,13 +19,14 @@ CDT::Members::~Members() {
     for (Member* member : sorted) {
         std::destroy_at(member);
     }
-    // One by one, so that their number costs no stack.
+    // One after another, because each destructor would otherwise call the next one and a long list
+    // would overflow the stack.
     for (std::unique_ptr<Block> block = std::move(first.next); block;) {
         block = std::move(block->next);
     }
 }
 
-/// Inlined, as each member of an answer comes here.
+/// Inlined, because every member of an answer is searched here.
 [[gnu::always_inline]] inline CDT::Members::Place CDT::Members::Locate(const KeyText& key) const {
     std::size_t low = 0;
     std::size_t high = sorted.size();
@@ -65,7 +66,7 @@ bool CDT::Members::Erase(std::string_view key) {
         Member* const member = sorted[place.index];
         sorted.erase(sorted.begin() + static_cast<std::ptrdiff_t>(place.index));
         std::destroy_at(member);
-        // A member of a union is where the union is.
+        // A member of a union has the address of the union.
         Slot* const slot = static_cast<Slot*>(static_cast<void*>(member));
         slot->next = spare;
         spare = slot;
@@ -73,7 +74,7 @@ bool CDT::Members::Erase(std::string_view key) {
     return place.found;
 }
 
-/// All that may fail comes first.
+/// Whatever may throw comes first, so that a failed insertion changes nothing.
 CDT& CDT::Members::Insert(std::size_t index, Key key) {
     if (sorted.size() == sorted.capacity()) {
         sorted.reserve(std::max(first.slots.size(), 4 * sorted.size()));
@@ -92,7 +93,8 @@ CDT& CDT::Members::Insert(std::size_t index, Key key) {
 }
 
 void CDT::Members::AddSlots(Block& block) noexcept {
-    // The last one first, so that members lie in the order in which they come.
+    // The free list begins with the slot that was added last, so the slots are added in reverse:
+    // then members that are inserted one after another lie one behind another in memory.
     for (auto slot = block.slots.rbegin(); slot != block.slots.rend(); ++slot) {
         slot->next = spare;
         spare = &*slot;

@@ -38,7 +38,7 @@ class CDT::Members {
     bool Erase(std::string_view key);
 
   private:
-    /// Room for a member; while there is none, the next spare slot.
+    /// Room for one member. While it holds none, it holds the pointer to the next free slot.
     union Slot {
         Slot() noexcept : next(nullptr) {}
         Slot(const Slot&) = delete;
@@ -49,8 +49,8 @@ class CDT::Members {
         Member member;
     };
 
-    /// Of one size, so that what the allocator gets back fits what it is asked for next. A record
-    /// of a list has about as many members.
+    /// All blocks have the same size, so that the allocator can reuse a freed block for the next
+    /// one. An element of the notification list has about as many members as fit into one.
     struct Block {
         std::array<Slot, 6> slots;
         std::unique_ptr<Block> next;
@@ -61,7 +61,7 @@ class CDT::Members {
         bool found;
     };
 
-    /// Where the member is, or belongs.
+    /// Where the member is, or where it has to be inserted.
     Place Locate(const KeyText& key) const;
     CDT& Insert(std::size_t index, Key key);
     void AddSlots(Block& block) noexcept;

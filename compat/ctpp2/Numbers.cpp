@@ -43,7 +43,8 @@ std::int64_t ToInteger(std::string_view text) {
     return value;
 }
 
-/// For the text of a number beyond the range of a double: whether it is too small, not too large.
+/// Whether the number of this text, which is outside the range of a double, is too small (rather
+/// than too large).
 bool IsTiny(std::string_view text) {
     const std::size_t exponent = text.find_first_of("eE");
     if (exponent != std::string_view::npos) {

@@ -16,9 +16,9 @@ void AppendReal(double value, std::string& out);
 /// The value without its fraction; clamped to the range of the result, 0 for NaN.
 std::int64_t Truncate(double value);
 
-/// What a text is worth as a number. Digits with an optional sign, and nothing at all, are an
-/// integer, which is clamped. Everything else is a real, 0 unless the whole text is a decimal
-/// number. Text behind a complete exponent makes it neither.
+/// The number that a text stands for. Digits with an optional sign, and the empty text, are an
+/// integer, clamped to its range. Any other text is a real, which is 0 unless the whole text is a
+/// decimal number. A text that goes on behind a complete exponent is neither.
 std::variant<std::monostate, std::int64_t, double> ParseNumber(std::string_view text);
 
 /// Tells whether the text may stand in JSON as a number.

@@ -45,7 +45,7 @@ TEST_F(PageComponentTest, DefaultOperationsAreHarmlessAndSilent) {
 }
 
 #if defined(__x86_64__) || defined(__i386__)
-// Derived classes of the family rely on the positions.
+// Components outside this service rely on these positions.
 TEST_F(PageComponentTest, VirtualOperationsKeepTheirSlots) {
     EXPECT_EQ(Slot(&PageComponent::Hook0), 0U);
     EXPECT_EQ(Slot(&PageComponent::GetDynamicData), 1U);

@@ -24,7 +24,7 @@ bool gParentIsGone = false;
 
 }  // namespace
 
-// Takes the place of the C library's.
+// Replaces the function of the C library.
 extern "C" int kill(pid_t process, int signo) noexcept {
     return gParentIsGone ? -1 : static_cast<int>(syscall(SYS_kill, process, signo));
 }
@@ -102,7 +102,7 @@ TEST_F(KeepAliveHandlerTest, NotifySendsAKeepAliveWhileTheParentLives) {
 }
 
 TEST_F(KeepAliveHandlerTest, NotifyIsSilentOnceTheParentIsAnother) {
-    // A handler that was never initialised remembers no parent, as one whose parent has gone.
+    // A handler that was never initialised knows no parent, so that the parent is another one.
     KeepAliveHandler handler;
     recording::Reset();
     EXPECT_FALSE(handler.OnThreadNotify(0));
@@ -125,15 +125,15 @@ TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck)
     using std::chrono::milliseconds;
     KeepAliveHandler handler;
     handler.Initialize();
-    // Nothing takes the deadline's signal here, as where a library holds it back.
-    const sigset_t heldBack = WaitingSignalMask();
-    pthread_sigmask(SIG_BLOCK, &heldBack, nullptr);
+    // The signal of the deadline is blocked, as a library may block it.
+    const sigset_t blocked = WaitingSignalMask();
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
     gOperationDeadline.Watch(milliseconds(1));
     gOperationDeadline.Begin("request (status)");
     while (!gOperationDeadline.IsPassed()) {
         std::this_thread::yield();
     }
-    // Not so long passed that this thread would end the process.
+    // With a long limit, it is not passed long enough for this thread to end the process.
     gOperationDeadline.Watch(std::chrono::hours(1));
     recording::Reset();
     handler.OnThreadNotify(0);
@@ -159,7 +159,7 @@ TEST_F(KeepAliveHandlerTest, VirtualOperationsKeepTheirSlots) {
 }
 
 TEST_F(KeepAliveHandlerTest, KeepAlivesStopWhenTheParentDies) {
-    // The parent of the process under test is a child of the test, which it ends while it runs.
+    // The process under test is a grandchild of the test, so that the test can end its parent.
     int ready[2];
     int result[2];
     ASSERT_EQ(pipe(ready), 0);

@@ -27,7 +27,7 @@ int RunMainOnly(std::string path) {
     return KestalMain(1, arguments.data());
 }
 
-/// The test's own process goes on behind it, without a deadline.
+/// The test process continues afterwards and must have no deadline.
 int RunMain(const std::string& path) {
     const int result = RunMainOnly(path);
     gOperationDeadline.End();
@@ -42,7 +42,7 @@ class MainTest : public testing::Test {
         (void)std::signal(SIGTERM, SIG_DFL);
     }
 
-    /// A short limit, and @p call does not come back.
+    /// Sets a short limit and lets @p call hang for ever.
     static void HangIn(const std::string& call) {
         recording::Echo();
         setenv("KESTAL_TIMEOUT", "1", 1);

@@ -25,14 +25,15 @@
 
 namespace {
 
-enum class Symbols { come, missing, neverCome, crash };
-Symbols gSymbols = Symbols::come;
+/// What backtrace_symbols does: it returns the names, returns none, never returns or crashes.
+enum class Symbols { named, missing, hanging, crashing };
+Symbols gSymbols = Symbols::named;
 
-/// Runs on the crashed thread, in its handler.
+/// Called by backtrace_symbols, that is, on the crashed thread, in its handler.
 void (*gMeanwhile)() = [] {};
 
-/// Returns when @p thread of this process rests in a system call.
-void WaitUntilItRests(pid_t thread) {
+/// Returns when @p thread of this process sleeps in a system call.
+void WaitUntilItSleeps(pid_t thread) {
     const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
     std::string status;
     do {
@@ -41,7 +42,7 @@ void WaitUntilItRests(pid_t thread) {
     } while (status.find(") S ") == std::string::npos);
 }
 
-// Not to be inlined, and every frame is written to: the recursion must stay one.
+// Not inlined, and every frame is written to, so that the compiler keeps the recursion.
 [[gnu::noinline]] std::size_t UseUpTheStack(std::size_t depth) {
     volatile char frame[4096];
     frame[0] = static_cast<char>(depth);
@@ -55,13 +56,13 @@ void WaitUntilItRests(pid_t thread) {
 
 }  // namespace
 
-// Takes the place of the C library's, which needs the allocator.
+// Replaces the function of the C library, which needs the allocator.
 extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept {
     gMeanwhile();
-    while (gSymbols == Symbols::neverCome) {
+    while (gSymbols == Symbols::hanging) {
         pause();
     }
-    if (gSymbols == Symbols::crash) {
+    if (gSymbols == Symbols::crashing) {
         (void)raise(SIGSEGV);
     }
     (void)std::fprintf(stderr, "%d frames\n", count);
@@ -88,7 +89,7 @@ constexpr std::chrono::milliseconds kLong(600'000);
     }
 }
 
-/// As in a call of a library that takes no signals, while the keep-alive thread runs.
+/// Behaves like a call of a library that blocks all signals, while the keep-alive thread runs.
 [[noreturn]] void HangWithSignalsHeldBack() {
     std::thread([] {
         while (!gOperationDeadline.IsLongPassed()) {
@@ -116,21 +117,21 @@ class SignalHandlersDeathTest : public testing::Test {
         recording::Reset();
     }
 
-    static void Prepare(Symbols symbols = Symbols::come) {
+    static void Prepare(Symbols symbols = Symbols::named) {
         recording::Echo();
         gSymbols = symbols;
         InstallFatalSignalHandler();
     }
 
     /// A process in which an operation may take @p limit.
-    static void PrepareDeadline(Symbols symbols = Symbols::come,
+    static void PrepareDeadline(Symbols symbols = Symbols::named,
                                 std::chrono::milliseconds limit = kShort) {
         Prepare(symbols);
         InstallDeadlineHandler(limit);
     }
 };
 
-/// Those in which a signal arrives while the handler of another runs.
+/// Tests in which a signal arrives while the handler of another one runs.
 class SignalsInHandlersDeathTest : public SignalHandlersDeathTest {};
 
 TEST_F(SignalHandlersDeathTest, FatalSignalIsLoggedWithItsFramesAndBecomesTheExitStatus) {
@@ -173,7 +174,7 @@ TEST_F(SignalHandlersDeathTest, FramesAreLoggedWithoutTheirNamesWhenThereIsNoMem
 TEST_F(SignalsInHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
     EXPECT_EXIT(
         {
-            Prepare(Symbols::neverCome);
+            Prepare(Symbols::hanging);
             (void)raise(SIGSEGV);
         },
         testing::ExitedWithCode(SIGSEGV), "^" + kReceived + "11, backtrace:\n$");
@@ -183,7 +184,7 @@ TEST_F(SignalsInHandlersDeathTest, HandlerThatCrashesItselfTellsTheDebugLogAndEn
     for (const int signo : {SIGABRT, SIGSEGV}) {
         EXPECT_EXIT(
             {
-                Prepare(Symbols::crash);
+                Prepare(Symbols::crashing);
                 (void)raise(signo);
             },
             testing::ExitedWithCode(signo),
@@ -225,7 +226,7 @@ TEST_F(SignalsInHandlersDeathTest, SecondThreadThatCrashesLeavesTheEndToTheFirst
                 while (second == 0) {
                     std::this_thread::yield();
                 }
-                WaitUntilItRests(second);
+                WaitUntilItSleeps(second);
             };
             (void)raise(SIGSEGV);
         },
@@ -241,14 +242,14 @@ TEST_F(SignalHandlersDeathTest, TerminationWhileTheKeepAliveThreadCrashesLeavesT
             InstallTerminationHandler();
             gMeanwhile = [] {
                 (void)kill(getpid(), SIGTERM);
-                WaitUntilItRests(getpid());
+                WaitUntilItSleeps(getpid());
             };
             std::thread([] {
                 BlockMainThreadSignals();
                 const SignalStack stack;
                 (void)raise(SIGSEGV);
             }).detach();
-            // Not resting, so that it only rests when it has been told to terminate.
+            // Busy, so that it sleeps only after SIGTERM has been handled.
             for (;;) {
                 std::this_thread::yield();
             }
@@ -274,7 +275,7 @@ TEST_F(SignalsInHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTaken
             sigset_t all;
             sigfillset(&all);
             pthread_sigmask(SIG_BLOCK, &all, nullptr);
-            Prepare(Symbols::neverCome);
+            Prepare(Symbols::hanging);
             (void)raise(SIGABRT);
         },
         testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
@@ -308,7 +309,7 @@ TEST_F(SignalsInHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsThe
 }
 
 TEST_F(SignalsInHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsNamedAllTheSame) {
-    for (const Symbols symbols : {Symbols::neverCome, Symbols::crash}) {
+    for (const Symbols symbols : {Symbols::hanging, Symbols::crashing}) {
         EXPECT_EXIT(
             {
                 PrepareDeadline(symbols);
@@ -335,7 +336,7 @@ TEST_F(SignalHandlersDeathTest, TimerOfAnOperationThatHasEndedDisturbsNoLaterOne
     EXPECT_EXIT(
         {
             PrepareDeadline();
-            // As while the process waits: the signal comes in with the next request.
+            // As while the process waits for a request: the signal is delivered in the next one.
             const sigset_t waiting = WaitingSignalMask();
             sigset_t usual;
             pthread_sigmask(SIG_SETMASK, &waiting, &usual);

@@ -1,4 +1,4 @@
-// cgicc::FCgiIO for a cgicc that was installed without it.
+// cgicc::FCgiIO, for the case that the installed cgicc does not contain it.
 #pragma once
 
 #include <cgicc/CgiInput.h>
@@ -13,7 +13,7 @@
 namespace cgicc {
 
 /// Lets cgicc read one FastCGI request: the body from the request's input stream, the variables
-/// from its environment, which is asked and not copied. The request must outlive the adapter.
+/// from its environment, which is not copied. The request must outlive this object.
 class FCgiIO : public CgiInput {
   public:
     explicit FCgiIO(FCGX_Request& fcgiRequest) : request(fcgiRequest) {}
@@ -32,7 +32,8 @@ class FCgiIO : public CgiInput {
     std::string getenv(const char* name) override {
         const std::size_t length = std::strlen(name);
         for (char** entry = request.envp; entry != nullptr && *entry != nullptr; ++entry) {
-            // cgicc asks for some thirty names: their first letter rules most variables out.
+            // cgicc asks for about thirty names per request. Comparing the first letter before
+            // anything else excludes most variables quickly.
             if (**entry == *name && std::strncmp(*entry, name, length) == 0 &&
                 (*entry)[length] == '=') {
                 return *entry + length + 1;

@@ -53,8 +53,9 @@ class CDT {
     class ConstIterator;
     class Key;
 
-    /// The text of a key, which it does not own, and its first sixteen bytes as two numbers, whose
-    /// comparison is the order of most keys. Bytes that it does not have count as NUL.
+    /// The text of a key, which this object does not own, and the first sixteen bytes of it as two
+    /// numbers: comparing these decides the order of most keys. A shorter text is filled up with
+    /// NUL.
     class KeyText {
       public:
         constexpr explicit KeyText(std::string_view key) : text(key) {
@@ -82,8 +83,8 @@ class CDT {
         UINT_64 second = 0;
     };
 
-    /// A key that the compiler knows and that is there as long as the program: a literal, or a
-    /// constexpr array that is not local. Up to its first NUL.
+    /// A key that is known to the compiler and exists as long as the program: a literal, or a
+    /// constexpr array that is not local. It ends at its first NUL.
     class LiteralKey {
       public:
         template <class Array,
@@ -137,7 +138,8 @@ class CDT {
     CDT& operator[](const std::string& key) {
         return GetOrInsert(key);
     }
-    /// The same for a key that need not be copied. It is no template, which gives it precedence.
+    /// The same for a key that need not be copied. For a literal, the compiler prefers this
+    /// overload because it is not a template.
     CDT& operator[](const LiteralKey& key) { return GetOrInsert(key); }
     /// The element, or UNDEF if this is no array. Throws CDTRangeException past the end.
     const CDT& operator[](UINT_32 index) const;

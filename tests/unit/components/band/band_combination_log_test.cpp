@@ -1,4 +1,4 @@
-// Which calls the band texts take, in which order, and what is logged.
+// Which calls the band texts make, in which order, and what is logged.
 #include <gtest/gtest.h>
 
 #include <string>

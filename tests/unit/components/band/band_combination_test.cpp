@@ -1,4 +1,4 @@
-// Which text is made of which bands and bandwidths.
+// Which text results from which bands and bandwidths.
 #include "components/band/band_combination.h"
 
 #include <gtest/gtest.h>

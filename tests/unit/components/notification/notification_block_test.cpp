@@ -133,7 +133,7 @@ TEST_F(NotificationBlockTest, OnlyWhatIsDeliveredTakesMemoryHoweverMuchIsAnnounc
     EXPECT_EQ(block.Read(bus), Result::kRead);
     ASSERT_EQ(Ids(), "a ");
     const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    // From the page in which the records begin.
+    // Starts with the page in which the records begin.
     const auto first = reinterpret_cast<std::uintptr_t>(block.Records().data()) & ~(pageSize - 1);
     std::vector<unsigned char> pages(kAnnounced / pageSize);
     ASSERT_EQ(mincore(reinterpret_cast<void*>(first), pages.size() * pageSize, pages.data()), 0);

@@ -24,7 +24,8 @@ std::vector<sys_connected_device_t> Devices(const std::vector<std::int32_t>& kin
 
 class ClientsStatusTest : public StatusGroupTest {
   protected:
-    /// The list asks for room for @p room devices, then delivers @p kinds and says @p count.
+    /// The list asks for room for @p room devices, then delivers those of @p kinds and the count
+    /// @p count.
     static void GivenDevices(unsigned int room, const std::vector<std::int32_t>& kinds,
                              unsigned int count) {
         Given(kList).Returns(SYS_ERROR_BUFFER_NEEDED).WritesNothing().Writes(room);

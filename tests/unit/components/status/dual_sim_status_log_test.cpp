@@ -1,4 +1,4 @@
-// Which calls the dual-SIM group takes, in which order, and what is logged.
+// Which calls the dual-SIM group makes, in which order, and what is logged.
 #include "platform/sysint.h"
 #include "tests/unit/components/status/dual_sim_status_test.h"
 

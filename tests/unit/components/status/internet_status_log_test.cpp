@@ -1,4 +1,4 @@
-// Which calls the internet group takes, in which order, and what is logged.
+// Which calls the internet group makes, in which order, and what is logged.
 #include <vector>
 
 #include "tests/unit/components/status/internet_status_test.h"

@@ -301,7 +301,7 @@ TEST_F(InternetStatus, DomesticRoamingOfASimWhoseGidByteIsTwoIsNotShown) {
     service.roaming = SYS_ROAMING_DOMESTIC;
     gid = 2;
     EXPECT_EQ(ValueOf("statusBarRoaming"), "None");
-    // Another component asks for itself.
+    // A new component has its own cache and reads the identifier again.
     Construct({});
     Configure("ShowRoamingIndicator", "1");
     gid = 3;

@@ -8,7 +8,7 @@
 #include "tests/support/translations.h"
 #include "tests/unit/components/status/status_group_test.h"
 
-/// A device whose internet group can be read; the SIM is not ready, so that the bands take few
+/// A device whose internet group can be read. The SIM is not ready, so that the band texts need few
 /// calls.
 class InternetStatusTest : public StatusGroupTest {
   protected:
@@ -30,7 +30,7 @@ class InternetStatusTest : public StatusGroupTest {
         connection.bytesTransmitted2 = 4;
     }
 
-    /// Scripts the device behind what the test itself has scripted.
+    /// Scripts the device. What the test itself has scripted comes first.
     void GivenDevice() const {
         recording::Given("sys_getCellularServiceStats").Writes(service);
         recording::Given("sys_getCellularDataConnectionStats").Writes(connection);
@@ -53,14 +53,14 @@ class InternetStatusTest : public StatusGroupTest {
         return ToJson(statusData);
     }
 
-    /// What the group writes under @p key; "(absent)" without it.
+    /// What the group writes under @p key; "(absent)" if it does not write the key.
     std::string ValueOf(const std::string& key) {
         statusData = CTPP::CDT(CTPP::CDT::HASH_VAL);
         Json();
         return Value(key);
     }
 
-    /// Lets the component know @p slot as the one in use.
+    /// Lets the component read that @p slot is in use.
     void Activate(int slot) {
         recording::Given("sys_getActiveSimSlot").Writes(slot);
         CTPP::CDT other(CTPP::CDT::HASH_VAL);
@@ -75,6 +75,6 @@ class InternetStatusTest : public StatusGroupTest {
     int dataConnectionStatus = SYS_DATA_CONNECTION_CONNECTED;
     int accountStatus = 0;
     std::uint8_t gid = 186;
-    /// Asked for by both band texts; nothing when the test scripts it.
+    /// Both band texts read it. No value if the test scripts it itself.
     std::optional<int> simStatus = SYS_SIM_NOT_FOUND;
 };

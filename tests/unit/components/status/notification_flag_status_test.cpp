@@ -50,7 +50,7 @@ class NotificationFlagStatusTest : public StatusGroupTest {
         return Log(7, kFlag + " -[" + count + "] notifications received on msgbus");
     }
 
-    /// The transcript of a group that does @p middle on the bus.
+    /// The transcript of the group, with @p middle between joining and leaving the bus.
     static std::string OnTheBus(const Step& middle) {
         return Steps({Log(7, kFlag + " - BEGIN"), "MsgbusHandler::MsgbusHandler(no callback)",
                       "MsgbusHandler::Initialize()", middle, "MsgbusHandler::Uninitialize()",

@@ -1,4 +1,4 @@
-// The component fits where any component of the family does.
+// The virtual table of the component is that of its base.
 #include <gtest/gtest.h>
 
 #include "bindings/recording/recording.h"

@@ -15,13 +15,14 @@
 #include "tests/support/records.h"
 #include "tests/support/transcript.h"
 
-/// A component whose field groups can be called one by one; the transcript begins behind its
+/// A component whose field groups can be called one by one. The transcript does not contain its
 /// construction.
 class StatusGroupTest : public testing::Test {
   protected:
     void SetUp() override { Construct({}); }
 
-    /// Makes a new component of a device whose @p switches, names of calls, are on, the others off.
+    /// Makes a new component. The carrier switches that the calls named in @p switches read are on,
+    /// the others are off.
     void Construct(const std::vector<std::string>& switches) {
         recording::Reset();
         for (const std::string call : {"sys_getSambaCarrierEnabled", "sys_getGPSCarrierEnabled",
@@ -36,7 +37,7 @@ class StatusGroupTest : public testing::Test {
         recording::Reset();
     }
 
-    /// Lets the component load one configuration value, and forgets the calls that it took.
+    /// Lets the component load one configuration value, and clears the transcript.
     void Configure(std::string_view name, std::string_view value) {
         Configure({Configuration(name, value)});
     }
@@ -52,7 +53,7 @@ class StatusGroupTest : public testing::Test {
         recording::Reset();
     }
 
-    /// The text or number of a key as text; "(absent)" without one.
+    /// The text or number of a key as text; "(absent)" if the key is not there.
     std::string Value(const std::string& key) const {
         return statusData.Exists(key) ? statusData.GetCDT(key).GetString() : "(absent)";
     }

@@ -1,4 +1,4 @@
-// Converters from a platform value to a text, held against the table of all texts.
+// Checks a converter from a platform value to a text against the table of all texts.
 #pragma once
 
 #include <gtest/gtest.h>

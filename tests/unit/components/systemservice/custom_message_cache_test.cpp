@@ -48,7 +48,7 @@ class CustomMessageCacheTest : public testing::Test {
   protected:
     void SetUp() override { recording::Reset(); }
 
-    /// Lets the cache fetch @p messages in the language @p code, and forgets the calls it took.
+    /// Lets the cache fetch @p messages in the language @p code, and clears the transcript.
     void Load(std::string_view code, const SoftwareUpdateCustomMessages& messages) {
         recording::Reset();
         GivenLanguage(code);
@@ -184,7 +184,8 @@ TEST_F(CustomMessageCacheTest, LanguageThatAFailingCallWroteIsUsed) {
               Steps({kMessagesCall + "(fr)", kMessagesCall + "(fr)"}));
 }
 
-// After a failure "en" is what is compared with, so that only this language finds the cache.
+// After a failure, the cache compares with the language "en", so that only for this language the
+// texts count as loaded.
 TEST_F(CustomMessageCacheTest, EnglishThatAFailingCallWroteFindsTheTextsLoaded) {
     Load("fr", Messages("ready", "", ""));
     Given(kLanguageCall).Returns(11).Writes(Language("en"));

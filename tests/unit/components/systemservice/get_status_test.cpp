@@ -26,7 +26,8 @@ TEST(GetStatus, ComponentIsBuiltOnFirstUseOnceAndAskedEveryTimeEvenWhenEverythin
     EXPECT_EQ(recording::Transcript().front(), recording::Log(7, signature + " - BEGIN"));
     EXPECT_EQ(recording::Transcript().back(), recording::Log(7, signature + " - END returning 0"));
 
-    // What was cut short is loaded again, what failed is not.
+    // The first Init ran out of memory, so it is repeated. The second one fails for another reason,
+    // so the third request does not repeat it.
     recording::Reset();
     CTPP::CDT second;
     EXPECT_EQ(service.GetStatus(second), PAGE_ERROR_NONE);

@@ -21,7 +21,7 @@ AnsNotificationRecord Inactive(std::string_view id) {
     return record;
 }
 
-/// A notification of which every field that is shown has a value.
+/// A notification in which every field that is shown has a value.
 AnsNotificationRecord Full(std::string_view id, std::uint32_t severity) {
     AnsNotificationRecord record = Notification(id);
     SetText(record.category, "category of it");
@@ -32,7 +32,8 @@ AnsNotificationRecord Full(std::string_view id, std::uint32_t severity) {
     return record;
 }
 
-/// What is done for every notification that is shown, before its texts, with @p unread messages.
+/// The transcript of what is read for every notification that is shown, with @p unread messages,
+/// before its texts are looked up.
 Step ReadsPinsAndUnread(int unread) {
     return std::vector<std::string>{
         kPin1Call + "()", kPin2Call + "()", kUnreadCall + "()",

@@ -50,7 +50,7 @@ class NotificationListTest : public testing::Test {
         StartRequest();
     }
 
-    /// Forgets transcript and script. The pins have no names and @p unread messages are unread.
+    /// Clears transcript and script. The pins have no names and @p unread messages are unread.
     static void StartRequest(int unread = 0) {
         recording::Reset();
         recording::Given(kPin1Call);
@@ -69,7 +69,7 @@ class NotificationListTest : public testing::Test {
         Publish(NotificationList(records));
     }
 
-    /// Asks for the list; the answer as the client sees it.
+    /// Asks for the list; returns the answer as the client sees it.
     std::string Json() {
         out = CTPP::CDT();
         EXPECT_EQ(component.GetNotificationStatus(out), PAGE_ERROR_NONE);
@@ -82,7 +82,7 @@ class NotificationListTest : public testing::Test {
         return Json();
     }
 
-    /// The only notification when @p record is published.
+    /// The only notification of the list if @p record alone is published.
     CTPP::CDT Only(const AnsNotificationRecord& record) {
         Json({record});
         const CTPP::CDT& list = out.GetCDT("notificationsList");

@@ -44,14 +44,14 @@ class AclComponentTest : public testing::Test {
         Given("sys_getHalyardAgentCarrierEnabled").Writes(halyard);
     }
 
-    /// Everything that is remembered.
+    /// Everything that the component has stored.
     std::string Settings() {
         CTPP::CDT node(CTPP::CDT::HASH_VAL);
         acl.PopulateAclSettings(node);
         return ToJson(node);
     }
 
-    /// What a field that the device and the page support gets.
+    /// What GenerateFieldACLData writes for a field that the device and the page support.
     std::string Generated(const std::string& field) {
         CTPP::CDT node;
         acl.GenerateFieldACLData(node, field, true, true);
