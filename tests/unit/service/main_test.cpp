@@ -172,7 +172,7 @@ TEST_F(MainTest, StuckExitHandlerOfALibraryEndsTheProcess) {
         "is stuck: end of the process has not ended within 3000 ms, backtrace:\n");
 }
 
-TEST_F(MainTest, KeepAliveThreadIsStartedWithTheMainThreadsSignalsHeldBack) {
+TEST_F(MainTest, KeepAliveThreadIsStartedWithTheMainThreadsSignalsBlocked) {
     bool heldBack = false;
     recording::Given("MaintenanceThread::Run").Does([&] {
         sigset_t mask;

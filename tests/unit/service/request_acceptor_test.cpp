@@ -59,7 +59,7 @@ TEST_F(RequestAcceptorTest, ListeningSocketNeverBlocksAnAccept) {
     EXPECT_NE(fcntl(request.listen_sock, F_GETFL) & O_NONBLOCK, 0);
 }
 
-TEST_F(RequestAcceptorTest, WithoutASocketNobodyWaits) {
+TEST_F(RequestAcceptorTest, WithoutAListeningSocketItDoesNotWait) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     request.listen_sock = ends[0];
@@ -70,14 +70,14 @@ TEST_F(RequestAcceptorTest, WithoutASocketNobodyWaits) {
     close(ends[1]);
 }
 
-TEST_F(RequestAcceptorTest, WithoutAnyDescriptorNobodyWaits) {
+TEST_F(RequestAcceptorTest, WithoutAnyDescriptorItDoesNotWait) {
     request.listen_sock = -1;
     RequestAcceptor acceptor(request);
     fake_fcgi::QueueAcceptResult(-EBADF);
     EXPECT_EQ(acceptor.Accept(), -EBADF);
 }
 
-TEST_F(RequestAcceptorTest, SignalIsLetInEvenWhileRequestsKeepComing) {
+TEST_F(RequestAcceptorTest, SignalIsHandledEvenWhileRequestsKeepComing) {
     RequestAcceptor acceptor(request);
     (void)raise(SIGUSR1);
     EXPECT_EQ(gHandled, 0);
@@ -86,7 +86,7 @@ TEST_F(RequestAcceptorTest, SignalIsLetInEvenWhileRequestsKeepComing) {
     EXPECT_EQ(gHandled, 1);
 }
 
-TEST_F(RequestAcceptorTest, SignalsAreHeldBackAgainBehindTheWait) {
+TEST_F(RequestAcceptorTest, SignalsAreBlockedAgainAfterTheWait) {
     RequestAcceptor acceptor(request);
     fake_fcgi::QueueAcceptResult(0);
     acceptor.Accept();
@@ -94,7 +94,7 @@ TEST_F(RequestAcceptorTest, SignalsAreHeldBackAgainBehindTheWait) {
     EXPECT_EQ(gHandled, 0);
 }
 
-TEST_F(RequestAcceptorTest, SignalGivesUpAKeptConnectionThatBringsNothing) {
+TEST_F(RequestAcceptorTest, SignalClosesAKeptConnectionOnWhichNoRequestComes) {
     std::array<int, 2> kept{};
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, kept.data()), 0);
     request.ipcFd = kept[0];

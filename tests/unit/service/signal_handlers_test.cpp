@@ -171,7 +171,7 @@ TEST_F(SignalHandlersDeathTest, FramesAreLoggedWithoutTheirNamesWhenThereIsNoMem
         "log 3 .KESTAL_CGI.:.ERROR. - 0x[0-9a-f]* : \n");
 }
 
-TEST_F(SignalsInHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogAndEnds) {
+TEST_F(SignalsInHandlersDeathTest, HandlerThatHangsOnALockIsEndedAfterALineInTheDebugLog) {
     EXPECT_EXIT(
         {
             Prepare(Symbols::hanging);
@@ -180,7 +180,7 @@ TEST_F(SignalsInHandlersDeathTest, HandlerThatHangsOnALockStillTellsTheDebugLogA
         testing::ExitedWithCode(SIGSEGV), "^" + kReceived + "11, backtrace:\n$");
 }
 
-TEST_F(SignalsInHandlersDeathTest, HandlerThatCrashesItselfTellsTheDebugLogAndEnds) {
+TEST_F(SignalsInHandlersDeathTest, HandlerThatCrashesEndsAfterALineInTheDebugLog) {
     for (const int signo : {SIGABRT, SIGSEGV}) {
         EXPECT_EXIT(
             {
@@ -269,7 +269,7 @@ TEST_F(SignalHandlersDeathTest, FaultInAnExitHandlerKeepsTheFirstSignalAsExitSta
         testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
 }
 
-TEST_F(SignalsInHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTakenAllTheSame) {
+TEST_F(SignalsInHandlersDeathTest, SignalsThatTheStartingProcessBlockedAreHandledNevertheless) {
     EXPECT_EXIT(
         {
             sigset_t all;
@@ -281,7 +281,7 @@ TEST_F(SignalsInHandlersDeathTest, SignalsThatTheStartingProcessHeldBackAreTaken
         testing::ExitedWithCode(SIGABRT), kReceived + "6, backtrace:");
 }
 
-TEST_F(SignalHandlersDeathTest, AlarmOfSomeoneElseIsNotTaken) {
+TEST_F(SignalHandlersDeathTest, AlarmSignalHasItsDefaultActionUntilTheProcessEnds) {
     InstallFatalSignalHandler();
     struct sigaction action = {};
     sigaction(SIGALRM, nullptr, &action);
@@ -417,7 +417,7 @@ TEST_F(SignalHandlersDeathTest, KeepAliveThreadThatHangsInItsLogEndsTheProcessAl
         testing::ExitedWithCode(kStuckExitStatus), kStuck + "\n$");
 }
 
-TEST_F(SignalHandlersDeathTest, KeepAliveThreadLeavesTheEndToTheHandlerThatIsAtIt) {
+TEST_F(SignalHandlersDeathTest, KeepAliveThreadDoesNotInterfereWithAHandlerThatIsEndingTheProcess) {
     EXPECT_EXIT(
         {
             PrepareDeadline();

@@ -483,7 +483,7 @@ TEST_F(StatusDataSetTest, GidIsReadOnceForManyRequestsToOneComponent) {
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 1U);
 }
 
-TEST_F(StatusDataSetTest, DataSetIsHungIntoTheAnswerBesideWhatItHolds) {
+TEST_F(StatusDataSetTest, DataSetIsAddedToTheAnswerBesideItsOtherKeys) {
     out["loginStatus"] = 1;
     EXPECT_EQ(Json(),
               R"({"loginStatus":1,"statusData":{"isDualSimSupported":0,)"

@@ -156,7 +156,7 @@ TEST_F(CustomMessageCacheTest, FetchThatFailsAfterALanguageChangeForgetsTheOldTe
     EXPECT_EQ(CallCount(kMessagesCall), 1U);
 }
 
-TEST_F(CustomMessageCacheTest, TextsOfAnEarlierFetchDoNotShineThrough) {
+TEST_F(CustomMessageCacheTest, NoTextOfAnEarlierFetchRemains) {
     Load("fr", Messages("ready", "success", "failure"));
     GivenLanguage("de");
     Given(kMessagesCall).Returns(WEBUI_SUCCESS);

@@ -67,7 +67,7 @@ class GpioTextTest : public testing::Test {
     }
 };
 
-TEST_F(GpioTextTest, WithoutNamesTheMessageSpeaksForThePin) {
+TEST_F(GpioTextTest, WithoutNamesTheMessageOfThePinIsUsed) {
     for (const Change& change : kChanges) {
         EXPECT_EQ(Text(change, "", ""), change.nothingNamed);
         Give("webui", change.nothingNamed, "Pin changed");
