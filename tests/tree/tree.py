@@ -1,0 +1,15 @@
+"""The files of this project, as git tracks them or would."""
+
+import functools
+import pathlib
+import subprocess
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+@functools.cache
+def files():
+    """Paths below ROOT, as texts. The tree may belong to someone else, as in a container."""
+    command = ["git", "-c", f"safe.directory={ROOT}", "-C", ROOT, "ls-files", "-co", "--exclude-standard", "-z"]
+    listed = subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
+    return frozenset(name for name in listed.split("\0") if name and (ROOT / name).is_file())
