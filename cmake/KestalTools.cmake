@@ -5,11 +5,12 @@ add_custom_target(kestal_man_pages ALL)
 # The day that the pages bear, in seconds: they are the same on whichever day they are built.
 set(KESTAL_MAN_DATE 1767225600)
 
-# kestal_add_man_page(NAME): builds docs/man/NAME.1.scd and installs it.
+# kestal_add_man_page(NAME): builds docs/man/NAME.1.scd, which tells the version, and installs it.
 function(kestal_add_man_page name)
-    set(source ${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd)
     set(folder ${PROJECT_BINARY_DIR}/man/man1)
     file(MAKE_DIRECTORY ${folder})
+    set(source ${PROJECT_BINARY_DIR}/man/${name}.1.scd)
+    configure_file(${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd ${source} @ONLY)
     add_custom_command(OUTPUT ${folder}/${name}.1
         COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=${KESTAL_MAN_DATE}
             ${KESTAL_SCDOC} < ${source} > ${folder}/${name}.1

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <string_view>
 
 #include "framework/attempt.h"
 #include "framework/log.h"
@@ -15,9 +17,15 @@
 #include "service/signal_handlers.h"
 #include "service/standard_descriptors.h"
 #include "service/termination_handler.h"
+#include "version/version.h"
 
-int main(int /*argc*/, char** argv) {
+int main(int argc, char** argv) {
     KESTAL_SIGNATURE("int main(int, char**)");
+    // No web server gives an argument, but people do.
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        (void)std::printf("kestal.cgi %s\n", KestalVersion());
+        return std::fflush(stdout) == 0 ? 0 : 1;
+    }
     int result = 0;
     // First, because whatever opens a descriptor before could get the number of a standard one.
     OpenClosedStandardDescriptors();

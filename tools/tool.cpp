@@ -6,6 +6,8 @@
 #include <iterator>
 #include <optional>
 
+#include "version/version.h"
+
 namespace {
 
 /// Thrown for an option that is answered at once.
@@ -135,6 +137,10 @@ void Describe(CLI::App& app, const Tool& tool, Choice& choice) {
     app.add_flag_callback(
            "--commands", [&tool] { throw AnswerAtOnce(CommandNames(tool)); },
            "Print the names of all commands, one a line, and exit")
+        ->trigger_on_parse();
+    app.add_flag_callback(
+           "--version", [&tool] { throw AnswerAtOnce(tool.name + " " + KestalVersion() + "\n"); },
+           "Print the version and exit")
         ->trigger_on_parse();
     for (const Setting& setting : tool.settings) {
         AddOption(app, setting.option);

@@ -243,6 +243,7 @@ printf '%s\\n' "${COMPREPLY[@]}"
     ("words", "expected"),
     [
         (["sh"], ["show"]),
+        (["--v"], ["--version"]),
         (["se"], ["set", "session"]),
         (["session", ""], ["open", "renew", "close", "list", "--help"]),
         (["session", "open", "--u"], ["--user-agent"]),

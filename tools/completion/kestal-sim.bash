@@ -43,7 +43,7 @@ _kestal_sim() {
         return
     fi
     case $command in
-        '') words="--device --commands --help $commands" ;;
+        '') words="--device --commands --version --help $commands" ;;
         show | set | fail | heal)
             words=--help
             if [ "$command" = show ]; then

@@ -4,7 +4,7 @@
 _msgbus_cli() {
     local words
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="--help --commands $("$1" --commands 2>/dev/null)"
+        words="--help --commands --version $("$1" --commands 2>/dev/null)"
     else
         words='--help --raw zelt.ans.notifications'
     fi

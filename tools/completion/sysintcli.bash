@@ -4,7 +4,7 @@
 _sysintcli() {
     local words=--help
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="--help --commands $("$1" --commands 2>/dev/null)"
+        words="--help --commands --version $("$1" --commands 2>/dev/null)"
     elif [ "${COMP_WORDS[1]} $COMP_CWORD" = 'getWiFiGuestProfileEnabled 2' ]; then
         words='--help 1 2'
     fi

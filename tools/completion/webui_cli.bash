@@ -4,7 +4,7 @@
 _webui_cli() {
     local words=--help
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="--help --commands $("$1" --commands 2>/dev/null)"
+        words="--help --commands --version $("$1" --commands 2>/dev/null)"
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "${COMP_WORDS[COMP_CWORD]}")
 }

@@ -38,7 +38,7 @@ def offered(*words, script=None):
 
 @pytest.mark.parametrize("tool", ["sysintcli", "webui_cli", "msgbus_cli"])
 def test_all_commands_are_offered(tool):
-    assert offered(tool, "") == ["--help", "--commands", *surroundings.commands(tool)]
+    assert offered(tool, "") == ["--help", "--commands", "--version", *surroundings.commands(tool)]
 
 
 def test_commands_are_completed():

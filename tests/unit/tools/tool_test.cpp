@@ -12,6 +12,7 @@
 #include "tools/msgbus_commands.h"
 #include "tools/sysint_commands.h"
 #include "tools/webui_commands.h"
+#include "version/version.h"
 
 using ::testing::AllOf;
 using ::testing::AnyOf;
@@ -168,6 +169,7 @@ TEST(Tool, HelpTellsTheCommands) {
               "  -h,--help                                 Print this help message and exit\n"
               "  --commands                                Print the names of all commands, one a "
               "line, and exit\n"
+              "  --version                                 Print the version and exit\n"
               "\n"
               "Commands:\n"
               "  say, tell                                 Say something\n"
@@ -193,6 +195,10 @@ TEST(Tool, HelpOfACommandTellsWhatItTakes) {
     const std::string help = Shown(Example(), {"say", "--help"});
     EXPECT_THAT(help, AnyOf(expected, expected + "\n"));
     EXPECT_EQ(Shown(Example(), {"tell", "so", "--help"}), help);
+}
+
+TEST(Tool, TellsItsVersion) {
+    EXPECT_EQ(Shown(Example(), {"--version"}), std::string("example ") + KestalVersion() + "\n");
 }
 
 TEST(Tool, TheNamesOfTheCommandsCanBeListed) {

@@ -1,0 +1,97 @@
+"""Every program tells its version and the commit that it was built from, which stand in one place."""
+
+import re
+import subprocess
+
+import pytest
+
+from support import paths
+
+VERSION = re.search(r"project\(kestal VERSION (\S+)", (paths.ROOT / "CMakeLists.txt").read_text())[1]
+TOLD = rf"{re.escape(VERSION)}( \([0-9a-f]{{12}}\))?"
+SCRIPT = paths.ROOT / "version" / "write_version.cmake"
+
+
+def run(*command, **environment):
+    done = subprocess.run(
+        list(map(str, command)),
+        env={**paths.CLEAN_ENVIRONMENT, **environment},
+        capture_output=True,
+        text=True,
+        timeout=60,
+        check=True,
+    )
+    return done.stdout
+
+
+def programs():
+    tools = [paths.BUILD / "tools" / name for name in ("sysintcli", "webui_cli", "msgbus_cli")]
+    return [paths.SERVICE, *tools, paths.SIM]
+
+
+@pytest.mark.parametrize("program", programs(), ids=lambda path: path.name)
+def test_a_program_tells_the_version_of_the_build(program):
+    told = run(program, "--version")
+    assert re.fullmatch(rf"{re.escape(program.name)} {TOLD}\n", told)
+    assert told.split(" ", 1)[1] == run(paths.SERVICE, "--version").split(" ", 1)[1]
+
+
+def test_the_launcher_tells_the_version_of_the_service():
+    told = run(paths.LAUNCHER, "--version", KESTAL_RESPONDER=str(paths.SERVICE))
+    assert told == run(paths.SERVICE, "--version").replace("kestal.cgi", "kestal-server")
+
+
+@pytest.mark.parametrize("page", sorted((paths.ROOT / "docs" / "man").iterdir()), ids=lambda path: path.name)
+def test_a_man_page_tells_the_version(page):
+    built = paths.BUILD / "man" / "man1" / page.name.removesuffix(".scd")
+    assert f'"kestal {VERSION}"' in built.read_text()
+
+
+@pytest.fixture
+def tree(work):
+    """A repository with a commit."""
+    folder = work / "tree"
+    folder.mkdir()
+    git(folder, "init", "-q")
+    commit(folder)
+    return folder
+
+
+def git(folder, *command):
+    identity = ["-c", "user.name=nobody", "-c", "user.email="]
+    return run("git", *identity, "-C", folder, *command, HOME=str(folder)).strip()
+
+
+def commit(folder):
+    git(folder, "commit", "-q", "--allow-empty", "-m", "Something")
+
+
+def write(folder, source, tool="git"):
+    """What the source that the build writes for a tree in the folder tells."""
+    run(
+        "cmake", "-D", "version=1.2.3", "-D", f"git={tool}", "-D", f"folder={folder}", "-D", f"source={source}",
+        "-P", SCRIPT,
+    )
+    return re.search(r'return "(.*)";', source.read_text())[1]
+
+
+def test_the_commit_that_is_checked_out_is_told(tree, work):
+    assert write(tree, work / "version.cpp") == f"1.2.3 ({git(tree, 'rev-parse', 'HEAD')[:12]})"
+
+
+def test_the_source_changes_with_the_commit_and_only_with_it(tree, work):
+    source = work / "version.cpp"
+    first = write(tree, source)
+    written = source.stat().st_mtime_ns
+    assert write(tree, source) == first and source.stat().st_mtime_ns == written
+    commit(tree)
+    git(tree, "commit", "-q", "--amend", "--allow-empty", "-m", "Something else")
+    assert write(tree, source) != first and source.stat().st_mtime_ns != written
+
+
+def test_without_a_repository_of_its_own_a_build_tells_no_commit(tree, work):
+    (tree / "inside").mkdir()
+    assert write(tree / "inside", work / "version.cpp") == "1.2.3"
+    (work / "outside").mkdir()
+    assert write(work / "outside", work / "version.cpp") == "1.2.3"
+    assert write(tree, work / "version.cpp", tool="") == "1.2.3"

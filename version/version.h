@@ -1,0 +1,5 @@
+#pragma once
+
+/// Version of this build and, where it was built in its own git repository, the commit that was
+/// checked out: "0.1.0 (0123456789ab)".
+const char* KestalVersion();
