@@ -11,16 +11,20 @@ import pytest
 from support import paths
 
 DEBUG = "[KESTAL_CGI]:[DEBUG] - "
+VERSION = subprocess.run([paths.SERVICE, "--version"], check=True, capture_output=True, text=True, timeout=60).stdout
+VERSION_LINE = f"[BINDING]:[NOTICE] - {VERSION.strip()}"
 
 
 def test_the_start_is_logged_before_the_first_request(make_responder):
     responder = make_responder().start()
     responder.log.wait_for("SystemServiceComponent::SystemServiceComponent() - END")
     messages = responder.log.messages()
+    assert messages[0] == VERSION_LINE
+    assert messages.count(VERSION_LINE) == 1
     assert re.fullmatch(
         r"\[KESTAL_CGI\]:\[NOTICE\] - KESTAL_CGI Process Start with pthread ID:\d+, "
         rf"process ID:{responder.pid}\.",
-        messages[0],
+        messages[1],
     )
     assert "[BINDING]:[NOTICE] - watchdog: kestal.cgi registered" in messages
 
@@ -48,8 +52,9 @@ def test_the_level_of_the_log_is_5_when_none_is_set(make_responder):
     responder.start()
     assert responder.end(signal.SIGUSR1) == 0
     messages = responder.log.messages()
-    assert messages[0].startswith("[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Process Start with pthread ID:")
-    assert messages[1:] == [
+    assert messages[0] == VERSION_LINE
+    assert messages[1].startswith("[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Process Start with pthread ID:")
+    assert messages[2:] == [
         "[BINDING]:[NOTICE] - watchdog: kestal.cgi registered",
         "[BINDING]:[NOTICE] - watchdog: kestal.cgi unregistered",
         "[KESTAL_CGI]:[NOTICE] - KESTAL_CGI Server Terminating.",

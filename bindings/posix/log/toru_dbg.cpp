@@ -16,9 +16,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "bindings/log.h"
 #include "bindings/posix/log/log_line.h"
 #include "bindings/posix/log/repeated_lines.h"
 #include "bindings/posix/log/system_log.h"
+#include "version/version.h"
 
 namespace {
 
@@ -33,6 +35,9 @@ std::atomic<const char*> programName = nullptr;
 
 /// There was room for the beginning of the last line only.
 std::atomic<bool> endsInHalfALine = false;
+
+/// The first line of a process tells what runs.
+std::atomic<bool> versionTold = false;
 
 constinit binding::RepeatedLines repeats;
 
@@ -175,6 +180,9 @@ int toru_dbg_start(const char* newProgramName) {
     programName = newProgramName;
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
+    if (!versionTold.exchange(true)) {
+        BINDING_LOG(TORU_DBG_NOTICE, "%s %s", newProgramName, KestalVersion());
+    }
     binding::CheckSystemLog();
     return 0;
 }
