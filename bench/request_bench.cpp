@@ -46,11 +46,11 @@ BENCHMARK_CAPTURE(LoginStatus, without_cookie, nullptr);
 BENCHMARK_CAPTURE(LoginStatus, unknown_session, "torusess=0123456789abcdef");
 
 void SuppressedLogLine(benchmark::State& state) {
-    KESTAL_SIGNATURE("void Benchmark()");
+    KESTAL_SIGNATURE("void SuppressedLogLine(benchmark::State&)");
     int value = 0;
     const bench::CountAllocations count(state);
     for (auto _ : state) {
-        KESTAL_DEBUG("[%s]:[%s] - %s - END returning %d", value);
+        KESTAL_END_RETURNING(value);
         benchmark::DoNotOptimize(value);
     }
 }
