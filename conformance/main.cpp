@@ -7,6 +7,7 @@
 
 #include "conformance/crash.h"
 #include "conformance/sections/sections.h"
+#include "version/version.h"
 
 namespace conformance {
 
@@ -65,6 +66,8 @@ void Describe(CLI::App& app, Options& options, int& seconds) {
     app.add_option("--deadline", seconds, "Seconds after which a call hangs (10)")
         ->type_name("SECONDS")
         ->check(CLI::Range(1, 3600));
+    app.set_version_flag("--version", std::string("kestal-conformance ") + KestalVersion(),
+                         "Print the version and exit");
     std::string parts;
     for (const std::string& name : SectionNames()) {
         parts += " " + name;
@@ -107,6 +110,9 @@ int main(int argc, char** argv) {
             app.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
             std::cout << app.help();
+            return std::cout.flush() ? 0 : 1;
+        } catch (const CLI::CallForVersion& version) {
+            std::cout << version.what() << "\n";
             return std::cout.flush() ? 0 : 1;
         } catch (const CLI::ParseError& error) {
             std::cerr << "kestal-conformance: " << error.what()

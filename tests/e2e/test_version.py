@@ -26,7 +26,7 @@ def run(*command, **environment):
 
 def programs():
     tools = [paths.BUILD / "tools" / name for name in ("sysintcli", "webui_cli", "msgbus_cli")]
-    return [paths.SERVICE, *tools, paths.SIM]
+    return [paths.SERVICE, *tools, paths.SIM, paths.BUILD / "conformance" / "kestal-conformance"]
 
 
 @pytest.mark.parametrize("program", programs(), ids=lambda path: path.name)

@@ -213,6 +213,6 @@ def test_help_and_man_page_tell_all_options_and_parts():
     page = (ROOT / "docs" / "man" / "kestal-conformance.1.scd").read_text()
     options = set(re.findall(r"--[a-z]+", done.stdout))
     parts = done.stdout.partition("Parts:")[2].splitlines()[0].split()
-    assert len(options) == 9 and len(parts) == 12
+    assert len(options) == 10 and len(parts) == 12
     assert options <= set(re.findall(r"--[a-z]+", page))
     assert re.findall(r"^\*([a-z]+)\*$", page.partition("# PARTS")[2].partition("# OPT")[0], re.M) == parts
