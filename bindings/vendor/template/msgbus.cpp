@@ -12,7 +12,7 @@ MsgbusHandler::MsgbusHandler(MsgbusCallbackInterface* /*callback*/)
 
 MsgbusHandler::~MsgbusHandler() = default;
 
-// Connect to the bus.
+// Connect to the bus. GetData fails for a client that has not.
 int MsgbusHandler::Initialize() {
     return kNotSupported;
 }
@@ -24,7 +24,7 @@ int MsgbusHandler::GetData(const std::string& /*channel*/, void* /*buffer*/,
     return kNotSupported;
 }
 
-// Disconnect.
+// Disconnect; from here on, GetData fails.
 int MsgbusHandler::Uninitialize() {
     return kNotSupported;
 }

@@ -19,7 +19,9 @@ int sys_getWebUICarrierEnabled(int* enabled) {
     return SYS_SUCCESS;
 }
 
-// The same for file sharing.
+// The same for file sharing. Where this or one of the next switches fails, it counts as off: the
+// service asks for nothing that it would enable, and the log has no line about it. Switches are
+// read once per process.
 int sys_getSambaCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }

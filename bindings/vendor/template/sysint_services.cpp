@@ -57,7 +57,8 @@ int sys_getSambaShareInfo(sys_samba_share_info_t* /*info*/) {
     return kNotSupported;
 }
 
-// One record for each client device; see the declaration for how the size is asked for.
+// One record for each client device; see the declaration for how the size is asked for. With a
+// buffer for fewer than there are, set the count and return SYS_ERROR_BUFFER_NEEDED, too.
 int sys_getConnectedDeviceList(sys_connected_device_t* /*devices*/, unsigned int* /*count*/) {
     return kNotSupported;
 }
@@ -77,7 +78,8 @@ int sys_getWiFiGuestProfileEnabled(int /*profile*/, int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Charge and source of power: /sys/class/power_supply.
+// Charge and source of power: /sys/class/power_supply. A device without a battery succeeds with
+// SYS_BATTERY_NOT_PRESENT.
 int sys_getBatteryStatus(sys_battery_status_t* /*status*/) {
     return kNotSupported;
 }

@@ -4,7 +4,7 @@
 #include "not_supported.h"
 
 // Switches of the web UI that hold for the whole device; see the declaration for how the size is
-// asked for.
+// asked for. No feature changes an answer of the service; the list may be empty.
 int webui_get_common_features(webui_feature_t* /*buffer*/, int* /*count*/) {
     return kNotSupported;
 }
@@ -14,7 +14,9 @@ int webui_get_app_features(const char* /*appName*/, webui_feature_t* /*buffer*/,
     return kNotSupported;
 }
 
-// Settings of the web UI that hold for the whole device.
+// Settings of the web UI that hold for the whole device. The service asks for ShowRoamingIndicator,
+// ShowNonOrvaneTechnologies, ShowWifiEthernetUSBTotalClients and IsABPartitionEnabled; the list may
+// be empty.
 int webui_get_common_configurations(webui_configuration_t* /*buffer*/, int* /*count*/) {
     return kNotSupported;
 }
@@ -25,7 +27,7 @@ int webui_get_app_configurations(const char* /*appName*/, webui_configuration_t*
     return kNotSupported;
 }
 
-// Path and title of a page of yours, such as "sms"; notifications link to it.
+// Path and message id of the title of a page of yours, such as "sms"; notifications link to it.
 int webui_get_uri_data(const char* /*uriId*/, webui_uri_data_t* /*data*/) {
     return kNotSupported;
 }
@@ -35,7 +37,8 @@ int webui_get_external_uri_data(const char* /*uriId*/, webui_external_uri_data_t
     return kNotSupported;
 }
 
-// Language that the user has chosen, such as "en_US".
+// Language that the user has chosen, such as "en_US", which it also is when this fails. Texts are
+// translated only where the machine has a locale of this name; else pages show message ids.
 int webui_get_i18n_settings(webui_i18n_settings_t* /*settings*/) {
     return kNotSupported;
 }
