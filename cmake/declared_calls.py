@@ -13,7 +13,7 @@ DECORATION = r"^(?:(?:static|virtual|explicit|inline|constexpr)\s+|\[\[[^\]]*\]\
 def code_of(header):
     """The text without comments and preprocessor lines, white space made single blanks."""
     text = re.sub(r"//[^\n]*|/\*.*?\*/", " ", header.read_text(), flags=re.DOTALL)
-    return " ".join(re.sub(r"^\s*#.*$", " ", text, flags=re.MULTILINE).split())
+    return " ".join(re.sub(r"^\s*#(?:.*\\\n)*.*$", " ", text, flags=re.MULTILINE).split())
 
 
 def statements(code):

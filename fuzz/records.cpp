@@ -23,6 +23,7 @@
 #include "fuzz/answers.h"
 #include "fuzz/target.h"
 #include "platform/sysint.h"
+#include "platform/sysint_queries.h"
 #include "platform/webui.h"
 
 // A device may announce any number of records. The limit on memory refuses the large ones, and is
@@ -89,22 +90,20 @@ constexpr Omission kOmissions[] = {
     {"GetIPAddressFamily", "addresses are the caller's; target request has them"},
 };
 
+const Omission* OmissionOf(std::string_view name) {
+    const auto* const found =
+        std::find_if(std::begin(kOmissions), std::end(kOmissions),
+                     [&](const Omission& row) { return name.starts_with(row.prefix); });
+    return found == std::end(kOmissions) ? nullptr : found;
+}
+
 const std::vector<Call>& Calls() {
     static const std::vector<Call> calls = [] {
         std::vector<Call> all = {
-            {"sys_getSubscriberInfo", {sizeof(sys_subscriber_info_t)}},
-            {"sys_getNetworkSIMLockStatus", {sizeof(sys_network_sim_lock_t)}},
-            {"sys_getAllSimSlotsInfo", {sizeof(sys_all_sim_slots_t)}},
-            {"sys_getCellularServiceStats", {sizeof(sys_cellular_service_stats_t)}},
-            {"sys_getCellularDataConnectionStats", {sizeof(sys_cellular_data_connection_stats_t)}},
-            {"sys_getSDCardInfo", {sizeof(sys_sd_card_info_t)}},
-            {"sys_getSambaShareInfo", {sizeof(sys_samba_share_info_t)}},
-            {"sys_getBatteryStatus", {sizeof(sys_battery_status_t)}},
-            {"sys_getGpioPin1CustomSettings", {sizeof(GpioCustomSettings)}},
-            {"sys_getGpioPin2CustomSettings", {sizeof(GpioCustomSettings)}},
             {"sys_getSIMCarrierGID", {SYS_SIM_CARRIER_GID_SIZE, 1}},
             {"sys_getModemMnsInfo", {kInt, kInt, kInt}},
             {"sys_getCellular5GBand", {kInt, kInt}},
+            {"sys_getWiFiGuestProfileEnabled", {kInt}},
             {"webui_get_uri_data", {sizeof(webui_uri_data_t)}, WEBUI_SUCCESS},
             {"webui_get_i18n_settings", {sizeof(webui_i18n_settings_t)}, WEBUI_SUCCESS},
             {"webui_get_software_update_status",
@@ -118,41 +117,14 @@ const std::vector<Call>& Calls() {
             {"MsgbusHandler::Initialize", {}},
             {"MsgbusHandler::Uninitialize", {}},
         };
-        for (const char* const number : {"sys_getSambaCarrierEnabled",
-                                         "sys_getGPSCarrierEnabled",
-                                         "sys_getMTSMSCarrierEnabled",
-                                         "sys_getWiFiCarrierEnabled",
-                                         "sys_getWiFiGuestCarrierEnabled",
-                                         "sys_getPCOCarrierEnabled",
-                                         "sys_getNUACarrierEnabled",
-                                         "sys_getOmadmFumoCarrierEnabled",
-                                         "sys_getMultiSimEnabled",
-                                         "sys_getCellularDataEnabled",
-                                         "sys_getCellularDataConnectionStatus",
-                                         "sys_getSIMStatus",
-                                         "sys_getCellular3GBand",
-                                         "sys_getCellularBand",
-                                         "sys_getCABandWidth",
-                                         "sys_get5GBandWidth",
-                                         "sys_getEthernetEnabled",
-                                         "sys_getEthernetLinkStatus",
-                                         "sys_getFotaInstallStatus",
-                                         "sys_getGPSStatus",
-                                         "sys_getSMSUnreadCount",
-                                         "sys_getSambaEnabled",
-                                         "sys_getWiFiEnabled",
-                                         "sys_getRadioEnabled",
-                                         "sys_getCellularServiceStatus",
-                                         "sys_getCellularDataAccountStatus",
-                                         "sys_getEnabledRadioTechnologies",
-                                         "sys_getSIMNetworkRejectCode",
-                                         "sys_getActiveSimSlot",
-                                         "sys_getNumSims",
-                                         "sys_getCellular5GMode",
-                                         "sys_getWiFiMaxClients",
-                                         "sys_getWiFiGuestProfileEnabled"}) {
-            all.push_back({number, {kInt}});
-        }
+        const auto query = [&all](const char* name, std::size_t size) {
+            if (OmissionOf(name) == nullptr) {
+                all.push_back({name, {size}});
+            }
+        };
+#define FUZZ_QUERY(Type, name, Meaning, field, description) query("sys_" #name, sizeof(Type));
+        SYSINT_QUERIES(FUZZ_QUERY)
+#undef FUZZ_QUERY
         return all;
     }();
     return calls;
@@ -181,10 +153,8 @@ void RequireDeclaredCalls() {
     std::set<std::string_view> omitted;
     for (const DeclaredCall& declared : kDeclaredCalls) {
         const std::string_view name = declared.name;
-        const auto* const omission =
-            std::find_if(std::begin(kOmissions), std::end(kOmissions),
-                         [&](const Omission& row) { return name.starts_with(row.prefix); });
-        const bool isOmitted = omission != std::end(kOmissions);
+        const Omission* const omission = OmissionOf(name);
+        const bool isOmitted = omission != nullptr;
         Require((answered.erase(declared.name) == 0) == isOmitted,
                 "each declared call is either answered or left out", name);
         if (isOmitted) {

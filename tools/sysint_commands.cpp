@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <span>
+#include <string_view>
+#include <type_traits>
 
 #include "platform/fixed_text.h"
 #include "platform/sysint.h"
+#include "platform/sysint_queries.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"
 
@@ -65,8 +69,8 @@ Command InRound(Names names, std::string description, Parameters parameters, Cal
 
 /// A query whose only parameter is its result, which @p describe turns into the answer.
 template <typename T, typename Description>
-Command Query(Names names, std::string description, int (*call)(T*), Description describe) {
-    return InRound(std::move(names), std::move(description), {},
+Command Query(std::string name, std::string description, int (*call)(T*), Description describe) {
+    return InRound({std::move(name)}, std::move(description), {},
                    [call, describe](const Arguments& /*arguments*/, Json& answer) {
                        T value{};
                        const int code = call(&value);
@@ -93,17 +97,31 @@ Command Action(std::string name, std::string description, int (*call)(int)) {
                    [call](const Arguments& /*arguments*/, Json& /*answer*/) { return call(0); });
 }
 
-/// Describes a number by the name @p field.
-auto As(const char* field) {
-    return [field](auto value) { return Json::object({{field, value}}); };
+Enumeration NamesOf(sys_data_connection_status_e /*status*/) {
+    return kDataConnectionStatus;
 }
 
-/// Describes a number of an enumeration by the name @p field.
-auto As(const char* field, Enumeration names) {
-    return [field, names](auto value) { return Json::object({{field, Named(value, names)}}); };
+Enumeration NamesOf(sys_service_status_e /*status*/) {
+    return kServiceStatus;
 }
 
-Json ServiceStats(const sys_cellular_service_stats_t& stats) {
+Enumeration NamesOf(sys_account_status_e /*status*/) {
+    return kAccountStatus;
+}
+
+Enumeration NamesOf(sys_sim_status_e /*status*/) {
+    return kSimStatus;
+}
+
+Enumeration NamesOf(sys_wan_5g_mode_e /*mode*/) {
+    return kWanFiveGMode;
+}
+
+Enumeration NamesOf(sys_gps_status_e /*status*/) {
+    return kGpsStatus;
+}
+
+Json Described(const sys_cellular_service_stats_t& stats) {
     return Json::object({{"technology", Named(stats.technology, kTechnology)},
                          {"roaming", Named(stats.roaming, kRoaming)},
                          {"signalBars", stats.signalBars},
@@ -116,7 +134,7 @@ Json ServiceStats(const sys_cellular_service_stats_t& stats) {
                          {"fiveGType", Named(stats.fiveGType, kFiveGType)}});
 }
 
-Json ConnectionStats(const sys_cellular_data_connection_stats_t& stats) {
+Json Described(const sys_cellular_data_connection_stats_t& stats) {
     return Json::object({{"trafficStatus", Named(stats.trafficStatus, kTrafficStatus)},
                          {"duration", stats.duration},
                          {"bytesReceived1", stats.bytesReceived1},
@@ -125,15 +143,15 @@ Json ConnectionStats(const sys_cellular_data_connection_stats_t& stats) {
                          {"bytesTransmitted2", stats.bytesTransmitted2}});
 }
 
-Json Subscriber(const sys_subscriber_info_t& info) {
+Json Described(const sys_subscriber_info_t& info) {
     return Json::object({{"identity", FixedText(info.identity)}});
 }
 
-Json NetworkLock(const sys_network_sim_lock_t& lock) {
+Json Described(const sys_network_sim_lock_t& lock) {
     return Json::object({{"carrierBlocked", lock.carrierBlocked}});
 }
 
-Json SimSlots(const sys_all_sim_slots_t& all) {
+Json Described(const sys_all_sim_slots_t& all) {
     const std::span<const sys_sim_slot_t> slots = all.slots;
     const auto valid = static_cast<std::size_t>(std::max(all.count, 0));
     Json list = Json::array();
@@ -148,25 +166,39 @@ Json SimSlots(const sys_all_sim_slots_t& all) {
     return Json::object({{"count", all.count}, {"slots", list}});
 }
 
-Json PinSettings(const GpioCustomSettings& settings) {
+Json Described(const GpioCustomSettings& settings) {
     return Json::object({{"name", FixedText(settings.name)},
                          {"lowState", FixedText(settings.lowState)},
                          {"highState", FixedText(settings.highState)}});
 }
 
-Json CardInfo(const sys_sd_card_info_t& info) {
+Json Described(const sys_sd_card_info_t& info) {
     return Json::object({{"totalCapacity", info.totalCapacity}, {"freeSpace", info.freeSpace}});
 }
 
-Json ShareInfo(const sys_samba_share_info_t& info) {
+Json Described(const sys_samba_share_info_t& info) {
     return Json::object({{"cardInUse", info.cardInUse}});
 }
 
-Json Battery(const sys_battery_status_t& status) {
+Json Described(const sys_battery_status_t& status) {
     return Json::object({{"chargePercent", status.chargePercent},
                          {"chargingState", status.chargingState},
                          {"detection", Named(status.detection, kBatteryDetection)},
                          {"chargingSource", Named(status.chargingSource, kChargingSource)}});
+}
+
+/// Describes a record by its fields, a number by the name @p field.
+template <typename Meaning>
+auto As(const char* field) {
+    return [field](const auto& value) {
+        if constexpr (std::is_class_v<Meaning>) {
+            return Described(value);
+        } else if constexpr (std::is_enum_v<Meaning>) {
+            return Json::object({{field, Named(value, NamesOf(Meaning{}))}});
+        } else {
+            return Json::object({{field, value}});
+        }
+    };
 }
 
 int NetworkSelection(const Arguments& /*arguments*/, Json& answer) {
@@ -223,120 +255,56 @@ constexpr Parameter kIndex = {"INDEX", "Number of the group identifier", {{0, 25
 constexpr Parameter kProfile = {
     "PROFILE", "1 for 2.4 GHz, 2 for 5 GHz", {{SYS_WIFI_GUEST_2_4_GHZ, SYS_WIFI_GUEST_5_GHZ}}};
 
-std::vector<Command> Commands() {
+std::vector<Command> Queries() {
     return {
-        Query({"getWebUICarrierEnabled"}, "Whether the carrier enables the web UI",
-              sys_getWebUICarrierEnabled, As("enabled")),
-        Query({"getSambaCarrierEnabled"}, "Whether the carrier enables file sharing",
-              sys_getSambaCarrierEnabled, As("enabled")),
-        Query({"getGPSCarrierEnabled"}, "Whether the carrier enables GPS", sys_getGPSCarrierEnabled,
-              As("enabled")),
-        Query({"getMTSMSCarrierEnabled"}, "Whether the carrier enables mobile-terminated SMS",
-              sys_getMTSMSCarrierEnabled, As("enabled")),
-        Query({"getWiFiCarrierEnabled"}, "Whether the carrier enables Wi-Fi",
-              sys_getWiFiCarrierEnabled, As("enabled")),
-        Query({"getWiFiGuestCarrierEnabled"}, "Whether the carrier enables guest Wi-Fi",
-              sys_getWiFiGuestCarrierEnabled, As("enabled")),
-        Query({"getPCOCarrierEnabled"},
-              "Whether the carrier enables the account status in protocol configuration options",
-              sys_getPCOCarrierEnabled, As("enabled")),
-        Query({"getNUACarrierEnabled"}, "Whether the carrier enables the NUA software-update agent",
-              sys_getNUACarrierEnabled, As("enabled")),
-        Query({"getOmadmFumoCarrierEnabled"}, "Whether the carrier enables OMA-DM firmware update",
-              sys_getOmadmFumoCarrierEnabled, As("enabled")),
-        Query({"getMultiSimEnabled"}, "Whether the device runs with more than one SIM",
-              sys_getMultiSimEnabled, As("enabled")),
-        Query({"getWDCPCarrierEnabled"}, "Whether the carrier enables the WDCP agent",
-              sys_getWDCPCarrierEnabled, As("enabled")),
-        Query({"getHalyardAgentCarrierEnabled"}, "Whether the carrier enables the Halyard agent",
-              sys_getHalyardAgentCarrierEnabled, As("enabled")),
-
-        QueryByName("getUIFieldShowEnabled", "Whether an input field is shown", kField,
-                    sys_getUIFieldShowEnabled, "show"),
-        QueryByName("getUIFieldLockEnabled", "Whether an input field is read-only", kField,
-                    sys_getUIFieldLockEnabled, "locked"),
-        QueryByName("getUIAppDisplayEnabled", "Display setting of an application", kApp,
-                    sys_getUIAppDisplayEnabled, "display"),
-        QueryByName("getUIAppWriteEnabled", "Write setting of an application", kApp,
-                    sys_getUIAppWriteEnabled, "write"),
-
-        Query({"getWatchdogInterval"}, "Seconds between two keep-alive messages to the watchdog",
-              sys_getWatchdogInterval, As("interval")),
-
-        Action("cellularDataConnect", "Start the data call", sys_cellularDataConnect),
-        Action("cellularDataDisconnect", "Stop the data call", sys_cellularDataDisconnect),
-        Query({"getCellularDataEnabled"}, "Whether the user has switched cellular data on",
-              sys_getCellularDataEnabled, As("enabled")),
-        Query({"getCellularDataConnectionStatus"}, "State of the data call",
-              sys_getCellularDataConnectionStatus, As("status", kDataConnectionStatus)),
-        Query({"getCellularServiceStats"}, "Network, technology and signal of the cellular service",
-              sys_getCellularServiceStats, ServiceStats),
-        Query({"getCellularDataConnectionStats"}, "Duration and traffic of the data call",
-              sys_getCellularDataConnectionStats, ConnectionStats),
-        Query({"getRadioEnabled"}, "1 with the radio on, 0 in airplane mode", sys_getRadioEnabled,
-              As("enabled")),
-        Query({"getCellularServiceStatus"}, "Registration with the cellular network",
-              sys_getCellularServiceStatus, As("status", kServiceStatus)),
-        Query({"getCellularDataAccountStatus"}, "What the carrier says of the account",
-              sys_getCellularDataAccountStatus, As("status", kAccountStatus)),
-        Query({"getEnabledRadioTechnologies"},
-              "Radio technologies that the user has enabled, as a bit mask",
-              sys_getEnabledRadioTechnologies, As("technologies")),
-        InRound({"getModemMnsInfo", "getMnsInfo"}, "State of the manual network selection", {},
-                NetworkSelection),
-
-        Query({"getSIMStatus"}, "State of the SIM in use", sys_getSIMStatus,
-              As("status", kSimStatus)),
-        InRound({"getSIMCarrierGID"}, "A group identifier of the SIM, in hexadecimal", {kIndex},
-                GroupIdentifier),
-        Query({"getSubscriberInfo"}, "Identity of the subscriber", sys_getSubscriberInfo,
-              Subscriber),
-        Query({"getNetworkSIMLockStatus"}, "Whether the carrier blocks the SIM",
-              sys_getNetworkSIMLockStatus, NetworkLock),
-        Query({"getSIMNetworkRejectCode"}, "Code of the network's last reject, 0 without one",
-              sys_getSIMNetworkRejectCode, As("code")),
-        Query({"getActiveSimSlot"}, "Number of the slot whose SIM is in use, from 1",
-              sys_getActiveSimSlot, As("slot")),
-        Query({"getNumSims"}, "Number of SIMs", sys_getNumSims, As("count")),
-        Query({"getAllSimSlotsInfo"}, "All SIM slots", sys_getAllSimSlotsInfo, SimSlots),
-
-        Query({"getCellular3GBand"}, "3G band in use", sys_getCellular3GBand, As("band")),
-        Query({"getCellularBand"}, "LTE band in use", sys_getCellularBand, As("band")),
-        InRound({"getCellular5GBand"}, "NR band in use", {}, NrBand),
-        Query({"getCellular5GMode"}, "How 5G is used", sys_getCellular5GMode,
-              As("mode", kWanFiveGMode)),
-        Query({"getCABandWidth", "getCABandwidth"},
-              "LTE bandwidth over all aggregated carriers, in MHz", sys_getCABandWidth,
-              As("bandwidth")),
-        Query({"get5GBandWidth"}, "5G bandwidth, in MHz", sys_get5GBandWidth, As("bandwidth")),
-
-        Query({"getEthernetEnabled"}, "Whether Ethernet is on", sys_getEthernetEnabled,
-              As("enabled")),
-        Query({"getEthernetLinkStatus"}, "Whether an Ethernet cable is connected",
-              sys_getEthernetLinkStatus, As("status")),
-        Query({"getFotaInstallStatus"}, "State of the firmware installation",
-              sys_getFotaInstallStatus, As("status")),
-        Query({"getGPSStatus"}, "State of the GPS receiver", sys_getGPSStatus,
-              As("status", kGpsStatus)),
-        Query({"getSMSUnreadCount"}, "Number of unread messages", sys_getSMSUnreadCount,
-              As("count")),
-        Query({"getGpioPin1CustomSettings"}, "The user's names for general-purpose pin 1",
-              sys_getGpioPin1CustomSettings, PinSettings),
-        Query({"getGpioPin2CustomSettings"}, "The user's names for general-purpose pin 2",
-              sys_getGpioPin2CustomSettings, PinSettings),
-
-        Query({"getSDCardInfo"}, "Capacity of the memory card", sys_getSDCardInfo, CardInfo),
-        Query({"getSambaEnabled"}, "Whether file sharing is on", sys_getSambaEnabled,
-              As("enabled")),
-        Query({"getSambaShareInfo"}, "State of file sharing", sys_getSambaShareInfo, ShareInfo),
-        InRound({"getConnectedDeviceList"}, "The connected client devices", {}, ConnectedDevices),
-        Query({"getWiFiEnabled"}, "Whether Wi-Fi is on", sys_getWiFiEnabled, As("enabled")),
-        Query({"getWiFiMaxClients"}, "How many clients Wi-Fi serves", sys_getWiFiMaxClients,
-              As("count")),
-        InRound({"getWiFiGuestProfileEnabled"}, "Whether a guest Wi-Fi profile is on", {kProfile},
-                GuestProfile),
-        Query({"getBatteryStatus"}, "State of the battery", sys_getBatteryStatus, Battery),
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
+#define QUERY_COMMAND(Type, name, Meaning, field, description) \
+    Query(#name, description, sys_##name, As<Meaning>(field)),
+        SYSINT_QUERIES(QUERY_COMMAND)
+#undef QUERY_COMMAND
     };
+}
+
+std::vector<Command> QueriesByName() {
+    return {
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
+#define NAMED_COMMAND(name, Subject, field, description) \
+    QueryByName(#name, description, k##Subject, sys_##name, field),
+        SYSINT_NAMED_QUERIES(NAMED_COMMAND)
+#undef NAMED_COMMAND
+    };
+}
+
+/// All commands, in the order in which platform/sysint.h declares their calls.
+std::vector<Command> Commands() {
+    std::vector<Command> all = Queries();
+    const auto find = [&all](std::string_view name) {
+        return std::find_if(all.begin(), all.end(),
+                            [&](const Command& command) { return command.names.front() == name; });
+    };
+    const auto behind = [&](std::string_view name, std::vector<Command> commands) {
+        all.insert(std::next(find(name)), std::make_move_iterator(commands.begin()),
+                   std::make_move_iterator(commands.end()));
+    };
+    // Some log lines spell it so.
+    find("getCABandWidth")->names.emplace_back("getCABandwidth");
+    behind("getHalyardAgentCarrierEnabled", QueriesByName());
+    behind("getWatchdogInterval",
+           {Action("cellularDataConnect", "Start the data call", sys_cellularDataConnect),
+            Action("cellularDataDisconnect", "Stop the data call", sys_cellularDataDisconnect)});
+    behind("getEnabledRadioTechnologies",
+           {InRound({"getModemMnsInfo", "getMnsInfo"}, "State of the manual network selection", {},
+                    NetworkSelection)});
+    behind("getSIMStatus",
+           {InRound({"getSIMCarrierGID"}, "A group identifier of the SIM, in hexadecimal", {kIndex},
+                    GroupIdentifier)});
+    behind("getCellularBand", {InRound({"getCellular5GBand"}, "NR band in use", {}, NrBand)});
+    behind("getSambaShareInfo", {InRound({"getConnectedDeviceList"}, "The connected client devices",
+                                         {}, ConnectedDevices)});
+    behind("getWiFiMaxClients",
+           {InRound({"getWiFiGuestProfileEnabled"}, "Whether a guest Wi-Fi profile is on",
+                    {kProfile}, GuestProfile)});
+    return all;
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "bindings/device/sysint_queries.h"
 #include "platform/sysint.h"
+#include "platform/sysint_queries.h"
 #include "platform/webui.h"
 
 namespace binding {
@@ -67,7 +67,7 @@ struct Device {
     int cellularDataConnect = 0;
     int cellularDataDisconnect = 0;
 
-#define DEVICE_ANSWER(Type, name) Answer<Type> name;
+#define DEVICE_ANSWER(Type, name, Meaning, field, description) Answer<Type> name;
     SYSINT_QUERIES(DEVICE_ANSWER)
 #undef DEVICE_ANSWER
     IndexedAnswer<GroupId> getSIMCarrierGID;
@@ -75,7 +75,7 @@ struct Device {
     Answer<Bands> getCellular5GBand;
     Answer<std::vector<sys_connected_device_t>> getConnectedDeviceList;
     IndexedAnswer<std::int32_t> getWiFiGuestProfileEnabled;
-#define DEVICE_NAMED_ANSWERS(name) Answer<NamedNumbers> name;
+#define DEVICE_NAMED_ANSWERS(name, Subject, field, description) Answer<NamedNumbers> name;
     SYSINT_NAMED_QUERIES(DEVICE_NAMED_ANSWERS)
 #undef DEVICE_NAMED_ANSWERS
 

@@ -44,7 +44,7 @@ int sys_sdkShutdown() {
     });
 }
 
-#define DEVICE_QUERY(Type, name)                                                              \
+#define DEVICE_QUERY(Type, name, Meaning, field, description)                                 \
     int sys_##name(decltype(Device::name.value)* value) {                                     \
         return WithDevice(kCodeBase,                                                          \
                           [&](const Device& device) { return Deliver(device.name, value); }); \
@@ -52,7 +52,7 @@ int sys_sdkShutdown() {
 SYSINT_QUERIES(DEVICE_QUERY)
 #undef DEVICE_QUERY
 
-#define DEVICE_NAMED_QUERY(call)                                                       \
+#define DEVICE_NAMED_QUERY(call, Subject, field, description)                          \
     int sys_##call(const char* name, int* value) {                                     \
         return WithDevice(kCodeBase, [&](const Device& device) {                       \
             return DeliverNamed(device.call, name, kCodeBase,                          \

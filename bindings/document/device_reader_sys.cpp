@@ -202,7 +202,7 @@ void ReadSys(const Node& node, Device& device) {
                        [](const Node& from, auto& value) { ReadValue(from, value); });
         }
     };
-#define DOCUMENT_READ(Type, name) query(#name, device.name);
+#define DOCUMENT_READ(Type, name, Meaning, field, description) query(#name, device.name);
     SYSINT_QUERIES(DOCUMENT_READ)
 #undef DOCUMENT_READ
     query("getModemMnsInfo", device.getModemMnsInfo);
@@ -221,7 +221,7 @@ void ReadSys(const Node& node, Device& device) {
                              [](const Node& from, std::int32_t& value) { ReadValue(from, value); });
         }
     };
-#define DOCUMENT_READ_NAMED(name) namedQuery(#name, device.name);
+#define DOCUMENT_READ_NAMED(name, Subject, field, description) namedQuery(#name, device.name);
     SYSINT_NAMED_QUERIES(DOCUMENT_READ_NAMED)
 #undef DOCUMENT_READ_NAMED
     sys.RejectOthers("the name of a call");

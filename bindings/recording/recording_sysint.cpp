@@ -2,78 +2,29 @@
 
 #include "bindings/recording/recording.h"
 #include "platform/sysint.h"
+#include "platform/sysint_queries.h"
 
 using recording::InsidePlatform;
 using recording::Output;
 using recording::Play;
 
-/// A call whose only parameter is its result.
 // NOLINTBEGIN(bugprone-macro-parentheses): a type takes no parentheses here
-#define RECORDING_QUERY(call, Type)              \
-    int call(Type* value) {                      \
-        const InsidePlatform inside;             \
-        return Play(#call, "", {Output(value)}); \
+#define RECORDING_QUERY(Type, name, Meaning, field, description) \
+    int sys_##name(Type* value) {                                \
+        const InsidePlatform inside;                             \
+        return Play("sys_" #name, "", {Output(value)});          \
     }
 // NOLINTEND(bugprone-macro-parentheses)
+SYSINT_QUERIES(RECORDING_QUERY)
+#undef RECORDING_QUERY
 
-RECORDING_QUERY(sys_getWebUICarrierEnabled, int)
-RECORDING_QUERY(sys_getSambaCarrierEnabled, int)
-RECORDING_QUERY(sys_getGPSCarrierEnabled, int)
-RECORDING_QUERY(sys_getMTSMSCarrierEnabled, int)
-RECORDING_QUERY(sys_getWiFiCarrierEnabled, int)
-RECORDING_QUERY(sys_getWiFiGuestCarrierEnabled, int)
-RECORDING_QUERY(sys_getPCOCarrierEnabled, int)
-RECORDING_QUERY(sys_getNUACarrierEnabled, int)
-RECORDING_QUERY(sys_getOmadmFumoCarrierEnabled, int)
-RECORDING_QUERY(sys_getMultiSimEnabled, int)
-RECORDING_QUERY(sys_getWDCPCarrierEnabled, int)
-RECORDING_QUERY(sys_getHalyardAgentCarrierEnabled, int)
-RECORDING_QUERY(sys_getWatchdogInterval, int)
-RECORDING_QUERY(sys_getCellularDataEnabled, int)
-RECORDING_QUERY(sys_getCellularDataConnectionStatus, int)
-RECORDING_QUERY(sys_getSIMStatus, int)
-RECORDING_QUERY(sys_getCellular3GBand, int)
-RECORDING_QUERY(sys_getCellularBand, int)
-RECORDING_QUERY(sys_getCABandWidth, int)
-RECORDING_QUERY(sys_get5GBandWidth, int)
-RECORDING_QUERY(sys_getEthernetEnabled, int)
-RECORDING_QUERY(sys_getEthernetLinkStatus, int)
-RECORDING_QUERY(sys_getFotaInstallStatus, int)
-RECORDING_QUERY(sys_getGPSStatus, int)
-RECORDING_QUERY(sys_getSMSUnreadCount, int)
-RECORDING_QUERY(sys_getGpioPin1CustomSettings, GpioCustomSettings)
-RECORDING_QUERY(sys_getGpioPin2CustomSettings, GpioCustomSettings)
-RECORDING_QUERY(sys_getSambaEnabled, int)
-RECORDING_QUERY(sys_getWiFiEnabled, int)
-RECORDING_QUERY(sys_getRadioEnabled, int)
-RECORDING_QUERY(sys_getCellularServiceStatus, int)
-RECORDING_QUERY(sys_getCellularDataAccountStatus, int)
-RECORDING_QUERY(sys_getEnabledRadioTechnologies, int)
-RECORDING_QUERY(sys_getSIMNetworkRejectCode, int)
-RECORDING_QUERY(sys_getActiveSimSlot, int)
-RECORDING_QUERY(sys_getNumSims, int)
-RECORDING_QUERY(sys_getCellularDataConnectionStats, sys_cellular_data_connection_stats_t)
-RECORDING_QUERY(sys_getSubscriberInfo, sys_subscriber_info_t)
-RECORDING_QUERY(sys_getNetworkSIMLockStatus, sys_network_sim_lock_t)
-RECORDING_QUERY(sys_getAllSimSlotsInfo, sys_all_sim_slots_t)
-RECORDING_QUERY(sys_getCellularServiceStats, sys_cellular_service_stats_t)
-RECORDING_QUERY(sys_getCellular5GMode, sys_wan_5g_mode_e)
-RECORDING_QUERY(sys_getSDCardInfo, sys_sd_card_info_t)
-RECORDING_QUERY(sys_getSambaShareInfo, sys_samba_share_info_t)
-RECORDING_QUERY(sys_getWiFiMaxClients, unsigned int)
-RECORDING_QUERY(sys_getBatteryStatus, sys_battery_status_t)
-
-/// A call whose only parameter beside its result is the name of a field or an application.
-#define RECORDING_QUERY_BY_NAME(call)                                            \
-    int call(const char* name, int* value) {                                     \
-        const InsidePlatform inside;                                             \
-        return Play(#call, name == nullptr ? "no name" : name, {Output(value)}); \
+#define RECORDING_NAMED_QUERY(call, Subject, field, description)                        \
+    int sys_##call(const char* name, int* value) {                                      \
+        const InsidePlatform inside;                                                    \
+        return Play("sys_" #call, name == nullptr ? "no name" : name, {Output(value)}); \
     }
-
-RECORDING_QUERY_BY_NAME(sys_getUIFieldShowEnabled)
-RECORDING_QUERY_BY_NAME(sys_getUIFieldLockEnabled)
-RECORDING_QUERY_BY_NAME(sys_getUIAppDisplayEnabled)
-RECORDING_QUERY_BY_NAME(sys_getUIAppWriteEnabled)
+SYSINT_NAMED_QUERIES(RECORDING_NAMED_QUERY)
+#undef RECORDING_NAMED_QUERY
 
 int sys_sdkInitialize() {
     const InsidePlatform inside;

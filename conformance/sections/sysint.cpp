@@ -2,84 +2,57 @@
 #include "platform/sysint.h"
 
 #include <initializer_list>
+#include <optional>
 
 #include "conformance/list.h"
 #include "conformance/query.h"
 #include "conformance/sections/sections.h"
+#include "platform/sysint_queries.h"
 
 namespace conformance {
 
 namespace {
 
-constexpr Bounds kSwitch{0, 1};
-
-/// A call of the SDK whose only parameter is its result; the bounds of a number may follow.
-// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
-#define QUERY(name, ...) QueryOf(#name, SYS_SUCCESS, name __VA_OPT__(, ) __VA_ARGS__)
+/// The values that a number of this meaning may have. None for an enumeration to which a device may
+/// add.
+template <typename Meaning>
+constexpr std::optional<Bounds> kBounds = std::nullopt;
+template <>
+constexpr std::optional<Bounds> kBounds<bool> = Bounds{0, 1};
+template <>
+constexpr std::optional<Bounds> kBounds<sys_data_connection_status_e> =
+    Bounds{SYS_DATA_CONNECTION_READY, SYS_DATA_CONNECTION_UNACTIVATED};
+template <>
+constexpr std::optional<Bounds> kBounds<sys_service_status_e> =
+    Bounds{SYS_SERVICE_NONE, SYS_SERVICE_AVAILABLE};
+template <>
+constexpr std::optional<Bounds> kBounds<sys_sim_status_e> =
+    Bounds{SYS_SIM_NOT_FOUND, SYS_SIM_READY};
+template <>
+constexpr std::optional<Bounds> kBounds<sys_gps_status_e> = Bounds{SYS_GPS_OFF, SYS_GPS_GOT_FIX};
 
 Query DataCallStatus() {
-    return QUERY(sys_getCellularDataConnectionStatus,
-                 Bounds{SYS_DATA_CONNECTION_READY, SYS_DATA_CONNECTION_UNACTIVATED});
+    return QueryOf("sys_getCellularDataConnectionStatus", SYS_SUCCESS,
+                   sys_getCellularDataConnectionStatus, kBounds<sys_data_connection_status_e>);
 }
 
 std::vector<Query> Queries() {
     return {
-        QUERY(sys_getWebUICarrierEnabled),
-        QUERY(sys_getSambaCarrierEnabled),
-        QUERY(sys_getGPSCarrierEnabled),
-        QUERY(sys_getMTSMSCarrierEnabled),
-        QUERY(sys_getWiFiCarrierEnabled),
-        QUERY(sys_getWiFiGuestCarrierEnabled),
-        QUERY(sys_getPCOCarrierEnabled),
-        QUERY(sys_getNUACarrierEnabled),
-        QUERY(sys_getOmadmFumoCarrierEnabled),
-        QUERY(sys_getMultiSimEnabled),
-        QUERY(sys_getWDCPCarrierEnabled),
-        QUERY(sys_getHalyardAgentCarrierEnabled),
-        QUERY(sys_getWatchdogInterval),
-        QUERY(sys_getCellularDataEnabled),
-        DataCallStatus(),
-        QUERY(sys_getCellularServiceStats),
-        QUERY(sys_getCellularDataConnectionStats),
-        QUERY(sys_getRadioEnabled, kSwitch),
-        QUERY(sys_getCellularServiceStatus, Bounds{SYS_SERVICE_NONE, SYS_SERVICE_AVAILABLE}),
-        QUERY(sys_getCellularDataAccountStatus),
-        QUERY(sys_getEnabledRadioTechnologies),
-        QUERY(sys_getSIMStatus, Bounds{SYS_SIM_NOT_FOUND, SYS_SIM_READY}),
-        QUERY(sys_getSubscriberInfo),
-        QUERY(sys_getNetworkSIMLockStatus),
-        QUERY(sys_getSIMNetworkRejectCode),
-        QUERY(sys_getActiveSimSlot),
-        QUERY(sys_getNumSims),
-        QUERY(sys_getAllSimSlotsInfo),
-        QUERY(sys_getCellular3GBand),
-        QUERY(sys_getCellularBand),
-        QUERY(sys_getCellular5GMode),
-        QUERY(sys_getCABandWidth),
-        QUERY(sys_get5GBandWidth),
-        QUERY(sys_getEthernetEnabled),
-        QUERY(sys_getEthernetLinkStatus),
-        QUERY(sys_getFotaInstallStatus),
-        QUERY(sys_getGPSStatus, Bounds{SYS_GPS_OFF, SYS_GPS_GOT_FIX}),
-        QUERY(sys_getSMSUnreadCount),
-        QUERY(sys_getGpioPin1CustomSettings),
-        QUERY(sys_getGpioPin2CustomSettings),
-        QUERY(sys_getSDCardInfo),
-        QUERY(sys_getSambaEnabled),
-        QUERY(sys_getSambaShareInfo),
-        QUERY(sys_getWiFiEnabled),
-        QUERY(sys_getWiFiMaxClients),
-        QUERY(sys_getBatteryStatus),
+#define SYSINT_QUERY(Type, name, Meaning, field, description) \
+    QueryOf("sys_" #name, SYS_SUCCESS, sys_##name, kBounds<Meaning>),
+        SYSINT_QUERIES(SYSINT_QUERY)
+#undef SYSINT_QUERY
     };
 }
 
 /// The calls that are given the name of a field or an application.
 std::vector<Query> NamedQueries(const std::string& name) {
     return {
-        NamedQueryOf("sys_getUIFieldShowEnabled", SYS_SUCCESS, sys_getUIFieldShowEnabled, name),
-        NamedQueryOf("sys_getUIFieldLockEnabled", SYS_SUCCESS, sys_getUIFieldLockEnabled, name),
-        NamedQueryOf("sys_getUIAppDisplayEnabled", SYS_SUCCESS, sys_getUIAppDisplayEnabled, name),
-        NamedQueryOf("sys_getUIAppWriteEnabled", SYS_SUCCESS, sys_getUIAppWriteEnabled, name),
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
+#define NAMED_QUERY(call, Subject, field, description) \
+    NamedQueryOf("sys_" #call, SYS_SUCCESS, sys_##call, name),
+        SYSINT_NAMED_QUERIES(NAMED_QUERY)
+#undef NAMED_QUERY
     };
 }
 
@@ -176,8 +149,6 @@ void ExamineRounds(Probe& probe) {
 }
 
 }  // namespace
-
-#undef QUERY
 
 void ExamineSysint(Probe& probe, const Options& options) {
     ExamineRounds(probe);

@@ -1,6 +1,7 @@
 // The answers of the device without faults.
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "platform/auth_session.h"
 #include "platform/cgi_helper.h"
@@ -8,6 +9,7 @@
 #include "platform/maintenance_thread.h"
 #include "platform/msgbus.h"
 #include "platform/sysint.h"
+#include "platform/sysint_queries.h"
 #include "platform/watchdog.h"
 #include "platform/webui.h"
 #include "tests/faults/device.h"
@@ -49,6 +51,16 @@ auto GivingList(std::vector<Record> records, Count count, int wanted, int code) 
     };
 }
 
+/// A switch that is on, a number like any other, or an empty record.
+template <typename T>
+T Usual() {
+    if constexpr (std::is_class_v<T>) {
+        return {};
+    } else {
+        return static_cast<T>(1);
+    }
+}
+
 int Succeed(const Call& /*call*/) {
     return 0;
 }
@@ -56,15 +68,11 @@ int Succeed(const Call& /*call*/) {
 }  // namespace
 
 void Device::GiveSystem(Model model) {
-    for (const char* name :
-         {"sys_getWebUICarrierEnabled", "sys_getSambaCarrierEnabled", "sys_getGPSCarrierEnabled",
-          "sys_getMTSMSCarrierEnabled", "sys_getWiFiCarrierEnabled",
-          "sys_getWiFiGuestCarrierEnabled", "sys_getPCOCarrierEnabled", "sys_getNUACarrierEnabled",
-          "sys_getOmadmFumoCarrierEnabled", "sys_getCellularDataEnabled", "sys_getRadioEnabled",
-          "sys_getEthernetEnabled", "sys_getEthernetLinkStatus", "sys_getSambaEnabled",
-          "sys_getWiFiEnabled"}) {
-        handlers[name] = Giving(1);
-    }
+    // Every query has an answer. Those whose values matter get another one below.
+#define GIVE_USUAL(Type, name, Meaning, field, description) \
+    handlers["sys_" #name] = Giving(Usual<Type>());
+    SYSINT_QUERIES(GIVE_USUAL)
+#undef GIVE_USUAL
     handlers["sys_getMultiSimEnabled"] = Giving(model == Model::kFiveGWithTwoSims ? 1 : 0);
     handlers["sys_sdkInitialize"] = Succeed;
     handlers["sys_sdkShutdown"] = Succeed;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bindings/device/codes.h"
-#include "bindings/device/sysint_queries.h"
+#include "platform/sysint_queries.h"
 #include "tests/support/scratch.h"
 
 namespace {
@@ -48,7 +48,7 @@ class Sysint : public SimulatedDevice {
 };
 
 TEST_F(Sysint, NamedQueriesAnswer) {
-#define EXPECT_QUERY(Type, name) ExpectAnswer(&sys_##name, #name);
+#define EXPECT_QUERY(Type, name, Meaning, field, description) ExpectAnswer(&sys_##name, #name);
     SYSINT_QUERIES(EXPECT_QUERY)
 #undef EXPECT_QUERY
     EXPECT_TRUE(Log().empty());
@@ -56,7 +56,8 @@ TEST_F(Sysint, NamedQueriesAnswer) {
 
 TEST_F(Sysint, UnnamedQueriesFailAndWriteNothing) {
     Document("{}");
-#define EXPECT_QUERY(Type, name) ExpectFailure(&sys_##name, kNotAnswered, #name);
+#define EXPECT_QUERY(Type, name, Meaning, field, description) \
+    ExpectFailure(&sys_##name, kNotAnswered, #name);
     SYSINT_QUERIES(EXPECT_QUERY)
 #undef EXPECT_QUERY
     std::array<std::uint8_t, SYS_SIM_CARRIER_GID_SIZE> gid{9};
@@ -79,8 +80,8 @@ TEST_F(Sysint, UnnamedQueriesFailAndWriteNothing) {
 }
 
 TEST_F(Sysint, QueriesFailAsToldAndWriteNothing) {
-#define EXPECT_QUERY(Type, name)     \
-    Entry(#name, "{\"error\": 42}"); \
+#define EXPECT_QUERY(Type, name, Meaning, field, description) \
+    Entry(#name, "{\"error\": 42}");                          \
     ExpectFailure(&sys_##name, 42, #name);
     SYSINT_QUERIES(EXPECT_QUERY);
 #undef EXPECT_QUERY

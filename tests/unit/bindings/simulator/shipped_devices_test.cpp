@@ -30,7 +30,7 @@ std::vector<int> Codes(const Device& device) {
     const auto add = [&codes](const auto& answer) {
         codes.push_back(answer.named ? answer.error : -1);
     };
-#define ADD_CODE(Type, name) add(device.name);
+#define ADD_CODE(Type, name, Meaning, field, description) add(device.name);
     SYSINT_QUERIES(ADD_CODE)
 #undef ADD_CODE
     add(device.getModemMnsInfo);
@@ -39,7 +39,7 @@ std::vector<int> Codes(const Device& device) {
     add(device.getSIMCarrierGID.At(1));
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_2_4_GHZ));
     add(device.getWiFiGuestProfileEnabled.At(SYS_WIFI_GUEST_5_GHZ));
-#define ADD_CODES(name) add(device.name);
+#define ADD_CODES(name, Subject, field, description) add(device.name);
     SYSINT_NAMED_QUERIES(ADD_CODES)
 #undef ADD_CODES
     add(device.commonFeatures);
