@@ -408,7 +408,8 @@ int sys_getSambaEnabled(int* enabled);
 int sys_getSambaShareInfo(sys_samba_share_info_t* info);
 /// Client devices. Without a buffer, sets @p count and returns SYS_ERROR_BUFFER_NEEDED, or
 /// SYS_SUCCESS when there are none; with one of @p *count records, fills it and sets @p count to
-/// the number of devices.
+/// the number of devices. With too little room it fails, so that a caller never takes some of the
+/// devices for all of them.
 int sys_getConnectedDeviceList(sys_connected_device_t* devices, unsigned int* count);
 int sys_getWiFiEnabled(int* enabled);
 int sys_getWiFiMaxClients(unsigned int* count);
