@@ -168,9 +168,20 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
     }
 }
 
+/// Makes the C library allocate its next list of functions to call at exit, which has room for 32.
+/// Each static object whose construction a request brings about takes an entry. So no request
+/// that is compared with another begins a list, which would count as a block that it has left.
+void BeginListOfExitFunctions() {
+    const long before = failing_memory::Outstanding();
+    for (int i = 0; i < 32 && failing_memory::Outstanding() == before; ++i) {
+        (void)std::atexit([] {});
+    }
+}
+
 /// Tries one case in the first request of a process. Returns what the process holds at its end.
 void CheckFirst(Report& report, const Road& road, long n, bool persistently,
                 const Healthy* healthy) {
+    BeginListOfExitFunctions();
     const long before = failing_memory::Outstanding();
     ShortOfMemory device(Model::kFiveGWithTwoSims);
     LogIn(device, road.loggedIn);
