@@ -1,10 +1,12 @@
 # The library of the answer tree: our own in compat/ctpp2, or an installed CTPP2, as KESTAL_CTPP2 says.
-# What happens to be installed decides nothing: the two differ when memory fails.
+# The choice does not depend on what happens to be installed, because the two behave differently when
+# memory runs out.
 
 set(KESTAL_CTPP2 compat CACHE STRING "Answer tree: compat (compat/ctpp2), or system for an installed CTPP2")
 set_property(CACHE KESTAL_CTPP2 PROPERTY STRINGS compat system)
 
-# Sets VERSION to what the headers say, and fails unless a program can use header and library.
+# Sets VERSION to the version that the headers state. Fails unless a program can be built with header and
+# library.
 function(kestal_ctpp2_version version)
     set(program ${CMAKE_BINARY_DIR}/ctpp2-version)
     try_compile(usable
@@ -31,7 +33,7 @@ function(kestal_ctpp2_version version)
             "KESTAL_CTPP2=system: no program can be built with ${CTPP2_INCLUDE_DIR}/ctpp2 and "
             "${CTPP2_LIBRARY}:\n${output}")
     endif()
-    # The macro is a text or a number; without one, its name is what stands there.
+    # The macro is a text or a number. If it is not defined, its own name is printed.
     file(STRINGS ${program} found REGEX "CTPP_VERSION is {")
     string(REGEX REPLACE ".*CTPP_VERSION is {\"?([^\"}]*).*" "\\1" found "${found}")
     if(NOT found OR found STREQUAL "CTPP_VERSION")
@@ -40,7 +42,8 @@ function(kestal_ctpp2_version version)
     set(${version} ${found} PARENT_SCOPE)
 endfunction()
 
-# Sets FOLDER to where installed programs have to look for the library, if their loader does not.
+# Sets FOLDER to the folder in which installed programs must look for the library, or to nothing if their
+# loader looks there anyway.
 function(kestal_ctpp2_rpath folder)
     set(${folder} "" PARENT_SCOPE)
     if(NOT CTPP2_LIBRARY MATCHES "\\.so[.0-9]*$")
@@ -51,7 +54,7 @@ function(kestal_ctpp2_rpath folder)
     if(directory IN_LIST standard)
         return()
     endif()
-    # On the device, the sysroot is the root.
+    # The sysroot becomes the root folder of the device, so it is not part of the path there.
     if(CMAKE_SYSROOT)
         cmake_path(IS_PREFIX CMAKE_SYSROOT "${directory}" NORMALIZE inside)
         if(inside)

@@ -19,11 +19,11 @@ target_include_directories(kestal_utf8 SYSTEM INTERFACE ${UTF8_INCLUDE_DIR})
 
 find_program(KESTAL_MSGFMT msgfmt REQUIRED)
 
-# What Debian does not package: compat/ has it.
+# Libraries that Debian does not package; compat/ replaces them.
 include(KestalCtpp2)
 find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 
-# The tools.
+# Libraries of the command-line tools.
 find_package(CLI11 2.1 REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)
 
@@ -37,7 +37,8 @@ if(KESTAL_TESTS)
     find_package(GTest REQUIRED)
 endif()
 
-# Only for those who compile it all again and again; the product is built without.
+# Precompiled headers are only for developers, who compile everything again and again; the product is
+# built without.
 if(KESTAL_TESTS OR KESTAL_FUZZ)
     kestal_add_precompiled(kestal_json_headers
         HEADERS <nlohmann/json.hpp>
@@ -45,6 +46,6 @@ if(KESTAL_TESTS OR KESTAL_FUZZ)
 endif()
 if(KESTAL_TESTS)
     kestal_add_precompiled(kestal_gtest_headers HEADERS <gtest/gtest.h> LINKS GTest::gmock)
-    # For tests most of whose files need it: it takes longer to load.
+    # For tests most of whose files need gmock, because this header takes longer to load.
     kestal_add_precompiled(kestal_gmock_headers HEADERS <gmock/gmock.h> <gtest/gtest.h> LINKS GTest::gmock)
 endif()

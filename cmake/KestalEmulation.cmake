@@ -1,8 +1,8 @@
-# Programs for another processor, started by tests as any other program.
+# Lets tests start programs for another processor like any other program.
 
-# kestal_runnable(VARIABLE TARGET): the path of what runs the program TARGET here: the program itself
-# or, in a cross build, a script that starts it in the emulator. The process has the program's name,
-# as it would without an emulator.
+# kestal_runnable(VARIABLE TARGET): sets VARIABLE to the path with which the program TARGET is started on
+# this machine: the program itself or, in a cross build, a script that starts it in the emulator. The
+# process has the program's name, as it would without an emulator.
 function(kestal_runnable variable target)
     if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
         set(${variable} $<TARGET_FILE:${target}> PARENT_SCOPE)
@@ -30,8 +30,8 @@ function(kestal_runnable variable target)
         FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 endfunction()
 
-# kestal_emulate(TARGET): CTest runs the test TARGET by its script, which a test that starts itself anew
-# knows as its own name.
+# kestal_emulate(TARGET): in a cross build, CTest starts the test TARGET through its script. The test
+# sees the script as its own name, so that it can start itself again.
 function(kestal_emulate target)
     if(CMAKE_CROSSCOMPILING_EMULATOR)
         kestal_runnable(script ${target})

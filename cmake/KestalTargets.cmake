@@ -1,5 +1,5 @@
-# Targets are made by these functions. With KESTAL_TESTS, each library and each unit test exists
-# twice: NAME, and NAME_san with address and undefined-behaviour sanitizers.
+# Functions that add targets. With KESTAL_TESTS, each library and each unit test exists twice: NAME, and
+# NAME_san with address and undefined-behaviour sanitizers.
 
 include(CheckCXXCompilerFlag)
 
@@ -7,13 +7,13 @@ add_library(kestal_options INTERFACE)
 target_compile_features(kestal_options INTERFACE cxx_std_20)
 target_include_directories(kestal_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    # Without these, files with large inode numbers cannot be looked at and time ends in 2038.
+    # Without these, stat fails for files with large inode numbers, and times end in 2038.
     target_compile_definitions(kestal_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
 target_compile_options(kestal_options INTERFACE
     -Wall -Wextra -Werror -Wshadow -Wformat=2 -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef
-    # gcc 12 sees overlapping copies in every assignment of a literal to a std::string.
+    # gcc 12 wrongly reports overlapping copies in every assignment of a literal to a std::string.
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 
 if(KESTAL_SANITIZE)
@@ -27,7 +27,7 @@ if(KESTAL_COVERAGE)
     target_link_options(kestal_options INTERFACE --coverage)
 endif()
 
-# An index or iterator beyond its container ends the process.
+# Ends the process when an index or iterator is beyond its container.
 target_compile_definitions(kestal_options INTERFACE _GLIBCXX_ASSERTIONS)
 
 # Hardening, wherever the compiler optimises.
@@ -46,7 +46,7 @@ foreach(flag -ftrivial-auto-var-init=zero -fcf-protection -mbranch-protection=st
         target_compile_options(kestal_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:${flag}>)
     endif()
 endforeach()
-# A build is the same bytes in whichever folder.
+# Makes the result of a build independent of its folder, byte for byte.
 target_compile_options(kestal_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build>)
 target_link_options(kestal_options INTERFACE
@@ -63,7 +63,7 @@ if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE AND NOT CMAKE_CR
     set(KESTAL_TWINS ON)
 endif()
 
-# Links LIBRARIES to the sanitized twin NAME_san: their own twins where they have some.
+# Links LIBRARIES to the sanitized twin NAME_san: each library's own twin if it has one.
 function(kestal_link_twin name)
     foreach(library ${ARGN})
         if(TARGET ${library}_san)
@@ -75,7 +75,8 @@ endfunction()
 
 # kestal_add_library(NAME [OBJECT] SOURCES ... [INCLUDES dir...] [LINKS library...] [DEFINITIONS ...])
 #
-# With OBJECT, all of it goes into what links it, in place of what other libraries have by its names.
+# With OBJECT, all of its object files are linked, and their functions take precedence over functions of
+# the same name in other libraries.
 function(kestal_add_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "" "SOURCES;INCLUDES;LINKS;DEFINITIONS")
     set(kind STATIC)
@@ -95,8 +96,8 @@ function(kestal_add_library name)
     endif()
 endfunction()
 
-# kestal_add_precompiled(NAME HEADERS header... [LINKS library...]): headers that take longer to read
-# than most of what includes them takes to compile.
+# kestal_add_precompiled(NAME HEADERS header... [LINKS library...]): precompiles headers that take longer
+# to read than the rest of most files that include them.
 function(kestal_add_precompiled name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;LINKS")
     set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
@@ -110,7 +111,7 @@ function(kestal_add_precompiled name)
     endforeach()
 endfunction()
 
-# kestal_use_precompiled(TARGET NAME): TARGET, and its twin, is compiled with the headers NAME, where
+# kestal_use_precompiled(TARGET NAME): compiles TARGET and its twin with the precompiled headers NAME, if
 # this build has them.
 function(kestal_use_precompiled target name)
     if(NOT TARGET ${name})
@@ -122,8 +123,8 @@ function(kestal_use_precompiled target name)
     endif()
 endfunction()
 
-# The recording binding goes in whole: in a static link it stands before the product libraries that
-# the ones under test bring along.
+# The recording binding is linked as a whole. It comes before the product libraries that the tested
+# libraries bring along, so a static link would leave out what only these need.
 function(kestal_link_test name twin)
     foreach(library ${ARGN})
         if(twin AND TARGET ${library}_san)
@@ -136,12 +137,13 @@ function(kestal_link_test name twin)
     endforeach()
 endfunction()
 
-# For tests that limit memory: what the program itself asks of calloc goes to a __wrap_calloc of its
-# own. By the name calloc, none could stand in for a sanitizer's.
+# For tests that limit memory: the program's own calls of calloc go to its __wrap_calloc. A function with
+# the name calloc could not replace a sanitizer's.
 add_library(kestal_wrapped_calloc INTERFACE)
 target_link_options(kestal_wrapped_calloc INTERFACE -Wl,--wrap=calloc)
 
-# kestal_add_suites(NAME LABELS): CTest knows the suites of the GoogleTest program NAME when it is built.
+# kestal_add_suites(NAME LABELS): adds a CTest test for each suite of the GoogleTest program NAME, once
+# NAME has been built.
 function(kestal_add_suites name labels)
     set(suites ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
     set(tests ${CMAKE_CURRENT_BINARY_DIR}/${name}_tests.cmake)
@@ -159,7 +161,7 @@ endif()
     endif()
     list(APPEND command $<TARGET_FILE:${name}>)
     list(JOIN command "|" command)
-    # The longest take minutes where others keep the processors busy.
+    # The longest tests take minutes when other programs keep the processors busy.
     set(properties "LABELS [==[${labels}]==] TIMEOUT 900")
     add_custom_command(TARGET ${name} POST_BUILD
         COMMAND ${CMAKE_COMMAND} -D name=${name} -D program=${command} -D "properties=${properties}"
@@ -175,8 +177,9 @@ add_custom_target(kestal_unit_tests)
 #                      [PRECOMPILED name] [COMPILED_ONCE])
 #
 # With COMPILED_ONCE, the test's own code is not sanitized in the twin: only the libraries it tests are.
-# That halves what the test costs. It is for tests of bindings and tools. Where a test reads memory that
-# the product hands out, or instantiates its templates, the sanitizers must see the test, too.
+# That halves the time that building the test takes. It is for tests of bindings and tools. Where a test
+# reads memory that the product hands out, or instantiates its templates, the sanitizers must see the
+# test, too.
 function(kestal_add_unit_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "COMPILED_ONCE" "PRECOMPILED" "SOURCES;LINKS;DEFINITIONS")
     if(NOT arg_PRECOMPILED)
@@ -209,7 +212,7 @@ function(kestal_add_unit_test name)
     endif()
 endfunction()
 
-# What clang-tidy needs besides the sources.
+# Builds the generated headers, which clang-tidy needs besides the sources.
 add_custom_target(kestal_generated_headers)
 
 # NAME and its twin can include declared_calls.h, which lists the calls that platform/ declares.

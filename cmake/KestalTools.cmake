@@ -1,8 +1,9 @@
-# What belongs to a command besides its program.
+# Man pages and shell completions of commands.
 
 find_program(KESTAL_SCDOC scdoc REQUIRED)
 add_custom_target(kestal_man_pages ALL)
-# The day that the pages bear, in seconds: they are the same on whichever day they are built.
+# The date in the man pages, in seconds since the epoch. It is fixed, so that the pages do not depend on
+# the day of the build.
 set(KESTAL_MAN_DATE 1767225600)
 
 # kestal_add_man_page(NAME): builds docs/man/NAME.1.scd, which tells the version, and installs it.

@@ -11,13 +11,13 @@ DECORATION = r"^(?:(?:static|virtual|explicit|inline|constexpr)\s+|\[\[[^\]]*\]\
 
 
 def code_of(header):
-    """The text without comments and preprocessor lines, white space made single blanks."""
+    """The text without comments and preprocessor lines, and with single spaces as its only white space."""
     text = re.sub(r"//[^\n]*|/\*.*?\*/", " ", header.read_text(), flags=re.DOTALL)
     return " ".join(re.sub(r"^\s*#(?:.*\\\n)*.*$", " ", text, flags=re.MULTILINE).split())
 
 
 def statements(code):
-    """(head, body) of each statement; the body is what stands in braces, or None."""
+    """(head, body) of each statement; the body is the text in braces, or None."""
     start = position = 0
     while position < len(code):
         if code[position] == ";":
@@ -40,7 +40,7 @@ def calls(code, scope="", language="cpp"):
         while label := re.match(r"(public|private|protected) ?: ?(?!:)", head):
             public = label[1] == "public"
             head = head[label.end() :]
-        # A template is whole in its header: no binding has it.
+        # A template is defined in its header, so that no binding defines it.
         if re.match(r"(enum|struct|static_assert|using|constexpr|template)\b", head) or not head:
             continue
         if head.startswith('extern "C"') and body is not None:

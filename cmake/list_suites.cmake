@@ -1,7 +1,7 @@
 # cmake -D name=... -D program=... -D properties=... -D output=... -P list_suites.cmake
 #
 # Writes one CTest test for each suite of the GoogleTest program, a command in which | separates the
-# arguments. A process for each case costs more than most cases do.
+# arguments. There is no test for each case, because starting a process takes longer than most cases.
 
 string(REPLACE "|" ";" command "${program}")
 execute_process(COMMAND ${command} --gtest_list_tests

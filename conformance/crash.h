@@ -1,4 +1,4 @@
-// What is said when a call ends the process.
+// Reports a call that crashes the process.
 #pragma once
 
 namespace conformance {
@@ -6,7 +6,7 @@ namespace conformance {
 /// From now on, a fatal signal prints a finding with the name of the call that was running.
 void InstallCrashHandler();
 
-/// The calling thread makes the call @p name for the lifetime of this.
+/// Marks the calling thread as making the call @p name for the lifetime of the object.
 class CrashName {
   public:
     explicit CrashName(const char* name);

@@ -79,7 +79,7 @@ std::string Field::Problem(std::span<const std::byte> record) const {
 
 bool Field::IsUnwritten(std::span<const std::byte> record, std::byte fill) const {
     const auto bytes = In(record);
-    // A text is written when its first byte is.
+    // A text counts as written if its first byte has been written.
     const auto looked = IsText(kind) ? bytes.first(1) : bytes;
     return std::all_of(looked.begin(), looked.end(), [&](std::byte byte) { return byte == fill; });
 }

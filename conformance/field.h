@@ -1,4 +1,4 @@
-// The fields of the platform's records, by name and place.
+// The fields of the platform's records, with their names and offsets.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@
 
 namespace conformance {
 
-/// The first and the last value that a number may have.
+/// The smallest and the largest value that a number may have.
 struct Bounds {
     std::int64_t first;
     std::int64_t last;
@@ -47,14 +47,15 @@ struct Field {
     /// What is wrong with the value; empty when nothing is.
     std::string Problem(std::span<const std::byte> record) const;
 
-    /// Whether a call that found all bytes to be @p fill has not written the field.
+    /// Whether the call has not written the field: its bytes still have the value @p fill, as
+    /// before the call.
     bool IsUnwritten(std::span<const std::byte> record, std::byte fill) const;
 };
 
 using Fields = std::vector<Field>;
 
-/// The fields that @p record has for callers. A record that holds a count of others has only those
-/// that are valid.
+/// The fields of @p record that callers read. A record that holds other records and their count has
+/// only the fields of the valid ones.
 Fields FieldsOf(const sys_cellular_service_stats_t& record);
 Fields FieldsOf(const sys_cellular_data_connection_stats_t& record);
 Fields FieldsOf(const sys_subscriber_info_t& record);
@@ -74,7 +75,7 @@ Fields FieldsOf(const webui_software_update_status_t& record);
 Fields FieldsOf(const SoftwareUpdateCustomMessages& record);
 Fields FieldsOf(const AnsNotificationRecord& record);
 
-/// A number is its only field.
+/// A number has one field: itself.
 template <typename Number>
 requires(std::is_integral_v<Number> || std::is_enum_v<Number>) Fields
     FieldsOf(const Number& /*number*/) {
@@ -82,12 +83,12 @@ requires(std::is_integral_v<Number> || std::is_enum_v<Number>) Fields
         {"value", std::is_unsigned_v<Number> ? Kind::kUnsigned : Kind::kSigned, 0, sizeof(Number)}};
 }
 
-/// A byte of a block has no meaning of its own, but has to be written.
+/// A byte of a block. It has no meaning of its own, but must be written.
 inline Fields FieldsOf(const std::byte& /*byte*/) {
     return {{"byte", Kind::kUnsigned, 0, 1}};
 }
 
-/// FieldsOf for bytes that are a record of some type.
+/// FieldsOf for the bytes of a record.
 using FieldsOfBytes = std::function<Fields(std::span<const std::byte>)>;
 
 template <typename Record>

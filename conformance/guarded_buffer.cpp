@@ -6,7 +6,8 @@ namespace conformance {
 
 namespace {
 
-/// Differs from byte to byte, and from what calls like to write: 0 and the two fills.
+/// A value that differs from byte to byte, and from the values that calls are likely to write: 0
+/// and the two fills.
 std::byte GuardByte(std::size_t index) {
     return static_cast<std::byte>(0xC0 + index % 0x2F);
 }

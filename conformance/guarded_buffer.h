@@ -16,7 +16,7 @@ class GuardedBuffer {
     void* Data() { return memory.data() + kGuardSize; }
     std::span<const std::byte> Bytes() const;
 
-    /// Whether all bytes are as they were filled.
+    /// Whether all bytes still have the fill value.
     bool IsUntouched() const;
 
     /// What has been written outside of the buffer; empty when nothing was.
@@ -26,7 +26,7 @@ class GuardedBuffer {
     static constexpr std::byte kOtherFill{0x5A};
 
   private:
-    // A multiple of the alignment of every record.
+    // A multiple of the alignment of every record, so that the buffer is aligned.
     static constexpr std::size_t kGuardSize = 1024;
 
     std::byte fill;

@@ -10,22 +10,22 @@ namespace conformance {
 
 namespace {
 
-/// Records that a buffer has room for; none without a buffer.
+/// The number of records that a buffer has room for; nothing means that there is no buffer.
 using Room = std::optional<std::int64_t>;
 
-/// Longer lists are a mistake, for which no memory is asked.
+/// A longer list is taken for a mistake, and no memory is allocated for it.
 constexpr std::int64_t kLongest = 10'000'000;
-/// A list may change while it is being looked at, but not for ever.
+/// How often a list that changes while it is being examined is examined again.
 constexpr int kTries = 5;
 
-/// One making of a call.
+/// The results of making the call once.
 struct Made {
     int code = 0;
     std::int64_t count = 0;
     std::vector<std::byte> bytes;
 };
 
-/// The call @p list with a buffer for @p room records, whose count is @p count before.
+/// Makes the call of a list with guarded buffers and checks what it writes.
 class ListCall {
   public:
     ListCall(Probe& newProbe, const List& newList) : probe(newProbe), list(newList) {}
@@ -47,7 +47,7 @@ class ListCall {
         return made;
     }
 
-    /// The same, and prints it.
+    /// Makes the call like Make, and prints its answer.
     Made Tell(Room room, std::int32_t count, std::byte fill = GuardedBuffer::kFill) const {
         Made made = Make(room, count, fill);
         const std::string buffer = room ? "room for " + std::to_string(*room) : "no buffer";
@@ -83,7 +83,7 @@ class ListCall {
     mutable Duration time{};
 };
 
-/// What one look at a list has shown.
+/// The results of examining a list once with several buffers.
 struct Look {
     Made first;
     Made roomWithoutBuffer;
@@ -95,7 +95,7 @@ struct Look {
     bool IsOfOneState() const { return first.code == again.code && first.count == again.count; }
 };
 
-/// Whether @p first says how long the list is.
+/// Whether the first call, without a buffer, gave a usable length of the list.
 bool TellsCount(const ListCall& call, const Made& first) {
     if (call.HasFailed(first)) {
         return false;
@@ -187,7 +187,7 @@ ListContents Examine(Probe& probe, const List& list) {
     Made first = call.Tell(std::nullopt, 0);
     for (int attempt = 0; attempt < kTries; ++attempt) {
         if (!TellsCount(call, first)) {
-            // What fails without a buffer has to leave one alone, too.
+            // A call that fails without a buffer must not write to a buffer either.
             (void)call.Tell(2, 2);
             return {first.code, 0, {}};
         }
@@ -215,7 +215,7 @@ std::string Read(Probe& probe, const List& list) {
         call.Make(first.count, static_cast<std::int32_t>(first.count), GuardedBuffer::kFill);
     text += ", then " + std::to_string(filled.code) + ", count " + std::to_string(filled.count);
     if (list.recordSize == 1) {
-        // A block may be long, and no person reads it here.
+        // Only a hash, because a block may be long and nobody reads it here.
         std::string block(filled.bytes.size(), '\0');
         std::memcpy(block.data(), filled.bytes.data(), filled.bytes.size());
         return text + ", bytes with the hash " + std::to_string(std::hash<std::string>()(block));

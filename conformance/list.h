@@ -1,4 +1,4 @@
-// Calls that fill a buffer whose size must be asked for.
+// Calls that fill a buffer, and tell the size that it needs.
 #pragma once
 
 #include <cstdint>
@@ -13,31 +13,33 @@ namespace conformance {
 
 struct List {
     std::string call;       ///< as declared
-    std::string arguments;  ///< those before the buffer, as text
+    std::string arguments;  ///< those in front of the buffer, as text
     int success = 0;
     int bufferNeeded = 0;
-    /// Whether a buffer that is too small is answered with bufferNeeded, not with any failure.
+    /// Whether the call must answer a buffer that is too small with bufferNeeded; otherwise any
+    /// failure is right.
     bool tellsTooSmall = true;
     std::size_t recordSize = 1;
     FieldsOfBytes fields;
-    /// Makes the call. The count has the type that is declared, of 32 bits.
+    /// Makes the call. The count has the declared type, which has 32 bits.
     std::function<int(void* buffer, void* count)> make;
-    /// Whether two threads may make the call as it is.
+    /// Whether two threads may make the call at the same time.
     bool isForThreads = true;
 };
 
-/// What a list holds.
+/// The contents of a list.
 struct ListContents {
     int code = 0;
     std::int64_t count = 0;
     std::vector<std::byte> bytes;
 };
 
-/// Makes the call without a buffer and with buffers of several sizes, holds the answers against its
-/// declaration, keeps it for the tests with threads and signals, and returns what the list holds.
+/// Makes the call without a buffer and with buffers of several sizes, checks the answers against
+/// its declaration, keeps it for the tests with threads and signals, and returns what the list
+/// holds.
 ListContents Examine(Probe& probe, const List& list);
 
-/// The list as one text, read as a caller reads it: its length first.
+/// Reads the list as a caller does, its length first, and returns all of it as one text.
 std::string Read(Probe& probe, const List& list);
 
 }  // namespace conformance

@@ -1,4 +1,5 @@
-// kestal-conformance: holds the binding that it is linked with against what platform/ promises.
+// kestal-conformance: checks whether the binding that it is linked with keeps the promises of
+// platform/.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -31,8 +32,8 @@ std::span<const Section> Sections() {
 
 namespace {
 
-/// No device has it, some may have the empty one, and the others are those that the service and the
-/// pages ask for.
+/// Names to ask for: one that no device has, the empty name, a very long one, and some for which
+/// the service and the pages ask.
 const std::vector<std::string> kNames = {"conformance-unknown", "", std::string(300, 'n'), "sms",
                                          "en_US"};
 

@@ -74,10 +74,11 @@ void Probe::Watch(const std::stop_token& stop) {
             report.Fail(running.front().name,
                         "has not returned within " + std::to_string(limit.count()) + " s");
             (void)report.Summarize();
-            // No way to end the call: neither destructors nor other threads are waited for.
+            // The call cannot be stopped, so the process ends at once, without destructors and
+            // other threads.
             _exit(1);
         }
-        // The next look is when the oldest call has had its time; it may have returned by then.
+        // Sleeps until the oldest call reaches its limit; it may have returned by then.
         changed.wait_until(lock, stop, end, [] { return false; });
     }
 }

@@ -1,5 +1,5 @@
-// How the calls of a binding are made: timed, held to a deadline, and named when they end the
-// process.
+// Makes the calls of a binding: measures their time, enforces a limit, and names the call if it
+// crashes the process.
 #pragma once
 
 #include <chrono>
@@ -17,7 +17,7 @@
 
 namespace conformance {
 
-/// A call that can be made again and again: returns what it has answered, as text.
+/// A call that can be made repeatedly. Its function makes the call and returns the answer as text.
 struct Repeatable {
     std::string call;
     std::function<std::string()> answer;
@@ -27,15 +27,15 @@ class Probe {
   public:
     Probe(Report& newReport, std::chrono::seconds newLimit);
 
-    /// Makes @p call, whose name as platform/ declares it is @p name, and returns how long it took.
-    /// Any thread may do so. A call that does not return within the limit ends the process.
+    /// Makes @p call and returns how long it took. @p name is its name as platform/ declares it.
+    /// May be used by any thread. A call that does not return within the limit ends the process.
     Duration Make(const std::string& name, const std::function<void()>& call);
 
     /// The same, and prints a line: `name(arguments) -> seen()`.
     void Tell(const std::string& name, const std::string& arguments,
               const std::function<void()>& call, const std::function<std::string()>& seen);
 
-    /// The same for a call that answers nothing but a code, which is returned.
+    /// The same for a call whose only answer is a code. Returns the code.
     int Code(const std::string& name, const std::string& arguments,
              const std::function<int()>& call);
 
@@ -46,7 +46,7 @@ class Probe {
     /// Prints that @p name is left out, and why.
     void Skip(const std::string& name, const std::string& reason);
 
-    /// Finds declared calls that have neither been made nor left out.
+    /// Reports each declared call that has neither been made nor left out.
     void CheckThatAllWereMade();
 
     Report& Told() { return report; }

@@ -6,7 +6,7 @@ namespace conformance {
 
 namespace {
 
-/// One making of a call: its code and what it has left in each result.
+/// The results of making a call once: its code and the contents of each result.
 struct Made {
     int code = 0;
     std::vector<GuardedBuffer> buffers;
@@ -26,7 +26,7 @@ Made Make(Probe& probe, const Query& query, std::byte fill) {
     return made;
 }
 
-/// The code and, of a call that has worked, the values.
+/// The code and, if the call has succeeded, the values, as text.
 std::string Answer(const Query& query, const Made& made) {
     std::string text = std::to_string(made.code);
     if (made.code == query.success) {
@@ -65,7 +65,8 @@ void CheckValues(Report& report, const Query& query, const Made& made) {
     }
 }
 
-/// Whether @p field, found in a result with the first fill, has kept the second as well.
+/// Reports each field that still has the fill value after both calls, which were made with
+/// different fills.
 void CheckThatAllIsWritten(Report& report, const Query& query, const Made& first,
                            const Made& second) {
     if (first.code != query.success || second.code != query.success) {

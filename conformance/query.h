@@ -20,7 +20,7 @@ struct Result {
 
 struct Query {
     std::string call;       ///< as declared, such as "sys_getSIMStatus"
-    std::string arguments;  ///< those that go in, as text
+    std::string arguments;  ///< the input arguments, as text
     int success = 0;
     std::vector<Result> results;
     /// Makes the call with a pointer for each result.
@@ -41,7 +41,7 @@ Result ResultOf(const char* name = nullptr, std::optional<Bounds> bounds = std::
             }};
 }
 
-/// A call that takes nothing but the pointer to its result.
+/// A call whose only parameter is the pointer to its result.
 template <typename Record>
 Query QueryOf(const std::string& call, int success, int (*function)(Record*),
               std::optional<Bounds> bounds = std::nullopt) {
@@ -50,7 +50,7 @@ Query QueryOf(const std::string& call, int success, int (*function)(Record*),
             }};
 }
 
-/// A call that is given a name before the pointer to its result.
+/// A call whose parameters are a name and the pointer to its result.
 template <typename Record>
 Query NamedQueryOf(const std::string& call, int success, int (*function)(const char*, Record*),
                    const std::string& name) {
@@ -59,8 +59,8 @@ Query NamedQueryOf(const std::string& call, int success, int (*function)(const c
             }};
 }
 
-/// Makes the call twice, on memory of different content, and holds what it delivers against its
-/// declaration. Keeps it for the tests with threads and signals.
+/// Makes the call twice, with results that were filled with different bytes, and checks the answers
+/// against the declaration. Keeps the call for the tests with threads and signals.
 void Examine(Probe& probe, const Query& query);
 
 }  // namespace conformance

@@ -1,4 +1,4 @@
-// What the declarations in platform/ say of each field of a record.
+// What the declarations in platform/ say about each field of a record.
 #include <algorithm>
 #include <array>
 
@@ -22,7 +22,7 @@ Field Described(const char* name, std::size_t offset, std::optional<Bounds> boun
 }  // namespace
 
 /// Field @p member of @p Record; its bounds may follow.
-// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): a name and a place of one word
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): it needs the member's name as text and its offset
 #define FIELD(Record, member, ...)               \
     Described<decltype(Record::member)>(#member, \
                                         offsetof(Record, member) __VA_OPT__(, ) __VA_ARGS__)

@@ -37,7 +37,7 @@ int Report::Summarize() {
 }
 
 void Report::Print(const std::string& line) {
-    // Flushed, so that the last line tells where the binding has ended the process.
+    // Flushed, so that the output is complete if the binding ends the process.
     (void)std::printf("%s\n", line.c_str());
     (void)std::fflush(stdout);
 }

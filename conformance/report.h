@@ -12,13 +12,13 @@ using Duration = std::chrono::steady_clock::duration;
 
 class Report {
   public:
-    /// Prints that @p call, the name and what stands in its parentheses, has answered @p seen.
+    /// Prints that @p call, a name with its arguments in parentheses, has answered @p seen.
     void Answered(const std::string& call, const std::string& seen, Duration time);
 
-    /// Prints one line that is no finding.
+    /// Prints one line that is not a finding.
     void Note(const std::string& line);
 
-    /// Prints that @p call breaks a promise; a reason that has been printed before is left out.
+    /// Prints that @p call breaks a promise; the same reason is printed only once.
     void Fail(const std::string& call, const std::string& reason);
 
     /// Prints the number of calls and findings. Returns the exit status: 1 when there are findings.

@@ -12,7 +12,7 @@ class CgiEnvironment;
 class CgiHelper {
   public:
     /// The process's only writer, created on first use; null if it cannot be created. The caller
-    /// deletes it when it needs it no longer.
+    /// deletes it when it no longer needs it.
     static CgiHelper* GetInstance();
 
     virtual ~CgiHelper();

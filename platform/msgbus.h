@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-/// Result codes of MsgbusHandler that callers tell apart; every other one is an error.
+/// Result codes of MsgbusHandler that callers distinguish; every other one is an error.
 enum msgbus_result_e : int {
     MSGBUS_SUCCESS = 0,
     /// The buffer is missing or too small; the size has been set to the one that is needed.

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Result codes of the sys_ calls that callers tell apart; every other non-zero code is an error.
+/// Result codes of the sys_ calls that callers distinguish; every other non-zero code is an error.
 enum sys_result_e : int {
     SYS_SUCCESS = 0,
     /// The list needs a buffer; the record count has been set.
@@ -198,7 +198,7 @@ static_assert(sizeof(sys_subscriber_info_t) == 132);
 struct sys_network_sim_lock_t {
     std::int32_t reserved0[3];
     std::int32_t carrierBlocked;  ///< 1 when the carrier blocks the SIM, else 0
-    /// Room for what the platform may add to this record; not read.
+    /// Reserved for future fields of the platform; not read.
     std::int32_t reserved16[12];
 };
 static_assert(offsetof(sys_network_sim_lock_t, carrierBlocked) == 12);
@@ -290,7 +290,7 @@ extern "C" {
 /// Opens the SDK for one round of calls.
 int sys_sdkInitialize();
 
-/// Ends the round that sys_sdkInitialize opened.
+/// Ends the round of calls that sys_sdkInitialize opened.
 int sys_sdkShutdown();
 
 // Carrier switches: whether the carrier enables a function on this device.
@@ -406,10 +406,10 @@ int sys_getGpioPin2CustomSettings(GpioCustomSettings* settings);
 int sys_getSDCardInfo(sys_sd_card_info_t* info);
 int sys_getSambaEnabled(int* enabled);
 int sys_getSambaShareInfo(sys_samba_share_info_t* info);
-/// Client devices. Without a buffer, sets @p count and returns SYS_ERROR_BUFFER_NEEDED, or
-/// SYS_SUCCESS when there are none; with one of @p *count records, fills it and sets @p count to
-/// the number of devices. With too little room it fails, so that a caller never takes some of the
-/// devices for all of them.
+/// Client devices. If @p devices is null, sets @p count and returns SYS_ERROR_BUFFER_NEEDED, or
+/// SYS_SUCCESS when there are none. If @p devices has room for @p *count records, fills it and sets
+/// @p count to the number of devices. With too little room it fails, so that a caller never takes
+/// some of the devices for all of them.
 int sys_getConnectedDeviceList(sys_connected_device_t* devices, unsigned int* count);
 int sys_getWiFiEnabled(int* enabled);
 int sys_getWiFiMaxClients(unsigned int* count);

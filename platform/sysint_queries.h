@@ -1,6 +1,6 @@
-// Lists of the SDK's queries. What has to know each of them is made from these lists: the calls of
-// the simulated device, commands, tests. Each query is also declared in platform/sysint.h, and
-// described in docs/simulator.md and docs/man/sysintcli.1.scd.
+// Lists of the SDK's queries. All code that has one part for each query is generated from these
+// lists: the calls of the simulated device, commands, tests. Each query is also declared in
+// platform/sysint.h, and described in docs/simulator.md and docs/man/sysintcli.1.scd.
 #pragma once
 
 #include "platform/sysint.h"
@@ -9,8 +9,9 @@
 ///
 ///     QUERY(type, name without "sys_", meaning, name of the result, description)
 ///
-/// The meaning is the enumeration that a number belongs to, bool for one that is always 0 or 1, and
-/// the type again for any other. The result of a record is "", for its fields have names.
+/// The meaning is the enumeration to which a number belongs, bool for a number that is always 0 or
+/// 1, and otherwise the type again. The name of the result is "" for a record, because its fields
+/// have names.
 #define SYSINT_QUERIES(QUERY)                                                                      \
     QUERY(int, getWebUICarrierEnabled, int, "enabled", "Whether the carrier enables the web UI")   \
     QUERY(int, getSambaCarrierEnabled, int, "enabled", "Whether the carrier enables file sharing") \
@@ -83,8 +84,8 @@
     QUERY(unsigned int, getWiFiMaxClients, unsigned int, "count", "How many clients Wi-Fi serves") \
     QUERY(sys_battery_status_t, getBatteryStatus, sys_battery_status_t, "", "State of the battery")
 
-/// Queries that answer a number for a field or an application of the web UI, which they are given
-/// by name: QUERY(name without "sys_", Field or App, name of the result, description).
+/// Queries whose parameters are the name of a field or an application of the web UI, and a number
+/// as the result: QUERY(name without "sys_", Field or App, name of the result, description).
 #define SYSINT_NAMED_QUERIES(QUERY)                                                      \
     QUERY(getUIFieldShowEnabled, Field, "show", "Whether an input field is shown")       \
     QUERY(getUIFieldLockEnabled, Field, "locked", "Whether an input field is read-only") \

@@ -1,9 +1,9 @@
 # Writes SOURCE, from version.cpp.in, with VERSION and the commit that is checked out in FOLDER. Without
-# GIT, or where FOLDER is not the top of a repository, such as in an unpacked archive that lies in
-# someone else's, there is no commit.
+# GIT, or where FOLDER is not the top of a repository, such as in an archive that was unpacked inside
+# another repository, the version names no commit.
 
 if(git)
-    # The folder may belong to someone else, as in a container.
+    # git refuses a folder of another user, as in a container, unless it is declared safe.
     execute_process(
         COMMAND ${git} -c safe.directory=${folder} -C ${folder} rev-parse --show-prefix HEAD
         OUTPUT_VARIABLE told ERROR_QUIET RESULT_VARIABLE failed)
@@ -12,5 +12,5 @@ if(git)
         string(APPEND version " (${commit})")
     endif()
 endif()
-# Leaves a file alone that is as it should be.
+# Does not touch the file if its contents would be the same.
 configure_file(${CMAKE_CURRENT_LIST_DIR}/version.cpp.in ${source} @ONLY)

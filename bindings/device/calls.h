@@ -1,4 +1,4 @@
-// How calls answer from the snapshot.
+// Helpers with which platform calls answer from the snapshot of the device.
 #pragma once
 
 #include <exception>
@@ -12,8 +12,8 @@
 
 namespace binding {
 
-/// Runs @p call(), whose code it returns. @p codeBase is added to the binding's own codes. No
-/// exception leaves.
+/// Runs @p call() and returns its code. An exception is logged and becomes the code kBindingFailed,
+/// to which @p codeBase is added.
 template <typename Call>
 int Guarded(int codeBase, Call call) noexcept {
     try {
@@ -24,7 +24,8 @@ int Guarded(int codeBase, Call call) noexcept {
     }
 }
 
-/// Runs @p call(device) on the device in force, guarded.
+/// Runs @p call(device) through Guarded. The device is that of the calling thread's session or,
+/// without a session, the current one.
 template <typename Call>
 int WithDevice(int codeBase, Call call) noexcept {
     return Guarded(codeBase, [&] {
@@ -42,7 +43,8 @@ int FailureOf(const Answer<T>& answer, int codeBase) {
     return answer.named ? answer.error : codeBase + kNotAnswered;
 }
 
-/// Runs @p deliver on what @p answers say about @p name. There is none for a null name.
+/// Runs @p deliver on the answer for @p name. Fails with kNotAnswered when there is none, and when
+/// @p name is null.
 template <typename T, typename DeliverOne>
 int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, int codeBase,
                  DeliverOne deliver) {

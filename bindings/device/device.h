@@ -1,4 +1,5 @@
-// The device as a record of what each call answers, in ready platform records: a call is a copy.
+// The device as a record of what each call answers. The answers are complete platform records, so
+// that a call only copies one.
 #pragma once
 
 #include <array>
@@ -18,7 +19,7 @@ namespace binding {
 /// What one call answers.
 template <typename T>
 struct Answer {
-    bool named = false;  ///< whether the device answers the call; the rest says nothing otherwise
+    bool named = false;  ///< whether the device answers the call; if not, ignore the rest
     int error = 0;       ///< code to fail with; 0 when the call works
     T value{};
 };

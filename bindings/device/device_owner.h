@@ -8,8 +8,8 @@
 
 namespace binding {
 
-/// The newest state of the device; the last good one when there is no newer. Null when there has
-/// never been one. Never called by two threads at once.
+/// Returns the newest state of the device or, if that is unusable, the last good one; null when
+/// there has never been one. It is never called by two threads at once.
 std::shared_ptr<const Device> NewestDevice();
 
 /// Start and end the data call. Return SYS_SUCCESS or the code with which the SDK's call fails.

@@ -1,4 +1,5 @@
-// The message bus, on which nothing moves: each channel holds what the device has published.
+// The message bus. Each channel holds the block that the device answers for it; the callback for
+// changes is never called.
 #include "platform/msgbus.h"
 
 #include <algorithm>

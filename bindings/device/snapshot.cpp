@@ -36,8 +36,8 @@ class Snapshot {
     bool inSession = false;
 };
 
-/// What the calling thread has in its session. Most calls are made in one, by the thread that has
-/// begun it: they need neither the lock nor a share of their own.
+/// The device of the calling thread's session. Most calls are made by the thread that began the
+/// session; thanks to this pointer they need neither the lock nor a reference of their own.
 thread_local std::shared_ptr<const Device> sessionDevice;
 
 /// Built on first use: static objects of the product may call the platform.

@@ -1,4 +1,4 @@
-// The state of the device that calls see.
+// The state of the device from which calls answer.
 #pragma once
 
 #include <memory>
@@ -7,18 +7,19 @@
 
 namespace binding {
 
-/// Takes the newest state and keeps it in force until EndSession: for the calling thread whatever
-/// sessions others begin meanwhile, for threads without a session of their own the last one's. A
-/// session is ended by the thread that has begun it.
+/// Begins a session with the newest state of the device. Until EndSession, all calls of this thread
+/// answer from that state, whatever sessions other threads begin meanwhile. Threads without a
+/// session of their own use the state of the session that was begun last. The thread that began a
+/// session must also end it.
 void BeginSession();
 void EndSession();
 
-/// The state that the calling thread's session keeps in force; null when it has begun none, or when
-/// there was no state then.
+/// The state of the calling thread's session; null when the thread has no session, or when there
+/// was no state when the session began.
 const Device* SessionDevice();
 
-/// The state in force: within a session that of its beginning, otherwise the newest. Null when
-/// there has never been one.
+/// While there is a session, the state that was the newest when the last session began; otherwise
+/// the newest state. Null when there has never been one.
 std::shared_ptr<const Device> CurrentDevice();
 
 }  // namespace binding

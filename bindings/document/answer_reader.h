@@ -10,12 +10,12 @@
 
 namespace binding {
 
-/// Member beside "error" that keeps what the call answers when it is healed; null when the document
-/// did not name it.
+/// Name of the member beside "error" that keeps the call's original answer, which healing the call
+/// restores. Its value is null when the document had no entry for the call.
 constexpr const char* kHealedName = "healed";
 
-/// The code of `{"error": N}`; 0 when @p node is something else. An object that names "error" must
-/// be exactly that, but for what it keeps, which @p checkHealed(node) reads.
+/// Returns N if @p node is `{"error": N}`, and 0 if it is something else. An object with a member
+/// "error" may have only one other member: the kept answer, which @p checkHealed(node) checks.
 int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed);
 
 /// Reads an answer whose value is read by @p readValue(node, value).
@@ -41,7 +41,7 @@ void ReadNamedAnswers(const Node& node, NamedAnswers<T>& answers, ReadValue read
     }
 }
 
-/// The same, in place of which there may be one failure for all.
+/// The same, but one failure for all names may stand in place of the object.
 template <typename T, typename ReadValue>
 void ReadNamedAnswers(const Node& node, Answer<NamedAnswers<T>>& answers, ReadValue readValue) {
     ReadAnswer(node, answers, [&](const Node& object, NamedAnswers<T>& named) {

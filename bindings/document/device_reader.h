@@ -10,7 +10,7 @@
 namespace binding {
 
 /// Compiles the document @p text. Throws std::runtime_error, whose text begins with @p file and the
-/// line, when anything in it is not as it must be.
+/// line, when anything in it is wrong.
 Device ReadDevice(const std::string& file, const std::string& text);
 
 /// Compiles a parsed document. Throws ValueError.

@@ -173,7 +173,7 @@ void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int l
     }
 }
 
-/// The entry of a call without a result, which can only fail.
+/// Reads the entry of a call that has no result: such an entry can only be a failure.
 int ReadFailureOnly(const Node& node) {
     const int code = ReadFailure(node, ReadFailureOnly);
     if (code == 0) {
@@ -182,7 +182,7 @@ int ReadFailureOnly(const Node& node) {
     return code;
 }
 
-/// The optional entry of such a call.
+/// Reads the entry of such a call, if there is one.
 int ReadAction(Members& sys, const std::string& name) {
     const auto member = sys.Find(name);
     return member ? ReadFailureOnly(*member) : 0;

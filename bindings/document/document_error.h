@@ -10,7 +10,7 @@
 
 namespace binding {
 
-/// A value is not what it must be.
+/// A value of the document is not what its place requires.
 class ValueError : public std::runtime_error {
   public:
     ValueError(KeyPath newPath, const std::string& what)
@@ -22,7 +22,7 @@ class ValueError : public std::runtime_error {
     KeyPath path;
 };
 
-/// A member's name is none of those that its object may have.
+/// An object has a member with a name that it may not have.
 class UnknownName : public ValueError {
   public:
     UnknownName(KeyPath newPath, const std::string& what, std::vector<std::string> newKnown)

@@ -1,5 +1,5 @@
-// Strict reading of the values of a parsed document: whatever is not as expected is a ValueError
-// that says where, what was expected and what was found.
+// Strict reading of the values of a parsed document: anything unexpected throws a ValueError that
+// says where it is, what was expected and what was found.
 #pragma once
 
 #include <cstddef>
@@ -16,10 +16,10 @@
 
 namespace binding {
 
-/// A value of a document that knows its way from the root. Lives no longer than its parent.
+/// A value of a document together with its path from the root. It must not outlive its parent.
 class Node {
   public:
-    /// The root.
+    /// Makes the node of the root.
     explicit Node(const nlohmann::ordered_json& newValue) : value(newValue) {}
 
     const nlohmann::ordered_json& Value() const { return value; }
@@ -28,7 +28,7 @@ class Node {
     /// Whether `{"error": N}` may stand in place of the value.
     void AllowFailure() { mayFail = true; }
 
-    /// The value is not @p expected.
+    /// Throws a ValueError that says that the value is not @p expected.
     [[noreturn]] void Expected(const std::string& expected) const;
     [[noreturn]] void Expected(const std::string& expected, const std::string& found) const;
 
@@ -43,7 +43,7 @@ class Node {
     bool HasMember(const std::string& name) const;
     /// The names of the members of an object, in their order.
     std::vector<std::string> MemberNames() const;
-    /// The text, or null when it is something else.
+    /// The text, or null when the value is not a text.
     const std::string* Text() const;
 
     void MustBeObject() const;
@@ -64,8 +64,8 @@ class Node {
     bool mayFail = false;
 };
 
-/// The number @p value, when it is one of type T, which is an integer of 8 (unsigned), 32 or 64
-/// bits.
+/// The number @p value if it is an integer that fits into T; nothing otherwise. T is an integer
+/// type of 8 (unsigned), 32 or 64 bits.
 template <typename T>
 std::optional<T> NumberOf(const nlohmann::ordered_json& value);
 
@@ -83,7 +83,8 @@ void Read(const Node& node, char (&field)[Size]) {
     ReadText(node, field);
 }
 
-/// The members of an object, each of which must be asked for.
+/// The members of an object. It remembers which names were asked for, so that RejectOthers can find
+/// unknown members.
 class Members {
   public:
     explicit Members(const Node& newObject) : object(newObject) { object.MustBeObject(); }
@@ -100,10 +101,11 @@ class Members {
         return *this;
     }
 
-    /// A member that nobody has asked for is an error; @p what says what members are.
+    /// Throws UnknownName if there is a member whose name was not asked for. @p what describes in
+    /// the message what a name must be.
     void RejectOthers(const std::string& what) const;
 
-    /// The same, naming the members.
+    /// The same; the message lists the names that were asked for.
     void RejectOthers() const;
 
   private:

@@ -10,8 +10,8 @@ namespace binding {
 /// name, either of them short enough. Returns 0 or an errno value.
 int CheckSocketName(std::string_view name);
 
-/// Sends @p text to the datagram socket @p name. What the receiver has no room for within
-/// @p patience is lost. Returns 0 or an errno value.
+/// Sends @p text to the datagram socket @p name. If the receiver has no room for it within @p
+/// patience, the message is lost. Returns 0 or an errno value.
 int SendDatagram(std::string_view name, std::string_view text,
                  std::chrono::milliseconds patience = std::chrono::milliseconds(0));
 

@@ -1,4 +1,4 @@
-// The time that maintenance threads wait by.
+// The clock by which maintenance threads wait.
 #pragma once
 
 #include <chrono>
@@ -18,10 +18,11 @@ class MaintenanceClock {
     virtual void Wait(std::chrono::milliseconds interval, const std::stop_token& stop) = 0;
 };
 
-/// A clock that runs as time does.
+/// A clock that runs in real time.
 std::shared_ptr<MaintenanceClock> SteadyClock();
 
-/// Threads that are started from now on wait by @p clock; without a call of this, by SteadyClock().
+/// Threads that are started from now on wait by @p clock. Until this is called, they use
+/// SteadyClock().
 void SetMaintenanceClock(std::shared_ptr<MaintenanceClock> clock);
 
 }  // namespace binding

@@ -32,7 +32,7 @@ std::shared_ptr<binding::MaintenanceClock>& CurrentClock() {
     return clock;
 }
 
-/// A callback that fails must end neither the thread nor the process.
+/// Calls back. An exception is logged, so that it ends neither the thread nor the process.
 void Notify(MaintenanceThreadCallbackInterface& callback) {
     try {
         callback.OnThreadNotify(0);
@@ -75,7 +75,8 @@ MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCall
 MaintenanceThread::~MaintenanceThread() {
     Shutdown();
     if (state->thread.joinable()) {
-        // The thread destroys its own owner, at exit for instance.
+        // This code runs in the thread itself, for example when its callback exits the process. A
+        // thread cannot wait for its own end.
         state->thread.detach();
     }
 }
@@ -93,9 +94,10 @@ int MaintenanceThread::Run() {
         return 0;
     }
     try {
-        // An interval of 0 would never let the thread rest.
+        // With an interval of 0 the thread would call back without any pause.
         const std::chrono::seconds seconds(std::max(interval, 1U));
-        // The thread keeps the clock alive when its owner goes first.
+        // The thread holds its own reference to the clock, because a detached thread may outlive
+        // this object.
         state->thread = std::jthread(
             [clock = CurrentClock(), called = callback, seconds](const std::stop_token& stop) {
                 clock->Wait(seconds, stop);

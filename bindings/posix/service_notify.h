@@ -1,5 +1,5 @@
 // The notification protocol of the service manager: datagrams to the socket that NOTIFY_SOCKET
-// names. Our own, because libsystemd would bring its dependencies into a small service.
+// names. Implemented here, because libsystemd would bring its dependencies into a small service.
 #pragma once
 
 #include <string_view>

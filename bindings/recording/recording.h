@@ -60,14 +60,15 @@ class Answer {
     std::function<void()> action;
 };
 
-/// Appends an answer to the script of @p call. Answers are used in order; the last one stays.
+/// Appends an answer to the script of @p call. Answers are used in order; the last one is used for
+/// all further calls.
 Answer& Given(const std::string& call);
 
 /// Forgets script and transcript.
 void Reset();
 
 /// From now on every recorded line also goes to the standard error stream at once, for tests whose
-/// process ends.
+/// process ends before the transcript is read.
 void Echo();
 
 /// Everything recorded so far, a line each: "sys_getSIMStatus()", "log 7 text", "syslog 138 text".
@@ -82,7 +83,7 @@ std::string TranscriptText(const std::string& prefix);
 /// Texts as the lines of one text.
 std::string Lines(const std::vector<std::string>& lines);
 
-/// The two lines of a failure: system log first, then the debug log. @p text begins behind the
+/// The two lines of a failure: system log first, then the debug log. @p text is what follows the
 /// level name: " - void Foo() failed".
 std::vector<std::string> Failure(const std::string& text);
 
@@ -98,28 +99,30 @@ struct Call {
     const std::string& arguments;
     /// Output parameters in their order; no bytes for a null pointer.
     std::span<const std::span<std::byte>> outputs;
-    /// What the call returns when nobody says anything about it.
+    /// What the call returns when no answer has been scripted.
     int unscripted;
 };
 
-/// A test that plays a whole device instead of writing a script: it answers every call and sees
-/// every line, of which none is kept.
+/// For tests that play a whole device instead of writing a script. A director answers every call
+/// and receives every line; no transcript is kept.
 class Director {
   public:
     virtual ~Director() = default;
     /// Writes to the outputs and returns the result; may throw.
     virtual int Answer(const Call& call) = 0;
-    /// A line that a transcript would hold, log lines among them; not the calls.
+    /// Receives a line that a transcript would hold, such as a log line, but not the lines of
+    /// calls.
     virtual void See(const std::string& line) = 0;
 };
 
-/// From now on @p director plays; null goes back to script and transcript.
+/// From now on @p director answers the calls; null restores script and transcript.
 void Direct(Director* director);
 
-/// Whether the calling thread is inside the platform: what happens there is not the product's.
+/// Whether the calling thread is inside a function of the platform, so that what it does there is
+/// not the product's doing.
 bool IsInsidePlatform();
 
-/// The calling thread is inside the platform for the lifetime of this.
+/// Marks the calling thread as inside the platform for the lifetime of the object.
 class InsidePlatform {
   public:
     InsidePlatform();
@@ -131,15 +134,15 @@ class InsidePlatform {
 /// Adds a line to the transcript.
 void Record(std::string line);
 
-/// Does what the script says for @p call, which gives no answer; a director is not asked.
+/// Runs the scripted action of @p call, which is a call without an answer. A director is not asked.
 void Act(const std::string& call);
 
-/// Lets a director answer a call that is not recorded; returns 0 without one.
+/// Lets the director answer a call that is not recorded; returns 0 if there is no director.
 int PlayUnrecorded(const std::string& call);
 
-/// Records `call(arguments)` and plays its next answer into @p outputs; an output that does not fit
-/// its scripted bytes is a fault of the test and ends it. Returns the scripted result, or
-/// @p unscripted when the test says nothing about the call.
+/// Records `call(arguments)` and plays its next answer into @p outputs; if the size of an output is
+/// not that of its scripted bytes, the test is wrong and ends. Returns the scripted result, or @p
+/// unscripted when the test has scripted no answer.
 int Play(const std::string& call, const std::string& arguments,
          std::initializer_list<std::span<std::byte>> outputs, int unscripted = kUnscripted);
 

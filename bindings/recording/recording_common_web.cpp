@@ -151,7 +151,7 @@ int MaintenanceThread::Shutdown() {
 
 struct MsgbusHandler::State {};
 
-// cppcheck-suppress constParameter ; the platform declares it so
+// cppcheck-suppress constParameter ; platform/ declares the parameter like this
 MsgbusHandler::MsgbusHandler(MsgbusCallbackInterface* callback) {
     const InsidePlatform inside;
     Play("MsgbusHandler::MsgbusHandler", callback == nullptr ? "no callback" : "callback", {}, 0);

@@ -34,7 +34,7 @@ void toru_dbg_log(const char* module, int level, const char* format, ...) {
     va_start(arguments, format);
     std::string line = "log " + std::to_string(level) + " " + Format(format, arguments);
     va_end(arguments);
-    // The tag inside the line is the module's own in all but the lines that name it.
+    // Lines contain the name of their module as a tag. For those that do not, the module is added.
     if (line.find("[" + std::string(module) + "]") == std::string::npos) {
         line += " (module " + std::string(module) + ")";
     }
@@ -53,6 +53,6 @@ void toru_dbg_syslog(int priority, const char* format, ...) {
 const char* toru_dbg_get_level_name(int level) {
     static constexpr std::array<const char*, 8> kNames = {"EMERG",   "ALERT",  "CRIT", "ERROR",
                                                           "WARNING", "NOTICE", "INFO", "DEBUG"};
-    // cppcheck-suppress CastIntegerToAddressAtReturn ; it takes the elements for numbers
+    // cppcheck-suppress CastIntegerToAddressAtReturn ; cppcheck takes the elements for numbers
     return level >= 0 && level < 8 ? kNames[static_cast<std::size_t>(level)] : "UNKNOWN";
 }

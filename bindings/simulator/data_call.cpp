@@ -1,4 +1,5 @@
-// The data call: its status changes in the document, for every process that reads it.
+// The data call. Its status is changed in the device document, so that every process that reads the
+// document sees it.
 #include <exception>
 #include <string>
 
@@ -17,8 +18,8 @@ namespace {
 constexpr int kDisconnected = 0;
 constexpr int kConnected = 2;
 
-/// The document with another status of the data call. A status query that has been told to fail
-/// goes on failing.
+/// Returns the document with @p status as the status of the data call. If the document makes the
+/// status query fail, it is returned unchanged, so that the query goes on failing.
 std::string WithStatus(const std::string& path, const std::string& document, int status) {
     const Device device = ReadDevice(path, document);
     if (device.getCellularDataConnectionStatus.error != 0) {

@@ -14,8 +14,8 @@ namespace binding {
 
 namespace {
 
-/// The device of the document, which is read again when it has changed. A document that has become
-/// unusable is logged once, and the last good one stays.
+/// The device that the document describes. The document is read again when it has changed. If it
+/// has become unusable, that is logged once and the last good device stays.
 class DeviceFile {
   public:
     std::shared_ptr<const Device> Newest() {

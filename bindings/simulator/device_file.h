@@ -1,4 +1,4 @@
-// The document that is the device.
+// The file of the device document.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
 # Debian's cross compiler, with the libraries that scripts/cross-test unpacks into build/root-ARCH.
-# The C and C++ libraries to compile with are those of the compiler; to run with, those in the root.
+# Programs are compiled with the C and C++ libraries of the compiler, and run with those in the root.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_CXX_COMPILER ${KESTAL_TRIPLET}-g++)
@@ -11,7 +11,7 @@ if(NOT EXISTS ${KESTAL_TARGET_ROOT}/usr)
 endif()
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES KESTAL_TARGET_ROOT)
 
-# Nothing of this machine but programs.
+# Only programs are taken from this machine, no libraries, headers or packages.
 set(CMAKE_FIND_ROOT_PATH ${KESTAL_TARGET_ROOT})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -35,7 +35,7 @@ class Variables : public cgicc::CgiInput {
     std::map<std::string, std::string> values;
 };
 
-/// Takes what is written to std::cout for the lifetime of this.
+/// Captures what is written to std::cout for the lifetime of the object.
 class TakenOutput {
   public:
     TakenOutput() : previous(std::cout.rdbuf(taken.rdbuf())) {}
@@ -50,7 +50,7 @@ class TakenOutput {
     std::streambuf* previous;
 };
 
-/// A response, taken apart. Lines may end with or without a carriage return.
+/// A response, split into its parts. Lines may end with or without a carriage return.
 struct Response {
     std::vector<std::string> head;
     bool hasEmptyLine = false;

@@ -15,11 +15,12 @@ namespace {
 
 using Answers = std::vector<std::string>;
 
-/// A device may change while it is being looked at, but not for ever.
+/// How often a call is compared again when its answer has changed meanwhile.
 constexpr int kTries = 5;
 
-/// Makes @p call undisturbed, then as @p disturbed does, and undisturbed again. All answers must be
-/// the same, unless the device has changed meanwhile.
+/// Makes @p call undisturbed, then as @p disturbed makes it, and then undisturbed again. All
+/// answers must be the same. If the two undisturbed answers differ, the device has changed and the
+/// comparison starts again.
 void Compare(Probe& probe, const Repeatable& call, const std::string& circumstances,
              const std::function<Answers(const Repeatable&)>& disturbed) {
     Report& report = probe.Told();
@@ -71,7 +72,8 @@ extern "C" void Count(int /*signal*/) {
     ++gSignals;
 }
 
-/// SIGUSR1 is counted for the lifetime of this, and system calls that it interrupts fail.
+/// Counts SIGUSR1 for the lifetime of the object. System calls that the signal interrupts fail (no
+/// SA_RESTART).
 class CountedSignal {
   public:
     CountedSignal() {
@@ -98,7 +100,7 @@ Answers UnderSignals(const Repeatable& call) {
         const std::jthread sender([&](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
                 (void)pthread_kill(caller, SIGUSR1);
-                // So that a call that begins anew when it is interrupted comes to its end.
+                // Gives a call that starts again after an interruption the time to finish.
                 std::this_thread::sleep_for(std::chrono::microseconds(200));
             }
         });

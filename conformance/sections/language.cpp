@@ -20,7 +20,7 @@ void Expect(Report& report, const char* what, const char* bound, const std::stri
 
 void ExamineLanguage(Probe& probe, const Options& /*options*/) {
     const std::string domain = "conformance";
-    // Not the code set that a locale has of itself.
+    // A code set that differs from the one that a locale uses by default.
     const std::string codeSet = "ISO-8859-1";
     const std::string directory = "/usr/share/locale";
     probe.Tell(

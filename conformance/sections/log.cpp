@@ -53,7 +53,7 @@ void ExamineLog(Probe& probe, const Options& /*options*/) {
     probe.Tell(
         "toru_dbg_log", "after the end",
         [] { toru_dbg_log(kModule, TORU_DBG_DEBUG, "%s", "may be lost"); }, Nothing);
-    // For the calls that follow.
+    // The log stays open for the calls that follow.
     (void)probe.Code("toru_dbg_start", kProgram, [] { return toru_dbg_start(kProgram); });
 }
 

@@ -16,7 +16,8 @@ using Clock = std::chrono::steady_clock;
 constexpr unsigned int kInterval = 1;
 constexpr unsigned int kLongInterval = 86400;
 
-/// Counts its callbacks. From the second on, one stays until the thread is being shut down.
+/// Counts its callbacks. From the second on, a callback does not return before the thread is being
+/// shut down.
 class Counter : public MaintenanceThreadCallbackInterface {
   public:
     bool OnThreadNotify(unsigned int /*event*/) override {
@@ -30,7 +31,8 @@ class Counter : public MaintenanceThreadCallbackInterface {
         changed.notify_all();
         if (callbacks >= 2) {
             changed.wait(lock, [this] { return ending; });
-            // Time for a Shutdown that does not wait to return before this has ended.
+            // Gives a wrong Shutdown, which does not wait for the callback, the time to return
+            // first.
             lock.unlock();
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             lock.lock();
@@ -39,7 +41,8 @@ class Counter : public MaintenanceThreadCallbackInterface {
         return false;
     }
 
-    /// Waits until there have been @p wanted callbacks; false when they do not come in @p limit.
+    /// Waits until there have been @p wanted callbacks; false when they do not come within @p
+    /// limit.
     bool WaitFor(unsigned int wanted, std::chrono::seconds limit) {
         std::unique_lock lock(mutex);
         return changed.wait_for(lock, limit, [&] { return callbacks >= wanted; });
@@ -78,7 +81,8 @@ class Counter : public MaintenanceThreadCallbackInterface {
     std::thread::id thread;
 };
 
-/// Blocks SIGUSR2 in the calling thread, so that a thread that inherits the mask can be told.
+/// Runs the thread while SIGUSR2 is blocked here, which shows whether the thread inherits the
+/// signal mask.
 int RunWithMask(MaintenanceThread& thread) {
     sigset_t blocked{};
     sigset_t previous{};
@@ -124,7 +128,7 @@ void ExamineCallbacks(Probe& probe, Counter& counter, Clock::time_point begun) {
     }
 }
 
-/// One run, which ends while a callback is being made.
+/// Examines one run, which is shut down during a callback.
 void ExamineRun(Probe& probe, MaintenanceThread& thread, Counter& counter) {
     const Clock::time_point begun = Clock::now();
     const int running =
@@ -164,7 +168,7 @@ void ExamineMaintenance(Probe& probe, const Options& /*options*/) {
         "MaintenanceThread::SetInterval", std::to_string(kInterval),
         [&] { thread->SetInterval(kInterval); }, [] { return std::string(); });
     ExamineRun(probe, *thread, counter);
-    // A thread in a long interval must not be waited for.
+    // Shutdown must not wait for the end of a long interval.
     thread->SetInterval(kLongInterval);
     (void)probe.Code("MaintenanceThread::Run", "", [&] { return thread->Run(); });
     (void)Shutdown(probe, *thread);

@@ -15,7 +15,8 @@ namespace {
 
 constexpr const char* kGetData = "MsgbusHandler::GetData";
 
-/// The channel as a list of bytes, as @p client reads it. A client belongs to one thread.
+/// The channel as a list of bytes that @p client reads. It is not for two threads, because a client
+/// belongs to one thread.
 List Channel(const std::shared_ptr<MsgbusHandler>& client, const std::string& channel) {
     List list;
     list.call = kGetData;
@@ -61,7 +62,7 @@ void CheckBlock(Report& report, const std::vector<std::byte>& block) {
     }
 }
 
-/// A client that is not on the bus gets nothing.
+/// Checks that a client that is not on the bus gets nothing.
 void ExamineOutside(Probe& probe, MsgbusHandler& client, const std::string& when) {
     GuardedBuffer buffer(64, GuardedBuffer::kFill);
     auto size = static_cast<unsigned int>(buffer.Bytes().size());
@@ -83,7 +84,7 @@ void ExamineUnknownChannel(Probe& probe, const std::shared_ptr<MsgbusHandler>& c
     }
 }
 
-/// Reads the notifications as a request does: with a client of its own.
+/// Reads the notifications as a request of the service does, with a new client.
 std::string ReadNotifications(Probe& probe) {
     const auto client = std::make_shared<MsgbusHandler>(nullptr);
     std::string text;

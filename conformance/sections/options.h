@@ -1,4 +1,4 @@
-// What the caller of kestal-conformance wants.
+// The command-line options of kestal-conformance.
 #pragma once
 
 #include <chrono>
@@ -12,11 +12,11 @@ struct Options {
     std::vector<std::string> only;  ///< names of sections; empty for all
     std::vector<std::string> skip;
     bool actions = false;
-    /// A session that is logged on, and the caller that it belongs to; empty when there is none.
+    /// A session that is logged on, and the caller to whom it belongs; empty if none is given.
     std::string session;
     std::string address = "127.0.0.1";
     std::string agent;
-    /// Names that are asked for beside those that every device is asked for.
+    /// Names to ask for, in addition to those for which every device is asked.
     std::vector<std::string> names;
 };
 

@@ -1,4 +1,4 @@
-// The parts of platform/, each with what is held against its declarations.
+// The sections of the examination, one for each part of platform/ and a few more.
 #pragma once
 
 #include <span>
@@ -23,14 +23,14 @@ void ExamineMaintenance(Probe& probe, const Options& options);
 void ExamineLanguage(Probe& probe, const Options& options);
 void ExamineWatchdog(Probe& probe, const Options& options);
 
-/// These two make the calls again that the sections before them have kept.
+/// These two repeat the calls that the earlier sections have kept.
 void ExamineThreads(Probe& probe, const Options& options);
 void ExamineSignals(Probe& probe, const Options& options);
 
 /// Starts and stops the data call.
 void ExamineActions(Probe& probe, const Options& options);
 
-/// All of them, in the order in which they run.
+/// All sections, in the order in which they run.
 std::span<const Section> Sections();
 
 }  // namespace conformance

@@ -36,7 +36,7 @@ int Init(Probe& probe, AuthSession& session, const Caller& caller, const std::st
     });
 }
 
-/// A caller who has no session gets none, and is told nothing.
+/// Checks that a caller without a session is refused, and that no result is written.
 void ExamineRefused(Probe& probe, AuthSession& session, const Caller& caller,
                     const std::string& who) {
     if (Init(probe, session, caller, who) == 0) {
@@ -106,7 +106,7 @@ void ExamineLive(Probe& probe, const Caller& caller) {
     if (!IsLoggedOn(probe, session)) {
         probe.Told().Note("the session given is not logged on");
     }
-    // On the object that has just been successful: it must not remember that.
+    // On the same object, whose last Init was successful: it must not remember that success.
     ExamineRefused(probe, session, WithOtherAddress(caller), "another address");
     ExamineRefused(probe, session, WithOtherFamily(caller), "an address of another family");
     ExamineRefused(probe, session, WithUnknownFamily(caller), "an address of no known family");

@@ -13,8 +13,8 @@ namespace conformance {
 
 namespace {
 
-/// The values that a number of this meaning may have. None for an enumeration to which a device may
-/// add.
+/// The range of values that a number with this meaning may have. There is no range for an
+/// enumeration that a device may extend.
 template <typename Meaning>
 constexpr std::optional<Bounds> kBounds = std::nullopt;
 template <>
@@ -45,10 +45,10 @@ std::vector<Query> Queries() {
     };
 }
 
-/// The calls that are given the name of a field or an application.
+/// The calls with the name of a field or an application as their parameter.
 std::vector<Query> NamedQueries(const std::string& name) {
     return {
-// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): it needs the name as text and as a function
 #define NAMED_QUERY(call, Subject, field, description) \
     NamedQueryOf("sys_" #call, SYS_SUCCESS, sys_##call, name),
         SYSINT_NAMED_QUERIES(NAMED_QUERY)
@@ -56,7 +56,7 @@ std::vector<Query> NamedQueries(const std::string& name) {
     };
 }
 
-/// A group identifier of the SIM. Of the bytes beyond its length nothing is said.
+/// A group identifier of the SIM. Bytes after its length are not checked.
 Query GroupIdentifier(std::uint8_t index) {
     struct Room {
         std::byte bytes[SYS_SIM_CARRIER_GID_SIZE];
@@ -129,7 +129,7 @@ void OpenSdk(Probe& probe) {
     }
 }
 
-/// Rounds follow one another.
+/// Checks that the SDK can be opened again after it was closed.
 void ExamineRounds(Probe& probe) {
     const auto query = [&] {
         int status = 0;
@@ -152,7 +152,7 @@ void ExamineRounds(Probe& probe) {
 
 void ExamineSysint(Probe& probe, const Options& options) {
     ExamineRounds(probe);
-    // Stays open: the tests with threads and signals make the calls again.
+    // The SDK stays open, because the tests with threads and signals repeat the calls.
     OpenSdk(probe);
     for (const Query& query : Queries()) {
         Examine(probe, query);

@@ -1,4 +1,4 @@
-// platform/watchdog.h, and what the service manager hears of it.
+// platform/watchdog.h, and the messages that it sends to the service manager.
 #include "platform/watchdog.h"
 
 #include <sys/socket.h>
@@ -18,17 +18,18 @@ namespace {
 
 constexpr const char* kApplication = "kestal-conformance";
 
-/// Stands in for the service manager: a socket that NOTIFY_SOCKET names for the lifetime of this.
+/// Takes the place of the service manager: a socket that NOTIFY_SOCKET names for the lifetime of
+/// the object.
 class ServiceManager {
   public:
     ServiceManager() : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        // In the abstract namespace: nothing is left behind.
+        // In the abstract namespace, so that no file remains.
         const std::string name = "kestal-conformance-" + std::to_string(getpid());
         std::memcpy(&address.sun_path[1], name.data(), name.size());
         const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): sockets are made so
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bind() takes this type
         const auto* const bound = reinterpret_cast<const sockaddr*>(&address);
         if (socket < 0 || bind(socket, bound, size) != 0) {
             throw std::runtime_error("no socket for the watchdog: " +
@@ -43,7 +44,7 @@ class ServiceManager {
     ServiceManager(const ServiceManager&) = delete;
     ServiceManager& operator=(const ServiceManager&) = delete;
 
-    /// What has been said since the last look; empty when nothing was.
+    /// The messages since the last call; empty when there were none.
     std::string Heard() const {
         std::string heard;
         std::array<char, 1024> datagram{};

@@ -22,7 +22,7 @@ void End(int /*signo*/) {
 
 /// Linked in the place of _exit where coverage is measured (--wrap=_exit), because counts are
 /// otherwise written by exit only. A process that ends in this way may have crashed while it held a
-/// lock that the writing needs: it is given a second for it.
+/// lock that writing the counts needs, so it gives up after a second.
 void __wrap__exit(int status) {
     if (!gDumping.exchange(true)) {
         gStatus = status;

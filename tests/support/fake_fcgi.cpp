@@ -33,11 +33,11 @@ struct Exchange {
     }
 };
 
-/// A listening socket on which a connection always waits.
+/// A listening socket that always has a waiting connection.
 int ReadySocket() {
     static const int kReady = [] {
         const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        // A name of the kernel's choice, in no file system.
+        // An abstract name that the kernel chooses, so that no file is created.
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         (void)bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof(address.sun_family));

@@ -1,6 +1,6 @@
 // The part of libfcgi that accepts requests, replaced at link time: a test queues requests, the
-// product serves them and the loop ends when none is left. Everything is recorded in the transcript
-// of the recording binding.
+// product serves them, and its loop ends when no request is left. Everything is recorded in the
+// transcript of the recording binding.
 #pragma once
 
 #include <cstddef>

@@ -4,7 +4,7 @@
 
 #include "framework/answer_tree.h"
 
-/// The tree as the client would see it.
+/// The tree as JSON, as a client would receive it.
 inline std::string ToJson(const CTPP::CDT& tree) {
     std::string json;
     CTPP::CDT2JSON(tree, json);

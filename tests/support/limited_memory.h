@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// For its lifetime, NothrowArray gives none of more than @p bytes.
+/// For the lifetime of the object, NothrowArray fails to allocate more than @p bytes.
 class LimitedMemory {
   public:
     explicit LimitedMemory(std::size_t bytes);

@@ -46,7 +46,8 @@ SimulatedDevice::SimulatedDevice() {
     environment.Unset("KESTAL_SESSIONS");
     environment.Unset("KESTAL_LOG_LEVEL");
     environment.Unset("NOTIFY_SOCKET");
-    // The first start in a process logs the version. No test is to depend on being the first one.
+    // The first start in a process logs the version. It goes to /dev/null here, so that no test
+    // depends on being the first one.
     environment.Set("KESTAL_LOG", "/dev/null");
     [[maybe_unused]] static const int started = toru_dbg_start("kestal.cgi");
     environment.Set("KESTAL_LOG", directory / "log");

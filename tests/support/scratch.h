@@ -1,4 +1,5 @@
-// A simulated device of one test: its document, its log and nothing else in a directory of its own.
+// A simulated device for one test. Its document and its log are in a directory that holds nothing
+// else.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -10,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// An environment variable for the time of a test.
+/// Sets environment variables for the duration of a test.
 class Environment {
   public:
     ~Environment();

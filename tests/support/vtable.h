@@ -1,4 +1,4 @@
-// Positions of virtual functions, which classes of the component family rely on.
+// Positions of virtual functions in the vtable, on which the component classes rely.
 #pragma once
 
 #include <array>

@@ -12,15 +12,15 @@ namespace binding {
 
 namespace {
 
-/// Nobody writes such a file by hand; anything larger is the wrong file.
+/// Files written by hand are far smaller; anything larger is the wrong file.
 constexpr off_t kLargestFile = off_t{4} * 1024 * 1024;
 
 std::int64_t Nanoseconds(const timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-// On 32-bit processors, too: an inode number or a size of more bits would be an error of every look
-// at the file.
+// 64 bits on 32-bit processors, too: otherwise stat fails for every file whose inode number or size
+// needs more than 32 bits.
 static_assert(sizeof(ino_t) == 8 && sizeof(off_t) == 8);
 
 FileStamp StampOf(const struct stat& status) {

@@ -24,14 +24,14 @@ class FileDescriptor {
     int number;
 };
 
-/// What changes when a file changes.
+/// Properties that show whether a file has changed: a change of the file changes at least one.
 struct FileStamp {
     int error = 0;  ///< errno when there is no file; the rest is 0 then
     dev_t device = 0;
     ino_t inode = 0;
     off_t size = 0;
     std::int64_t modified = 0;  ///< nanoseconds since the epoch
-    std::int64_t changed = 0;   ///< the same for permissions and the like
+    std::int64_t changed = 0;   ///< the same for changes of permissions and other attributes
 
     bool operator==(const FileStamp&) const = default;
 };
@@ -39,10 +39,11 @@ struct FileStamp {
 /// Stamp of the file at @p path.
 FileStamp StampOf(const std::string& path);
 
-/// Contents of a regular file; @p stamp is set to theirs. Throws std::system_error.
+/// Returns the contents of a regular file and sets @p stamp to the file's stamp. Throws
+/// std::system_error.
 std::string ReadFile(const std::string& path, FileStamp& stamp);
 
-/// An error of the last system call on @p what, to be thrown.
+/// Throws std::system_error for the last system call (errno), which failed on @p what.
 [[noreturn]] void ThrowSystemError(const std::string& what);
 
 }  // namespace binding

@@ -32,14 +32,14 @@ class LockedDirectory {
         }
     }
 
-    /// Makes the names in the directory durable.
+    /// Writes the directory to disk, so that a renamed file survives a power failure.
     void Synchronise() const { (void)fsync(directory.Number()); }
 
   private:
     FileDescriptor directory;
 };
 
-/// A new file that replaces the target, or is removed again when an error comes first.
+/// A new file that replaces the target. If an error prevents that, the destructor removes it.
 class Replacement {
   public:
     explicit Replacement(const std::filesystem::path& newTarget)
@@ -72,7 +72,8 @@ class Replacement {
     }
 
     void CopyOwnerAndMode(const struct stat& original) const {
-        // Only a privileged process may give files away; others keep what they create.
+        // Only a privileged process may change a file's owner. In any other, the new file keeps the
+        // owner of the process, which is no error.
         const int given = fchown(file.Number(), original.st_uid, original.st_gid);
         static_cast<void>(given);
         if (fchmod(file.Number(), original.st_mode & 07777U) != 0) {

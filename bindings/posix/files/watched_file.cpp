@@ -5,7 +5,7 @@
 namespace binding {
 
 bool IsSettled(const FileStamp& stamp, std::chrono::nanoseconds now) {
-    // That of vfat, the coarsest.
+    // The clock tick of vfat, the coarsest of all file systems.
     constexpr std::chrono::seconds kTick(2);
     return now - std::chrono::nanoseconds(stamp.changed) > kTick;
 }

@@ -9,10 +9,10 @@
 
 namespace binding {
 
-/// Whether a file with this stamp, read at @p now (since the epoch), cannot change any more without
-/// getting another one. Two changes within one tick of the file system's clock leave the same
-/// stamp, so it must be older than the longest tick. One in the future, by another machine's clock
-/// or one that was set back, is never old.
+/// Whether every further change of a file gives it another stamp than @p stamp, which was read at
+/// @p now (since the epoch). Two changes within one tick of the file system's clock leave the same
+/// stamp, so a stamp must be older than the longest tick. A stamp in the future, made by another
+/// machine's clock or before the clock was set back, never counts as old.
 bool IsSettled(const FileStamp& stamp, std::chrono::nanoseconds now);
 
 class WatchedFile {
@@ -21,11 +21,11 @@ class WatchedFile {
     struct Reading {
         std::string contents;
         std::string problem;   ///< why it cannot be read; empty when it can
-        bool missing = false;  ///< whether that is because there is no file
+        bool missing = false;  ///< whether the problem is that there is no file
     };
 
-    /// The file's state when it is not the one that the last call saw, nothing otherwise. An
-    /// unchanged file costs one stat.
+    /// Returns what the file holds if it has changed since the last call, and nothing otherwise.
+    /// For an unchanged file, this costs one stat.
     std::optional<Reading> ReadIfChanged(const std::string& path);
 
   private:

@@ -24,7 +24,7 @@ std::size_t ColumnAt(const std::string& text, std::size_t offset) {
     return newline == std::string::npos ? offset + 1 : offset - newline;
 }
 
-/// Feeds the parser and tells how many bytes it has taken.
+/// Feeds the parser and counts the bytes that the parser has read.
 class CountingIterator {
   public:
     using iterator_category = std::input_iterator_tag;
@@ -50,7 +50,8 @@ class CountingIterator {
     std::size_t* taken;
 };
 
-/// Walks through a document and knows the path and the offsets of each value on the way.
+/// Parses a document without building it, and tells derived classes the path and the byte offsets
+/// of each value.
 class Walker : public nlohmann::json_sax<json> {
   public:
     explicit Walker(const std::string& newText) : text(newText) {}
@@ -84,7 +85,7 @@ class Walker : public nlohmann::json_sax<json> {
 
     bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                      const json::exception& error) override {
-        // The library's own prefix repeats what the place says.
+        // The library's own prefix repeats the position, which our error has already.
         std::string what = error.what();
         what.erase(0, what.find("] ") + 2);
         if (what.starts_with("parse error at")) {
@@ -115,7 +116,8 @@ class Walker : public nlohmann::json_sax<json> {
     /// Name of the member that begins.
     const std::string& CurrentName() const { return levels.back().name; }
 
-    /// Compares without building the path of what is too deep or not deep enough.
+    /// Whether the current value is at @p path. Depths are compared first, because building the
+    /// current path costs more.
     bool IsAt(const KeyPath& path) const {
         return levels.size() == path.size() && CurrentPath() == path;
     }
@@ -130,19 +132,19 @@ class Walker : public nlohmann::json_sax<json> {
                               : text.find_first_not_of(" \t\r\n:", levels.back().nameEnd);
     }
 
-    /// A member has been named, @p first for the first time in its object.
+    /// Called for the name of a member. @p first says whether the name is new in its object.
     virtual bool Named(bool first) {
         static_cast<void>(first);
         return true;
     }
 
-    /// The current value begins. It is @p value, still empty if it is an object or a list.
+    /// Called when the current value begins. An object or a list is still empty in @p value.
     virtual bool Begins(json&& value) {
         static_cast<void>(value);
         return true;
     }
 
-    /// The current value ends before the byte at offset @p end.
+    /// Called when the current value ends before the byte at offset @p end.
     virtual bool Ends(std::size_t end) {
         static_cast<void>(end);
         return true;
@@ -157,7 +159,7 @@ class Walker : public nlohmann::json_sax<json> {
         std::set<std::string> names;
     };
 
-    /// The parser knows the end of a number by the byte that follows.
+    /// The parser finds the end of a number only by reading the byte after it.
     bool Scalar(json value) {
         const std::size_t end = taken - (value.is_number() ? 1 : 0);
         return Begins(std::move(value)) && Ends(end) && Advance();
@@ -189,7 +191,7 @@ class Walker : public nlohmann::json_sax<json> {
     std::vector<Level> levels;
 };
 
-/// Builds the document while it walks through.
+/// Builds the document while it is being parsed.
 class StrictParser : public Walker {
   public:
     using Walker::Walker;
@@ -232,14 +234,14 @@ class StrictParser : public Walker {
         if (parent.is_array()) {
             return parent.emplace_back(std::move(value));
         }
-        // The object would look for the name, which is known to be new.
+        // Inserting through the object would search for the name, which is known to be new.
         std::vector<json::object_t::value_type>& members = parent.get_ref<json::object_t&>();
         return members.emplace_back(CurrentName(), std::move(value)).second;
     }
 
     json document;
     /// The objects and lists that have begun and not ended. Only the last one grows, so that the
-    /// others stay where they are.
+    /// pointers to the others stay valid.
     std::vector<json*> open;
 };
 
@@ -288,7 +290,8 @@ std::string PathText(const KeyPath& path) {
 json ParseStrictly(const std::string& text) {
     StrictParser parser(text);
     parser.Walk();
-    // For the parser the text ends there; a file that a crash has damaged goes on behind it.
+    // The parser takes a NUL for the end of the text, but a file that a crash has damaged may go on
+    // after it.
     if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
         throw SyntaxError(
             std::to_string(LineAt(text, nul)) + ":" + std::to_string(ColumnAt(text, nul)),

@@ -19,7 +19,7 @@ using KeyPath = std::vector<std::variant<std::string, std::size_t>>;
 /// The path as people write it: sys.getConnectedDeviceList[2].connectionKind
 std::string PathText(const KeyPath& path);
 
-/// The document is no JSON, or names something twice.
+/// The document is not JSON, or an object in it has two members of the same name.
 class SyntaxError : public std::runtime_error {
   public:
     /// @p newPlace is "line" or "line:column".
@@ -32,16 +32,16 @@ class SyntaxError : public std::runtime_error {
     std::string place;
 };
 
-/// Parses a document in which no object names a member twice and which is not nested too deeply for
-/// the recursion of those who copy it; the order of the members is kept.
-/// Throws SyntaxError.
+/// Parses a document and keeps the order of members. Throws SyntaxError; also when an object has
+/// two members of the same name, and when the document is nested so deeply that recursive
+/// functions, such as a copy, could overflow the stack.
 nlohmann::ordered_json ParseStrictly(const std::string& text);
 
 /// Where a value stands in its text.
 struct Place {
     std::size_t line;   ///< from 1: of its name, or of the value in a list
     std::size_t begin;  ///< offset of the value's first byte; only for members of objects
-    std::size_t end;    ///< offset behind its last byte
+    std::size_t end;    ///< offset of the byte after its last one
 };
 
 /// Finds the value at @p path in a text that ParseStrictly accepts.

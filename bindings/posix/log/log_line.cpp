@@ -16,7 +16,8 @@ constexpr std::string_view kCut = "...[cut]";
 /// Room for the notes; the longest two of them have 41 bytes each.
 constexpr std::size_t kNotes = 88;
 
-/// How far a message may reach, so that the mark, the notes and the line feed have room.
+/// A message ends at this offset at the latest, so that the mark of a cut, the notes and the line
+/// feed have room.
 constexpr std::size_t kEndOfMessage = 4096 - kCut.size() - kNotes - 1;
 
 bool IsPlain(char byte) {
@@ -27,8 +28,8 @@ bool IsInsideCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-/// Whether what shows a log would obey @p character instead of showing it: controls, separators of
-/// lines, and what changes the direction of the text around it.
+/// Whether a terminal or editor would obey @p character instead of showing it: control characters,
+/// line separators, and characters that change the direction of the text around them.
 bool IsObeyed(std::uint32_t character) {
     const auto isIn = [character](std::uint32_t first, std::uint32_t last) {
         return character >= first && character <= last;
@@ -37,7 +38,7 @@ bool IsObeyed(std::uint32_t character) {
            isIn(0x2028, 0x202E) || isIn(0x2066, 0x2069);
 }
 
-/// Puts '?' for what must not stand in a log, and returns the new end.
+/// Replaces everything that must not appear in a log by '?', and returns the new end.
 char* MakeHarmless(char* begin, char* end) {
     char* read = std::find_if_not(begin, end, IsPlain);
     char* written = read;
@@ -60,7 +61,7 @@ char* MakeHarmless(char* begin, char* end) {
     return written;
 }
 
-/// Leaves out the last character of @p text unless it has one byte: it may have been cut.
+/// Drops the last character of @p text unless it has one byte only, because it may be incomplete.
 std::string_view WithoutLastCharacter(std::string_view text) {
     for (int bytes = 1; bytes < 4 && !text.empty() && IsInsideCharacter(text.back()); ++bytes) {
         text.remove_suffix(1);
@@ -128,7 +129,7 @@ void LogLine::Append(std::string_view earlier) {
 }
 
 void LogLine::Note(const char* format, ...) {
-    // The last byte is the line feed's.
+    // The last byte is reserved for the line feed.
     const std::size_t room = text.size() - length - 1;
     std::va_list arguments;
     va_start(arguments, format);

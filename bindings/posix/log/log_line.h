@@ -17,33 +17,33 @@ class LogLine {
     /// Begins with "2026-11-21T12:00:00.123Z program[pid] ", as the debug log does.
     static LogLine ForDebugLog(const char* programName);
 
-    /// Begins with "<priority>program[pid]: ". Without a time: the system log notes when a line
-    /// came.
+    /// Begins with "<priority>program[pid]: ". It has no time, because the system log records when
+    /// a line arrives.
     static LogLine ForSystemLog(const char* programName, int priority);
 
     LogLine() = default;
 
-    /// Adds a message. A line feed at its end is dropped. '?' stands for every other character that
-    /// a terminal obeys instead of showing, and for every byte that is not UTF-8. What does not fit
-    /// is cut off, visibly.
+    /// Adds a message. A line feed at its end is dropped. Every other character that a terminal
+    /// obeys instead of showing, and every byte that is not UTF-8, is replaced by '?'. A message
+    /// that is too long is cut and marked as cut.
     [[gnu::format(printf, 2, 0)]] void Append(const char* format, std::va_list arguments);
 
-    /// Adds text of an earlier line.
+    /// Adds text of an earlier line, which is harmless already.
     void Append(std::string_view earlier);
 
-    /// Adds a few words on the line, for which there is always room.
+    /// Adds a short note about the line, for which there is always room.
     [[gnu::format(printf, 2, 3)]] void Note(const char* format, ...);
 
-    /// Notes that the line stands for @p count, unless that is 1.
+    /// Notes that the line stands for @p count occurrences, unless that is 1.
     void NoteCount(unsigned int count);
 
-    /// Notes that the line came @p count times, @p age ago for the last time.
+    /// Notes that the line came @p count times, the last time @p age ago.
     void NoteHeld(unsigned int count, std::chrono::seconds age);
 
-    /// What follows the head.
+    /// The text after the head.
     std::string_view Message() const { return {text.data() + head, length - head}; }
 
-    /// The whole line; valid as long as the object.
+    /// The whole line; valid as long as the object exists.
     std::string_view Text() const { return {text.data(), length}; }
 
     /// The same with a line feed.

@@ -12,7 +12,7 @@ constexpr std::chrono::minutes kPause(1);
 
 std::atomic<RepeatedLines::TimePoint (*)()> logClock = nullptr;
 
-/// The right to use what a flag guards, unless somebody else has it.
+/// A lock that never waits: IsOurs says whether this object got the flag or somebody else has it.
 class Turn {
   public:
     explicit Turn(std::atomic_flag& newFlag)
@@ -59,7 +59,8 @@ unsigned int RepeatedLines::Take(std::string_view line, TimePoint now, Tell tell
     Line& known = lines.at(index);
     const bool isBack = now - known.seen >= kPause;
     if (isBack) {
-        // The fault had gone: its number is not one of what comes now.
+        // The fault had gone away. Its repetitions are reported separately from those of the new
+        // fault.
         TellHeld(index, now, tell);
     }
     known.seen = now;
@@ -103,7 +104,7 @@ std::size_t RepeatedLines::Find(std::string_view line) const {
     return index;
 }
 
-/// An unused place, or that of the line that has not come for the longest time.
+/// Returns an unused place or, if there is none, that of the line that came longest ago.
 std::size_t RepeatedLines::MakeRoom(TimePoint now, Tell tell) {
     const auto* const oldest =
         std::min_element(lines.begin(), lines.end(), [](const Line& a, const Line& b) {

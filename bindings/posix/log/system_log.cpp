@@ -14,8 +14,9 @@ namespace binding {
 
 namespace {
 
-/// Enough for a log that takes milliseconds for a line; little enough for one that hangs while the
-/// device fails in everything, or while the process crashes: either makes some 50 lines.
+/// How long to wait for the system log. Long enough for a log that needs milliseconds for a line.
+/// Short enough for one that hangs while every call of the device fails, or while the process
+/// crashes, either of which causes about 50 lines.
 constexpr std::chrono::milliseconds kPatience(5);
 
 constinit RepeatedLines repeats;
@@ -40,11 +41,12 @@ void TellHeld(std::string_view text, unsigned int count, std::chrono::seconds ag
     LogLine line;
     line.Append(text);
     line.NoteHeld(count, age);
-    // There may be many at once, and a process that crashes has not much time.
+    // There may be many lines at once, and a crashing process has little time. So once a line has
+    // been lost, the others are not waited for.
     Send(line, linesLost == 0 ? kPatience : std::chrono::milliseconds(0));
 }
 
-/// Whether @p message is of level 3, whose name then follows the module.
+/// Whether @p message has the level 3: the level's name then follows the module.
 bool IsFailure(std::string_view message) {
     const std::size_t endOfModule = message.find("]:[");
     return message.starts_with('[') && endOfModule != std::string_view::npos &&

@@ -1,5 +1,5 @@
-// The debug log: a line is one write, formatted on the stack, so that it works at any time, in
-// signal handlers too.
+// The debug log. Each line is formatted on the stack and written with one system call, so that
+// logging works at any time, even in signal handlers.
 #include "platform/toru_dbg.h"
 
 #include <fcntl.h>
@@ -28,15 +28,15 @@ constexpr int kUnknown = -1;
 constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT", "ERROR",
                                                     "WARNING", "NOTICE", "INFO", "DEBUG"};
 
-// Each is found out on first use: the product may log before it starts the log.
+// Each value is determined on first use, because the product may log before it starts the log.
 std::atomic<int> threshold = kUnknown;
 std::atomic<int> destination = kUnknown;
 std::atomic<const char*> programName = nullptr;
 
-/// There was room for the beginning of the last line only.
+/// Whether only the beginning of the last line could be written.
 std::atomic<bool> endsInHalfALine = false;
 
-/// The first line of a process tells what runs.
+/// Whether the first line of the process, which tells the version, has been written.
 std::atomic<bool> versionTold = false;
 
 constinit binding::RepeatedLines repeats;
@@ -65,7 +65,8 @@ int Threshold() {
     return level;
 }
 
-/// Never waits for the reader of a pipe, neither here nor in a write to what was opened.
+/// Opens the log without blocking, so that neither opening nor a later write waits for the reader
+/// of a pipe.
 int OpenDestination() {
     const char* path = std::getenv("KESTAL_LOG");
     const int file =
@@ -93,15 +94,15 @@ int Destination() {
     return file;
 }
 
-/// Whether a write to @p file would be done at once. The standard error stream is not ours and may
-/// be blocking; a pipe that is not full has room for a whole line. One whose reader is gone takes
-/// nothing.
+/// Whether a write to @p file would return at once. This is for the standard error stream, which we
+/// did not open and which may block. A pipe that is reported as writable has room for a whole line;
+/// a pipe without a reader is not writable.
 bool IsWritable(int file) {
     pollfd state{.fd = file, .events = POLLOUT, .revents = 0};
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
-/// How many bytes of @p text were written; 0 when none.
+/// Writes @p text and returns how many bytes were written.
 std::size_t Put(int file, std::string_view text) {
     if (file == STDERR_FILENO && !IsWritable(file)) {
         return 0;
@@ -113,7 +114,7 @@ std::size_t Put(int file, std::string_view text) {
     return written < 0 ? 0 : static_cast<std::size_t>(written);
 }
 
-/// Whether nothing is left in a file, as after its rotation.
+/// Whether @p file is an empty regular file, as after a rotation of the log.
 bool IsEmpty(int file) {
     struct stat state = {};
     return fstat(file, &state) == 0 && S_ISREG(state.st_mode) && state.st_size == 0;
@@ -138,19 +139,19 @@ void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds
     Write(line.Finish());
 }
 
-/// Nothing is held back from who reads everything.
+/// Repeated lines are held back, except at level 7 (DEBUG), where every line is wanted.
 bool HoldsRepeats() {
     return Threshold() < TORU_DBG_DEBUG;
 }
 
-/// How many lines @p message of @p level stands for; 0 when it is held back.
+/// How many occurrences @p message of @p level stands for; 0 when it is held back.
 unsigned int Count(int level, std::string_view message) {
     return HoldsRepeats() ? binding::CountLine(repeats, message, level == TORU_DBG_ERROR, TellHeld)
                           : 1;
 }
 
-/// Not a part of toru_dbg_log: most lines are above the threshold and must not pay for room for
-/// one.
+/// Separate from toru_dbg_log, because most lines are above the threshold and should not pay for
+/// the stack space of a line.
 [[gnu::noinline, gnu::format(printf, 2, 0)]] void WriteLine(int level, const char* format,
                                                             std::va_list arguments) {
     const int callersError = errno;
@@ -165,7 +166,8 @@ unsigned int Count(int level, std::string_view message) {
     errno = callersError;
 }
 
-/// Also at an exit without toru_dbg_stop, such as that of a signal handler.
+/// Reports everything that is held back. As a destructor it also runs when the process exits
+/// without toru_dbg_stop, for example in a signal handler.
 [[gnu::destructor]] void TellAllHeld() {
     const int callersError = errno;
     repeats.End(binding::LogTime(), TellHeld);

@@ -1,4 +1,5 @@
-// The session check. It only asks: polling pages must not keep a session alive for ever.
+// The session check. It does not renew sessions, because pages that poll would keep a session alive
+// for ever.
 #include "platform/auth_session.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 using binding::Session;
 
-/// The sessions of this moment, read again when the store has changed.
+/// The current sessions; the store is read again when it has changed.
 class StoredSessions {
   public:
     std::shared_ptr<const std::vector<Session>> Current() {
@@ -51,7 +52,7 @@ StoredSessions& TheSessions() {
     return sessions;
 }
 
-/// 0 when the caller has a live session.
+/// Returns 0 if the caller has a live session, otherwise the code with which Init refuses it.
 int Check(const std::string& sessionId, const webui_addr_t& address, const std::string& userAgent) {
     const std::string digest = binding::DigestOf(sessionId);
     const auto sessions = TheSessions().Current();

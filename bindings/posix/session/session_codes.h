@@ -1,10 +1,10 @@
-// Codes with which AuthSession::Init refuses.
+// Codes with which AuthSession::Init refuses a caller.
 #pragma once
 
 namespace binding {
 
 enum SessionCode : int {
-    /// The check itself failed, for want of memory as a rule.
+    /// The check itself failed, usually because memory ran out.
     kSessionCheckFailed = 9004,
     /// No such session.
     kSessionUnknown = 9101,
@@ -14,7 +14,7 @@ enum SessionCode : int {
     kSessionOtherUserAgent = 9103,
     /// The session has been idle for too long.
     kSessionExpired = 9104,
-    /// Only callers that merely ask (mode 2) are served.
+    /// The mode is not 2: only callers that merely ask for a session are served.
     kSessionMode = 9105,
 };
 

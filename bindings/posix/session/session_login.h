@@ -8,7 +8,7 @@ namespace binding {
 
 /// Opens a session for a caller from @p address, an IP address, whose user agent is @p userAgent,
 /// and returns its cookie. It ends @p idleSeconds after it was opened or renewed. Throws
-/// std::invalid_argument for what is no address, and what UpdateSessions throws.
+/// std::invalid_argument if @p address is not an IP address, and what UpdateSessions throws.
 std::string OpenSession(const std::string& address, const std::string& userAgent,
                         std::uint32_t idleSeconds);
 

@@ -21,16 +21,17 @@ struct Session {
     std::int64_t renewed = 0;
     std::int64_t idleSeconds = 0;
 
-    /// Whether the session is within its idle time, which counts from its last renewal. Whole
-    /// seconds hide up to one at either end; none is taken from the session. A session from the
-    /// future, after the clock was set back, is not.
+    /// Whether the session is within its idle time, which counts from its last renewal. Times are
+    /// whole seconds, so a session may live up to a second longer than its idle time, but never
+    /// shorter. A session that was renewed in the future, because the clock was set back since, is
+    /// not live.
     bool IsLive(std::int64_t now) const { return renewed <= now && now - renewed <= idleSeconds; }
 };
 
 /// Path of the store: the environment variable KESTAL_SESSIONS, or the binding's default.
 std::string SessionStorePath();
 
-/// Supplied by the binding.
+/// The binding's default for the path of the store. Each binding defines this function.
 std::string DefaultSessionStorePath();
 
 /// Seconds since the epoch.

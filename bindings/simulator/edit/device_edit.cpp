@@ -28,8 +28,8 @@ bool HasBeenMadeToFail(const json& value) {
     return value.is_object() && value.contains("error") && value.contains(kHealedName);
 }
 
-/// The answer in the entry @p value of a call: the value itself or, when the call has been made to
-/// fail, the answer that is kept for when it is healed.
+/// The answer in the entry @p value of a call: the value itself or, if the call has been made to
+/// fail, the kept answer, which healing the call restores.
 json& HealthyValue(json& value) {
     return HasBeenMadeToFail(value) ? value.at(kHealedName) : value;
 }
@@ -57,8 +57,8 @@ json& Step(json& value, const KeyPath::value_type& step, const std::string& whol
     return value[position];
 }
 
-/// The value at @p path as it stands in the document. Values that are missing on the way are
-/// created as null.
+/// The entry at @p path exactly as it is in the document, even if it is a failure. Values that are
+/// missing on the way are created as null.
 json& FindOrCreate(json& document, const KeyPath& path) {
     json* value = &document;
     for (const auto& step : path) {
@@ -89,11 +89,12 @@ void MustBeCall(const json& document, const KeyPath& path) {
         (void)CompileDevice(probe);
         return;
     } catch (const UnknownName& error) {
-        // A longer path is that of the failure itself, in a place where there cannot be one.
+        // A longer path means that the failure itself was refused, because no failure may stand
+        // here.
         if (error.Path().size() <= path.size()) {
             throw;
         }
-    } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): it tells of the probe
+    } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): the error is about the probe
     }
     throw std::runtime_error(PathText(path) + ": this is not a call, a page or a channel");
 }
@@ -197,7 +198,7 @@ void HealCall(json& document, const KeyPath& path) {
         FindOrCreate(document, path) = std::move(healed);
         return;
     }
-    // The document did not name the call.
+    // The document had no entry for the call before it was made to fail.
     json& parent = FindOrCreate(document, {path.begin(), path.end() - 1});
     parent.erase(std::get<std::string>(path.back()));
 }

@@ -1,7 +1,7 @@
 // Changes of a device document.
 //
-// A call that has been made to fail keeps in its entry what it answers when it is healed. Until
-// then changes of its value change what it keeps.
+// When a call is made to fail, its entry keeps the original answer, and healing the call restores
+// it. Until then, changes of the call's value change the kept answer.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +20,8 @@ namespace binding {
 void ChangeDevice(const std::string& path,
                   const std::function<void(nlohmann::ordered_json&)>& change);
 
-/// The document @p text of the file @p file. Throws std::runtime_error, with a suggestion
-/// for an unknown name, unless it is a good one.
+/// The document @p text of the file @p file. Throws std::runtime_error, with a suggestion for an
+/// unknown name, unless the simulator's reader accepts it.
 nlohmann::ordered_json ReadGoodDocument(const std::string& file, const std::string& text);
 
 /// Throws ValueError, with a suggestion for an unknown name, unless the simulator's reader
@@ -29,23 +29,23 @@ nlohmann::ordered_json ReadGoodDocument(const std::string& file, const std::stri
 void MustBeGood(const nlohmann::ordered_json& document);
 
 /// Sets the value at @p path to @p value. Objects that are missing on the way are created; the
-/// position behind the last one of a list adds to it. Throws std::runtime_error for a position
-/// further behind, and for a name in something that is not an object.
+/// position after the last one of a list appends to it. Throws std::runtime_error for a later
+/// position, and for a name in something that is not an object.
 void SetValue(nlohmann::ordered_json& document, const KeyPath& path, nlohmann::ordered_json value);
 
-/// The call on the way of @p path that has been made to fail; empty when there is none.
+/// The path of the failing call to which the value at @p path belongs; empty when there is none.
 KeyPath FailingCallOn(const nlohmann::ordered_json& document, const KeyPath& path);
 
-/// How a number moves, and how far it may.
+/// By how much a number changes, and between which limits.
 struct Move {
     std::int64_t by = 0;
     std::optional<std::int64_t> least = std::nullopt;
     std::optional<std::int64_t> most = std::nullopt;
 };
 
-/// Moves the integer at @p path, at most to its limit. An integer that is already outside of the
-/// limits is left alone, since somebody has set it. Throws std::runtime_error when there is no
-/// integer, or when the result does not fit into 64 bits.
+/// Changes the integer at @p path, at most to its limit. An integer that is already outside of the
+/// limits is left alone, because somebody has set it on purpose. Throws std::runtime_error when
+/// there is no integer, or when the result does not fit into 64 bits.
 void MoveNumber(nlohmann::ordered_json& document, const KeyPath& path, const Move& move);
 
 /// Makes the call at @p path fail with @p code. Throws UnknownName, and std::runtime_error when

@@ -22,7 +22,8 @@ using json = nlohmann::ordered_json;
 
 constexpr std::array<std::string_view, 3> kSections = {"sys", "webui", "msgbus"};
 
-/// Takes a path apart, step by step, following the values that it leads through.
+/// Splits a path into steps. It follows the values in the document, because these decide where a
+/// name with dots ends.
 class PathParser {
   public:
     PathParser(const std::string& newText, const json& document)
@@ -99,7 +100,7 @@ class PathParser {
     KeyPath path;
 };
 
-/// The section that knows the call that @p path begins with.
+/// The section, sys or webui, that has the call with which @p path begins.
 std::string SectionOf(const KeyPath& path, const json& document) {
     const std::string& call = std::get<std::string>(path.front());
     std::vector<std::string> known;
@@ -155,12 +156,12 @@ void MustBeKnown(const json& document, const KeyPath& path) {
     try {
         CompileDevice(probe);
     } catch (const UnknownName& error) {
-        // Only the probe is unknown: the name before it is a right one.
+        // With a longer path, only the probe itself is unknown, and the name before it is right.
         if (error.Path().size() <= path.size()) {
             throw;
         }
     } catch (const ValueError&) {
-        // The name is right: the reader only expects another value there.
+        // The name is right; the reader only expects another value than the probe.
         return;
     }
 }

@@ -45,7 +45,7 @@ std::string OnLines(const json& value, std::size_t level) {
     return value.is_object() ? "{" + text + "}" : "[" + text + "]";
 }
 
-/// Whether both are objects and @p after has all members of @p before, of which there are some.
+/// Whether both are objects, @p before is not empty, and @p after has all of its members.
 bool OnlyGrows(const json& before, const json& after) {
     return before.is_object() && after.is_object() && !before.empty() &&
            std::all_of(before.items().begin(), before.items().end(),
@@ -81,7 +81,7 @@ void Patch(std::string& text, KeyPath& path, const json& before, const json& aft
 
 std::string Formatted(const json& value, std::size_t level, std::size_t column) {
     const std::string line = OnOneLine(value);
-    // A comma may follow.
+    // Leaves room for a comma that may follow.
     const bool fits = column + line.size() < kWidth;
     return !value.is_structured() || value.empty() || fits ? line : OnLines(value, level);
 }

@@ -15,10 +15,12 @@ bool SameLetter(char left, char right) {
            std::tolower(static_cast<unsigned char>(right));
 }
 
-/// How many letters are to be added, removed, exchanged, or swapped with their neighbours.
+/// The smallest number of letters to add, remove, replace or swap with a neighbour that turns one
+/// text into the other.
 std::size_t Distance(const std::string& left, const std::string& right) {
-    // Distances of the first letters of left to each beginning of right: of as many as have been
-    // seen, of one and of two fewer.
+    // Each row has the distances between one prefix of left and every prefix of right. The prefix
+    // of left has as many letters as have been seen (row), one fewer (last), or two fewer
+    // (lastButOne).
     std::vector<std::size_t> row(right.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
     std::vector<std::size_t> last;
@@ -42,8 +44,8 @@ std::size_t Distance(const std::string& left, const std::string& right) {
 }  // namespace
 
 std::string NearestName(const std::string& name, const std::vector<std::string>& known) {
-    // A text that is far longer than all names is not a misspelt one, and would take long to
-    // compare.
+    // A text that is far longer than every name is not a misspelt name, and comparing it would take
+    // long.
     constexpr std::size_t kLongestName = 256;
     std::string nearest;
     std::size_t fewest = 0;

@@ -1,4 +1,4 @@
-// Finds the name that somebody may have meant who has misspelt one.
+// Finds the known name that a misspelt name may stand for.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace binding {
 
-/// The name of @p known that is closest to @p name: the fewest letters are added, removed or
-/// exchanged, or swapped with their neighbours, upper and lower case being the same. Empty when
-/// even the closest one takes as many changes as half of its length.
+/// The name of @p known that is closest to @p name: the one that takes the fewest letters to add,
+/// remove, replace or swap with a neighbour, without regard to case. Empty when even the closest
+/// one takes as many changes as half of its length.
 std::string NearestName(const std::string& name, const std::vector<std::string>& known);
 
 /// "; did you mean NAME?" for the name @p name; an empty text for an empty one.
 std::string Suggestion(const std::string& name);
 
-/// The text of @p error, with the path of the closest right name.
+/// The text of @p error with the path of the closest known name added.
 std::string WithSuggestion(const UnknownName& error);
 
 }  // namespace binding

@@ -49,7 +49,7 @@ constexpr std::array<NotificationType, 24> kTypes = {{
     {"gpioPin2StateChangeToHigh", "gpio", "info", "gpio_pin2", "gpio_message"},
 }};
 
-/// The usual fields of a type; empty for an unknown type.
+/// The default fields of a type; empty for an unknown type.
 NotificationFields Usual(const std::string& type) {
     const auto* const found =
         std::find_if(kTypes.begin(), kTypes.end(),

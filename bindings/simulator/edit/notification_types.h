@@ -1,4 +1,4 @@
-// The types of notification that the device has.
+// The types of notification that the simulator knows.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,7 @@ namespace binding {
 /// The names of all known types.
 std::vector<std::string> NotificationTypeNames();
 
-/// The fields in which a notification differs from the usual one of its type.
+/// The fields in which a notification differs from the defaults of its type.
 struct NotificationFields {
     std::optional<std::string> category;
     std::shared_ptr<const nlohmann::ordered_json> severity;  ///< a name, or a number

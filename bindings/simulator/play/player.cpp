@@ -35,7 +35,7 @@ class Player {
         if (!WaitFor(scenario.duration)) {
             return false;
         }
-        // When the whole process was paused, what it missed is not made up for.
+        // If the whole process was paused, the rounds that it missed are skipped.
         begin = std::max(begin + ClockTime(scenario.duration), clock.Now());
         return true;
     }

@@ -15,7 +15,7 @@ class Clock {
 
     virtual ~Clock() = default;
 
-    /// Time since some moment of the past.
+    /// Time since some fixed moment in the past.
     virtual Time Now() = 0;
 
     /// Waits until @p time, which may have passed. Returns false at once when the player is to
@@ -23,24 +23,24 @@ class Clock {
     virtual bool WaitUntil(Time time) = 0;
 };
 
-/// Receives reports of what happens. Times are those of the scenario.
+/// Receives reports of what happens. Times count from the beginning of the scenario.
 class Audience {
   public:
     virtual ~Audience() = default;
 
     virtual void Happens(Milliseconds time, const std::string& what) = 0;
-    /// About once a second of the clock.
+    /// Called about once per second of the clock.
     virtual void TimePasses(Milliseconds time, Milliseconds duration) = 0;
     virtual void GoesWrong(const std::string& what) = 0;
 };
 
 struct Pace {
-    double speed = 1;  ///< seconds of the scenario in one of the clock, more than 0
+    double speed = 1;  ///< seconds of the scenario per second of the clock; more than 0
     bool loops = false;
 };
 
-/// Plays @p scenario on the document at @p path: one replacement for each of its instants. An error
-/// on the way, such as a document that somebody has just damaged, is reported once, and the
+/// Plays @p scenario on the document at @p path: the document is replaced once for each instant. An
+/// error on the way, such as a document that somebody has just damaged, is reported once, and the
 /// scenario goes on. Returns whether there was no error; being stopped by the clock is not one.
 bool Play(const Scenario& scenario, const std::string& path, const Pace& pace, Clock& clock,
           Audience& audience);

@@ -104,7 +104,7 @@ class ScenarioReader {
     void ReadEvent(const Node& event) {
         Members members(event);
         const Times times = ReadTimes(event, members);
-        // An event without changes still needs its instant, for what it says.
+        // An event without changes still needs an instant, which holds its text.
         Instant& instant = scenario.instants[times.begin];
         const auto say = members.Find("say");
         if (!say) {
@@ -363,13 +363,13 @@ class ScenarioReader {
         }
     }
 
-    /// Where @p node stands, for people.
+    /// Where @p node is in the file, as told to people.
     std::string PlaceOf(const Node& node) const {
         const auto place = FindValue(text, node.Path());
         return file + ":" + std::to_string(place ? place->line : 1) + ": " + PathText(node.Path());
     }
 
-    // cppcheck-suppress constParameter ; it does not see the step being added
+    // cppcheck-suppress constParameter ; cppcheck does not see that the step is added
     void Add(Instant& instant, const Node& node, std::function<void(json&)> apply) {
         AddStep(instant, node, {.where = PlaceOf(node), .apply = std::move(apply)});
     }
@@ -418,7 +418,7 @@ bool Holds(const Change& change, const json& document) {
                        });
 }
 
-/// Refuses a condition that can never hold, because the device cannot have the value.
+/// Throws if the condition can never hold, because the device cannot have the value.
 void MustBePossible(const Requirement& requirement, json document) {
     RunWithPlace(requirement.where, [&] {
         SetValue(document, ResolvePath(requirement.path, document), *requirement.value);

@@ -1,4 +1,4 @@
-// Scenarios: what happens to a device in the course of time.
+// Scenarios: what happens to a device as time passes.
 #pragma once
 
 #include <chrono>
@@ -36,7 +36,7 @@ struct Change {
 
 /// All that happens at one time.
 struct Instant {
-    std::vector<std::string> said;  ///< what the events that begin say, for people
+    std::vector<std::string> said;  ///< texts of the events that begin, for people
     std::vector<Change> changes;
 
     /// Makes all changes whose conditions hold. Throws std::runtime_error that says which one

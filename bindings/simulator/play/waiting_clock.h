@@ -8,7 +8,7 @@
 namespace binding {
 
 /// Runs in real time and stops the player at SIGINT, SIGTERM or SIGHUP. It blocks these signals
-/// except while it waits, so that they interrupt no change. For processes with one thread only.
+/// except while it waits, so that no change is interrupted. For processes with one thread only.
 class WaitingClock : public Clock {
   public:
     WaitingClock();

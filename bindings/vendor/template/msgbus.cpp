@@ -6,13 +6,13 @@
 // What a client of your bus remembers, such as its connection.
 struct MsgbusHandler::State {};
 
-// Keep the callback if your bus tells of changes; it is null for the service, which only reads.
+// Keep the callback if your bus reports changes; it is null for the service, which only reads.
 MsgbusHandler::MsgbusHandler(MsgbusCallbackInterface* /*callback*/)
     : state(std::make_unique<State>()) {}
 
 MsgbusHandler::~MsgbusHandler() = default;
 
-// Connect to the bus. GetData fails for a client that has not.
+// Connect to the bus. GetData fails for a client that has not connected.
 int MsgbusHandler::Initialize() {
     return kNotSupported;
 }

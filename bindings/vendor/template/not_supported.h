@@ -1,9 +1,9 @@
-// What a call answers that this device does not support, or that nobody has written yet.
+// The code that a call returns if this device does not support it, or if nobody has written it yet.
 //
-// A call that fails must leave its result alone. So collect what a record needs in one of your own
-// that begins as zeros, and copy it to the caller when all is known.
+// A call that fails must leave its result alone. So fill a zero-initialised record of your own, and
+// copy it to the caller once it is complete.
 #pragma once
 
-/// A code of this binding's own: the platform's headers use none that is like it. The service logs
-/// it, and leaves out of its answers what it would have learned.
+/// A code of this binding; the platform's headers do not use it. The service logs it, and leaves
+/// out of its answers what the call would have told.
 constexpr int kNotSupported = 9900;

@@ -12,16 +12,16 @@ int sys_sdkShutdown() {
     return SYS_SUCCESS;
 }
 
-// Whether the carrier's settings of the device allow the web UI. Where this fails, every request is
+// Whether the carrier's settings of the device allow the web UI. If this fails, every request is
 // answered with "WebUI feature disabled".
 int sys_getWebUICarrierEnabled(int* enabled) {
     *enabled = 1;
     return SYS_SUCCESS;
 }
 
-// The same for file sharing. Where this or one of the next switches fails, it counts as off: the
-// service asks for nothing that it would enable, and the log has no line about it. Switches are
-// read once per process.
+// The same for file sharing. If this or one of the next switches fails, it counts as off: the
+// service makes no call that the switch would enable, and logs nothing about the failure. Switches
+// are read once per process.
 int sys_getSambaCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
@@ -46,7 +46,7 @@ int sys_getWiFiGuestCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Whether the network's protocol configuration options say how the account stands.
+// Whether the network reports the state of the account in its protocol configuration options.
 int sys_getPCOCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
@@ -71,27 +71,27 @@ int sys_getWDCPCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Whether the Halyard agent does.
+// Whether the Halyard agent restricts the web UI.
 int sys_getHalyardAgentCarrierEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Look the field up in what the carrier hides.
+// Look up whether the carrier hides the field.
 int sys_getUIFieldShowEnabled(const char* /*field*/, int* /*show*/) {
     return kNotSupported;
 }
 
-// Look the field up in what the carrier locks.
+// Look up whether the carrier locks the field.
 int sys_getUIFieldLockEnabled(const char* /*field*/, int* /*locked*/) {
     return kNotSupported;
 }
 
-// Look the application up in what the carrier hides.
+// Look up whether the carrier hides the application.
 int sys_getUIAppDisplayEnabled(const char* /*app*/, int* /*display*/) {
     return kNotSupported;
 }
 
-// Look the application up in what the carrier locks.
+// Look up whether the carrier locks the application.
 int sys_getUIAppWriteEnabled(const char* /*app*/, int* /*write*/) {
     return kNotSupported;
 }

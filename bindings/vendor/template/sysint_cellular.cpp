@@ -2,7 +2,7 @@
 #include "not_supported.h"
 #include "platform/sysint.h"
 
-// Ask the modem service to start the data call; do not wait until it stands.
+// Ask the modem service to start the data call; do not wait until it is connected.
 int sys_cellularDataConnect(int /*reserved*/) {
     return kNotSupported;
 }
@@ -42,7 +42,7 @@ int sys_getCellularServiceStatus(int* /*status*/) {
     return kNotSupported;
 }
 
-// What the network says of the account, as a sys_account_status_e; 0 without a limit.
+// What the network says about the account, as a sys_account_status_e; 0 without a limit.
 int sys_getCellularDataAccountStatus(int* /*status*/) {
     return kNotSupported;
 }
@@ -72,7 +72,7 @@ int sys_getCellular5GBand(int* /*band*/, int* /*second*/) {
     return kNotSupported;
 }
 
-// Whether NR stands alone or beside LTE.
+// Whether NR is used alone or together with LTE.
 int sys_getCellular5GMode(sys_wan_5g_mode_e* /*mode*/) {
     return kNotSupported;
 }

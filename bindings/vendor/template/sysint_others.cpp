@@ -1,6 +1,6 @@
-// System-interface SDK: queries that no other file here answers. They are made from the platform's
-// own list, so that your folder still links when platform/ gets a query that it does not have.
-// Because they are weak, the linker prefers a function of the same name in another file.
+// System-interface SDK: queries that no other file here answers. They are generated from the
+// platform's own list, so that your folder still links after platform/ has got a new query. Because
+// they are weak, the linker prefers a function of the same name in another file.
 #include "not_supported.h"
 #include "platform/sysint_queries.h"
 

@@ -2,7 +2,7 @@
 #include "not_supported.h"
 #include "platform/sysint.h"
 
-// Seconds between two signs of life that your watchdog expects.
+// Seconds between two keep-alive messages that your watchdog expects.
 int sys_getWatchdogInterval(int* /*interval*/) {
     return kNotSupported;
 }
@@ -12,12 +12,12 @@ int sys_getEthernetEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Whether a cable is in it: /sys/class/net/eth0/carrier.
+// Whether a cable is plugged in: /sys/class/net/eth0/carrier.
 int sys_getEthernetLinkStatus(int* /*status*/) {
     return kNotSupported;
 }
 
-// State of the firmware update, as its installer counts; published as it is.
+// State of the firmware update, a number that its installer defines; published unchanged.
 int sys_getFotaInstallStatus(int* /*status*/) {
     return kNotSupported;
 }
@@ -27,7 +27,7 @@ int sys_getGPSStatus(int* /*status*/) {
     return kNotSupported;
 }
 
-// Number of messages that nobody has read, from your message store.
+// Number of unread messages, from your message store.
 int sys_getSMSUnreadCount(int* /*count*/) {
     return kNotSupported;
 }
@@ -52,13 +52,14 @@ int sys_getSambaEnabled(int* /*enabled*/) {
     return kNotSupported;
 }
 
-// Whether files of the card are in use; published as it is.
+// Whether files of the card are in use; published unchanged.
 int sys_getSambaShareInfo(sys_samba_share_info_t* /*info*/) {
     return kNotSupported;
 }
 
-// One record for each client device; see the declaration for how the size is asked for. With a
-// buffer for fewer than there are, set the count and return SYS_ERROR_BUFFER_NEEDED, too.
+// One record for each client device; see the declaration for how the size is asked for. If the
+// buffer has room for fewer records than there are, set the count and return
+// SYS_ERROR_BUFFER_NEEDED, too.
 int sys_getConnectedDeviceList(sys_connected_device_t* /*devices*/, unsigned int* /*count*/) {
     return kNotSupported;
 }

@@ -4,7 +4,7 @@
 #include "not_supported.h"
 
 // Switches of the web UI that hold for the whole device; see the declaration for how the size is
-// asked for. No feature changes an answer of the service; the list may be empty.
+// asked for. No answer of the service depends on a feature, so the list may be empty.
 int webui_get_common_features(webui_feature_t* /*buffer*/, int* /*count*/) {
     return kNotSupported;
 }
@@ -37,13 +37,13 @@ int webui_get_external_uri_data(const char* /*uriId*/, webui_external_uri_data_t
     return kNotSupported;
 }
 
-// Language that the user has chosen, such as "en_US", which it also is when this fails. Texts are
+// Language that the user has chosen, such as "en_US", which is also used when this fails. Texts are
 // translated only where the machine has a locale of this name; else pages show message ids.
 int webui_get_i18n_settings(webui_i18n_settings_t* /*settings*/) {
     return kNotSupported;
 }
 
-// State of the software update, as your update agent counts.
+// State of the software update, as your update agent defines it.
 int webui_get_software_update_status(webui_software_update_status_t* /*status*/) {
     return kNotSupported;
 }
@@ -53,7 +53,7 @@ int webui_get_software_installation_duration(int* /*duration*/) {
     return kNotSupported;
 }
 
-// What the carrier says about updates in that language; empty texts for nothing.
+// The carrier's texts about updates in that language; empty where there are none.
 int webui_get_software_update_custom_msgs(const char* /*language*/,
                                           SoftwareUpdateCustomMessages* /*messages*/) {
     return kNotSupported;

@@ -17,7 +17,7 @@ ON_WRONG = os.environ["KESTAL_CONFORMANCE_ON_WRONG"]
 SIM = os.environ["KESTAL_SIM"]
 CALLER = ["--address", "192.0.2.7", "--agent", "A browser"]
 
-# What is broken: the parts that are run, the call that is blamed, and why.
+# Each fault: the parts that are run, the call that the finding must name, and words of its reason.
 FAULTS = {
     "level-without-name": (["log"], "toru_dbg_get_level_name", "returns null"),
     "one-round-only": (["sysint"], "sys_sdkInitialize", "can be opened once only"),
@@ -106,7 +106,7 @@ def findings(done):
 
 @pytest.fixture(scope="module")
 def session(tmp_path_factory):
-    """The arguments with which a live session is given, and where the simulator finds it."""
+    """The arguments that pass a live session, and the environment in which the simulator finds it."""
     store = {"KESTAL_SESSIONS": str(tmp_path_factory.mktemp("sessions") / "store")}
     opened = run(SIM, "session", "open", "--address", CALLER[1], "--user-agent", CALLER[3], **store)
     assert opened.returncode == 0, opened.stderr
@@ -140,8 +140,8 @@ def test_what_is_left_out_is_called_when_asked_for(tmp_path):
 
 
 def test_calls_that_are_not_scripted_fail_properly():
-    """The recording binding fails them all and writes nothing. Its threads do not run and its
-    responses are bodies alone, so that these parts are left out."""
+    """The recording binding fails all of these calls and writes nothing. The other parts are left out, because its
+    threads do not run and its responses have no header."""
     parts = ["sysint", "webui", "msgbus", "session", "threads", "signals"]
     done = run(ON_RECORDING, *[word for part in parts for word in ("--only", part)])
     assert (done.returncode, findings(done)) == (0, []), done.stdout
@@ -159,7 +159,7 @@ def test_the_template_that_supports_nothing_keeps_its_promises(session):
 @pytest.mark.parametrize("program", [ON_REPLACED, ON_ALONE])
 def test_every_piece_of_the_template_can_be_replaced(program):
     done = run(program)
-    # What answers "not supported" is right to, but for these.
+    # A call may answer "not supported", with the exception of these two.
     assert {line.split(": ")[0] for line in findings(done)} == {
         "FAIL GetIPAddressFamily",
         "FAIL LanguageSupport::SetTextDomainProperties",

@@ -1,14 +1,14 @@
-// Stands between kestal-conformance and the simulator, by the linker's --wrap, and breaks the
-// promise that the environment variable KESTAL_FAULT names.
+// Functions that the linker puts between kestal-conformance and the simulator (--wrap). They break
+// the promise that the environment variable KESTAL_FAULT names.
 #pragma once
 
 #include <cstdlib>
 #include <string_view>
 
-/// What kestal-conformance calls by the name @p symbol.
+/// The function that kestal-conformance calls by the name @p symbol.
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage): names of the linker are literals
 #define WRAPPED(symbol) asm("__wrap_" symbol)
-/// What the simulator has by the name @p symbol.
+/// The simulator's own function of the name @p symbol.
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage): names of the linker are literals
 #define REAL(symbol) asm("__real_" symbol)
 

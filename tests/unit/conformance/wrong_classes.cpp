@@ -137,7 +137,7 @@ CgiHelper* WrongGetInstance() WRAPPED(GET_INSTANCE);
 CgiHelper* WrongGetInstance() {
     static int made = 0;
     CgiHelper* const helper = RealGetInstance();
-    // Only looked at, never used.
+    // The pointer is only compared, never dereferenced.
     return Has("two-writers") && ++made > 1 ? std::next(helper) : helper;
 }
 

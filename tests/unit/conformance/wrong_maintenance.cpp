@@ -1,4 +1,5 @@
-// Faults of the maintenance thread: a thread of its own that does wrong what it is told to.
+// Faults of the maintenance thread. A separate thread behaves wrongly in the way that the fault
+// asks for.
 #include <pthread.h>
 
 #include <chrono>
@@ -15,7 +16,7 @@ namespace {
 MaintenanceThreadCallbackInterface* gCallback = nullptr;
 std::jthread gThread;
 
-/// Calls back at once and without end, or at the right time with a mask of its own.
+/// Calls back without any pause, or at the right time with a signal mask of its own.
 void CallBack(const std::stop_token& stop) {
     sigset_t none{};
     (void)sigemptyset(&none);
@@ -52,7 +53,7 @@ int WrongRun(MaintenanceThread* self) {
         return 0;
     }
     if (Has("no-interval") || Has("mask-not-inherited")) {
-        // The second run is one of which no callback is expected.
+        // No callback is expected of the second run.
         if (++runs == 1) {
             gThread = std::jthread(CallBack);
         }
@@ -66,7 +67,7 @@ int RealShutdown(MaintenanceThread* self) REAL(SHUTDOWN);
 int WrongShutdown(MaintenanceThread* self) WRAPPED(SHUTDOWN);
 int WrongShutdown(MaintenanceThread* self) {
     static int ends = 0;
-    // The first end is that of a thread that does not run, the second is in a callback.
+    // The first Shutdown finds no running thread; the second comes during a callback.
     if (Has("end-not-waited-for") && ++ends == 2) {
         return 0;
     }

@@ -134,7 +134,7 @@ int WrongServiceStatus(int* status) {
     if (!Has("not-for-threads")) {
         return RealServiceStatus(status);
     }
-    // Stays until another thread comes in, so that two are in here together.
+    // Waits until another thread has entered, so that two threads are in here at the same time.
     const int before = meetings;
     bool met = ++inside > 1;
     meetings += met ? 1 : 0;

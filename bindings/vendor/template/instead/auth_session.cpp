@@ -10,8 +10,8 @@ AuthSession::AuthSession() : state(std::make_unique<State>()) {}
 
 AuthSession::~AuthSession() = default;
 
-// Ask your login service for the session of this caller. Refuse it to any other address or user
-// agent, and do not take the question for a sign of life of the user: pages ask without end.
+// Ask your login service for the session of this caller. Refuse a caller with another address or
+// user agent. Do not treat the call as activity of the user: pages ask all the time.
 int AuthSession::Init(const std::string& /*sessionId*/, webui_addr_t /*address*/,
                       const std::string& /*userAgent*/, int /*mode*/) {
     return kNotSupported;

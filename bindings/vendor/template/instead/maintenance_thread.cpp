@@ -9,7 +9,7 @@ bool MaintenanceThreadCallbackInterface::OnThreadNotify(unsigned int /*event*/) 
 
 MaintenanceThreadCallbackInterface::~MaintenanceThreadCallbackInterface() = default;
 
-// The thread, and what it is told by to end.
+// The thread, and the means of telling it to end.
 struct MaintenanceThread::State {};
 
 MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCallback,
@@ -19,7 +19,7 @@ MaintenanceThread::MaintenanceThread(MaintenanceThreadCallbackInterface* newCall
 // Shut the thread down.
 MaintenanceThread::~MaintenanceThread() = default;
 
-// Make what the thread needs. Without a callback, there is nothing to do.
+// Prepare what the thread needs. Without a callback, the thread has nothing to do.
 int MaintenanceThread::Initialize() {
     return callback == nullptr ? 0 : kNotSupported;
 }
@@ -29,7 +29,8 @@ int MaintenanceThread::Run() {
     return kNotSupported;
 }
 
-// Stop the thread without waiting for its interval, but for a callback that is being made.
+// Stop the thread. Do not wait for the end of its interval, but wait for a callback that is
+// running.
 int MaintenanceThread::Shutdown() {
     return 0;
 }

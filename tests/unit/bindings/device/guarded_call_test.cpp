@@ -1,4 +1,4 @@
-// No exception of a binding reaches its callers, which are C functions.
+// No exception leaves a call of a binding, because its callers are C functions.
 #include <new>
 #include <stdexcept>
 

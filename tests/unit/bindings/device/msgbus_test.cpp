@@ -25,7 +25,7 @@ class Msgbus : public SimulatedDevice {
         Document("{\"msgbus\": {\"" + name + "\": " + value + "}}");
     }
 
-    /// What a client that first asks for the size gets.
+    /// The block that a client gets that asks for the size first.
     std::vector<std::byte> Block(const std::string& channel = kNotifications) {
         unsigned int size = 0;
         EXPECT_EQ(bus.GetData(channel, nullptr, size), MSGBUS_BUFFER_NEEDED);
@@ -35,7 +35,7 @@ class Msgbus : public SimulatedDevice {
         return block;
     }
 
-    /// Without a buffer and with one, @p code is all that the caller gets.
+    /// Expects that the call fails with @p code and writes nothing, with a buffer and without one.
     void ExpectFailure(const std::string& channel, int code) {
         unsigned int size = kUntouched;
         EXPECT_EQ(bus.GetData(channel, nullptr, size), code);

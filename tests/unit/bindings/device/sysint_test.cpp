@@ -21,7 +21,7 @@ class Sysint : public SimulatedDevice {
         Document("{\"sys\": {\"" + name + "\": " + value + "}}");
     }
 
-    /// A call that fails leaves the caller's record alone.
+    /// Expects that the call fails with @p code and leaves the caller's record alone.
     template <typename T>
     static void ExpectFailure(int (*call)(T*), int code, const char* name) {
         std::array<std::byte, sizeof(T)> preset{};

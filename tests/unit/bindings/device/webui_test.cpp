@@ -18,7 +18,7 @@ class Webui : public SimulatedDevice {
         Document("{\"webui\": {\"" + name + "\": " + value + "}}");
     }
 
-    /// The list protocol as its callers use it, for a list of the records "A" and "B".
+    /// Goes through the list protocol as callers use it, for a list of the records "A" and "B".
     template <typename Record, typename Call>
     static void ExpectTwoRecords(Call call) {
         int count = 0;
@@ -37,7 +37,7 @@ class Webui : public SimulatedDevice {
         EXPECT_STREQ(records[2].name, "");
     }
 
-    /// A list call that answers @p code at once and sets the count to @p expected.
+    /// Expects that a list call returns @p code at once and sets the count to @p expected.
     template <typename Record, typename Call>
     static void ExpectAtOnce(Call call, int code, int expected) {
         int count = 9;

@@ -1,4 +1,4 @@
-// What the document says of the cellular connection and the SIMs.
+// What the document may say about the cellular connection and the SIMs.
 #include <gtest/gtest.h>
 
 #include <cstdint>

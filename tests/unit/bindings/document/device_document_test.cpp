@@ -1,4 +1,4 @@
-// What the device document may hold, and what is said about everything else.
+// What the device document may hold, and the error messages for everything else.
 #include <gtest/gtest.h>
 
 #include <fstream>

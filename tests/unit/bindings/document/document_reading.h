@@ -10,7 +10,7 @@ inline binding::Device Read(const std::string& text) {
     return binding::ReadDevice("device.json", text);
 }
 
-/// What is said about a document; empty when it is right.
+/// The error message for a document; empty when the document is right.
 inline std::string Complaint(const std::string& text) {
     try {
         Read(text);
@@ -20,7 +20,7 @@ inline std::string Complaint(const std::string& text) {
     }
 }
 
-/// What is said about the value @p text of the entry @p name of "sys", which stands in line 3.
+/// The error message for the value @p text of the entry @p name of "sys", which is in line 3.
 inline std::string SysComplaint(const std::string& name, const std::string& text) {
     return Complaint("{\n\"sys\": {\n\"" + name + "\": " + text + "\n}\n}");
 }

@@ -1,4 +1,4 @@
-// Where translations are looked for.
+// The directory in which translations are searched.
 #include "platform/language_support.h"
 
 #include <libintl.h>

@@ -27,7 +27,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using testing::ElementsAre;
 
-/// Time passes when the test says so.
+/// A clock on which time passes only when the test says so.
 class PlayedClock : public binding::MaintenanceClock {
   public:
     void Wait(milliseconds interval, const std::stop_token& stop) override {
@@ -45,7 +45,7 @@ class PlayedClock : public binding::MaintenanceClock {
         changed.notify_all();
     }
 
-    /// What has been waited for, ended or not.
+    /// The intervals of all waits, including those that have not ended.
     std::vector<milliseconds> Intervals() {
         const std::scoped_lock lock(mutex);
         return intervals;
@@ -80,7 +80,7 @@ class Callback : public MaintenanceThreadCallbackInterface {
         return calls;
     }
 
-    /// What else to do when called.
+    /// An additional action for the callback.
     std::function<void()> action;
 
   private:
@@ -89,7 +89,7 @@ class Callback : public MaintenanceThreadCallbackInterface {
     int calls = 0;
 };
 
-/// In a folder of its own, as the log needs it.
+/// Runs in a folder of its own, because the log needs one.
 class MaintenanceThreadTest : public SimulatedDevice {
   protected:
     MaintenanceThreadTest() { SetMaintenanceClock(clock); }

@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 
 class Watchdog : public SimulatedDevice {};
 
-/// The service manager's end; @p name as in NOTIFY_SOCKET.
+/// The service manager's end of the socket; @p name is the value of NOTIFY_SOCKET.
 class ServiceManager {
   public:
     explicit ServiceManager(const std::string& name)

@@ -1,4 +1,4 @@
-// The document is followed, and a damaged one never replaces a good one.
+// Changes of the document are noticed, and a damaged document never replaces a good one.
 #include "bindings/simulator/device_file.h"
 
 #include <fcntl.h>

@@ -101,7 +101,7 @@ TEST(ShippedDevices, EverythingFailsWithACodeOfItsOwnButTheSwitchOfTheWebUi) {
                  {device.sdkInitialize, device.cellularDataConnect, device.cellularDataDisconnect});
     EXPECT_EQ(std::count(codes.begin(), codes.end(), 0), 1);
     const std::set<int> different(codes.begin(), codes.end());
-    // Both guest profiles fail alike.
+    // Both guest profiles fail with the same code.
     EXPECT_EQ(different.size(), codes.size() - 1);
 }
 

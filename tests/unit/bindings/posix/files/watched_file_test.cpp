@@ -1,4 +1,4 @@
-// A file is trusted not to have changed only when the file system would have told.
+// A file counts as unchanged only if a change would certainly have given it another stamp.
 #include "bindings/posix/files/watched_file.h"
 
 #include "tests/support/scratch.h"

@@ -1,4 +1,5 @@
-// The debug log: one write per line, filtered by level, harmless whatever the message holds.
+// The debug log: it writes each line with one system call, filters by level, and makes every
+// message harmless.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
@@ -34,7 +35,7 @@ class DebugLog : public SimulatedDevice {
     }
 };
 
-/// Stands in for the standard error stream and keeps writes apart.
+/// Replaces the standard error stream, and keeps each write separate.
 class StandardError {
   public:
     StandardError() : original(dup(STDERR_FILENO)) {
@@ -52,7 +53,7 @@ class StandardError {
     StandardError(const StandardError&) = delete;
     StandardError& operator=(const StandardError&) = delete;
 
-    /// What each write so far has written.
+    /// The text of each write so far.
     std::vector<std::string> Writes() const {
         std::vector<std::string> writes;
         std::array<char, 8192> bytes{};
@@ -86,7 +87,7 @@ class StandardErrorPipe {
     StandardErrorPipe(const StandardErrorPipe&) = delete;
     StandardErrorPipe& operator=(const StandardErrorPipe&) = delete;
 
-    /// Writes as long as there is room.
+    /// Fills the pipe.
     static void Fill() {
         const std::string piece(4096, '-');
         pollfd state{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
@@ -95,7 +96,7 @@ class StandardErrorPipe {
         }
     }
 
-    /// What is in the pipe, which is empty afterwards.
+    /// Empties the pipe and returns what was in it.
     std::string Drain() const {
         std::string contents;
         std::array<char, 8192> bytes{};
@@ -299,7 +300,7 @@ TEST_F(DebugLog, FullDiskLosesTheLineOnly) {
     EXPECT_EQ(errno, 0);
 }
 
-/// A debug log in a file that is not allowed to grow as it wants.
+/// A debug log in a file whose size is limited.
 class DebugLogWithoutRoom : public DebugLog {
   protected:
     DebugLogWithoutRoom() : signalBefore(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -312,7 +313,7 @@ class DebugLogWithoutRoom : public DebugLog {
 
     static void Write(const char* text) { toru_dbg_log("M", TORU_DBG_ERROR, "%s", text); }
 
-    /// Lets the file grow by @p bytes only.
+    /// Lets the file grow by @p bytes at most.
     void Limit(std::size_t bytes) const {
         rlimit limit = before;
         limit.rlim_cur = static_cast<rlim_t>(std::filesystem::file_size(directory / "log")) + bytes;
@@ -366,7 +367,7 @@ TEST_F(DebugLog, KeepsTheErrorNumberOfItsCaller) {
     EXPECT_EQ(errno, ENOENT);
 }
 
-/// A debug log whose minutes pass as told.
+/// A debug log whose clock the test sets.
 class DebugLogOfAFaultThatStays : public DebugLog {
   protected:
     DebugLogOfAFaultThatStays() {

@@ -64,7 +64,7 @@ TEST_F(RepeatedLinesTest, AnyLineAfterTheMinuteTellsWhatWasHeldBack) {
     EXPECT_THAT(told, IsEmpty());
     lines.TellOverdue(At(61), Tell);
     EXPECT_THAT(told, ElementsAre("a 1 51"));
-    // That was a line of this minute.
+    // The line was reported less than a minute ago.
     EXPECT_EQ(Take("a", 69), 0U);
     EXPECT_EQ(Take("c", 95), 1U);
     EXPECT_THAT(told, ElementsAre("a 1 51", "b 1 64"));
@@ -119,7 +119,7 @@ TEST_F(RepeatedLinesTest, RemembersTheLatestLinesOnlyAndLosesNoNumber) {
     EXPECT_EQ(Take("first", 3), 0U);
     EXPECT_EQ(Take("one more", 4), 1U);
     EXPECT_EQ(Take("first", 5), 0U);
-    // The one that has not come for the longest time had to go.
+    // The line that came longest ago has been forgotten.
     EXPECT_EQ(Take("other 0", 6), 1U);
     for (int i = 0; i < 64; ++i) {
         EXPECT_EQ(Take("new " + std::to_string(i), 7), 1U);

@@ -1,4 +1,5 @@
-// Lines for the system log: whole, with their priority, and lost rather than waited for.
+// Lines for the system log are sent whole and with their priority; the service loses a line rather
+// than wait long for the log.
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -20,7 +21,7 @@ namespace {
 
 using ::testing::EndsWith;
 
-/// The system log's end.
+/// The receiving end of the system log.
 class Receiver {
   public:
     explicit Receiver(const std::string& path)
@@ -42,7 +43,7 @@ class Receiver {
         return size < 0 ? "" : std::string(bytes.data(), static_cast<std::size_t>(size));
     }
 
-    /// Takes all lines that there are.
+    /// Reads all lines that are waiting.
     void Drain() const {
         while (!Next().empty()) {
         }
@@ -75,7 +76,7 @@ class SystemLog : public SimulatedDevice {
 
     static std::string Head() { return "<138>kestal.cgi[" + std::to_string(getpid()) + "]: "; }
 
-    /// Leaves no room for another line.
+    /// Fills the socket, so that there is no room for another line.
     void Fill() const {
         while (binding::SendDatagram(path, "filler") == 0) {
         }
@@ -137,7 +138,7 @@ TEST_F(SystemLog, ThatHangsLosesLinesAndIsToldHowMany) {
 TEST_F(SystemLog, ThatIsSlowIsWaitedFor) {
     const Receiver log(path);
     bool isTaken = false;
-    // On a busy machine, the reader may be too late.
+    // Several attempts, because on a busy machine the reader may be too late.
     for (int round = 0; round < 1000 && !isTaken; ++round) {
         log.Drain();
         Fill();

@@ -31,7 +31,7 @@ class AuthSessions : public SimulatedDevice {
   protected:
     AuthSessions() : store(device.string() + ".sessions") {}
 
-    /// A store with one session, renewed @p age seconds ago, idle time @p idle.
+    /// Writes a store with one session, renewed @p age seconds ago, with the idle time @p idle.
     void Store(const std::string& id, std::int64_t age = 0, std::int64_t idle = 60,
                const std::string& address = "192.168.1.2") const {
         const std::string renewed = std::to_string(binding::Now() - age);

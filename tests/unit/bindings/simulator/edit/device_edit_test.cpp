@@ -28,7 +28,7 @@ const KeyPath kStatus = {"sys", "getSIMStatus"};
 const KeyPath kPercent = {"sys", "getBatteryStatus", "chargePercent"};
 const KeyPath kBattery = {"sys", "getBatteryStatus"};
 
-/// What @p action throws.
+/// The message of the exception that @p action throws.
 template <typename Action>
 std::string Refusal(Action action) {
     try {
@@ -39,7 +39,7 @@ std::string Refusal(Action action) {
     }
 }
 
-/// A document after @p change; it is a good one.
+/// The document after @p change. Checks that the reader accepts it.
 template <typename Change>
 std::string After(const std::string& before, Change change) {
     json document = json::parse(before);
@@ -148,7 +148,7 @@ TEST(FailCall, AnotherCodeKeepsTheSame) {
 }
 
 TEST(HealCall, RestoresEveryKindOfCall) {
-    // Whatever the document is, what fails and is healed is as before.
+    // Whatever the document holds, a call that fails and is healed answers as before.
     for (const auto& each : std::vector<std::pair<KeyPath, std::string>>{
              {kStatus, "7"},
              {kStatus, R"({"error":3})"},

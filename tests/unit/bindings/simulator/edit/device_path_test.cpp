@@ -25,7 +25,7 @@ const json& Document() {
     return kDocument;
 }
 
-/// What is said about a path.
+/// The error message for a path.
 std::string Complaint(const std::string& text) {
     try {
         binding::MustBeKnown(Document(), ResolvePath(text, Document()));

@@ -1,4 +1,4 @@
-// Which file a name means.
+// Which file is found for a name.
 #include "bindings/simulator/edit/installed_file.h"
 
 #include <stdexcept>

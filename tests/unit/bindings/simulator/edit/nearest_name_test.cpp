@@ -1,4 +1,4 @@
-// What is suggested for a wrong name.
+// The name that is suggested for a wrong name.
 #include "bindings/simulator/edit/nearest_name.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What a notification of each type is like.
+// The fields of a notification of each type.
 #include "bindings/simulator/edit/notification_types.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Scenarios are played by a clock; this one knows no waiting.
+// Playing scenarios by a fake clock, which never waits.
 #include "bindings/simulator/play/player.h"
 
 #include <functional>
@@ -16,7 +16,7 @@ using binding::Scenario;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Time passes when somebody waits for it.
+/// A clock on which time passes only when somebody waits.
 class FakeClock : public binding::Clock {
   public:
     Time Now() override { return now; }
@@ -39,7 +39,7 @@ class FakeClock : public binding::Clock {
     std::function<void()> onWait;
 };
 
-/// Notes what is told and when by the clock, in milliseconds.
+/// Records each report together with the time of the clock, in milliseconds.
 class Notebook : public binding::Audience {
   public:
     explicit Notebook(FakeClock& newClock) : clock(newClock), begin(newClock.now) {}

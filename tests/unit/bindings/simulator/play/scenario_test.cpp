@@ -1,4 +1,5 @@
-// What a scenario may say, when what it says happens, and what is said about everything else.
+// What a scenario may contain, when each change happens, and the error messages for everything
+// else.
 #include "bindings/simulator/play/scenario.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +21,7 @@ Scenario Events(const std::string& events) {
     return ReadScenario("a.json", "{\"events\": [\n" + events + "\n]}");
 }
 
-/// Times in milliseconds, and the document of each.
+/// The times of all instants, in milliseconds, and the document after each.
 std::vector<std::pair<std::int64_t, std::string>> Played(const Scenario& scenario,
                                                          const std::string& before = "{}") {
     json document = json::parse(before);
@@ -41,12 +42,12 @@ std::string Complaint(const std::string& text) {
     }
 }
 
-/// What is said about the only event, which stands in line 2.
+/// The error message for the only event, which is in line 2.
 std::string EventComplaint(const std::string& event) {
     return Complaint("{\"events\": [\n" + event + "\n]}");
 }
 
-/// What is said about the event on a device.
+/// The error message for the event when it is tried on a device.
 std::string Misfit(const std::string& event, const std::string& device = "{}") {
     try {
         MustBePlayable(Events(event), json::parse(device));
@@ -143,7 +144,7 @@ TEST(Scenario, RampsRestWhileTheDeviceIsNotAsTheyWant) {
     const std::string ready =
         R"({"sys":{"getSIMStatus":7,"getSMSUnreadCount":0},"webui":{"i18nSettings":{"language":"en_US"}}})";
     EXPECT_EQ(count("", ready), 5);
-    // A step that is left out is not made up for.
+    // A step that was left out is not made later.
     EXPECT_EQ(count(R"(, {"at": 1.5, "say": "b", "set": {"sys.getSIMStatus": 6}},
                          {"at": 3.5, "say": "c", "set": {"sys.getSIMStatus": 7}})",
                     ready),
@@ -151,7 +152,7 @@ TEST(Scenario, RampsRestWhileTheDeviceIsNotAsTheyWant) {
     EXPECT_EQ(count(R"(, {"at": 2.5, "say": "b", "set": {"webui.i18nSettings.language": "de_DE"}})",
                     ready),
               2);
-    // Of a call that fails nothing is known.
+    // The condition does not hold while the call fails, because its value is not known.
     EXPECT_EQ(count(R"(, {"at": 1.5, "say": "b", "fail": {"sys.getSIMStatus": 5}},
                          {"at": 4.5, "say": "c", "heal": ["sys.getSIMStatus"]})",
                     ready),

@@ -32,7 +32,7 @@ json Device() {
     return json::parse(TextOf(KESTAL_SHIPPED_DEVICES "/default.json"));
 }
 
-/// The device after a scenario; every state on the way is good.
+/// The device after a scenario. Checks that the reader accepts every state in between.
 json Played(const std::string& name, json document) {
     const Scenario scenario = Shipped(name);
     for (const auto& [time, instant] : scenario.instants) {
@@ -80,7 +80,7 @@ TEST(ShippedScenarios, CountTrafficOnlyWhileDataCanFlow) {
             json& sys = document["sys"];
             const json before = sys["getCellularDataConnectionStats"];
             for (const auto& [time, instant] : Shipped(name).instants) {
-                // Somebody keeps it stopped, whatever the scenario sets.
+                // Keeps the value at 0, whatever the scenario sets.
                 sys[stopped] = 0;
                 instant.Apply(document);
             }

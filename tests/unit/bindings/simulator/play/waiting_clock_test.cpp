@@ -1,5 +1,5 @@
-// The real clock: it waits, unless it is told to end. Signals are sent before it waits, so that no
-// test depends on how fast it runs.
+// The real clock waits unless a signal tells it to stop. Signals are sent before it waits, so that
+// no test depends on how fast it runs.
 #include "bindings/simulator/play/waiting_clock.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace {
 
 using binding::WaitingClock;
 
-/// Runs @p test in a thread of its own, whose signals the clock blocks.
+/// Runs @p test in a thread of its own, because the clock blocks signals in its thread.
 template <typename Test>
 void InThread(Test test) {
     std::thread(test).join();
