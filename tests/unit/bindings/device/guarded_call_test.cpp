@@ -28,7 +28,7 @@ TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
                                    "[BINDING]:[ERROR] - out of order [1 times, last 0 s ago]"));
 }
 
-TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsOneToo) {
+TEST_F(GuardedCall, ExceptionWhileReadingTheDeviceIsACodeToo) {
     Document("{}");
     EXPECT_EQ(binding::WithDevice(
                   0, [](const binding::Device& /*device*/) -> int { throw std::bad_alloc(); }),

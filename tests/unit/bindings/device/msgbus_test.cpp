@@ -84,7 +84,7 @@ TEST_F(Msgbus, SeveritiesHaveNames) {
     EXPECT_EQ(Block(), NotificationList(records));
 }
 
-TEST_F(Msgbus, RecordsStandWhereOtherReadersLookForThem) {
+TEST_F(Msgbus, RecordsHaveThePublishedLayout) {
     Channel(R"([{"id": "a"}, {"id": "b", "severity": 258}])");
     const std::vector<std::byte> block = Block();
     ASSERT_EQ(block.size(), 4U + 2U * 464U);
@@ -111,7 +111,7 @@ TEST_F(Msgbus, BufferThatIsTooSmallIsLeftAlone) {
     EXPECT_EQ(buffer, before);
 }
 
-TEST_F(Msgbus, SizeWithoutABufferIsNoRoom) {
+TEST_F(Msgbus, SizeIsIgnoredWithoutABuffer) {
     Channel("[{}]");
     unsigned int size = kUntouched;
     EXPECT_EQ(bus.GetData(kNotifications, nullptr, size), MSGBUS_BUFFER_NEEDED);

@@ -165,7 +165,7 @@ TEST_F(Sysint, SlotsComeWithTheirCount) {
     EXPECT_EQ(all.slots[1].simStatus, SYS_SIM_READY);
 }
 
-TEST_F(Sysint, GpioPinsHaveNamesEachForItself) {
+TEST_F(Sysint, EachGpioPinHasItsOwnNames) {
     Document(R"({"sys": {
         "getGpioPin1CustomSettings": {"name": "Door", "lowState": "Closed", "highState": "Open"},
         "getGpioPin2CustomSettings": {"highState": "On"}}})");
@@ -180,7 +180,7 @@ TEST_F(Sysint, GpioPinsHaveNamesEachForItself) {
     EXPECT_STREQ(settings.highState, "On");
 }
 
-TEST_F(Sysint, GuestProfilesAnswerEachForItself) {
+TEST_F(Sysint, EachGuestProfileHasItsOwnAnswer) {
     Entry("getWiFiGuestProfileEnabled", R"({"1": {"error": 5}, "2": 1})");
     int enabled = 9;
     EXPECT_EQ(sys_getWiFiGuestProfileEnabled(SYS_WIFI_GUEST_2_4_GHZ, &enabled), 5);

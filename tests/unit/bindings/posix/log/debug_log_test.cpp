@@ -152,7 +152,7 @@ TEST_F(DebugLog, LevelComesFromTheEnvironment) {
     EXPECT_THAT(Log(), ElementsAre("debug", "error"));
 }
 
-TEST_F(DebugLog, LevelThatIsNoneCountsAsFive) {
+TEST_F(DebugLog, InvalidLevelCountsAsFive) {
     for (const std::string level : {"", "x", "8", "-1", "5x", " 7", "99999999999"}) {
         Level(level);
         toru_dbg_log("M", TORU_DBG_NOTICE, "shown");

@@ -79,7 +79,7 @@ TEST_F(RepeatedLinesTest, ALineThatIsHeldBackTellsOthersToo) {
     EXPECT_THAT(told, ElementsAre("a 1 59"));
 }
 
-TEST_F(RepeatedLinesTest, AFaultThatComesBackGoesOutAtOnceThoughItsPastWasJustTold) {
+TEST_F(RepeatedLinesTest, AFaultThatComesBackIsLetThroughAtOnceEvenRightAfterAReport) {
     (void)Take("a", 0);
     (void)Take("a", 1);
     lines.TellOverdue(At(100), Tell);
@@ -91,7 +91,7 @@ TEST_F(RepeatedLinesTest, AFaultThatComesBackGoesOutAtOnceThoughItsPastWasJustTo
     EXPECT_EQ(Take("a", 210), 1U);
 }
 
-TEST_F(RepeatedLinesTest, AFaultThatComesBackIsNotCountedTogetherWithItsPast) {
+TEST_F(RepeatedLinesTest, AFaultThatComesBackIsCountedAnew) {
     (void)Take("a", 0);
     (void)Take("a", 1);
     EXPECT_EQ(Take("a", 3600), 1U);
@@ -135,7 +135,7 @@ TEST_F(RepeatedLinesTest, LongLinesAreNeverHeldBack) {
     EXPECT_EQ(Take(longest + "x", 0), 1U);
 }
 
-TEST_F(RepeatedLinesTest, WhoComesWhileItIsInUseIsNotKeptWaiting) {
+TEST_F(RepeatedLinesTest, ACallerIsNotKeptWaitingWhileItIsInUse) {
     static RepeatedLines* used = nullptr;
     used = &lines;
     const auto comeBetween = [](std::string_view line, unsigned int /*count*/, seconds /*age*/) {

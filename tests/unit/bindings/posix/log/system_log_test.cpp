@@ -235,7 +235,7 @@ TEST_F(SystemLog, GetsEveryLineAtLevelSeven) {
     EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed");
 }
 
-TEST_F(SystemLog, ThatIsNoSocketIsRefusedAloud) {
+TEST_F(SystemLog, ThatIsNoSocketIsReportedInTheDebugLog) {
     environment.Set("KESTAL_LOG_LEVEL", "3");
     const std::string tooLong = "/" + std::string(107, 'x');
     for (const std::string& name : {std::string("syslog.sock"), std::string("./s"), tooLong}) {

@@ -82,7 +82,7 @@ TEST_F(AuthSessions, EachPartMustMatch) {
     EXPECT_EQ(Init("id"), 0);
 }
 
-TEST_F(AuthSessions, AddressOfNoFamilyIsNobodys) {
+TEST_F(AuthSessions, AddressOfUnknownFamilyIsRefused) {
     Store("id", 0, 60, "");
     EXPECT_EQ(AuthSession().Init("id", webui_addr_t{}, "browser", kOnlyAsks),
               binding::kSessionOtherAddress);
@@ -136,7 +136,7 @@ TEST_F(AuthSessions, MappedAddressesCountAsTheirIpv4Address) {
     EXPECT_EQ(Init("id", "fe80:0::0:1"), 0);
 }
 
-TEST_F(AuthSessions, NoStoreMeansNobodyAndIsNoFault) {
+TEST_F(AuthSessions, WithoutAStoreNobodyHasASessionAndNothingIsLogged) {
     EXPECT_EQ(Init("id"), binding::kSessionUnknown);
     EXPECT_TRUE(Log().empty());
 }

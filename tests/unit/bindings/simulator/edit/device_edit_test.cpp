@@ -30,7 +30,7 @@ const KeyPath kBattery = {"sys", "getBatteryStatus"};
 
 /// The message of the exception that @p action throws.
 template <typename Action>
-std::string Refusal(Action action) {
+std::string ErrorText(Action action) {
     try {
         action();
         return "";
@@ -65,11 +65,12 @@ TEST(SetValue, AddsToAListOnlyAtItsEnd) {
     SetValue(document, {"a", std::size_t{1}}, 2);
     EXPECT_EQ(document.dump(), R"({"a":[1,2]})");
     const KeyPath beyond = {"a", std::size_t{3}};
-    EXPECT_EQ(Refusal([&] { SetValue(document, beyond, 2); }), "there is no a[3]: the list has 2");
+    EXPECT_EQ(ErrorText([&] { SetValue(document, beyond, 2); }),
+              "there is no a[3]: the list has 2");
     const KeyPath named = {"a", "b"};
-    EXPECT_EQ(Refusal([&] { SetValue(document, named, 2); }),
+    EXPECT_EQ(ErrorText([&] { SetValue(document, named, 2); }),
               "there is no a.b: 'b' would be a member of something that is not an object");
-    EXPECT_EQ(Refusal([&] { SetValue(document, {std::size_t{0}}, 2); }),
+    EXPECT_EQ(ErrorText([&] { SetValue(document, {std::size_t{0}}, 2); }),
               "there is no [0]: it would be in something that is not a list");
 }
 
@@ -115,15 +116,15 @@ TEST(MoveNumber, LeavesWhatIsOutsideTheLimits) {
 TEST(MoveNumber, RefusesWhatDoesNotFitAndWhatIsNoInteger) {
     json document =
         json::parse(R"({"a":18446744073709551615,"b":"x","c":1.5,"d":-9223372036854775808})");
-    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"a"}, {.by = 1}); }),
+    EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"a"}, {.by = 1}); }),
               "a: 18446744073709551615 cannot move by 1");
-    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"d"}, {.by = -1}); }),
+    EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"d"}, {.by = -1}); }),
               "d: -9223372036854775808 cannot move by -1");
-    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"b"}, {.by = 1}); }),
+    EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"b"}, {.by = 1}); }),
               "b: expected an integer to move, found \"x\"");
-    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"c"}, {.by = 1}); }),
+    EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"c"}, {.by = 1}); }),
               "c: expected an integer to move, found 1.5");
-    EXPECT_EQ(Refusal([&] { MoveNumber(document, {"e"}, {.by = 1}); }),
+    EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"e"}, {.by = 1}); }),
               "e: expected an integer to move, found nothing");
 }
 
@@ -175,7 +176,7 @@ TEST(HealCall, RestoresEveryKindOfCall) {
     }
 }
 
-TEST(HealCall, TakesAwayWhatTheDocumentDidNotName) {
+TEST(HealCall, RemovesAnEntryThatTheDocumentDidNotHave) {
     EXPECT_EQ(After(R"({"sys":{"getNumSims":1}})",
                     [](json& document) {
                         FailCall(document, kStatus, 5);
@@ -193,13 +194,13 @@ TEST(HealCall, LeavesACallThatWorks) {
 TEST(HealCall, RefusesWhatItCannotRestore) {
     json document = json::parse(R"({"sys":{"getSIMStatus":{"error":3}}})");
     EXPECT_EQ(
-        Refusal([&] { HealCall(document, kStatus); }),
+        ErrorText([&] { HealCall(document, kStatus); }),
         "sys.getSIMStatus: the document does not hold what it answered before it failed; set its "
         "value");
     EXPECT_THROW(HealCall(document, {"sys", "getSIMState"}), binding::UnknownName);
 }
 
-TEST(MadeToFail, ChangesAreOfWhatTheCallWillAnswer) {
+TEST(MadeToFail, ChangesApplyToTheKeptAnswer) {
     json document = json::parse(R"({"sys":{"getBatteryStatus":{"chargePercent":7}}})");
     FailCall(document, kBattery, 5);
     SetValue(document, kPercent, 9);
@@ -278,7 +279,7 @@ TEST(Notifications, AreTakenAway) {
               json::array({Notification("dataOff"), Notification("PCO3")}));
     ClearNotifications(document, "");
     EXPECT_EQ(binding::Notifications(document), json::array());
-    EXPECT_EQ(Refusal([&] { ClearNotifications(document, "noServices"); }),
+    EXPECT_EQ(ErrorText([&] { ClearNotifications(document, "noServices"); }),
               "there is no notification 'noServices'; did you mean noService?");
 }
 
@@ -289,7 +290,7 @@ TEST(Notifications, MayHaveNoId) {
     EXPECT_EQ(document.dump(), R"({"msgbus":{"zelt.ans.notifications":[{"severity":7}]}})");
 }
 
-TEST(Notifications, OfAFailingChannelAreThoseThatItWillHave) {
+TEST(Notifications, OfAFailingChannelAreThoseThatItKeeps) {
     json document = json::object();
     FailCall(document, {"msgbus", "zelt.ans.notifications"}, 8);
     AddNotification(document, Notification("dataOff"));
@@ -299,7 +300,7 @@ TEST(Notifications, OfAFailingChannelAreThoseThatItWillHave) {
 
 TEST(Notifications, AreRefusedWhereTheChannelHoldsOtherBytes) {
     json document = json::parse(R"({"msgbus":{"zelt.ans.notifications":{"bytes":"00"}}})");
-    EXPECT_EQ(Refusal([&] { AddNotification(document, Notification("dataOff")); }),
+    EXPECT_EQ(ErrorText([&] { AddNotification(document, Notification("dataOff")); }),
               "msgbus.zelt.ans.notifications: expected a list of notifications, found "
               "{\"bytes\":\"00\"}");
 }
@@ -316,7 +317,7 @@ TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
     const std::string before = R"({"sys":{"getSIMStatus":7}})";
     Document(before);
     const auto set = [this](const KeyPath& path, const json& value) {
-        return Refusal([&] {
+        return ErrorText([&] {
             ChangeDevice(device, [&](json& document) { SetValue(document, path, value); });
         });
     };
@@ -332,7 +333,7 @@ TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
 
 TEST_F(ChangeDeviceTest, LeavesADamagedDocumentAlone) {
     Document("{\"sys\": {\n\"getSIMStatus\": \"x\"}}");
-    EXPECT_EQ(Refusal([this] {
+    EXPECT_EQ(ErrorText([this] {
                   ChangeDevice(device, [](json& document) { SetValue(document, kStatus, 1); });
               }),
               device.string() +

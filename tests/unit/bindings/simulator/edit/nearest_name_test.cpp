@@ -18,7 +18,7 @@ TEST(NearestName, TakesTheFewestChanges) {
     EXPECT_EQ(NearestName("getNumSims", known), "getNumSims");
 }
 
-TEST(NearestName, TakesUpperAndLowerCaseForOne) {
+TEST(NearestName, IgnoresCase) {
     EXPECT_EQ(NearestName("GETSIMSTATUS", {"getGPSStatus", "getSIMStatus"}), "getSIMStatus");
 }
 

@@ -29,7 +29,7 @@ TEST(NotificationTypes, ShareTheTextOfThePins) {
     EXPECT_EQ(notification["textId"], "notification_gpio_message_text");
 }
 
-TEST(NotificationTypes, FieldsCanBeOther) {
+TEST(NotificationTypes, FieldsCanBeOverridden) {
     EXPECT_EQ(MakeNotification("PCO3", {.category = "a",
                                         .severity = std::make_shared<json>(7),
                                         .labelId = "b",
@@ -41,7 +41,7 @@ TEST(NotificationTypes, FieldsCanBeOther) {
               R"("textId":"d","active":false})");
 }
 
-TEST(NotificationTypes, EachIsRight) {
+TEST(NotificationTypes, EachIsAcceptedByTheReader) {
     const std::vector<std::string> names = NotificationTypeNames();
     EXPECT_EQ(names.size(), 24U);
     for (const std::string& name : names) {
@@ -49,7 +49,7 @@ TEST(NotificationTypes, EachIsRight) {
     }
 }
 
-TEST(NotificationTypes, AnUnknownOneMustSayEverything) {
+TEST(NotificationTypes, AnUnknownTypeNeedsAllFields) {
     const std::string message = "there is no type of notification 'dataOf'; did you mean dataOff?";
     try {
         MakeNotification("dataOf", {.category = "a",

@@ -134,7 +134,7 @@ TEST_F(Playing, BeginsAgainAtTheEnd) {
     EXPECT_EQ(ReadFile(device), R"({"sys":{"getSIMStatus":6}})");
 }
 
-TEST_F(Playing, MakesUpForNothingAfterAPause) {
+TEST_F(Playing, SkipsWhatItMissedDuringAPause) {
     const Scenario scenario =
         ReadScenario("a.json", R"({"duration": 2, "events": [{"at": 1, "say": "a"}]})");
     clock.onWait = [this, isFirst = true]() mutable {
@@ -162,7 +162,7 @@ TEST_F(Playing, WaitsUntilItsEnd) {
     EXPECT_EQ(clock.now - begin, std::chrono::seconds(9));
 }
 
-TEST_F(Playing, GoesOnBesideOthersWhoChangeTheDevice) {
+TEST_F(Playing, GoesOnWhileOthersChangeTheDevice) {
     clock.onWait = [this, rounds = 0]() mutable {
         if (++rounds == 2) {
             Document(R"({"sys":{"getSIMStatus":50,"getGPSStatus":2}})");

@@ -48,7 +48,7 @@ std::string EventComplaint(const std::string& event) {
 }
 
 /// The error message for the event when it is tried on a device.
-std::string Misfit(const std::string& event, const std::string& device = "{}") {
+std::string ComplaintOnDevice(const std::string& event, const std::string& device = "{}") {
     try {
         MustBePlayable(Events(event), json::parse(device));
         return "";
@@ -132,7 +132,7 @@ TEST(Scenario, RampsByAnAmountStartFromWhatIsThere) {
               R"({"sys":{"getSIMStatus":104}})");
 }
 
-TEST(Scenario, RampsRestWhileTheDeviceIsNotAsTheyWant) {
+TEST(Scenario, RampsPauseWhileTheirConditionDoesNotHold) {
     const std::string ramp = R"({"at": 0, "say": "a", "for": 5,
         "while": {"sys.getSIMStatus": 7, "webui.i18nSettings.language": "en_US"},
         "ramp": {"sys.getSMSUnreadCount": {"by": 5}}})";
@@ -344,11 +344,12 @@ TEST(Scenario, MayNotFillTheMemory) {
               "more");
 }
 
-TEST(ScenarioOnADevice, ConditionsMustBeOnesThatItCanHave) {
+TEST(ScenarioOnADevice, ConditionsThatItCannotMeetAreRefused) {
     const auto misfit = [](const std::string& path, const std::string& value) {
-        return Misfit("{\"at\": 0, \"say\": \"a\", \"for\": 1,\n\"while\": {\"" + path +
-                          "\": " + value + "}, \"ramp\": {\"sys.getNumSims\": {\"by\": 1}}}",
-                      R"({"sys": {"getNumSims": 1}})");
+        return ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"for\": 1,\n\"while\": {\"" + path +
+                                     "\": " + value +
+                                     "}, \"ramp\": {\"sys.getNumSims\": {\"by\": 1}}}",
+                                 R"({"sys": {"getNumSims": 1}})");
     };
     const std::string place = "a.json:3: events[0].while.";
     EXPECT_EQ(misfit("sys.getSIMStatus", "7"), "");
@@ -370,35 +371,37 @@ TEST(ScenarioOnADevice, ConditionsMustBeOnesThatItCanHave) {
 }
 
 TEST(ScenarioOnADevice, RampsAreTriedWhateverTheirConditions) {
-    EXPECT_EQ(
-        Misfit("{\"at\": 0, \"say\": \"a\", \"for\": 1, \"while\": {\"sys.getSIMStatus\": 7},\n"
-               "\"ramp\": {\"sys.getNumSms\": {\"from\": 1, \"to\": 2}}}"),
-        "a.json:3: events[0].ramp.sys.getNumSms: sys.getNumSms: expected the name of a "
-        "call, found an unknown name; did you mean sys.getNumSims?");
+    EXPECT_EQ(ComplaintOnDevice(
+                  "{\"at\": 0, \"say\": \"a\", \"for\": 1, \"while\": {\"sys.getSIMStatus\": 7},\n"
+                  "\"ramp\": {\"sys.getNumSms\": {\"from\": 1, \"to\": 2}}}"),
+              "a.json:3: events[0].ramp.sys.getNumSms: sys.getNumSms: expected the name of a "
+              "call, found an unknown name; did you mean sys.getNumSims?");
 }
 
 TEST(ScenarioOnADevice, SaysWhatCannotHappen) {
-    EXPECT_EQ(Misfit(R"({"at": 0, "say": "a", "set": {"sys.getSIMStatus": 1}})"), "");
-    EXPECT_EQ(Misfit("{\"at\": 0, \"say\": \"a\",\n\"set\": {\"sys.getSimStatus\": 1}}"),
+    EXPECT_EQ(ComplaintOnDevice(R"({"at": 0, "say": "a", "set": {"sys.getSIMStatus": 1}})"), "");
+    EXPECT_EQ(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\",\n\"set\": {\"sys.getSimStatus\": 1}}"),
               "a.json:3: events[0].set.sys.getSimStatus: sys.getSimStatus: expected the name of a "
               "call, found an unknown name; did you mean sys.getSIMStatus?");
-    EXPECT_EQ(Misfit("{\"at\": 0, \"say\": \"a\", \"set\": {\"sys.getSIMStatus\": \"x\"}}"),
-              "a.json:2: events[0].set.sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit "
-              "integer or {\"error\": N}, found a text");
-    EXPECT_EQ(Misfit("{\"at\": 0, \"say\": \"a\", \"heal\": [\"sys.getSIMState\"]}"),
+    EXPECT_EQ(
+        ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"set\": {\"sys.getSIMStatus\": \"x\"}}"),
+        "a.json:2: events[0].set.sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit "
+        "integer or {\"error\": N}, found a text");
+    EXPECT_EQ(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"heal\": [\"sys.getSIMState\"]}"),
               "a.json:2: events[0].heal[0]: sys.getSIMState: expected the name of a call, found an "
               "unknown name; did you mean sys.getSIMStatus?");
     EXPECT_EQ(
-        Misfit("{\"at\": 0, \"say\": \"a\", \"fail\": {\"sys.getSIMStatus\": 0}}"),
+        ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"fail\": {\"sys.getSIMStatus\": 0}}"),
         "a.json:2: events[0].fail.sys.getSIMStatus: sys.getSIMStatus.error: expected a 32-bit "
         "integer other than 0 and 983040, found 0");
-    EXPECT_EQ(Misfit("{\"at\": 0, \"say\": \"a\", \"clear\": [\"dataOf\"]}"),
+    EXPECT_EQ(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"clear\": [\"dataOf\"]}"),
               "a.json:2: events[0].clear[0]: there is no notification 'dataOf'; did you mean "
               "dataOff?");
-    EXPECT_EQ(Misfit(R"({"at": 0, "say": "a", "for": 1, "ramp": {"sys.getSIMStatus": {"by": 1}}})"),
+    EXPECT_EQ(ComplaintOnDevice(
+                  R"({"at": 0, "say": "a", "for": 1, "ramp": {"sys.getSIMStatus": {"by": 1}}})"),
               "a.json:2: events[0].ramp.sys.getSIMStatus: sys.getSIMStatus: expected an integer to "
               "move, found nothing");
-    EXPECT_EQ(Misfit(R"({"at": 0, "say": "a", "for": 9, "ramp":
+    EXPECT_EQ(ComplaintOnDevice(R"({"at": 0, "say": "a", "for": 9, "ramp":
                          {"sys.getSIMStatus": {"from": 1, "to": 3000000000}}})"),
               "a.json:3: events[0].ramp.sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit "
               "integer or {\"error\": N}, found 3000000000");

@@ -27,7 +27,7 @@ TEST(WaitingClock, WaitsUntilTheTimeHasCome) {
     });
 }
 
-TEST(WaitingClock, DoesNotWaitForWhatIsOver) {
+TEST(WaitingClock, DoesNotWaitForATimeThatHasPassed) {
     InThread([] {
         WaitingClock clock;
         EXPECT_TRUE(clock.WaitUntil(clock.Now() - std::chrono::hours(1)));
