@@ -5,7 +5,7 @@
 
 namespace {
 
-// The benchmarks run in one thread.
+// Not atomic, because the benchmarks run in one thread.
 std::size_t gAllocations = 0;
 
 void* Allocate(std::size_t size) noexcept {

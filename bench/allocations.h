@@ -1,4 +1,4 @@
-// Counts what a benchmark allocates.
+// Counts the allocations of a benchmark.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// Allocations by operator new in this process so far.
+/// The number of allocations by operator new in this process so far.
 std::size_t Allocations();
 
 /// Reports the allocations of one iteration as the counter "allocations" of a benchmark.

@@ -52,7 +52,7 @@ def measure(arguments):
 
 
 def document(results):
-    """Replaces what stands between the marks of the document, and the plot."""
+    """Replaces the text between the marks in the document, and the plot."""
     text = DOCUMENT.read_text()
     marks = re.compile(r"(<!-- results -->\n).*?(<!-- end of results -->)", re.DOTALL)
     new, count = marks.subn(lambda found: f"{found[1]}\n{report.markdown(results)}\n{found[2]}", text)

@@ -1,18 +1,18 @@
-"""What the operations and their parts cost in process, and the JSON libraries beside them."""
+"""Measures the cost of the operations and their parts in process, and compares JSON libraries."""
 
 import json
 import os
 import subprocess
 
-# What the shipped configuration sets for the allocator.
+# The setting for the allocator in the shipped configuration.
 ALLOCATOR = {"GLIBC_TUNABLES": "glibc.malloc.tcache_count=127"}
 
 
 def measure(build, rounds, say):
-    """Processor time of one iteration in nanoseconds, one figure per round, and allocations."""
+    """Returns processor time per iteration in nanoseconds, one figure per round, and allocations."""
     say(f"in process, {rounds} rounds")
     program = build / "bench" / "kestal-bench"
-    # Their order; that of the runs is random.
+    # The names in the order of the report; the benchmarks run in random order.
     names = subprocess.run(
         [program, "--benchmark_list_tests"], check=True, stdout=subprocess.PIPE, text=True
     ).stdout.splitlines()

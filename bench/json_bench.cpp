@@ -131,7 +131,7 @@ void JanssonOfStatusKeys(benchmark::State& state) {
 }
 BENCHMARK(JanssonOfStatusKeys);
 
-/// Serialisation alone, of a list with that many notifications.
+/// Only the serialisation, of a list with the given number of notifications.
 void Serialisation(benchmark::State& state) {
     CTPP::CDT list(CTPP::CDT::ARRAY_VAL);
     for (INT_64 i = 0; i < state.range(0); ++i) {

@@ -1,4 +1,4 @@
-// The list of notifications by the number of records.
+// How long the list of notifications takes, for several numbers of records.
 #include <benchmark/benchmark.h>
 
 #include <string>

@@ -1,4 +1,4 @@
-"""Requests per second of each operation at 8 connections, in parts of the floor's, as SVG."""
+"""Draws the requests per second of each operation at 8 connections, relative to the floor's, as SVG."""
 
 import html
 

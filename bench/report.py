@@ -1,4 +1,4 @@
-"""The results as Markdown tables, which are readable on a terminal, too."""
+"""Writes the results as Markdown tables that are also readable on a terminal."""
 
 import statistics
 
@@ -15,7 +15,7 @@ def spread(samples, digits=0):
 
 
 def table(head, rows):
-    """Columns as wide as their widest cell; all but the first one to the right."""
+    """Makes each column as wide as its widest cell and aligns all but the first one to the right."""
     rows = [head, *([str(cell) for cell in row] for row in rows)]
     widths = [max(len(row[column]) for row in rows) for column in range(len(head))]
     rule = ["-" * widths[0], *("-" * (width - 1) + ":" for width in widths[1:])]
@@ -32,7 +32,7 @@ def figures(operation, connections, kind, name):
 
 
 def ratios(operation, connections, kind, name):
-    """Round by round: the two of a round ran one after the other."""
+    """Compares round by round, because the two runs of a round followed each other directly."""
     own = figures(operation, connections, kind, name)
     floor = figures(operation, connections, "floor", name)
     return [one / other for one, other in zip(own, floor)]
@@ -70,7 +70,7 @@ def record_cost(in_process, records):
 
 
 def targets(results):
-    """Name, figure, limit, whether it is kept."""
+    """Returns rows of name, figure, limit and whether the figure keeps the limit."""
     stack, inside = results["stack"], results["inProcess"]
     status = stack["operations"][0]
     rapid = middle(inside["RapidJsonOfStatusKeys"]["nanoseconds"])

@@ -1,4 +1,5 @@
-// What every request costs beside its operation: the session check, and log lines below the level.
+// The cost of every request apart from its operation: the session check, and log calls below the
+// log level, which write nothing.
 #include <benchmark/benchmark.h>
 #include <fcgiapp.h>
 

@@ -1,4 +1,4 @@
-"""The whole stack: each operation through lighttpd, beside responders that do less and a file."""
+"""Measures each operation through lighttpd, and for comparison simpler responders and a static file."""
 
 import json
 import pathlib
@@ -20,7 +20,7 @@ NOTIFICATION = {
     "titleId": "notification_sms_received_title",
     "textId": "notification_sms_received_text",
 }
-# Name, target, records in the list of notifications.
+# Name, target, number of records in the list of notifications.
 OPERATIONS = [
     ("status", "/srv/status", 0),
     ("notification, 0 records", "/srv/notification", 0),
@@ -41,7 +41,7 @@ def as_on_a_device(environment):
 
 
 def processor_time(pid):
-    """Nanoseconds that all threads of a process have run."""
+    """Returns the processor time of all threads of a process in nanoseconds."""
     tasks = pathlib.Path(f"/proc/{pid}/task").iterdir()
     return sum(int((task / "schedstat").read_text().split()[0]) for task in tasks)
 
@@ -59,8 +59,8 @@ class Subject:
 
     def __init__(self, work, name, program, device):
         self.server = Server(work, name)
-        # The launcher hands on the service's variables only: where the others find the body that
-        # they answer, they are told as the service is told of its device.
+        # The launcher passes on only the variables of the service. So for the other responders,
+        # KESTAL_DEVICE names the file with the body that they answer.
         self.server.environment = {
             **as_on_a_device(self.server.environment),
             "KESTAL_RESPONDER": str(program),
@@ -73,7 +73,7 @@ class Subject:
         self.pid = children[0]
 
     def load(self, target, connections, seconds):
-        """Asks without pause; what a request took."""
+        """Sends requests without pause and returns the cost of one."""
         before = processor_time(self.pid)
         command = ["wrk", "-t1", f"-c{connections}", f"-d{seconds}", "-s", str(REPORT)]
         output = subprocess.run(
@@ -95,7 +95,7 @@ class Subject:
 
 
 class Row:
-    """One operation: the service, what it is compared with, and the file."""
+    """One operation: the service, the responders that it is compared with, and the static file."""
 
     def __init__(self, work, build, name, target, records):
         self.name, self.target = name, target
@@ -185,7 +185,7 @@ def measure(work, build, rounds, seconds, million, say):
     try:
         for name, target, records in OPERATIONS:
             rows.append(Row(work, build, name, target, records))
-        # Files that have just been written are read again for a while.
+        # For a moment, the service reads files again that have just been written.
         time.sleep(3)
         for number in range(rounds):
             say(f"whole stack, round {number + 1} of {rounds}")

@@ -1,4 +1,4 @@
-// What holds for every answer of the service.
+// Checks that every answer of the service must pass.
 #pragma once
 
 #include <string>
@@ -7,6 +7,6 @@
 /// Whether all of @p text is UTF-8.
 bool IsUtf8(std::string_view text);
 
-/// Requires the answer to be JSON. Texts that are not UTF-8 are copied into it byte by byte, so
-/// that the answer may not be UTF-8 either; its structure is checked all the same.
+/// Requires the answer to be JSON. The service copies texts that are not UTF-8 into the answer
+/// unchanged, so the answer may not be UTF-8 either; only its structure is checked then.
 void RequireJson(const std::string& answer);

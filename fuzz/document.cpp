@@ -1,4 +1,4 @@
-// Documents of the simulated device: the input is the document.
+// Documents of the simulated device. The input is the document.
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -19,7 +19,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether the reader accepts @p text. Requires it to say where the fault is if it does not.
+/// Whether the reader accepts @p text. If it does not, requires its message to say where the fault
+/// is.
 bool IsDevice(const std::string& text) {
     try {
         (void)binding::ReadDevice("device.json", text);
@@ -35,7 +36,7 @@ bool IsDevice(const std::string& text) {
     }
 }
 
-/// Requires that each value is found at its place in the text.
+/// Requires that the reader finds each value at its place in the text.
 void RequirePlaces(const std::string& text, const Json& value, binding::KeyPath& path,
                    int& budget) {
     if (--budget < 0) {

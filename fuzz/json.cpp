@@ -1,9 +1,10 @@
-// Trees and their JSON. The input builds a tree, an instruction a line, its values unescaped:
+// Trees and their JSON. The input has instructions to build a tree, one on each line; escapes in
+// their values are replaced:
 //
 //     NAME=INSTRUCTION    NAME= only inside a hash
 //
-// h and a open a hash and an array, x closes it; sTEXT, iINTEGER, dREAL, u (undefined) and p (a
-// pointer) are values; nTEXT and fTEXT are texts that have been read as an integer and as a real.
+// h opens a hash and a an array, x closes it. sTEXT, iINTEGER, dREAL, u (undefined) and p (a
+// pointer) add values. nTEXT and fTEXT add a text and then read it as an integer or as a real.
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -21,8 +22,9 @@ std::size_t CountDigits(std::string_view text) {
     return std::min(text.find_first_not_of("0123456789"), text.size());
 }
 
-/// Whether the whole of @p text is a decimal number, with digits on at least one side of a point
-/// and behind an exponent. Sets @p isInteger when it is digits with a sign.
+/// Whether the whole of @p text is a decimal number: there must be a digit before or behind the
+/// point, and behind the letter of an exponent. Sets @p isInteger when it has neither point nor
+/// exponent.
 bool IsNumber(std::string_view text, bool& isInteger) {
     const auto skip = [&](std::string_view characters) {
         const bool there = !text.empty() && characters.find(text.front()) != std::string_view::npos;
@@ -54,7 +56,7 @@ double RealOf(const std::string& text) {
     return IsNumber(text, isInteger) ? std::strtod(text.c_str(), nullptr) : 0;
 }
 
-/// The double as the tree writes it: with 12 digits.
+/// @p real as the tree writes it: with 12 digits.
 Json RealAsWritten(double real) {
     if (!std::isfinite(real)) {
         return nullptr;
@@ -168,7 +170,7 @@ class Builder {
             case 'n':
             case 'f':
                 if (!std::isfinite(RealOf(text))) {
-                    // Valid JSON, but too large a number for the parser of this check.
+                    // Valid JSON, but the number is too large for the parser that this check uses.
                     return false;
                 }
                 value = text;

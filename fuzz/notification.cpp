@@ -1,4 +1,4 @@
-// Blocks of notifications, as they are published on the message bus: the input is the block.
+// Blocks of notifications as they are published on the message bus. The input is the block.
 #include "platform/notification.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ void Script(const std::string& block) {
     recording::Given("webui_get_uri_data").Returns(WEBUI_SUCCESS).Writes(page);
 }
 
-/// The records that are there and active, read the plain way.
+/// The active records that are completely in @p block, read in the simplest way, to compare with.
 std::vector<AnsNotificationRecord> ActiveRecords(const std::string& block) {
     std::vector<AnsNotificationRecord> active;
     std::int32_t count = 0;

@@ -1,5 +1,5 @@
-// Placeholders of translated texts. The input: the text on the first line, then one argument a
-// line.
+// Placeholders in translated texts. The input has the text on its first line, then one argument on
+// each line.
 #include "framework/po_string.h"
 
 #include <algorithm>
@@ -11,8 +11,9 @@ namespace {
 
 using Arguments = std::array<std::string, 11>;
 
-/// The same in a slow and simple way, to compare with. Returns false when the result gets too
-/// large: each argument may contain placeholders of the ones behind it, which multiplies them.
+/// Fills the placeholders in a slow and simple way, to compare with. Returns false when the result
+/// gets too large: an argument may contain placeholders for later arguments, so the text can grow
+/// with each argument.
 bool Fill(std::string& text, const Arguments& arguments, std::size_t count) {
     constexpr std::size_t kLargest = 2'000;
     for (std::size_t index = 0; index < count; ++index) {
@@ -33,7 +34,7 @@ bool Fill(std::string& text, const Arguments& arguments, std::size_t count) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string input = InputText(data, size);
-    // Texts and arguments are terminated.
+    // Texts and arguments are passed as C strings, so they cannot contain a null byte.
     std::replace(input.begin(), input.end(), '\0', '0');
     std::string_view rest = input;
     const std::string text(TakeUntil(rest, '\n'));

@@ -1,11 +1,11 @@
-// What the platform's calls answer: every record of theirs as raw bytes, every code, for status and
-// notifications. The input has a line for each answer that is not the usual one:
+// Answers of the platform's calls, which status and notifications use: records of any bytes and any
+// code. The input has a line for each answer that differs from the usual one:
 //
 //     CALL[.OUTPUT][@OFFSET] CODE BYTES
 //
-// BYTES (see Unescaped) go over the output from OFFSET on. A call without OUTPUT means its first
-// one. Of calls that fill a list, CALL is the list, CALL.count how many it says it has written, and
-// CALL.needed how many it has asked room for.
+// BYTES (see Unescaped) overwrite the output from OFFSET on. Without OUTPUT, that is the call's
+// first output. For a call that fills a list, CALL is the list, CALL.count is the number of records
+// that the call says it has written, and CALL.needed is the number that it asks room for.
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -26,8 +26,8 @@
 #include "platform/sysint_queries.h"
 #include "platform/webui.h"
 
-// A device may announce any number of records. The limit on memory refuses the large ones, and is
-// low enough for the fuzzer to stay fast.
+// A device may announce any number of records. This calloc refuses large numbers of them; its limit
+// is low enough for the fuzzer to stay fast.
 extern "C" {
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size) {
@@ -48,7 +48,7 @@ struct Call {
     int success = 0;
 };
 
-/// A call that is made twice: without a buffer, which asks for one, and with it.
+/// A call that is made twice: first without a buffer, to learn the size, then with a buffer.
 struct ListCall {
     const char* name;
     std::size_t recordSize;
@@ -58,7 +58,7 @@ struct ListCall {
 
 /// Declared calls that this target does not answer.
 struct Omission {
-    const char* prefix;  ///< of their names
+    const char* prefix;  ///< beginning of their names
     const char* reason;
 };
 
@@ -141,7 +141,8 @@ const std::vector<ListCall>& ListCalls() {
     return calls;
 }
 
-/// Each declared call is answered here or left out for a reason, and no other name is used.
+/// Requires that this target answers each declared call or omits it for a reason, and that it uses
+/// no name that is not declared.
 void RequireDeclaredCalls() {
     std::set<std::string, std::less<>> answered;
     for (const Call& call : Calls()) {
@@ -172,7 +173,7 @@ void RequireDeclaredCalls() {
 struct Reply {
     int code = 0;
     std::string bytes;
-    std::size_t size = 0;  ///< at most
+    std::size_t size = 0;  ///< largest size of the output
 };
 
 using Replies = std::map<std::string, Reply, std::less<>>;
@@ -193,7 +194,8 @@ std::string OutputName(const std::string& call, std::size_t output) {
     return output == 0 ? call : call + "." + std::to_string(output);
 }
 
-/// A device on which everything works: each number is 1, each record empty, each list has two.
+/// The answers of a device on which everything works: each number is 1, each record is empty, and
+/// each list has two records.
 Replies UsualReplies() {
     Replies replies;
     for (const Call& call : Calls()) {
@@ -246,7 +248,7 @@ void Script(const Replies& replies) {
         const std::string name = call.name;
         const Reply& needed = replies.at(name + ".needed");
         Write(recording::Given(name).Returns(needed.code).WritesNothing(), needed.bytes);
-        // It writes no more than there is room for.
+        // The call writes no more records than the buffer has room for.
         const Reply& list = replies.at(name);
         const auto room = static_cast<std::uint64_t>(std::max(NumberOf(needed.bytes), 0));
         recording::Answer& answer = recording::Given(name).Returns(list.code);

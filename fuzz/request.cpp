@@ -27,7 +27,7 @@ WebRequest RequestOf(const std::string& input) {
         const std::string_view name = TakeUntil(line, '=');
         request.variables.emplace_back(name, line);
     }
-    // What a socket takes at once.
+    // A socket's buffer holds at least this much, so that sending does not block.
     request.body = rest.substr(0, 50'000);
     return request;
 }
@@ -36,7 +36,7 @@ WebRequest StatusRequest() {
     return {{{"REQUEST_URI", "/srv/status"}, {"REQUEST_METHOD", "GET"}}, ""};
 }
 
-/// The JSON of an answer with status 200; the answer is nothing else.
+/// The JSON of an answer. Requires status 200 and no other output.
 std::string JsonOf(const WebAnswer& answer) {
     constexpr std::string_view kHead = "Status: 200 OK\r\nContent-Type: application/json\r\n\r\n";
     Require(answer.endings == 1, "a request is ended once", answer.output);

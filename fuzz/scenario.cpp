@@ -1,4 +1,4 @@
-// Scenarios: the input is the file.
+// Scenarios. The input is the file of a scenario.
 #include "bindings/simulator/play/scenario.h"
 
 #include <nlohmann/json.hpp>
@@ -39,7 +39,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             changes += 1 + (change.condition ? change.condition->size() : 0);
         }
     }
-    // The check tries each change and each condition on a copy of the device, which takes time.
+    // The check tries each change and each condition on a copy of the device, which takes long when
+    // there are many.
     if (changes > 20) {
         return 0;
     }

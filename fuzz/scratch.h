@@ -1,4 +1,4 @@
-// Files of a fuzz target.
+// Temporary files of a fuzz target.
 #pragma once
 
 #include <filesystem>
@@ -16,6 +16,6 @@ std::string ReadFile(const std::filesystem::path& path);
 /// by line, and discarded.
 void ConfineSimulator();
 
-/// Puts @p document in place of the device's. Its file has a new name, so that no two of them can
-/// be taken for the same; returns its path.
+/// Makes @p document the document of the simulated device and returns the path of its file. Each
+/// file has a new name, so that the simulator cannot mistake it for one that it has already read.
 std::filesystem::path PlaceDevice(const std::string& document);

@@ -1,4 +1,4 @@
-// The store of sessions: the input is the file.
+// The session store. The input is its file.
 #include <algorithm>
 #include <exception>
 

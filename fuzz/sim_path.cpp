@@ -1,5 +1,5 @@
-// Paths into a device document and the changes made there, as kestal-sim makes them. The input: a
-// path on the first line, then a value.
+// Paths into a device document, and changes at such a path as kestal-sim makes them. The input has
+// a path on its first line, then a value.
 #include <exception>
 #include <nlohmann/json.hpp>
 

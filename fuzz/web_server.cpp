@@ -100,8 +100,8 @@ WebAnswer Read(int connection) {
 
 }  // namespace
 
-// Replaces the function of the system library: without a waiting connection there will never be
-// one.
+// Replaces the function of the system library, so that it does not wait: if no connection is
+// waiting now, there will never be one.
 int accept(int listener, sockaddr* address, socklen_t* length) {
     const int connection = accept4(listener, address, length, 0);
     if (connection < 0 && errno == EAGAIN) {

@@ -18,17 +18,17 @@ USE = re.compile(r"^[ \t]+KESTAL_SIGNATURE\((?P<text>[^;]*)\);", re.MULTILINE)
 TEXT = re.compile(r'(\s*"(?:[^"\\]|\\.)*")+\s*')
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 NAME = re.compile(r"[\w:~]+$")
-# The name behind a parameter's type, which may be missing.
+# The name of a parameter, which follows its type and may be missing.
 PARAMETER_NAME = re.compile(r"(?<=[\s&*])(?!(?:int|long|short|char|bool|double|float|unsigned)$)[a-z]\w*$")
 
 
 def without_comments(source):
-    """The source with its comments blanked out, each line where it was."""
+    """Returns the source with its comments replaced by blanks, so that line numbers stay the same."""
     return COMMENT.sub(lambda found: re.sub(r"[^\n]", " ", found.group()), source)
 
 
 def split_parameters(function):
-    """The name of a function and the types of its parameters, written the same way whoever wrote them."""
+    """Returns a function's name and the types of its parameters in a normalised form."""
     opening = function.index("(")
     closing = function.rindex(")")
     name = NAME.search(function[:opening].strip()).group()
@@ -38,12 +38,12 @@ def split_parameters(function):
 
 
 def header_before(source, position):
-    """The head of the function whose body begins right before position; None if none begins there."""
+    """Returns the head of the function whose body begins right before position; None if none does."""
     before = source[:position].rstrip()
     if not before.endswith("{"):
         return None
     head = re.split(r"[;{}]|^#.*$", before[:-1], flags=re.MULTILINE)[-1].strip()
-    # The initialisers of a constructor are no part of its head.
+    # Remove the initialisers of a constructor.
     head = re.sub(r"\)\s*:[^:].*", ")", head, flags=re.DOTALL)
     return head if "(" in head and ")" in head else None
 

@@ -35,13 +35,14 @@ def digest(path):
 
 
 def commands(build):
-    """One command for each source. A sanitized twin compiles the same text as the plain target."""
+    """Returns one compile command for each source. Sources that are compiled twice, with and without
+    sanitizers, are checked once."""
     chosen = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         source = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
         inside = source.startswith(f"{ROOT}/") and not source.startswith(f"{build}/")
         if inside and (source not in chosen or "-fsanitize=" in chosen[source]["command"]):
-            # Without the precompiled headers, which clang-tidy cannot read; each source includes all it needs.
+            # Remove the precompiled headers, which clang-tidy cannot read; each source includes all it needs.
             command = re.sub(r" -Winvalid-pch| (-Xclang )?-include(-pch)? (-Xclang )?\S*/cmake_pch\.\S+", "", entry["command"])
             chosen[source] = {**entry, "command": command}
     return chosen
@@ -63,7 +64,8 @@ def included_headers(build):
 
 
 def state(source, entry, headers, version):
-    """A digest of all that decides what clang-tidy finds, or None where the headers are not known."""
+    """Returns a digest of everything that clang-tidy's findings depend on, or None if the headers are not
+    known."""
     arguments = shlex.split(entry["command"])
     used = headers.get(arguments[arguments.index("-o") + 1])
     if used is None:
@@ -75,7 +77,7 @@ def state(source, entry, headers, version):
 
 
 def known_clean(record):
-    """What an earlier run found clean; nothing where its record is damaged."""
+    """Returns the sources that an earlier run found clean; none if its record is damaged."""
     try:
         known = json.loads(record.read_text())
     except (OSError, ValueError):
@@ -93,7 +95,7 @@ def arguments(entry):
 
 
 def groups(stale, entries):
-    """The sources of one folder that are compiled alike, the group with the most text first."""
+    """Groups the sources of each folder that have the same compile command, the largest group first."""
     alike = collections.defaultdict(list)
     for source in sorted(stale):
         alike[os.path.dirname(source), tuple(arguments(entries[source]))].append(source)
@@ -102,8 +104,8 @@ def groups(stale, entries):
 
 
 class Tidy:
-    """Looks at a group as if it were one source that includes them all. clang-tidy spends nearly all its
-    time on the headers of libraries, which it then reads once for the group."""
+    """Runs clang-tidy on a group as if it were one source that includes them all. clang-tidy spends nearly
+    all its time on the headers of libraries, which it then reads only once for the group."""
 
     def __init__(self, tidy, folder, entries):
         self.tidy = tidy
@@ -124,12 +126,13 @@ class Tidy:
         place = pathlib.Path(sources[0]).parent.relative_to(ROOT)
         folder = self.folder / "groups" / place
         folder.mkdir(parents=True, exist_ok=True)
-        # clang-tidy takes its settings from the folders above a source. The root's are above this one, too.
+        # clang-tidy takes its settings from the folders above a source. The settings in the root also apply
+        # to the combined source, so they need not be copied.
         for each in (place, *place.parents)[:-1]:
             settings = ROOT / each / ".clang-tidy"
             if settings.exists():
                 (self.folder / "groups" / each / ".clang-tidy").write_text(settings.read_text())
-        # The analyzer looks into the sources that a file includes only if the file is called so.
+        # The analyzer checks the sources that a file includes only if the file's name begins like this.
         name = "UnifiedSource" + hashlib.sha256("\n".join(sources).encode()).hexdigest()[:16]
         source = folder / f"{name}.cpp"
         source.write_text("".join(f'#include "{each}"  // NOLINT\n' for each in sources))
@@ -141,8 +144,8 @@ class Tidy:
         return self.run(folder / name, str(source))
 
     def look(self, sources):
-        """The run that speaks for each source. A source with findings in its group is looked at again by
-        itself, because two sources of a group may merely define the same name."""
+        """Returns the result for each source. If a group has findings, its sources are checked again one by
+        one, because a finding may only come from two sources that define the same name."""
         runs = {}
         rest = list(sources)
         while len(rest) > 1:
@@ -187,7 +190,8 @@ def main(tidy, build, everything):
                     if states[source]:
                         clean[source] = states[source]
                     continue
-                # Findings end it with status 1; a crash has another status, unreadable settings no findings.
+                # With findings, the status is 1. After a crash it is another one, and with unreadable
+                # settings there are no findings.
                 if done.returncode == 1 and FINDING.search(done.stdout):
                     found += 1
                 else:

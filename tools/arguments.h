@@ -28,21 +28,21 @@ struct Option {
     const char* description = nullptr;
     /// Name of its value in the help, such as "SECONDS"; null for a switch, which has none.
     const char* value = nullptr;
-    const char* preset = "";  ///< the value where the option is not given
-    /// The value of an option that is given without one; null where it must be given with one.
+    const char* preset = "";  ///< the value if the option is not given
+    /// The value if the option is given without one; null if it must be given with a value.
     const char* bare = nullptr;
     std::optional<Parameter::Range> range = std::nullopt;
     /// Names of parameters and of earlier options that cannot be given together with this one.
     std::vector<const char*> excludes = {};
 };
 
-/// The decimal number that @p text is; none when it is something else or out of @p range.
+/// @p text as a decimal number; nullopt when it is not one or is out of @p range.
 std::optional<std::int64_t> NumberIn(const std::string& text, Parameter::Range range);
 
 /// One argument as the caller has given it.
 struct Argument {
     std::string name;
-    std::string text = {};  ///< empty or preset where it is not given
+    std::string text = {};  ///< empty or the preset if it is not given
     bool isGiven = false;
 };
 
@@ -54,7 +54,7 @@ struct Arguments {
     const char* Text(std::size_t index) const { return all.at(index).text.c_str(); }
     std::int64_t Number(std::size_t index) const { return std::stoll(all.at(index).text); }
 
-    // By name; what the command does not take is std::logic_error.
+    // Arguments by name. A name that the command does not take throws std::logic_error.
     const std::string& Value(const std::string& name) const { return Named(name).text; }
     bool Given(const std::string& name) const { return Named(name).isGiven; }
 

@@ -1,4 +1,4 @@
-// Names of the numbers that have a meaning in the platform. A name is that of the enumerator in
+// Names for the values of the platform's enumerations. A name is that of the enumerator in
 // platform/, in lower case and without the prefix that all enumerators of its enumeration have.
 #pragma once
 

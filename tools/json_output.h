@@ -1,5 +1,6 @@
-// Answers of the platform as JSON: records are objects with the names of their fields, a number of
-// an enumeration is {"value": 7, "name": "ready"}, with the name null when it has none.
+// Answers of the platform as JSON. A record is an object whose members have the names of its
+// fields. A value of an enumeration is {"value": 7, "name": "ready"}; the name is null when the
+// value has none.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@ using Json = nlohmann::ordered_json;
 /// Writes @p value for people to read. Bytes that are not UTF-8 become replacement characters.
 void WriteJson(std::ostream& out, const Json& value);
 
-/// @p value with its name.
+/// @p value with its name, as an object.
 Json Named(std::int64_t value, Enumeration names);
 
 /// @p bytes as hexadecimal digits.

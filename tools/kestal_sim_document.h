@@ -1,21 +1,21 @@
-// The device's document as the commands of kestal-sim use it.
+// Access of the commands of kestal-sim to the device's document.
 #pragma once
 
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-/// What is in the file @p file. Throws std::exception.
+/// The contents of the file @p file. Throws std::exception if it cannot be read.
 std::string Contents(const std::string& file);
 
-/// The document of the device. Throws std::exception unless it is a good one.
+/// The document of the device. Throws std::exception if it is missing or has faults.
 nlohmann::ordered_json CurrentDocument();
 
 /// Changes the document of the device with @p change, see binding::ChangeDevice.
 void ChangeDocument(const std::function<void(nlohmann::ordered_json&)>& change);
 
-/// The JSON value that @p text is; the text itself when it is not JSON.
+/// @p text parsed as JSON; the text itself when it is not JSON.
 nlohmann::ordered_json ValueOf(const std::string& text);
 
-/// The file @p name, or the one that is installed in @p folder under that name.
+/// The path of the file @p name, or of the file that is installed in @p folder under that name.
 std::string FileNamed(const std::string& name, const std::string& folder);

@@ -49,7 +49,7 @@ void Notify(const Arguments& arguments, std::ostream& out) {
     }
 }
 
-/// An option that says what is special about the notification to be added.
+/// An option that sets a field of the notification to be added.
 Option Field(const char* name, const char* description, const char* value) {
     return {.name = name,
             .description = description,

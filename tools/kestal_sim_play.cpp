@@ -19,7 +19,7 @@ namespace {
 
 using binding::Milliseconds;
 
-/// Tells on the standard error stream what happens.
+/// Reports on the standard error stream what the scenario does.
 class Narrator : public binding::Audience {
   public:
     explicit Narrator(bool newIsQuiet) : isQuiet(newIsQuiet) {}
@@ -67,7 +67,7 @@ double Speed(const std::string& text) {
     double speed = 0;
     const char* const last = text.data() + text.size();
     const auto [end, error] = std::from_chars(text.data(), last, speed);
-    // Written so that "nan", of which every comparison is false, is refused.
+    // The condition is negated so that it also refuses "nan": every comparison with nan is false.
     if (error != std::errc() || end != last || !(speed >= 0.01 && speed <= 1e9)) {
         throw UsageError("--speed: '" + text + "' is not a number from 0.01 to 1000000000");
     }

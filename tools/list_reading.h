@@ -12,7 +12,7 @@
 /// CallFailed.
 template <typename Record, typename Count, typename Read>
 std::vector<Record> ReadList(const std::string& call, int success, int bufferNeeded, Read read) {
-    // The list may grow between two calls, but not for ever.
+    // The list may grow between two calls, so they are repeated, but not for ever.
     constexpr int kTries = 5;
     std::vector<Record> records;
     Count count = 0;

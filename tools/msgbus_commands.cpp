@@ -21,7 +21,7 @@ void CheckBus(const std::string& call, int code) {
     Check("MsgbusHandler::" + call, code, MSGBUS_SUCCESS);
 }
 
-/// The handler while it has joined the bus.
+/// A handler that is joined to the bus as long as the object exists.
 class BusVisit {
   public:
     BusVisit() { CheckBus("Initialize", bus.Initialize()); }
@@ -48,13 +48,13 @@ class BusVisit {
 };
 
 Block ReadChannel(BusVisit& bus, const std::string& channel) {
-    // The block may grow between two calls, but not for ever.
+    // The block may grow between two calls, so they are repeated, but not for ever.
     constexpr int kTries = 5;
     Block block;
     unsigned int size = 0;
     int code = bus.GetData(channel, nullptr, size);
     for (int attempt = 0; attempt < kTries && code == MSGBUS_BUFFER_NEEDED; ++attempt) {
-        // An empty block needs a buffer as well.
+        // The call needs a buffer even for an empty block.
         size = std::max(size, 1U);
         block.assign(size, 0);
         code = bus.GetData(channel, block.data(), size);

@@ -2,5 +2,5 @@
 
 #include "tools/tool.h"
 
-/// msgbus_cli: what has been published on the message bus.
+/// msgbus_cli: shows what has been published on the message bus.
 Tool MsgbusTool();

@@ -21,7 +21,7 @@ void CheckSys(const std::string& call, int code) {
     Check(call, code, SYS_SUCCESS);
 }
 
-/// One round of calls.
+/// A session of the SDK, which is open as long as the object exists.
 class SdkRound {
   public:
     SdkRound() { CheckSys("sys_sdkInitialize", sys_sdkInitialize()); }
@@ -48,8 +48,8 @@ using Parameters = std::vector<Parameter>;
 /// The call of a command: it fills the answer and returns its code.
 using Call = std::function<int(const Arguments&, Json&)>;
 
-/// A command that runs @p call in a round of its own. The name of the call is the command's first
-/// one behind "sys_".
+/// A command that opens a session of the SDK for @p call alone. The name of the call is "sys_" and
+/// the command's first name.
 Command InRound(Names names, std::string description, Parameters parameters, Call call) {
     const std::string callName = "sys_" + names.front();
     return {
@@ -79,7 +79,7 @@ Command Query(std::string name, std::string description, int (*call)(T*), Descri
                    });
 }
 
-/// A query for a number by the name of something.
+/// A query that takes a name as its parameter and answers a number.
 Command QueryByName(std::string name, std::string description, Parameter parameter,
                     int (*call)(const char*, int*), const char* field) {
     return InRound({std::move(name)}, std::move(description), {parameter},
@@ -91,7 +91,7 @@ Command QueryByName(std::string name, std::string description, Parameter paramet
                    });
 }
 
-/// A call that does something and answers nothing.
+/// A command for a call that does something but has no result.
 Command Action(std::string name, std::string description, int (*call)(int)) {
     return InRound({std::move(name)}, std::move(description), {},
                    [call](const Arguments& /*arguments*/, Json& /*answer*/) { return call(0); });
@@ -187,7 +187,7 @@ Json Described(const sys_battery_status_t& status) {
                          {"chargingSource", Named(status.chargingSource, kChargingSource)}});
 }
 
-/// Describes a record by its fields, a number by the name @p field.
+/// Returns a function that describes a record by its fields, and a number as @p field.
 template <typename Meaning>
 auto As(const char* field) {
     return [field](const auto& value) {
@@ -286,7 +286,7 @@ std::vector<Command> Commands() {
         all.insert(std::next(find(name)), std::make_move_iterator(commands.begin()),
                    std::make_move_iterator(commands.end()));
     };
-    // Some log lines spell it so.
+    // Some log lines use this spelling.
     find("getCABandWidth")->names.emplace_back("getCABandwidth");
     behind("getHalyardAgentCarrierEnabled", QueriesByName());
     behind("getWatchdogInterval",

@@ -2,5 +2,5 @@
 
 #include "tools/tool.h"
 
-/// sysintcli: the calls of the system-interface SDK, each in a round of its own.
+/// sysintcli: makes calls of the system-interface SDK, one each time it runs.
 Tool SysintTool();

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Thrown for an option that is answered at once.
+/// Thrown for an option, such as --version, that is answered without running a command.
 class AnswerAtOnce : public CLI::Success {
   public:
     explicit AnswerAtOnce(const std::string& answer)
@@ -72,7 +72,7 @@ void AddOption(CLI::App& command, const Option& option) {
     }
 }
 
-/// The argument @p name as the parser has found it.
+/// The value that the parser has found for the argument @p name.
 Argument Found(const CLI::App& command, const std::string& name, const std::string& preset) {
     const CLI::Option* const option = command.get_option(name);
     const bool isGiven = option->count() > 0;
@@ -102,7 +102,8 @@ Arguments Collected(const CLI::App& app, const Command& command) {
     return arguments;
 }
 
-/// Adds @p command to @p app, which then finds @p choice. Keeps references to both.
+/// Adds @p command to @p app, whose parser stores it in @p choice when the caller chooses it. Keeps
+/// references to @p command and @p choice.
 void AddCommand(CLI::App& app, const Command& command, Choice& choice) {
     CLI::App* const added =
         app.add_subcommand(command.names.front(), command.description)->group("Commands");
@@ -172,8 +173,8 @@ bool IsGroup(const CLI::App& app) {
     return app.get_require_subcommand_min() > 0;
 }
 
-/// The argument in place of a command that is neither a command nor an option; none when there is
-/// no such argument.
+/// The argument that stands where a command is expected but is neither a command nor an option;
+/// nullopt when there is no such argument.
 std::optional<std::string> Unknown(const CLI::App& app) {
     const CLI::App& group = Reached(app);
     const std::vector<std::string> left = group.remaining();
@@ -205,7 +206,7 @@ std::string CodeText(const Tool& tool, int code) {
     return std::to_string(code) + (name == nullptr ? "" : " (" + std::string(name) + ")");
 }
 
-/// Whether all that was answered has been written.
+/// Flushes the answer. The exit code tells whether all of it has been written.
 ExitCode Finish(const Tool& tool, std::ostream& out, std::ostream& errors) {
     if (!out.flush()) {
         errors << tool.name << ": the output cannot be written\n";
@@ -228,7 +229,7 @@ ExitCode RunTool(const Tool& tool, const std::vector<std::string>& arguments, st
     try {
         Describe(app, tool, choice);
         RefuseEmptyValues(arguments);
-        // The parser takes the arguments from the end.
+        // The parser expects the arguments in reverse order.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         for (const Setting& setting : tool.settings) {
             const Argument value = Found(app, setting.option.name, "");

@@ -1,4 +1,4 @@
-// What the command-line tools have in common: a tool is a table of commands, each of which takes
+// The common part of the command-line tools. A tool is a table of commands, each of which takes
 // arguments and writes an answer.
 #pragma once
 
@@ -21,7 +21,7 @@ enum class ExitCode {
 
 /// A command of a tool.
 struct Command {
-    /// The command's name, then further ones under which people know it.
+    /// The command's name, then alternative names.
     std::vector<std::string> names;
     std::string description;
     std::vector<Parameter> parameters = {};
@@ -81,5 +81,5 @@ struct Tool {
 ExitCode RunTool(const Tool& tool, const std::vector<std::string>& arguments, std::ostream& out,
                  std::ostream& errors);
 
-/// The same for main(), which any exception ends with a complaint and exit code 1.
+/// The same for main(). Any exception leads to a complaint and exit code 1.
 int RunTool(const Tool& tool, int argc, char** argv);

@@ -56,7 +56,7 @@ Json Describe(const SoftwareUpdateCustomMessages& messages) {
 /// The call of a command: it fills the answer and returns its code.
 using Call = std::function<int(const Arguments&, Json&)>;
 
-/// A command around @p call, whose name is the command's first one behind "webui_".
+/// A command that makes @p call. The name of the call is "webui_" and the command's first name.
 Command Calling(Names names, std::string description, Parameters parameters, Call call) {
     const std::string callName = CallName(names);
     return {
@@ -82,7 +82,7 @@ Command Query(Names names, std::string description, int (*call)(Record*)) {
                    });
 }
 
-/// A query by the name of something.
+/// A query that takes a name as its parameter.
 template <typename Record>
 Command Query(Names names, std::string description, Parameter parameter,
               int (*call)(const char*, Record*)) {
@@ -95,7 +95,8 @@ Command Query(Names names, std::string description, Parameter parameter,
                    });
 }
 
-/// Reads a list with @p read(buffer, count), the call @p callName, and describes it as @p field.
+/// Reads a list with @p read(buffer, count), which makes the call @p callName, and puts the list
+/// into the answer as @p field.
 template <typename Record, typename Read>
 int List(const std::string& callName, const char* field, Read read, Json& answer) {
     Json list = Json::array();

@@ -2,5 +2,5 @@
 
 #include "tools/tool.h"
 
-/// webui_cli: the calls of the web UI configuration library.
+/// webui_cli: makes calls of the web UI configuration library.
 Tool WebuiTool();

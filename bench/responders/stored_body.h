@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string>
 
-/// The body that a responder of the benchmark answers. Its file is named where the service is told
-/// of its device: the launcher hands on no other variables.
+/// The body that a responder of the benchmark answers. KESTAL_DEVICE names its file, because the
+/// launcher passes on only the variables of the service.
 inline std::string StoredBody() {
     const char* path = std::getenv("KESTAL_DEVICE");
     std::ifstream file(path == nullptr ? "" : path);

@@ -25,7 +25,7 @@ def pytest_runtest_makereport(item):
 
 @pytest.fixture
 def work():
-    """A folder for one test. Its name is short: paths of sockets have little room."""
+    """A folder for one test. Its name is short, because the length of a socket's path is limited."""
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-test-"))
     yield folder
     sanitizers.check(folder)

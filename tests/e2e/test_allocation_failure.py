@@ -24,7 +24,7 @@ def memory(work):
 
 @pytest.fixture(scope="module")
 def resting_device(tmp_path_factory):
-    """A device whose document is so old that nothing but a change makes the service read it again."""
+    """A device whose document is old enough that the service reads it again only after a change."""
     device = Device(tmp_path_factory.mktemp("device") / "device.json")
     device.write((paths.DEVICES / "all-notifications.json").read_bytes())
     device.set(cellularDataConnect={"error": 5}, cellularDataDisconnect={"error": 5})
@@ -59,13 +59,13 @@ def test_a_request_short_of_memory_is_finished_and_the_next_is_whole(hungry, mem
     total = count(hungry, memory, uri)
     assert total > 10
     failures = 0
-    # A sample where there are many.
+    # If there are many allocations, only a sample of them fails.
     for number in range(1, total + 1, max(1, total // 90)):
         memory.fail(number, persistently)
         answer = hungry.ask(uri)
         failures += memory.heal()[1]
         assert answer.complete, number
-        # Without memory for the writer's own text, nothing can be said.
+        # If there is no memory for the writer's text, the answer is empty.
         assert answer.body == b"" or answer.body.startswith(b'{"loginStatus":0'), number
         assert hungry.process.poll() is None, number
         assert hungry.ask(uri).body == before.body, number

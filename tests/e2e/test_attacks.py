@@ -1,5 +1,5 @@
-"""One client does not keep others out, behind the shipped firewall rules. In networks of the test's own,
-which need root."""
+"""With the shipped firewall rules, one client cannot keep others out. The tests make their own networks,
+which needs root."""
 
 import contextlib
 import socket
@@ -20,7 +20,7 @@ pytestmark = pytest.mark.skipif(not namespaces.may_be_made(), reason="only root 
 def network():
     made = namespaces.Network()
     made.protect()
-    # As at a reload.
+    # Load the rules once more, as at a reload.
     made.protect()
     yield made
     made.close()
@@ -28,7 +28,7 @@ def network():
 
 @pytest.fixture
 def listener(network):
-    """A server that answers nobody, for every address."""
+    """A server that listens on every address and answers nobody."""
     with network.server.entered():
         server = socket.create_server(("::", PORT), family=socket.AF_INET6, backlog=100, dualstack_ipv6=True)
     with server:
@@ -36,7 +36,7 @@ def listener(network):
 
 
 class Connections:
-    """Those of one client, from one address."""
+    """The connections of one client, from one address."""
 
     def __init__(self, stack, namespace, target, source=None):
         self.stack = stack
@@ -55,7 +55,7 @@ class Connections:
         return True
 
     def fill(self):
-        """Opens connections until one is refused; returns how many there were."""
+        """Opens connections until one is refused; returns how many were accepted."""
         while self.is_let_in():
             assert len(self.open) <= LIMIT
         return len(self.open)
@@ -74,7 +74,7 @@ def test_each_address_has_its_own_limit_and_an_end_makes_room(network, listener,
     second = connect(network.clients[0], target, other)
     assert second.fill() == LIMIT
     assert connect(network.clients[1], network.server_addresses[1][0]).is_let_in()
-    # The client's end and the server's.
+    # Close one connection at the client's end and one at the server's.
     first.open[0].close()
     listener.accept()[0].close()
     wait_until(first.is_let_in, "there is room again")
@@ -99,7 +99,8 @@ def test_the_device_itself_is_not_limited(network, listener, connect, address):
 def test_an_attack_from_one_address_leaves_room_for_others(network, make_server, kind, address):
     server = make_server()
     server.port = PORT
-    # The server ends no connection of the attacker's, so who had to wait for that would wait too long.
+    # The server does not close the attacker's connections, so a client that needed one of them to end
+    # would wait too long.
     server.limit(max_read_idle=600, max_write_idle=600, max_keep_alive_idle=600)
     server.environment |= {"KESTAL_PORT": str(PORT), "KESTAL_ADDRESS": ["0.0.0.0", "::"][address]}
     with network.server.entered():

@@ -1,4 +1,5 @@
-"""Request bodies: no operation has one and the web server lets none through; none may do harm if it did."""
+"""Request bodies: no operation has one, and the web server lets none through. Even if one got through, the
+service must handle it safely."""
 
 import socket
 import struct
@@ -107,7 +108,7 @@ def test_browsers_that_go_away_disturb_nobody(server):
     for _ in range(50):
         client = web.connect(server.port)
         client.sendall(b"GET /srv/status HTTP/1.1\r\nHost: localhost\r\n\r\n")
-        # Closing resets the connection.
+        # With this option, closing the socket resets the connection.
         client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         client.close()
     assert server.ask("/srv/status").status == 200

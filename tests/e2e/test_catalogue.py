@@ -1,4 +1,4 @@
-"""The texts for the user: whole, in every language, and no more than are shown."""
+"""The texts for the user are complete in every language, and the catalogue has no unused ones."""
 
 import json
 import re
@@ -13,7 +13,7 @@ LANGUAGES = sorted(path.stem for path in FOLDER.glob("*.po"))
 ENGLISH = "en_US"
 CODE = ("framework", "components", "service")
 MESSAGE_ID = re.compile(r"[a-z][a-z0-9]*(_[a-z0-9]+){2,}")
-# Bytes that the record of a notification or page has for an id.
+# The number of bytes for an id in the record of a notification or page.
 ROOM = {"titleId": 49, "labelId": 49, "textId": 285}
 PAGE_TITLE_ROOM = 127
 
@@ -48,15 +48,15 @@ def ids_of_the_code():
     found = set()
     for folder in CODE:
         for file in (paths.ROOT / folder).rglob("*.[ch]*"):
-            # Adjacent literals are one.
+            # Join adjacent string literals.
             text = re.sub(r'"\s*"', "", file.read_text())
             found |= {literal for literal in re.findall(r'"([^"\n]*)"', text) if MESSAGE_ID.fullmatch(literal)}
-    # Calls are named in the log, in the same form.
+    # Names of calls, which appear in log lines, have the same form as ids but are none.
     return found - set(re.findall(r"\bwebui_get_\w+(?=\()", (paths.ROOT / "platform" / "webui.h").read_text()))
 
 
 def entries(value, key, path=()):
-    """All values that stand under a key anywhere, with the way there."""
+    """All values of a key anywhere in the document, each with its path."""
     if isinstance(value, dict):
         for name, inner in value.items():
             if name == key:
@@ -68,7 +68,7 @@ def entries(value, key, path=()):
 
 
 def ids_of_the_devices():
-    """Every (kind, id, is it a page's) in a shipped device document."""
+    """Every (kind, id, whether it belongs to a page) in the shipped device documents."""
     found = set()
     for file in paths.DEVICES.glob("*.json"):
         document = json.loads(file.read_text())

@@ -22,7 +22,7 @@ MESSAGE = {
 
 
 def start(server):
-    """At the level of a device: log lines would give the web server time."""
+    """Uses the log level of a device, because writing debug lines would give the web server more time."""
     server.environment["KESTAL_LOG_LEVEL"] = "5"
     server.process = server.launch()
     wait_until(server.is_up, "the web server has started")
@@ -57,7 +57,7 @@ def test_a_large_answer_to_a_slow_reader_is_whole(server):
     server.device.change(msgbus={CHANNEL: [MESSAGE] * count})
     with web.connect(server.port) as slow:
         slow.sendall(b"GET /srv/notification HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n")
-        # The service answers others before this reader has taken a byte.
+        # The service answers other clients before this client has read a byte.
         assert is_whole(server.ask("/srv/status"))
         answer = web.read_answer(slow)
     assert len(json.loads(answer.body)["notificationsList"]) == count
@@ -66,7 +66,7 @@ def test_a_large_answer_to_a_slow_reader_is_whole(server):
 def test_clients_that_go_away_cost_others_nothing(server):
     for _ in range(50):
         with web.connect(server.port) as client:
-            # Closing resets the connection, whatever is under way.
+            # With this option, closing the socket resets the connection, even in the middle of an answer.
             client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
             client.sendall(b"POST /srv/status HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 0\r\n\r\n")
         assert is_whole(server.ask("/srv/status"))

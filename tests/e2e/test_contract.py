@@ -31,7 +31,7 @@ def test_what_a_shipped_device_answers_is_within_the_contract(shown, name):
 def calls(document):
     for group in ("sys", "webui", "msgbus"):
         for call in document[group]:
-            # Without this one there is no answer.
+            # Without this call the service gives no answer.
             if call != "getWebUICarrierEnabled":
                 yield group, call
 
@@ -87,7 +87,7 @@ def put(document, path, value):
     document[path[-1]] = value
 
 
-# Smallest and largest of a signed and an unsigned number of 32 bits, and the largest of 64 bits.
+# Limits of signed and unsigned numbers of 32 bits, and the largest one of 64 bits.
 EXTREMES = [-(2**31), 2**31 - 1, 2**32 - 1, 2**64 - 1]
 UNSIGNED_32 = {"getWiFiMaxClients", "cardInUse"}
 UNSIGNED_64 = {
@@ -111,7 +111,7 @@ def extremes(path):
 def test_extreme_numbers_stay_within_the_contract(asker, name):
     device = asker(shipped(name))
     for call, value in shipped(name)["sys"].items():
-        # Bytes of their own, and the switch without which there is no answer.
+        # Skip a call that answers bytes, and the switch without which the service gives no answer.
         if call in ("getSIMCarrierGID", "getWebUICarrierEnabled"):
             continue
         for path in fields(value):
@@ -139,7 +139,7 @@ def test_the_texts_of_the_device_stay_within_the_contract(asker):
     assert [notification["text"] for notification in device.notifications()][0] == hostile
 
 
-# The contract allows no more than the answers show.
+# The tests below check that the contract allows nothing that no answer shows.
 
 
 def test_the_contract_has_no_key_that_no_shipped_device_shows(shown):
@@ -167,7 +167,7 @@ ENUMERATED = {key: values(schema) for key, schema in STATUS.items() if values(sc
 
 
 def variants(document, *path, span):
-    """Copies of a document with one number varied beyond the values that have a meaning."""
+    """Copies of a document with one number varied, including values without a meaning."""
     for value in span:
         copied = copy.deepcopy(document)
         put(copied, path, value)
@@ -233,7 +233,7 @@ def test_the_contract_enumerates_what_the_service_gives_and_nothing_else(asker):
         for state in states(document):
             device.write(state)
             device.status()
-            # Technology and signal follow the SIM in use one request late.
+            # One request first: technology and signal follow a change of the SIM in use one request late.
             device.status()
         for key, given in device.seen.items():
             seen[key] |= given

@@ -1,4 +1,4 @@
-"""The contract, docs/api/openapi.yaml, as a document: well formed, complete, its examples valid."""
+"""The contract, docs/api/openapi.yaml, is well formed and complete, and its examples are valid."""
 
 import jsonschema
 
@@ -29,7 +29,7 @@ def test_every_reference_has_a_target_and_every_component_a_use():
     assert schemes == set(CONTRACT["components"]["securitySchemes"])
 
 
-# Objects of an OpenAPI 3.1 document, the fields that this one uses, those that must be there.
+# Kinds of objects in an OpenAPI 3.1 document: the fields that this document uses, and the required ones.
 OBJECTS = {
     "document": (
         {"openapi", "jsonSchemaDialect", "info", "servers", "security", "tags", "paths", "components"},
@@ -50,7 +50,7 @@ OBJECTS = {
 
 
 def objects():
-    """All objects of the document that are no schemas, with their kinds."""
+    """All objects of the document except schemas, with their kinds."""
     components = CONTRACT["components"]
     yield "document", CONTRACT
     yield "info", CONTRACT["info"]
@@ -129,7 +129,7 @@ KEYWORDS = {
 def test_every_schema_is_one():
     for schema in schemas():
         jsonschema.Draft202012Validator.check_schema(schema)
-        # A misspelt keyword would be ignored.
+        # Validators ignore unknown keywords, so a misspelt one must be found here.
         assert set(schema) <= KEYWORDS, schema
 
 

@@ -1,4 +1,4 @@
-"""The errors of the contract, docs/api/openapi.yaml, as the web server gives them."""
+"""The web server answers errors as the contract, docs/api/openapi.yaml, describes them."""
 
 import concurrent.futures
 import os
@@ -20,7 +20,7 @@ class WebServer:
         self.given = {(path, method): set() for path, method, _ in operations()}
 
     def ask(self, path, method, *headers, target=None, body=b""):
-        """Asks as an operation is asked, and holds the answer against the contract."""
+        """Sends a request like one for an operation, and checks the answer against the contract."""
         headers = [*headers, *([("Content-Length", "0")] if method == "post" and not body else [])]
         answer = self.server.ask(target or path, headers, method=method.upper(), body=body)
         self.check(path, method, answer)
@@ -42,7 +42,7 @@ class WebServer:
         return {self.ask(path, method, *headers, **arguments) for path, method in self.given}
 
     def all_at_once(self, then):
-        """Asks for everything, acts meanwhile, and returns the status codes."""
+        """Sends all requests, calls the given function meanwhile, and returns the status codes."""
         with concurrent.futures.ThreadPoolExecutor(len(self.given)) as pool:
             asked = [pool.submit(self.ask, *operation) for operation in self.given]
             then()
@@ -60,7 +60,7 @@ class WebServer:
         return self.all_at_once(then=die)
 
     def connections(self):
-        """How many connections to the service there are that it has not ended."""
+        """The number of connections to the service that it has not closed."""
         sockets = pathlib.Path("/proc/net/unix").read_text().splitlines()
         return sum(line.endswith(f" {self.server.run}/responder.sock-0") for line in sockets) - 1
 
@@ -85,16 +85,17 @@ def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_serv
     assert web.all() == {501}
     server.device.set(getWebUICarrierEnabled=1)
 
-    # A request that has not reached the service when it dies is served by the next one.
+    # If a request has not reached the service when it dies, the next service answers it. So try again
+    # until all requests have reached it.
     wait_until(lambda: web.all_while_the_service_dies() == {500}, "all requests die with the service")
-    # The web server starts the next one when it likes, and needs the program for that.
+    # The web server may start the next service at any time, and needs the program for that.
     responder = server.responder()
     (server.run / "kestal.cgi").unlink()
     os.kill(responder, signal.SIGKILL)
     wait_until(lambda: server.ask("/srv/status").status == 503, "the web server knows that it is gone")
     assert web.all() == {503}
 
-    # Before, a service that is late for a second must not be given up.
+    # The short timeout applies only from here on: before, it would give up a service that is merely slow.
     server.stop()
     server.environment["KESTAL_TIMEOUT"] = "1"
     server.start()

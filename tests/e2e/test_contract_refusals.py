@@ -1,4 +1,4 @@
-"""What the contract, docs/api/openapi.yaml, refuses: wrong answers, each wrong in one way."""
+"""The contract, docs/api/openapi.yaml, refuses wrong answers; each one here is wrong in one way."""
 
 import json
 
@@ -53,7 +53,7 @@ CODES_OF_THE_SECOND_SLOT = dict.fromkeys(
     ["statusBarSim2MMCode", "statusBarSim2CarrierBlockedStatus"], GONE
 )
 
-# One for each kind of rule: device whose second answer is changed, what is changed in it
+# One case for each kind of rule: the device whose second answer is changed, and the change
 WRONG = {
     "SINR beside SNR": (ONE_SIM, {"statusBarSINR": "3"}),
     "a connection without its ratio": (ONE_SIM, {"statusBarSNR": GONE}),

@@ -1,4 +1,4 @@
-"""A page of another site must not act on the device in the name of whoever looks at it."""
+"""A page of another site must not trigger actions on the device through the browser of its visitor."""
 
 import pytest
 
@@ -72,7 +72,7 @@ FOREIGN = {
     "of an origin written in two lines": [("Origin", "http://127.0.0.1:{port}\r\n http://example.com")],
 }
 
-# A browser that has been told that such a name is ours takes its pages for our own.
+# DNS rebinding: a browser for which such a name resolves to our address takes its pages for our own.
 FOREIGN_HOSTS = {
     "a name pointed at us": [("Host", "example.com:{port}")],
     "a name that ends with a dot": [("Host", "example.com.")],
@@ -212,8 +212,8 @@ def test_a_host_that_can_be_read_in_two_ways_is_refused(armed, lines):
 
 
 def test_a_fragment_is_not_seen_by_the_guard(armed):
-    """A known limit. The web server drops the fragment before any of its rules, the service searches
-    it for an action. No browser sends one, so no page can make a browser pass here."""
+    """A known limit: the web server drops the fragment before it applies its rules, but the service searches
+    it for an action. No browser sends a fragment, so no page can exploit this."""
     assert armed.ask("/srv/stat%75s#connect", [("Sec-Fetch-Site", "cross-site")]).status == 200
     assert connection_status(armed) == 2
 

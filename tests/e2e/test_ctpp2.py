@@ -1,4 +1,4 @@
-"""Which library of the answer tree a build takes, and what it says of it.
+"""Which library for the answer tree a build uses, and what it prints about it.
 
 Nothing is built but a library of two functions: configuring tells all.
 """
@@ -69,14 +69,14 @@ class Configured:
             capture_output=True, text=True, timeout=300,
         )
         self.succeeded = done.returncode == 0
-        # CMake breaks the lines of errors where they get long.
+        # Join the lines, because CMake wraps long error messages.
         self.said = " ".join((done.stdout + done.stderr).split())
 
     def builds_with(self, path):
         return str(path) in (self.folder / "build.ninja").read_text()
 
     def rpath_of_the_installed_service(self):
-        """CMake looks for it in an installed program that it is about to replace."""
+        """Reads the run path that the install script sets; CMake checks for it in an installed program."""
         script = (self.folder / "service" / "cmake_install.cmake").read_text()
         return script.partition(' RPATH "')[2].partition('"')[0]
 

@@ -1,4 +1,4 @@
-"""A debug log that has no room loses lines and nothing else."""
+"""If there is no room for the debug log, only log lines get lost; the service keeps working."""
 
 import contextlib
 import gzip
@@ -30,7 +30,7 @@ def test_a_full_disk_under_the_log_does_not_touch_the_service(make_responder):
 
 
 def test_a_log_at_its_size_limit_loses_lines_until_there_is_room(responder):
-    """The kernel answers a write beyond the limit with a signal that ends a process."""
+    """A write beyond the file size limit makes the kernel send a signal, which by default ends a process."""
     responder.ask()
     log = responder.log.path
     limit = log.stat().st_size + 1000
@@ -65,7 +65,7 @@ def test_a_fault_that_stays_is_told_at_once_and_then_counted(make_responder, wor
                 counts = [times(line) for line in log if f"{call} failed" in line]
                 assert counts[0] == 1
                 assert sum(counts) == 40
-                # One for each minute that the test takes, and one at the end.
+                # One line for each minute that the test takes, and one at the end.
                 assert len(counts) < 10
 
 
@@ -75,7 +75,7 @@ def test_the_shipped_rotation_keeps_every_line(responder, work):
     assert "/var/lib/kestal/debug.log" in shipped
     configuration = work / "logrotate.conf"
     configuration.write_text(shipped.replace("/var/lib/kestal/debug.log", str(log.path)))
-    # It takes no orders that others could have written.
+    # The service ignores a configuration file that other users can write.
     configuration.chmod(0o600)
     rotate = ["/usr/sbin/logrotate", "--force", "--state", work / "state", configuration]
     written = []

@@ -1,4 +1,5 @@
-"""What the shipped web server configuration lets through, and how the launcher checks its orders."""
+"""Which requests the shipped web server configuration lets through, and how the launcher checks its
+settings."""
 
 import contextlib
 import json
@@ -47,7 +48,7 @@ def test_the_web_server_listens_where_it_is_told_and_guards_there_too(make_serve
     page = "http://hotspot.lan"
     server = make_server()
     server.environment |= {"KESTAL_ADDRESS": address, "KESTAL_ORIGINS": page}
-    # Whether it serves is asked below.
+    # Do not wait here until it serves; the requests below do.
     server.process = server.launch()
     wait_until(server.is_up, "the web server has started")
     assert processes.listens(server.process.pid) == {(bound, server.port)}
@@ -58,7 +59,7 @@ def test_the_web_server_listens_where_it_is_told_and_guards_there_too(make_serve
             return server.ask(target, [("User-Agent", "test"), *headers], address=own)
 
         wait_until(lambda: ask("/srv/status").status == 200, "the service serves")
-        # Who asks 127.0.0.2 does so from 127.0.0.1.
+        # A client that connects to 127.0.0.2 has the address 127.0.0.1.
         session = ("Cookie", open_session(server, "::1" if own == "::1" else "127.0.0.1"))
         assert ask("/srv/status", session).json()["loginStatus"] == 1
         assert ask("/srv/status").json()["loginStatus"] == 0
@@ -146,7 +147,7 @@ def test_a_page_loads_nothing_from_elsewhere_and_is_shown_in_no_other(make_serve
         }
         assert len(directives) == 7
         assert headers["x-content-type-options"] == "nosniff"
-        # Anything stricter would hide from the guard where a GET of our own page comes from.
+        # A stricter policy would hide from the access rules that a GET comes from our own page.
         assert headers["referrer-policy"] == "same-origin"
 
 
@@ -188,7 +189,7 @@ def test_an_existing_run_directory_is_closed_to_other_users(make_server):
 @pytest.mark.parametrize("slashes", ["", "/", "//"])
 @pytest.mark.parametrize("command", ["start", "sweep"])
 def test_a_run_directory_that_is_a_link_is_refused(make_server, work, command, slashes):
-    """Whoever made the link would choose whose files are closed to others and removed."""
+    """With a link, whoever made it could choose the folder whose permissions change and files are removed."""
     server = make_server()
     folder = work / "folder"
     folder.mkdir(mode=0o755)
@@ -232,7 +233,7 @@ def test_an_end_with_clients_is_no_failure_to_systemd(server):
     (expected,) = re.findall(r"(?m)^SuccessExitStatus=(\d+)$", unit)
     with web.connect(server.port) as client:
         client.sendall(b"GET /srv/sta")
-        # So the web server knows of both.
+        # After this answer the web server has accepted both connections.
         assert server.ask("/srv/status").status == 200
         server.process.terminate()
         assert server.process.wait(20) == int(expected)

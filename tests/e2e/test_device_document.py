@@ -1,4 +1,4 @@
-"""The device's file while the service runs: damaged, gone, replaced."""
+"""The device's file is damaged, removed or replaced while the service runs."""
 
 import contextlib
 import json
@@ -166,7 +166,7 @@ def test_an_action_does_not_repair_a_damaged_document(responder):
 
 
 def test_services_that_share_a_device_lose_no_action(make_responder):
-    """The document is replaced hundreds of times by two writers; it is whole at every moment."""
+    """Two writers replace the document hundreds of times; it must be complete at every moment."""
     first, second = make_responder("a"), make_responder("b")
     second.environment["KESTAL_DEVICE"] = str(first.device.path)
     first.start()
@@ -185,7 +185,7 @@ def test_services_that_share_a_device_lose_no_action(make_responder):
 
 
 def marked(document, number):
-    """The device in a state that shows in several places of an answer."""
+    """Puts the device into a state that is visible in several places of an answer."""
     calls = document["sys"]
     calls["getBatteryStatus"]["chargePercent"] = number
     calls["getSMSUnreadCount"] = number
@@ -204,8 +204,8 @@ def marks(answer):
 
 
 def write_again_and_again(path, states, ended, count, torn):
-    """A writer of its own process. A torn document is cut off somewhere, and whole again with the
-    next state."""
+    """A writer in a process of its own. A torn document is cut off somewhere; the next state is complete
+    again."""
     new = path.with_name(f"{path.name}.{os.getpid()}")
     number = 0
     while not ended.value:
@@ -220,7 +220,7 @@ def write_again_and_again(path, states, ended, count, torn):
 
 @contextlib.contextmanager
 def writers(device, states, torn=False):
-    """Yields a function that tells how often the document has been replaced."""
+    """Yields a function that returns how often the document has been replaced."""
     ended = multiprocessing.RawValue("b", 0)
     counts = [multiprocessing.RawValue("L", 0) for _ in states]
     processes = [
@@ -238,8 +238,8 @@ def writers(device, states, torn=False):
 
 
 def states_seen(responder, replaced, least, enough):
-    """Asks until enough() holds, more than three states have been seen, and the document has been replaced
-    so many times at least within each of 200 requests, and looks that each answer is of one state."""
+    """Sends requests and checks that each answer shows a single state. Ends when enough() holds, more than
+    three states have been seen, and the document was replaced often enough during each of 200 requests."""
     end = time.monotonic() + 200
     seen = set()
     requests = disturbed = 0
@@ -261,7 +261,7 @@ def test_answers_are_of_one_state_each_while_several_writers_replace_the_documen
     with writers(responder.device, documents) as replaced:
         begin = time.monotonic()
         seen = states_seen(responder, replaced, 5, lambda: min(replaced()) >= 300)
-        # How fast is the machine's affair, and no condition.
+        # Only for information: the speed depends on the machine.
         print(f"{sum(replaced()) / (time.monotonic() - begin):.0f} replacements a second")
     assert seen <= {str(number) for number in range(10, 40)}
     assert responder.log.count("[ERROR]") == 0

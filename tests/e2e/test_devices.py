@@ -1,5 +1,5 @@
-"""What the service says of each shipped device: the whole status, compared with the stored one, and
-the active notifications.
+"""The answers for each shipped device: the whole status, compared with the stored one, and the active
+notifications.
 
 answers/NAME.json holds the status answers that a fresh service gives one after the other for
 devices/NAME.json.

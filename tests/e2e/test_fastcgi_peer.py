@@ -1,4 +1,4 @@
-"""A peer that does not keep to the FastCGI protocol, or keeps to parts of it that are seldom used."""
+"""A peer that violates the FastCGI protocol, or uses parts of it that are seldom used."""
 
 import random
 
@@ -60,8 +60,9 @@ def test_an_unknown_record_outside_a_request_disturbs_nobody(responder):
 
 
 def test_noise_disturbs_nobody(responder):
-    # Bytes below 128 make no four-byte lengths: libfcgi ends the process when it cannot allocate
-    # what such a length announces. Only the web server can connect; see the socket's folder.
+    # Bytes below 128 cannot announce a four-byte length. libfcgi ends the process if it cannot allocate
+    # memory for such a length. This is accepted, because only the web server can connect: others have no
+    # access to the socket's folder.
     noise = random.Random(20261121)
     whole = bytearray(request(fastcgi.STATUS, b"a=1"))
     for _ in range(200):

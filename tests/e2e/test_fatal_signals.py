@@ -1,4 +1,4 @@
-"""SIGSEGV, SIGABRT and SIGILL: a backtrace in the log, and the signal's number as exit status."""
+"""SIGSEGV, SIGABRT and SIGILL lead to a backtrace in the log and the signal's number as exit status."""
 
 import ctypes
 import os
@@ -67,7 +67,7 @@ def test_a_backtrace_is_logged_at_the_usual_level(make_responder):
 @pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks of their own in a handler")
 @pytest.mark.parametrize("signo", FATAL)
 def test_a_fatal_signal_ends_a_busy_service_too(make_responder, signo):
-    """It may strike anywhere: in the allocator, while a line is logged, in the keep-alive thread."""
+    """The signal may arrive anywhere: in the allocator, while a line is logged, in the keep-alive thread."""
     for number in range(15):
         responder = make_responder()
         responder.log.path.unlink(missing_ok=True)
@@ -108,7 +108,7 @@ def test_a_fatal_signal_in_either_thread_leaves_a_backtrace(make_responder, sign
 @one_other_thread
 @pytest.mark.parametrize("signo", FATAL)
 def test_a_fatal_signal_in_the_keep_alive_thread_does_the_same_after_its_first_round(make_responder, signo):
-    """It has a stack for signal handlers by then."""
+    """By then the service has a separate stack for signal handlers."""
     responder = make_responder()
     responder.device.set(getWatchdogInterval=1)
     responder.start()
@@ -131,5 +131,5 @@ def test_a_fatal_signal_in_either_thread_ends_a_busy_service(make_responder, sig
             send(responder, thread, signo)
             assert responder.process.wait(20) == signo
         assert responder.log.count(f"kestal.cgi received signal: {int(signo)}, backtrace:") == 1
-        # What was half written of an answer must not look whole.
+        # A half-written answer must not look complete.
         assert all(answer.status == 200 and answer.body.endswith(b"}") for answer in load.answers if answer.complete)

@@ -1,4 +1,4 @@
-"""Each call of the device failing, alone and all at once, through the web server."""
+"""Each call of the device fails, alone and all at once, and is requested through the web server."""
 
 import json
 
@@ -9,10 +9,10 @@ from support import paths
 CODE = 4711
 TARGETS = {"/srv/status": "statusData", "/srv/notification": "notificationsList"}
 
-# Its failure has an answer of its own.
+# If this call fails, the answer is a special one.
 WEB_UI_SWITCH = ("sys", "getWebUICarrierEnabled")
 
-# Whose failure nobody is told of, and why.
+# Calls whose failure is not logged, and why.
 SWITCH = "a switch that cannot be read counts as off"
 SILENT = {
     "getSambaCarrierEnabled": SWITCH,
@@ -48,7 +48,7 @@ SILENT = {
     "cellularDataDisconnect": "no page has asked for it",
 }
 
-# Lines that tell of a failure by another name.
+# Calls whose failure is logged under another name.
 NAMES = {
     "sdkInitialize": "system interface api failed",
     "getCABandWidth": "sys_getCABandwidth failed",
@@ -64,7 +64,7 @@ NAMES = {
 
 
 def entries():
-    """All that can fail: what the device on which everything fails has."""
+    """All calls that can fail: those in the document of the device on which everything fails."""
     document = json.loads((paths.DEVICES / "everything-failing.json").read_text())
     names = [(group, name) for group, calls in document.items() for name in calls]
     assert len(names) > 60
@@ -72,7 +72,7 @@ def entries():
 
 
 def answers(server):
-    """The bodies of both reading operations."""
+    """The bodies of the two operations that only read, status and notification."""
     bodies = {}
     for target, member in TARGETS.items():
         answer = server.ask(target)
@@ -84,7 +84,7 @@ def answers(server):
 
 @pytest.fixture
 def busy(server):
-    """A device that is asked for as much as a single one can be."""
+    """A device on which the service makes as many calls as possible."""
     document = json.loads((paths.DEVICES / "software-update-5.json").read_text())
     everything = json.loads((paths.DEVICES / "all-notifications.json").read_text())
     everything["webui"]["softwareUpdateStatus"] = document["webui"]["softwareUpdateStatus"]

@@ -1,4 +1,4 @@
-"""Scripts that need root say so before they do anything. That scripts/fresh works, CI shows."""
+"""Scripts that need root say so before they do anything. (CI tests that scripts/fresh works.)"""
 
 import subprocess
 

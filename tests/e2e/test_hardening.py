@@ -1,5 +1,5 @@
-"""Optimised programs are hardened, whichever optimised configuration they are built in, and the same bytes
-wherever they are."""
+"""Optimised programs are hardened in every optimised configuration, and do not depend on the folder in which
+they are built."""
 
 import platform
 import signal
@@ -18,8 +18,8 @@ add_executable(program main.cpp)
 target_link_libraries(program PRIVATE kestal_options)
 """
 
-# Fills a buffer on the stack, so that it needs its guard, from a size known only at run time. Then another
-# one takes its place, and an index comes from outside.
+# Fills a buffer on the stack, so that the compiler adds a stack guard, with a size known only at run time.
+# Then uses another one with an index that comes from outside.
 PROGRAM = """#include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -139,7 +139,7 @@ def test_jumps_lead_only_to_where_they_are_meant_to_go(programs, folder, configu
     flag, feature = flags[platform.machine()]
     assert compiler_has(folder, flag)
     (made,) = folder.glob(f"build/**/{configuration}/main.cpp.o")
-    # The program itself has the mark only where the C library has it.
+    # The program can have the mark only if the C library has it.
     assert feature in run("readelf", "-n", str(made))
 
 

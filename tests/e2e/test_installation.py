@@ -1,4 +1,4 @@
-"""The installed files, as a package would hold them."""
+"""The installed files, as a package would contain them."""
 
 import json
 import os
@@ -14,7 +14,7 @@ LANGUAGES = {path.stem for path in (paths.ROOT / "catalogue").glob("*.po")}
 
 @pytest.fixture
 def image(work):
-    """The root of the device's file system, as far as it is ours."""
+    """The root of the device's file system with only our files in it."""
     folder = work / "image"
     subprocess.run(
         ["cmake", "--install", str(paths.BUILD)],
@@ -75,7 +75,7 @@ def test_the_installed_service_serves(prefix, configuration, make_server):
 
 @pytest.mark.parametrize("prefix", ["usr", "usr/local", "opt/kestal"])
 def test_the_installed_launcher_finds_its_configuration_by_itself(make_server, work, prefix):
-    """What has no configuration beside it: started by hand, not by the unit."""
+    """The launcher finds the installed configuration when it is started by hand and not by the unit."""
     build, image = work / "build", work / "image"
     order = ["cmake", "-S", str(paths.ROOT), "-B", str(build), "-G", "Ninja"]
     subprocess.run([*order, f"-DCMAKE_INSTALL_PREFIX=/{prefix}"], check=True, capture_output=True, timeout=300)

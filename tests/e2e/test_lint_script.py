@@ -1,4 +1,4 @@
-"""scripts/lint tells what is badly formed, and clang-tidy looks only at what it does not know to be clean."""
+"""scripts/lint reports badly formatted files, and runs clang-tidy only on sources not known to be clean."""
 
 import json
 import shutil
@@ -44,7 +44,7 @@ def play(folder, name, script):
 
 
 def play_release(work, version, rest, tool="clang-format"):
-    """The folder of a tool that is found as that of the reference release and tells version."""
+    """The folder of a fake tool that is found as the tool of the reference release and prints `version`."""
     reference = LINT.read_text().split("\nreference=")[1].split("\n")[0]
     told = f'[ "$1" = --version ] && echo "{tool} version {version or reference}.0.0" && exit'
     play(work / "bin", f"{tool}-{reference}", f"{told}\n{rest}")
@@ -54,7 +54,7 @@ def play_release(work, version, rest, tool="clang-format"):
 def test_what_is_badly_formed_is_told(tree, work):
     (tree / "main.cpp").write_text("int  main(){return 0;}\n")
     (tree / "script").write_text("#!/bin/sh\necho $1\n")
-    # This machine's may be of another release.
+    # The clang-format of this machine may be of another release.
     done = run(tree / "scripts" / "lint", "--form", path=play_release(work, "", 'exec clang-format "$@"'))
     assert done.returncode == 1
     assert "main.cpp:1" in done.stderr
@@ -62,7 +62,7 @@ def test_what_is_badly_formed_is_told(tree, work):
 
 
 def play_well_formed(work):
-    """The folder of a clang-format that finds nothing, whatever this machine's would find."""
+    """The folder of a fake clang-format that finds nothing."""
     return play_release(work, "", "exit 0")
 
 
@@ -72,7 +72,7 @@ def play_well_formed(work):
         'void Device::Read(const std::string& key, unsigned int count)@"void Device::Read(const string&, unsigned int)"',
         'int Read(std::string* key) const@"int Read(" "std::__cxx11::string*) const"',
         'Device::Device(int size) : room(size)@"Device::Device(int)"',
-        # What its caller hands down is no part of the text.
+        # A text that the caller passes is not part of the signature.
         'int Refresh(Cache& cache)@"int Refresh()"',
     ],
 )
@@ -124,7 +124,7 @@ def test_a_failure_of_another_release_is_no_finding(tree, work, failure):
 
 @pytest.fixture
 def build(tree, work):
-    """The configured build of a.cpp, which includes a.h, and b.cpp. cmake and ninja are played."""
+    """The configured build of a.cpp, which includes a.h, and b.cpp. cmake and ninja are fakes."""
     build = tree / "build" / "debug"
     build.mkdir(parents=True)
     (build / "build.ninja").touch()
@@ -142,7 +142,7 @@ def build(tree, work):
     return build
 
 
-# Looks at a source, or at those that it includes.
+# A fake clang-tidy that checks a source, or the sources that it includes.
 FIND_BAD = """for file do :; done
 sources=$(sed -n 's/^#include "\\(.*\\.cpp\\)".*/\\1/p' "$file")
 bad=$(grep -l bad ${sources:-$file})
@@ -163,7 +163,7 @@ def test_what_only_another_clang_tidy_finds_fails_nothing_but_its_failure_does(t
 
 @pytest.fixture
 def tidy(build, work):
-    """Runs clang-tidy, played, on the build; returns its exit status and what was looked at."""
+    """Runs a fake clang-tidy on the build; returns its exit status and the sources that it checked."""
     looked_at = work / "looked-at"
     version = '[ "$1" = --version ] && echo "version $VERSION" && exit'
     note = f'echo $(for each in ${{sources:-$file}}; do basename "$each"; done) >> {looked_at}'
@@ -205,7 +205,7 @@ def test_clang_tidy_tells_a_finding_until_it_is_gone(tidy, tree):
 
 
 def test_what_is_found_only_together_is_no_finding(tidy, tree, work):
-    # Two sources may have something of the same name.
+    # Two sources of a group may define the same name.
     tool = work / "bin" / "clang-tidy"
     tool.write_text(tool.read_text().replace("[ -z", '[ "${sources:-one}" = one ] && exit\n[ -z'))
     (tree / "a.cpp").write_text("bad\n")

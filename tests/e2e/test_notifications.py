@@ -1,5 +1,5 @@
-"""The list of notifications as the client gets it: texts in the language of the device, links, and
-what a block on the message bus may do."""
+"""The list of notifications as the client gets it: texts in the language of the device, links, and the
+effect of any block on the message bus."""
 
 import json
 
@@ -34,14 +34,14 @@ def publish(service, block):
 
 def notifications(service):
     answer = service.ask("/srv/notification")
-    # Nothing but UTF-8, and the login status beside the list.
+    # The answer is valid UTF-8 and contains the login status besides the list.
     whole = json.loads(answer.body.decode("utf-8"))
     assert list(whole) == ["loginStatus", "notificationsList"]
     return whole["notificationsList"]
 
 
 def use(service, name):
-    """Makes the device one of those that are shipped."""
+    """Replaces the device by a shipped one."""
     service.device.write((paths.DEVICES / name).read_bytes())
 
 
@@ -73,7 +73,7 @@ def test_a_notification_speaks_the_language_of_the_device(server, language):
     server.device.speak(language)
     publish(server, [notification("sms_received")])
     assert notifications(server) == [unread(language)]
-    # As it is, not in escapes.
+    # The text is in the answer as UTF-8, without escapes.
     assert UNREAD[language][1].encode() in server.ask("/srv/notification").body
 
 
@@ -179,7 +179,7 @@ def test_each_type_has_its_link_and_what_is_not_active_is_not_listed(responder):
     for one, (_, end) in zip(listed, ENDS, strict=True):
         before, opening, rest = one["text"].partition("<a ")
         assert opening + rest == end
-        # One sentence ends where the next can begin.
+        # The link follows a complete sentence.
         assert before.endswith(". ")
 
 
@@ -245,7 +245,7 @@ def test_a_block_without_a_whole_record_gives_an_empty_list(responder, block, an
 
 
 def test_a_record_that_is_cut_off_ends_the_list(responder):
-    """What is left of it is not shown."""
+    """A record that is cut off is not shown."""
     whole = bytearray(RECORD)
     whole[20:24] = b"data"
     whole[444] = 1

@@ -149,7 +149,7 @@ def test_the_language_of_the_settings_is_applied_and_may_be_missing(server):
 
 
 def test_every_method_is_answered_alike(responder):
-    """The web server lets only three of them through."""
+    """The service ignores the method. (The web server lets only three methods through.)"""
     for method in ("GET", "HEAD", "POST", "PUT", "DELETE", "PATCH"):
         answer = responder.ask("/srv/status", REQUEST_METHOD=method)
         assert (answer.status, answer.complete) == (200, True)

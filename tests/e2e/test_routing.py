@@ -1,4 +1,4 @@
-"""Which operation a request target names, at the real process."""
+"""Which operation a request target names, tested on the real process."""
 
 import pytest
 
@@ -9,7 +9,7 @@ DISCONNECTED = 0
 
 
 def operation(responder, uri):
-    """What the service did for a target: status, connect, disconnect or nothing that shows."""
+    """The operation that the service performed for a target: status, connect, disconnect or none."""
     untouched = 1
     responder.device.set(getCellularDataConnectionStatus=untouched)
     answer = responder.ask(uri)
@@ -30,14 +30,14 @@ def operation(responder, uri):
         ("/srv/notification", "none"),
         ("/srv/passcoderecovery", "none"),
         ("/srv/", "none"),
-        # The name may stand anywhere in what follows the prefix.
+        # The name may stand anywhere after the prefix.
         ("/srv/a/status/b", "status"),
         ("/srv/mystatuspage", "status"),
         ("/srv/x#connect", "connect"),
         # The query string is part of the name.
         ("/srv/x?connect", "connect"),
         ("/srv/?a=disconnect", "disconnect"),
-        # notification, status, disconnect, connect: the first of them that occurs counts.
+        # The service looks for notification, status, disconnect, connect in this order; the first match counts.
         ("/srv/statusnotification", "none"),
         ("/srv/status?notification", "none"),
         ("/srv/connect?status", "status"),
@@ -47,7 +47,7 @@ def operation(responder, uri):
         ("statusstatus", "status"),
         ("/srvstatus", "none"),
         ("/xstatus", "none"),
-        # Names are compared as they are written.
+        # Names are case sensitive and are not decoded.
         ("/srv/Status", "none"),
         ("/srv/stat%75s", "none"),
         ("/srv/%63onnect", "none"),

@@ -1,4 +1,4 @@
-"""scripts/run as a user meets it: one command, Ctrl-C, nothing left behind."""
+"""scripts/run as a user runs it: one command starts it, Ctrl-C ends it, and nothing is left behind."""
 
 import fcntl
 import os
@@ -56,7 +56,7 @@ class Run:
             while piece := os.read(self.terminal, 4096):
                 self.output += piece.decode(errors="replace").replace("\r\n", "\n")
         except OSError:
-            # The terminal has no other end any more.
+            # The script has closed its end of the terminal.
             pass
 
     def wait_for(self, text):
@@ -78,7 +78,7 @@ class Run:
         return status
 
     def left_behind(self):
-        """Files, and processes that work in or on them."""
+        """The files that are left, and the processes that use them or run in their folders."""
         files = [str(path) for path in self.temporary.rglob("*")]
         return files, processes.mentioning(str(self.temporary))
 
@@ -114,7 +114,7 @@ def fake_tools(work, **scripts):
 
 
 def wait_for_end(*pids):
-    """A process that has been told to end, or has closed its files, may need a moment for the rest."""
+    """Waits, because a process may need a moment to end after a signal or after it has closed its files."""
     wait_until(lambda: not any(processes.is_alive(pid) for pid in pids), "the processes have ended")
 
 
@@ -288,10 +288,10 @@ def test_a_users_own_session_store_is_used_and_stays(run, work):
 
 
 def test_a_build_for_a_devices_own_libraries_runs_without_talk_of_a_simulator(run, work):
-    """Such a build has neither the tools nor the locales of the simulator."""
+    """A build for a device's own libraries has neither the tools nor the locales of the simulator."""
     build = work / "vendor"
     (build / "service").mkdir(parents=True)
-    # Its libraries answer from this device here.
+    # In this test, the device's libraries answer from this document.
     device = Device(work / "device.json")
     (build / "service" / "kestal.cgi").symlink_to(paths.SERVICE)
     (build / "CMakeCache.txt").write_text("KESTAL_PLATFORM:STRING=vendor\n")
@@ -322,7 +322,7 @@ def test_a_build_for_a_devices_own_libraries_has_a_preset_and_leaves_the_release
             for cache in source.glob("build/*/CMakeCache.txt")
         }
 
-    # As one made by hand.
+    # Configure the build as a user may have done by hand.
     configure("release", "-DKESTAL_PLATFORM=vendor")
     assert platforms() == {"release": ["vendor"]}
     configure("release")
@@ -374,7 +374,7 @@ def test_a_build_that_fails_is_told(run, work):
 
 
 def test_a_build_is_stopped_with_all_its_processes(run, work):
-    # No other process on the machine sleeps for as long.
+    # This duration is unique on the machine, so that the process can be recognised.
     duration = f"600.{os.getpid()}"
     path = fake_tools(work, cmake=f"echo building; exec sleep {duration} # {work}")
     script = run(KESTAL_BUILD="", PATH=path)

@@ -1,5 +1,5 @@
-"""What hostile clients get out of the shipped deployment, and what the logs keep to themselves.
-docs/threat-model.md tells the whole."""
+"""What hostile clients can reach in the shipped deployment, and what must not appear in the logs.
+docs/threat-model.md explains the threats."""
 
 import concurrent.futures
 import contextlib
@@ -24,7 +24,7 @@ GET = b"GET /srv/status HTTP/1.1\r\n" + HOST
 POST = b"POST /srv/status HTTP/1.1\r\n" + HOST
 LENGTH = b"Content-Length: 5\r\n"
 CHUNKED = b"Transfer-Encoding: chunked\r\n"
-# What an attacker would like the web server to take for a request of its own.
+# Text that an attacker hides in a request so that the web server might treat it as a second request.
 HIDDEN = b"GET /srv/disconnect HTTP/1.1\r\n" + HOST + b"\r\n"
 
 SMUGGLING = {
@@ -84,7 +84,7 @@ def is_untouched(server):
 
 
 def converse(server, request):
-    """Sends bytes and returns all that comes until the web server ends the connection."""
+    """Sends bytes and returns everything received until the web server closes the connection."""
     with web.connect(server.port) as client:
         client.sendall(request)
         received = b""
@@ -132,7 +132,7 @@ ANNOUNCED = {
 @pytest.mark.parametrize("announced", ANNOUNCED.values(), ids=ANNOUNCED.keys())
 def test_a_request_with_a_body_is_refused_before_the_body_is_read(armed, announced, target):
     request = POST.replace(b"/srv/status", target) + announced
-    # Nothing of it has come when the answer does, and nothing of it is a request when it comes.
+    # The answer must come before any of the body has been sent, and the body must not be taken for a request.
     for body in (b"", HIDDEN):
         assert statuses(converse(armed, request + body)) == [403]
     assert is_untouched(armed)
@@ -154,7 +154,7 @@ def test_no_file_outside_the_folder_of_pages_is_served(make_server, work):
             for target in (f"/{up}{slash}secret.js", f"/folder/{up}{slash}{up}{slash}secret.js", f"/{up}.secret",
                            f"/index.html/{up}{slash}{up}{slash}secret.js", f"{up}{slash}secret.js"):
                 answer = server.ask(target)
-                # What follows a page's name does not matter.
+                # The web server ignores what follows the name of a page.
                 assert answer.status in (400, 404) or answer.body == b"page", target
     for target in (str(work / "secret.js"), f"/{work}/secret.js", f"file://{work}/secret.js", "/~root/"):
         assert server.ask(target).status in (400, 404), target
@@ -180,7 +180,7 @@ def test_answers_of_the_service_are_never_stored_or_guessed_at(make_server):
     assert ask("PUT", "/srv/status").status == 403
     server.device.set(getWebUICarrierEnabled=0)
     assert {ask(method, target).status for method in methods for target in OPERATIONS} == {501}
-    # Before, a service that is late for a second must not be given up.
+    # The short timeout applies only from here on: before, it would give up a service that is merely slow.
     server.stop()
     server.environment["KESTAL_TIMEOUT"] = "1"
     server.start()
@@ -202,7 +202,7 @@ REFUSED_WHILE_READ = {
 
 
 def test_all_that_may_be_stored_tells_nothing_of_the_device(server):
-    """The web server refuses such a request before it looks where it leads."""
+    """The web server refuses such a request before it looks at the target."""
     storable = set()
     for name, request in (SMUGGLING | REFUSED_WHILE_READ).items():
         received = converse(server, request)
@@ -210,11 +210,11 @@ def test_all_that_may_be_stored_tells_nothing_of_the_device(server):
         head, _, body = received.partition(b"\r\n\r\n")
         if b"\r\nCache-Control: no-store" not in head:
             storable.add(status)
-        # A page of the web server's own, with nothing but the status.
+        # An error page of the web server, which contains only the status.
         texts = {text for text in re.sub(rb"<[^>]*>", b"\n", body).split(b"\n") if text.strip()}
         assert len(texts) == 1 and texts.pop().startswith(b"%d " % status), name
         assert b"access-control" not in head.lower(), name
-    # A protocol that it does not speak is 505 or 400, as its release has it.
+    # For a protocol that the web server does not support it answers 505 or 400, depending on its release.
     assert storable | {505} == {400, 411, 413, 431, 501, 505}
     assert server.log.count("request received") == 0
 
@@ -234,14 +234,14 @@ def test_what_one_client_can_cost_is_bounded():
 
 
 def established(server):
-    """How many connections the web server has that neither side has ended."""
+    """The number of the web server's connections that neither side has closed."""
     own = f":{server.port:04X}"
     rows = [row.split() for row in pathlib.Path("/proc/net/tcp").read_text().splitlines()[1:]]
     return sum(local.endswith(own) and state == "01" for _, local, _, state, *_ in rows)
 
 
 def begin(server, request):
-    """A client that sends bytes and then is silent. When it is late, even those find it dropped."""
+    """A client that sends bytes and then nothing. If it is late, the server has already closed it."""
     client = web.connect(server.port)
     with contextlib.suppress(ConnectionError):
         client.sendall(request)
@@ -249,7 +249,7 @@ def begin(server, request):
 
 
 def is_answered(server, target):
-    """Whether one more client is; not when it is late."""
+    """Whether one more client gets an answer; a client that is late does not."""
     with contextlib.suppress(ConnectionError, IndexError):
         return server.ask(target).status == 200
     return False
@@ -258,7 +258,7 @@ def is_answered(server, target):
 def test_slow_clients_are_dropped(make_server, work):
     pages = work / "pages"
     pages.mkdir()
-    # More than the kernel takes for a client that does not read.
+    # More than the kernel buffers for a client that does not read.
     (pages / "large.js").write_bytes(b"a" * 50_000_000)
     server = make_server()
     server.environment["KESTAL_DOCUMENT_ROOT"] = str(pages)
@@ -319,7 +319,7 @@ def test_no_other_user_reads_what_the_service_writes(make_server):
 
 
 def present(server, identifier):
-    """Shows a session's identifier in all the ways that a client can."""
+    """Sends a session's identifier in every way that a client can."""
     agent = ("User-Agent", "test")
     good = f"torusess={identifier}"
     for cookie in (good, f"a=b; {good}; {good}", f"torusess={identifier}%s%n", f'torusess="{identifier}"',
@@ -332,7 +332,7 @@ def present(server, identifier):
     server.ask("/srv/status", [("Cookie", good), agent, ("Content-Length", "70000")], method="POST")
     for request in SMUGGLING.values():
         converse(server, request.replace(HOST, HOST + f"Cookie: {good}\r\n".encode()))
-    # As a web server would that checks nothing.
+    # Send it directly, like a web server that checks nothing.
     parameters = {**fastcgi.STATUS, "HTTP_COOKIE": good, "HTTP_USER_AGENT": "test"}
     for changed in ({"REMOTE_ADDR": "nowhere"}, {"CONTENT_LENGTH": "9"}, {"CONTENT_LENGTH": "x"},
                     {"REQUEST_METHOD": "POST", "CONTENT_LENGTH": "9", "CONTENT_TYPE": "multipart/form-data"}):
@@ -387,7 +387,7 @@ def test_the_log_is_not_at_level_7_unless_asked_for(make_server):
 
 
 def test_a_status_cannot_be_run_as_a_script(server):
-    """Whatever a page of another site does with an answer that it makes a browser load."""
+    """A page of another site cannot use an answer that it makes a browser load, whatever it tries."""
     answer = server.ask("/srv/status", [("Sec-Fetch-Site", "cross-site"), ("Sec-Fetch-Dest", "script")])
     assert isinstance(json.loads(answer.body), dict)
     assert answer.headers["content-type"] == "application/json"

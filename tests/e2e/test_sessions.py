@@ -1,4 +1,4 @@
-"""Who counts as logged in: session cookie, caller's address and user agent together."""
+"""Who counts as logged in: session cookie, caller's address and user agent must all match."""
 
 import json
 import os
@@ -12,7 +12,7 @@ AGENT = "test"
 
 
 def login_status(responder, cookie=None, address="127.0.0.1", agent=AGENT):
-    """The login status of one request; None leaves a variable out."""
+    """Returns the login status of one request; a variable that is None is left out."""
     parameters = {"REQUEST_METHOD": "GET", "REQUEST_URI": "/srv/nothing"}
     for name, value in (
         ("HTTP_COOKIE", cookie),

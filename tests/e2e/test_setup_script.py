@@ -1,4 +1,4 @@
-"""scripts/setup installs what is missing and does nothing else."""
+"""scripts/setup installs the missing packages and does nothing else."""
 
 import subprocess
 
@@ -11,7 +11,7 @@ SETUP = paths.ROOT / "scripts" / "setup"
 
 @pytest.fixture
 def machine(work):
-    """A machine on which packages, users and the installer are played."""
+    """A machine with fake packages, users and installer."""
     tools = work / "bin"
     tools.mkdir()
 
@@ -83,7 +83,7 @@ def test_running_needs_no_package_of_the_tests(machine):
 
 
 def test_programs_are_installed_only_where_there_are_none(machine):
-    """They may come from elsewhere than Debian, whose packages would be in conflict with them."""
+    """The programs may come from another source than Debian, with which Debian's packages would conflict."""
     assert machine("test", missing=["nodejs", "npm"]) == (0, "", [])
 
 

@@ -1,4 +1,4 @@
-"""kestal-sim beside a running service: what it changes shows in the next answer."""
+"""kestal-sim while the service runs: a change is visible in the next answer."""
 
 import json
 import os
@@ -108,7 +108,7 @@ def test_a_session_logs_its_caller_in_until_it_is_closed(responder):
 
 
 def test_a_thousand_changes_by_several_writers_lose_nothing(responder):
-    """Each writer counts in an entry of its own while the service is asked without pause."""
+    """Each writer counts up its own entry while the service gets requests without pause."""
     writers = [
         "sys.getSMSUnreadCount",
         "sys.getCellularServiceStats.pci",
@@ -138,7 +138,7 @@ def test_a_thousand_changes_by_several_writers_lose_nothing(responder):
     assert responder.log.count("[SIMULATOR]:[ERROR]") == 0
 
 
-# What the document and the service say in the end.
+# What the document and the service contain in the end.
 ENDS = {
     "battery": (
         {"sys.getBatteryStatus.chargePercent": 100, "sys.getBatteryStatus.chargingSource": 1},
@@ -228,7 +228,7 @@ def test_a_player_waits_and_shows_the_time_on_a_terminal(responder, work):
     os.close(terminal)
 
 
-# Calls the completion as bash does when the tabulator key is hit at the end of the words.
+# Calls the completion as bash does when the tab key is pressed at the end of the words.
 COMPLETE = """
 source "$1"
 shift
@@ -280,7 +280,7 @@ def completed(responder, words):
 
 
 def test_completion_runs_nothing_that_a_document_says(responder, work):
-    """Names of channels may hold anything."""
+    """Names of channels may contain any text, which the completion must not run."""
     ran = work / "ran"
     document = responder.device.document()
     document["msgbus"] = {f"x$(touch {ran})": {"bytes": "00"}, "y`touch z`": {"bytes": "00"}}

@@ -1,4 +1,4 @@
-"""Thousands of mixed requests while the device changes: every answer right, and nothing grows."""
+"""Thousands of mixed requests while the device changes: every answer is right, and no resource use grows."""
 
 import json
 import os
@@ -14,7 +14,7 @@ from support.memory import Memory
 
 SOAK = paths.ROOT / "tests" / "soak" / "soak.py"
 LEAK = pathlib.Path(os.environ.get("KESTAL_LEAK", paths.BUILD / "tests" / "soak" / "libkestal_leak.so"))
-# Of the 300 bytes that the leaking service loses with each request.
+# Smallest growth that the soak must notice in a service that leaks 300 bytes with each request.
 LEAST_SEEN = 250_000
 
 
@@ -30,7 +30,7 @@ def soak(work, *options, **environment):
     try:
         output, _ = run.communicate(timeout=200)
     except subprocess.TimeoutExpired:
-        # It ends its clients, the web server and the service.
+        # On this signal, the soak ends its clients, the web server and the service.
         run.send_signal(signal.SIGINT)
         output, _ = run.communicate(timeout=60)
     assert file.exists(), output
@@ -41,7 +41,7 @@ def soak(work, *options, **environment):
 
 @pytest.fixture
 def leaking(work):
-    """The service, but for 300 bytes that it loses with each request."""
+    """A service that leaks 300 bytes with each request."""
     program = work / "leaking"
     program.write_text(f'#!/bin/sh\nLD_PRELOAD="{LEAK}" exec "{paths.SERVICE}"\n')
     program.chmod(0o755)
@@ -49,8 +49,9 @@ def leaking(work):
 
 
 def count_blocks(work, *libraries, **variables):
-    """A soak of a device that rests: what it shows for the first time would be kept by the C library.
-    Pages are not judged: after so short a warm-up, the web server may still take some."""
+    """A soak with a device that does not change, because the C library would keep memory for each text that
+    appears for the first time. Memory pages are not judged: after so short a warm-up, the web server may
+    still need more."""
     memory = Memory(work)
     program = memory.program(*libraries, **variables)
     return soak(
@@ -99,7 +100,7 @@ def test_a_leak_of_300_bytes_per_request_shows(work, leaking):
 
 
 def test_a_wrong_answer_shows(work):
-    """A service that answers every request, but not as it should."""
+    """A service that answers every request wrongly."""
     program = work / "wrong"
     program.write_text(
         "#!/usr/bin/python3\n"
@@ -136,7 +137,8 @@ def test_a_service_that_is_killed_under_load_is_back_soon_and_answers_the_same(w
 
 
 def test_a_service_that_is_away_for_long_shows(work):
-    """It starts at once only for the first time. Meanwhile the web server lets wait, or refuses."""
+    """A service that starts at once only the first time. While it starts later, the web server lets requests
+    wait, or refuses them."""
     program = work / "slow"
     program.write_text(
         f'#!/bin/sh\n[ ! -e "{work}/started" ] || sleep 3\n: > "{work}/started"\nexec "{paths.SERVICE}"\n'

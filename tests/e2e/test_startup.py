@@ -1,4 +1,4 @@
-"""What the service does before its first request, and when it cannot have one."""
+"""What the service does before its first request, and when it cannot get one."""
 
 import os
 import re
@@ -94,7 +94,7 @@ SOCKETS = {
 
 @pytest.mark.parametrize(("family", "kind"), SOCKETS.values(), ids=SOCKETS.keys())
 def test_with_a_socket_that_does_not_listen_the_service_ends_by_itself(make_responder, family, kind):
-    # The peer lives and says nothing.
+    # The peer stays connected and sends nothing.
     pair = socket.socketpair(family, kind) if family == socket.AF_UNIX else (socket.socket(family, kind),)
     assert_ends_by_itself(make_responder(), [str(paths.SERVICE)], stdin=pair[0])
     for end in pair:

@@ -1,4 +1,4 @@
-"""Calls of the device that do not come back.
+"""Calls of the device that do not return.
 
 A device that is told to connect changes its document, for which it waits until nobody else does. Who
 holds that lock and does not let go makes the call hang for good.
@@ -43,18 +43,18 @@ def changes_hang(device):
 
 @pytest.fixture
 def impatient(make_responder):
-    """A service whose web server waits for one second."""
+    """A service whose web server waits only one second for an answer."""
     responder = make_responder()
     responder.environment["KESTAL_TIMEOUT"] = "1"
     return responder.start()
 
 
 def functions(frames):
-    """Names of the service's own functions in which frames of a backtrace stand."""
+    """Names of the service's own functions that the frames of a backtrace belong to."""
     addresses = [FRAME.fullmatch(frame) for frame in frames]
     assert all(addresses), frames
     own = [match["symbol"] for match in addresses if match["file"] == str(paths.SERVICE)]
-    # Where symbols are exported they stand in front, and the rest is no address of the file.
+    # If a frame names an exported symbol, its offset is relative to the symbol and not to the file.
     offsets = [symbol for symbol in own if symbol.startswith("+0x")]
     names = [symbol.partition("+")[0] for symbol in own if not symbol.startswith("+0x")]
     command = ["addr2line", "-f", "-C", "-i", "-e", str(paths.SERVICE), *offsets]
@@ -73,7 +73,7 @@ def test_a_request_that_hangs_is_named_with_all_its_frames_and_ends_the_process(
     order = ["sys_cellularDataConnect", "SystemServiceComponent::Dispatch", "fastcgi_main_loop", "main"]
     places = [next(i for i, name in enumerate(found) if name.split("(")[0] == wanted) for wanted in order]
     assert places == sorted(places)
-    # It stays registered, so that the watchdog notices when nobody starts it again.
+    # The service stays registered, so that the watchdog notices if nobody starts it again.
     assert impatient.log.count("unregistered") == 0
 
 
@@ -125,10 +125,10 @@ def test_the_web_server_starts_a_service_again_that_hangs(make_server):
     stuck = server.responder()
     with changes_hang(server.device):
         assert server.ask("/srv/connect").status == 504
-        # Three times what the web server waits.
+        # The service ends after three times as long as the web server waits.
         server.log.wait_for(message("connect"))
         wait_until(lambda: not processes.is_alive(stuck), "the service that hangs has ended")
-        # The device still hangs where it did; everything else is answered.
+        # The same call of the device still hangs; all other requests are answered.
         wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
     assert server.responder() != stuck
     assert server.ask("/srv/connect").status == 200

@@ -1,4 +1,4 @@
-"""A system log that is absent, hangs or is started again does not touch the service."""
+"""The service works on when the system log is absent, hangs or is restarted."""
 
 import signal
 import socket
@@ -13,7 +13,7 @@ FILLER = "filler"
 
 @pytest.fixture
 def logging_responder(make_responder, work):
-    """A service on a device with a call that fails, which goes to the system log each time."""
+    """A service on a device with a failing call, which is reported to the system log each time."""
     responder = make_responder()
     responder.environment["KESTAL_SYSLOG"] = str(work / "syslog.sock")
     responder.device.set(getGPSStatus={"error": 5})
@@ -28,8 +28,8 @@ def system_log(work):
 
 
 def fill(log):
-    """Until nothing fits in, whatever the system's limit is. Each message comes from a socket of its
-    own, as the service's do: one alone may reach its own limit first."""
+    """Fills the log's socket until no message fits, whatever the system's limit is. Each message comes from
+    a new socket, as those of the service do: a single socket might reach its own limit first."""
     while True:
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as sender:
             sender.setblocking(False)
@@ -66,7 +66,7 @@ def test_a_system_log_that_hangs_keeps_nobody_waiting(logging_responder, system_
         assert is_right(responder.ask())
     assert responder.log.count(FAILED) - before == 20
     assert not [line for line in system_log.waiting() if FAILED in line]
-    # And is heard again as soon as there is room.
+    # The service logs again as soon as there is room.
     assert is_right(responder.ask())
     assert len([line for line in system_log.waiting() if FAILED in line]) == 1
 

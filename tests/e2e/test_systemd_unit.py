@@ -1,5 +1,5 @@
-"""What deploy/kestal.service allows is enough for launcher, web server and service, as far as that can be
-tried without a systemd at work."""
+"""The restrictions in deploy/kestal.service leave launcher, web server and service enough rights, as far as
+that can be tested without a running systemd."""
 
 import os
 import re
@@ -19,7 +19,7 @@ DOCUMENT = (paths.ROOT / "docs" / "threat-model.md").read_text()
 
 
 def section(name):
-    """The settings of a section that have one value."""
+    """The settings of a section that have exactly one value."""
     _, _, rest = UNIT.partition(f"[{name}]\n")
     return dict(re.findall(r"(?m)^(\w+)=(.*)$", rest.partition("\n[")[0]))
 
@@ -31,7 +31,7 @@ def run(*command):
 
 
 def system_calls(group):
-    """All that belong to a group of systemd's and to the groups in it."""
+    """All system calls in a group of systemd and in the groups that it contains."""
     names = set()
     for line in run("systemd-analyze", "syscall-filter", "--no-pager", group).splitlines()[1:]:
         name = line.strip()
@@ -51,7 +51,7 @@ def allowed():
 
 
 def filtered(trace):
-    """A command line that runs what follows it under the filter and writes down what that refuses."""
+    """The beginning of a command line that runs a program under the filter and records the calls it refuses."""
     others = "!" + ",".join(f"?{name}" for name in sorted(allowed()))
     orders = ["-e", f"trace={others}", "-e", f"inject={others}:error=EPERM", "-e", "signal=none"]
     return ["strace", "-D", "-f", "-q", "-o", str(trace), *orders]
@@ -66,7 +66,7 @@ def start_wrapped(server, *wrapper):
 
 
 def live(server):
-    """All operations, and a service that dies and is started again."""
+    """Requests all operations, kills the service and waits until it is started again."""
     for target in ("/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"):
         assert server.ask(target).status == 200
     dead = server.responder()
@@ -76,7 +76,7 @@ def live(server):
 
 
 def test_systemd_understands_every_line(tmp_path):
-    """It warns of what it does not know, and goes on without."""
+    """systemd only warns about settings that it does not know, and ignores them."""
     unit = tmp_path / "kestal.service"
     # The program has to exist.
     unit.write_text(re.sub(r"(?m)^ExecStart=.*$", "ExecStart=/bin/true", UNIT))
@@ -105,8 +105,8 @@ def test_the_allowed_system_calls_are_enough(make_server, work):
     server.process.wait(20)
     end = rf"(?m)^{server.process.pid} +\+\+\+ exited"
     wait_until(lambda: re.search(end, trace.read_text()), "all is written down")
-    # The simulator tries to keep the owner of a device document that it replaces, which proves that
-    # the filter is there.
+    # When the simulator replaces a device document, it tries to keep the file's owner. That this call is
+    # refused proves that the filter is active.
     assert set(re.findall(r"(?m)^\d+ +(\w+)\(", trace.read_text())) == {"fchown"}
     assert "(INJECTED)" in trace.read_text()
 
@@ -115,7 +115,7 @@ MOUNT_PROCESSES = "mount -t proc -o subset=pid proc /proc"
 
 
 def may_mount():
-    """Root in a container is often refused."""
+    """Whether this user may mount; in a container, even root often may not."""
     return subprocess.run(["unshare", "--mount", "sh", "-c", MOUNT_PROCESSES], capture_output=True).returncode == 0
 
 
@@ -125,7 +125,7 @@ def test_proc_without_anything_but_processes_is_enough(make_server):
     mount = f'{MOUNT_PROCESSES} && [ ! -e /proc/net ] && exec "$@"'
     start_wrapped(server, "unshare", "--mount", "sh", "-c", mount, "sh")
     live(server)
-    # What one that was killed leaves behind has to be found there, too.
+    # The launcher must also find the service that a killed web server has left behind.
     stray = server.responder()
     server.process.kill()
     server.process.wait()

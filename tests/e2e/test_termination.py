@@ -77,7 +77,7 @@ def test_a_termination_ends_a_service_whose_peer_keeps_its_connection(responder)
 
 
 def test_terminations_under_load_cut_no_request_short(make_responder, watchdog):
-    """Two hundred processes, each terminated while four callers ask without pause."""
+    """Terminates two hundred processes, each while four callers send requests without pause."""
     starting = "fastcgi_main_loop() - Starting KESTAL_CGI request"
     times = []
     for number in range(ROUNDS):
@@ -87,7 +87,7 @@ def test_terminations_under_load_cut_no_request_short(make_responder, watchdog):
         responder.start()
         with Load(responder) as load:
             wait_until(lambda: load.answers, "an answer")
-            # Another moment of a request each time.
+            # Send the signal at another moment each time.
             wait_until(lambda: len(load.answers) > number % 7, "answers")
             begin = time.monotonic()
             responder.process.send_signal(signal.SIGTERM)
@@ -98,12 +98,12 @@ def test_terminations_under_load_cut_no_request_short(make_responder, watchdog):
         log = responder.log
         served = log.count("fastcgi_main_loop() - End KESTAL_CGI request")
         assert load.complete() == served == log.count(starting)
-        # The one that came before the signal.
+        # At most one request was accepted before the signal and is still answered.
         assert served <= begun + 1
         assert log.messages().count(f"{DEBUG}KESTAL_CGI Server Terminating") == 1
         assert log.count("Server Terminating") == 1
         assert [message.partition("\n")[0] for message in watchdog.waiting()] == ["READY=1", "STOPPING=1"]
-    # The machine may stop whom it likes for a second, but not in half of the rounds.
+    # A busy machine may delay some rounds by a second, but not half of them.
     assert statistics.median(times) < 1.0
 
 
@@ -139,7 +139,7 @@ def test_other_signals_do_what_they_do_to_any_process(make_responder):
 
 
 def test_a_broken_pipe_does_not_end_the_service(responder):
-    # libfcgi ignores the signal from its start on, which may come behind the log line waited for.
+    # libfcgi ignores the signal once it has started, possibly after the log line that the test waits for.
     assert responder.ask().status == 200
     responder.process.send_signal(signal.SIGPIPE)
     assert responder.ask().status == 200

@@ -1,5 +1,6 @@
-"""The keep-alive thread beside requests, while others replace the device document. Plain, this shows
-that nobody waits for the other; with the thread sanitizer, that nothing is shared unguarded."""
+"""The keep-alive thread runs beside requests while other processes replace the device document. A normal
+build shows that neither thread waits for the other; one with the thread sanitizer shows that they share no
+unprotected data."""
 
 import contextlib
 import json
@@ -16,7 +17,8 @@ BATTERY = "getBatteryStatus"
 
 
 class Writers:
-    """Replace the device document without pause until the with block ends, each with values of its own."""
+    """Writers that replace the device document without pause until the with block ends, each with different
+    values."""
 
     def __init__(self, device, count=2):
         self.device = device
@@ -59,7 +61,7 @@ def test_requests_keep_alives_and_changes_of_the_device_go_on_side_by_side(make_
     before = responder.device.get(BATTERY)["chargePercent"]
 
     def shown():
-        """What the answers so far have shown of the battery."""
+        """The states of the battery in the answers so far."""
         return {
             json.loads(answer.body)["statusData"]["statusBarBatteryPercent"]
             for answer in load.answers
@@ -67,7 +69,7 @@ def test_requests_keep_alives_and_changes_of_the_device_go_on_side_by_side(make_
         }
 
     def all_have_worked():
-        # The socket holds few messages.
+        # The socket can hold only few messages, so read them.
         watchdog.waiting()
         return min(writers.rounds) > 20 and load.complete() > 20 and len(shown()) > 1
 

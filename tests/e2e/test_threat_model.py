@@ -1,4 +1,4 @@
-"""docs/threat-model.md names tests for everything that it claims, and each of them exists."""
+"""docs/threat-model.md names tests for all its claims, and each of these tests exists."""
 
 import ast
 import functools
@@ -16,7 +16,7 @@ REFERENCE = re.compile(r"`(?P<file>[\w.]+)::(?P<test>[^`]+)`")
 
 
 def rows(header):
-    """The rows of the tables of one kind, each as its cells."""
+    """The rows of all tables of one kind, each as a list of its cells."""
     lines = iter(DOCUMENT.read_text().splitlines())
     for line in lines:
         if line == header:
@@ -49,7 +49,7 @@ def is_skip(node):
 
 
 def may_be_skipped(name, test):
-    """Whether there are builds in which this test is skipped as a whole."""
+    """Whether the whole test is skipped in some builds."""
     if name.endswith(".cpp"):
         body = source(name)[cpp_test(name, test).end() :].partition("\nTEST")[0]
         return "GTEST_SKIP" in body
@@ -58,7 +58,7 @@ def may_be_skipped(name, test):
     tree = ast.parse(source(name))
     marks = [node.value for node in tree.body if isinstance(node, ast.Assign) and "pytestmark" in ast.unparse(node)]
     (function,) = [node for node in tree.body if isinstance(node, ast.FunctionDef) and node.name == test]
-    # A mark among the parameters skips one of them.
+    # A mark on a single parameter skips only that case, so only decorators count.
     decorators = [each.func if isinstance(each, ast.Call) else each for each in function.decorator_list]
     return any(map(is_skip, marks + decorators))
 
@@ -105,7 +105,7 @@ def test_a_test_that_does_not_exist_is_noticed():
 def test_a_row_whose_tests_may_all_be_skipped_is_noticed():
     assert may_be_skipped("test_hardening.py", "test_the_service_is_hardened")
     assert not may_be_skipped("test_hardening.py", "test_every_optimised_configuration_is_hardened")
-    # For the whole file.
+    # A mark for the whole file.
     assert may_be_skipped(
         "test_allocation_failure.py", "test_a_service_whose_libfcgi_is_short_of_memory_is_started_again"
     )

@@ -1,4 +1,4 @@
-"""Every program tells its version and the commit that it was built from, which stand in one place."""
+"""Every program prints its version and the commit that it was built from; both are defined in one place."""
 
 import re
 import subprocess
@@ -67,7 +67,7 @@ def commit(folder):
 
 
 def write(folder, source, tool="git"):
-    """What the source that the build writes for a tree in the folder tells."""
+    """The version in the source file that the build generates for the tree in the folder."""
     run(
         "cmake", "-D", "version=1.2.3", "-D", f"git={tool}", "-D", f"folder={folder}", "-D", f"source={source}",
         "-P", SCRIPT,

@@ -1,4 +1,4 @@
-"""Keep-alives: sent while the web server that started the service lives."""
+"""The service sends keep-alives as long as the web server that started it runs."""
 
 import os
 import signal
@@ -94,7 +94,7 @@ def test_keep_alives_stop_silently_when_the_web_server_is_gone(make_server, watc
 
     os.kill(server.process.pid, signal.SIGKILL)
     server.process.wait()
-    # One may be under way.
+    # One more keep-alive may just be being sent.
     rounds = server.log.count(f"{NOTIFY} - END")
     server.log.wait_for(f"{NOTIFY} - END", rounds + 1)
     watchdog.waiting()

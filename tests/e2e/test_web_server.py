@@ -1,4 +1,4 @@
-"""The web server and its responder: who starts, ends and restarts whom."""
+"""How the web server starts, ends and restarts its responder."""
 
 import fcntl
 import json
@@ -20,7 +20,7 @@ def kill_web_server(server):
 
 
 def wait_for_end(pid):
-    """Whoever has ended a process sees its socket gone a moment before it is."""
+    """Waits, because the socket of an ended process disappears a moment before the process does."""
     wait_until(lambda: not processes.is_alive(pid), "the responder has ended")
 
 
@@ -45,14 +45,14 @@ def test_a_responder_that_dies_is_started_again(server):
     for signo in (signal.SIGKILL, signal.SIGSEGV, signal.SIGTERM):
         dead = server.responder()
         os.kill(dead, signo)
-        # A request that comes before it takes the signal is still its own.
+        # Until it handles the signal, the responder still answers requests.
         wait_for_end(dead)
         wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
         assert server.responder() != dead
 
 
 class Browsers(Callers):
-    """Ask without pause; every answer must be whole."""
+    """Browsers that send requests without pause; every answer must be complete."""
 
     def __init__(self, server, count=4):
         super().__init__(count)
@@ -95,12 +95,12 @@ def test_stopping_the_web_server_under_load_leaves_no_half_answers(server):
     with Browsers(server) as browsers:
         wait_until(lambda: browsers.right() > 50, "answers")
         server.process.terminate()
-        # lighttpd ends with 1 when connections are open.
+        # lighttpd exits with status 1 if connections are open.
         assert server.process.wait(20) in (0, 1)
         browsers.ended = True
     wait_for_end(responder)
     assert {answer.status for answer in browsers.answers} <= {200, 500, 503}
-    # Whoever gets no answer gets nothing at all.
+    # A client either gets a complete answer or none at all.
     assert not [problem for problem in browsers.problems if "cut short" in problem or "JSON" in problem]
     assert server.log.count("watchdog: kestal.cgi unregistered") == 1
 
@@ -123,7 +123,7 @@ def test_a_new_web_server_ends_a_stray_responder_and_starts_its_own(server):
     own = server.responder()
     assert server.ask("/srv/status").status == 200
 
-    # It is the new web server's own: it is started again when it dies.
+    # The responder belongs to the new web server, which starts it again when it dies.
     os.kill(own, signal.SIGKILL)
     wait_for_end(own)
     wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
@@ -160,7 +160,7 @@ def test_a_second_server_on_the_same_run_directory_is_refused(server):
 
 
 def test_of_two_servers_that_start_at_once_on_one_run_directory_one_serves(make_server, work):
-    # Neither has a responder yet when the other one looks.
+    # Neither launcher has a responder yet when the other one looks for it.
     slow = work / "bin"
     slow.mkdir()
     (slow / "lighttpd").write_text('#!/bin/sh\nsleep 1\nexec /usr/sbin/lighttpd "$@"\n')
@@ -173,7 +173,7 @@ def test_of_two_servers_that_start_at_once_on_one_run_directory_one_serves(make_
     wait_until(lambda: any(server.process.poll() is not None for server in servers), "one has given up")
     second, first = sorted(servers, key=lambda server: server.process.poll() is None)
     assert second.process.returncode == 1
-    # It sees the other one, or has waited a second for its lock.
+    # The launcher either sees the other one, or has waited a second for its lock.
     messages = (
         f"is in use by the web server with process id {first.process.pid}\n",
         f"another kestal-server is starting or sweeping in {first.run}\n",

@@ -1,4 +1,4 @@
-"""docs/dependencies.md has each package that scripts/setup and the tests of the page install, and no other."""
+"""docs/dependencies.md lists exactly the packages that scripts/setup and the tests of the page install."""
 
 import json
 import re

@@ -1,4 +1,4 @@
-"""No file includes what its folder must not know, and no folders beside each other include each other in a circle.
+"""No file includes a file that its folder must not depend on, and no folders include each other in a circle.
 
 The rules are the table of docs/architecture.md under "What may know what".
 """
@@ -13,12 +13,12 @@ import tree
 PAGE = tree.ROOT / "docs" / "architecture.md"
 HEADER = "| Folder | May include | Because |"
 INCLUDE = re.compile(r'\s*#\s*include\s*(?P<mark>["<])(?P<name>[^">]+)[">]')
-# What the build makes.
+# Headers that the build generates.
 GENERATED = {"declared_calls.h"}
 
 
 def read_rules():
-    """Each folder of the table, and what its files may include besides each other."""
+    """Each folder of the table, with the folders from which its files may include others."""
     rules = {}
     lines = iter(PAGE.read_text().splitlines())
     assert HEADER in lines and next(lines) == "|---|---|---|"
@@ -39,12 +39,12 @@ def covers(pattern, file):
 
 
 def folder_of(file):
-    """The most exact row of the table that is about a file; None when there is none."""
+    """The most specific row of the table that covers a file; None if there is none."""
     return max((folder for folder in RULES if covers(folder, file)), key=len, default=None)
 
 
 def includes(root, files):
-    """(file, line number, included file) of all includes of files of the tree."""
+    """Yields (file, line number, included file) for each include of a file of the tree."""
     for file in sorted(files):
         for number, line in enumerate((root / file).read_text().splitlines(), 1):
             if not (match := INCLUDE.match(line)):
@@ -60,7 +60,7 @@ def includes(root, files):
 
 
 def forbidden(root, files):
-    """A line for each include that the table does not allow."""
+    """Reports each include that the table does not allow, one line for each."""
     for file, number, included in includes(root, files):
         folder = folder_of(file)
         if folder is None:
@@ -72,8 +72,8 @@ def forbidden(root, files):
 
 
 def circles(root, files):
-    """A line for each include from one folder to another one from which there is a way back. A folder and
-    what lies inside it count as one: the outer one starts what the inner one does with its means."""
+    """Reports each include that is part of a circle between folders, one line for each. A folder and its
+    subfolders count as one, because the outer folder calls the inner ones, which use its helpers."""
     arrows = {}
     for file, number, included in includes(root, files):
         here, there = os.path.dirname(file), os.path.dirname(included or file)

@@ -1,4 +1,4 @@
-"""Every file has a licence: LICENSE, by REUSE.toml."""
+"""Every file has a licence: REUSE.toml assigns LICENSE to it."""
 
 import re
 import shutil

@@ -1,4 +1,4 @@
-"""What the pages name exists: files, folders, headings."""
+"""All files, folders and headings that the pages name exist."""
 
 import fnmatch
 import os.path
@@ -9,12 +9,12 @@ import tree
 
 PAGES = sorted(name for name in tree.files() if name.endswith(".md"))
 FOLDERS = sorted({name.split("/")[0] for name in tree.files() if "/" in name})
-# A path from the root of the tree, wherever it stands. What is behind a slash or a dot is another one's.
+# A path from the root of the tree, anywhere in a text. Behind a slash or a dot it is part of another path.
 PATH = re.compile(rf"(?<![\w/.@-])(?:\./)?((?:{'|'.join(map(re.escape, FOLDERS))})/[\w./*{{}},-]*)")
 # The name of a file, without its folder.
 NAME = re.compile(r"`([\w.*-]+\.(?:cpp|h|hpp|py|js|md|cmake|nft|scd))`")
 LINK = re.compile(r"\]\(([^)\s]+)\)")
-# Files that the reader of a page makes.
+# Files that a page asks its reader to create.
 EXAMPLES = {"hardware.cpp"}
 
 
@@ -40,9 +40,9 @@ def headings(text):
 
 
 def missing(page, text, files, read):
-    """What a page names and nobody has; read() gives the text of another page."""
+    """Yields what a page names but does not exist; read() returns the text of another page."""
     for named in PATH.findall(text):
-        # A dot or comma may end the sentence, and a comma stand between two paths.
+        # A dot or comma at the end belongs to the sentence; a comma may also separate two paths.
         for path in alternatives(named.rstrip(".,")):
             if not exists(path, files):
                 yield path

@@ -1,4 +1,4 @@
-"""The files of this project, as git tracks them or would."""
+"""The files of this project: those that git tracks, and new files that it does not ignore."""
 
 import functools
 import pathlib
@@ -9,7 +9,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 @functools.cache
 def files():
-    """Paths below ROOT, as texts. The tree may belong to someone else, as in a container."""
+    """Paths below ROOT, as texts. The tree may belong to another user, as in a container."""
     command = ["git", "-c", f"safe.directory={ROOT}", "-C", ROOT, "ls-files", "-co", "--exclude-standard", "-z"]
     listed = subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
     return frozenset(name for name in listed.split("\0") if name and (ROOT / name).is_file())

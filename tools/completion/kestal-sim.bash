@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Completes kestal-sim.
 
-# Adds what begins with the word to the answers, quoted: names in a device's document may hold
-# anything, and compgen -W would run what they say.
+# Adds the candidates that begin with the word to the completions, quoted. compgen -W cannot be used:
+# names in a device's document may contain any text, and compgen -W would expand commands in it.
 _kestal_sim_offer() {
     local word=$1 candidate quoted
     shift

@@ -1,4 +1,4 @@
-"""Clients that deny the web server's connections to others: each opens many and never ends them."""
+"""Clients that try to use up the web server's connections: each opens many and never ends them."""
 
 import contextlib
 import dataclasses
@@ -12,7 +12,8 @@ import time
 
 from support.waiting import wait_until
 
-# Seconds between two bytes of one that drips, and until a connection that was lost is opened again.
+# Seconds between two bytes that a slow ("dripping") client sends, and until a client opens a lost
+# connection again.
 DRIP = 5.0
 AGAIN = 1.0
 HEAD = b"Host: 127.0.0.1\r\n"
@@ -35,8 +36,8 @@ KINDS = [
 
 
 class Attack:
-    """A process in the network of an attacker, from entering the with block to leaving it. What is lost
-    is opened again. `tried` counts connections begun, `refused` those that were not let in."""
+    """A process in the network of an attacker that runs as long as the with block. It opens lost
+    connections again. `tried` counts the attempts to connect, `refused` those that were refused."""
 
     def __init__(self, namespace, address, port, kind):
         self.target = (address, port)
@@ -105,7 +106,7 @@ class Attack:
 
     def _drip(self):
         for connection in self.open.values():
-            # The loop finds out when the connection is lost.
+            # If the connection is lost, the loop notices it.
             with contextlib.suppress(OSError):
                 connection.send(b"a")
 

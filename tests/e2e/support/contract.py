@@ -1,4 +1,4 @@
-"""The contract for web developers, docs/api/openapi.yaml, and services held against it."""
+"""The contract for web developers, docs/api/openapi.yaml, and services that are checked against it."""
 
 import json
 import pathlib
@@ -15,7 +15,7 @@ from support.sessions import open_session
 
 
 class UniqueKeys(yaml.SafeLoader):
-    """Refuses equal keys in one mapping, of which YAML would silently take the later one."""
+    """Refuses equal keys in one mapping; by default, the later one would silently win."""
 
     def construct_mapping(self, node, deep=False):
         keys = [self.construct_object(key, deep) for key, _ in node.value]
@@ -37,7 +37,7 @@ NOTHING_OF_TWO_SIMS = "every-group-failing"
 
 
 def validator(schema):
-    # A schema of its own that the references find their targets in.
+    # A schema that contains the components, so that the references in it can be resolved.
     return jsonschema.Draft202012Validator({**schema, "components": CONTRACT["components"]})
 
 
@@ -73,7 +73,7 @@ def shipped(name):
 
 
 class Asker:
-    """A service of its own, each of whose answers is held against the contract."""
+    """A service that checks each of its answers against the contract."""
 
     def __init__(self, folder, document):
         self.responder = Responder(folder)
@@ -104,7 +104,7 @@ class Asker:
 
 @pytest.fixture(scope="module")
 def asker():
-    """Makes services that end with the tests of this file."""
+    """Makes services that are stopped after the tests of the file."""
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-test-"))
     made = []
 
@@ -122,7 +122,7 @@ def asker():
 
 @pytest.fixture(scope="module")
 def shown(asker):
-    """What each shipped device shows, asked for once: its states and its notifications."""
+    """The answers of each shipped device, read only once: its states and its notifications."""
     answers = {}
 
     def show(name):

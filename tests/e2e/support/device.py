@@ -25,7 +25,7 @@ class Device:
         return self.document()["sys"].get(call)
 
     def set(self, **calls):
-        """Sets what the named sys_ calls answer; None takes the call out of the document."""
+        """Sets what the named sys_ calls answer; None removes the call from the document."""
         document = self.document()
         for call, answer in calls.items():
             if answer is None:

@@ -1,4 +1,4 @@
-"""A FastCGI peer that writes any bytes, well-formed or not."""
+"""A FastCGI peer that can send any bytes, well-formed or not."""
 
 import dataclasses
 import socket
@@ -17,7 +17,7 @@ def record(kind, content=b"", request=1, version=1, padding=0):
 
 
 def stream(kind, content, request=1):
-    """A whole stream in records of at most 65535 bytes, with the empty record that ends it."""
+    """A whole stream as records of at most 65535 bytes and the empty record that ends it."""
     pieces = [content[i : i + 65535] for i in range(0, len(content), 65535)] + [b""]
     return b"".join(record(kind, piece, request) for piece in pieces)
 
@@ -48,7 +48,7 @@ class Answer:
     output: bytes = b""
     errors: bytes = b""
     complete: bool = False
-    """Whether the end-of-request record came."""
+    """Whether the end-of-request record has arrived."""
 
     @property
     def header(self):
@@ -67,7 +67,7 @@ class Answer:
 class Connection:
     def __init__(self, path, timeout=20.0):
         self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        # Waits while the backlog is full, which a socket with a timeout does not.
+        # The timeout is set later: without one, connect() waits while the backlog is full.
         self.socket.connect(str(path))
         self.socket.settimeout(timeout)
 
@@ -90,7 +90,7 @@ class Connection:
         return data
 
     def receive(self):
-        """Reads one answer; it is not complete when the connection ends first."""
+        """Reads one answer; it is incomplete if the connection ends before its end."""
         answer = Answer()
         try:
             while header := self._exactly(8):

@@ -1,4 +1,4 @@
-"""Callers that ask without pause."""
+"""Callers that send requests without pause."""
 
 import threading
 
@@ -29,7 +29,7 @@ class Callers:
 
 
 class Load(Callers):
-    """Asks a responder until nobody listens."""
+    """Sends requests to a responder until nobody listens on its socket any more."""
 
     def __init__(self, responder, callers=4):
         super().__init__(callers)
@@ -47,5 +47,5 @@ class Load(Callers):
         return sum(answer.complete for answer in self.answers)
 
     def cut_short(self):
-        """Answers that began and did not end."""
+        """Answers that have begun but have not ended."""
         return [answer for answer in self.answers if answer.output and not answer.complete]

@@ -1,11 +1,11 @@
-"""The debug log of a service: one line per message, time and process in front."""
+"""The debug log of a service: one line per message, which begins with time and process."""
 
 import pathlib
 import re
 
 from support.waiting import DEADLINE, wait_until
 
-# Written when the service can be terminated and is about to serve.
+# Logged when the service reacts to SIGTERM and is about to serve requests.
 IN_LOOP = "int fastcgi_main_loop() BEGIN"
 
 LINE = re.compile(
@@ -14,7 +14,7 @@ LINE = re.compile(
 
 
 def times(message):
-    """How many times a line has occurred: once, unless a note in it tells a number."""
+    """How often a message has occurred: once, unless a note in the line tells another number."""
     note = re.search(r" \[(\d+) times(?:, last \d+ s ago)?\]", message)
     return 1 if note is None else int(note[1])
 
@@ -27,7 +27,7 @@ class Log:
         return self.path.read_text(errors="replace") if self.path.exists() else ""
 
     def messages(self):
-        """Every line without time and process; fails on a line of another form."""
+        """Every line without time and process; fails if a line has another format."""
         messages = []
         for line in self.text().splitlines():
             match = LINE.match(line)

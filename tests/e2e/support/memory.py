@@ -1,4 +1,4 @@
-"""A service whose allocations fail on demand, and whose blocks are counted; see failing_memory.c."""
+"""Makes allocations of a service fail on demand and counts its memory blocks; see failing_memory.c."""
 
 import mmap
 import pathlib
@@ -7,12 +7,13 @@ import subprocess
 
 from support import paths
 
-# What a test orders and what came of it; behind it stands how many blocks the service holds.
+# The shared file begins with what the test orders and the resulting counts (ORDERS). Behind them is the
+# number of blocks that the service holds (HELD).
 ORDERS = struct.Struct("6i")
 HELD = struct.Struct("q")
 SOURCE = pathlib.Path(__file__).parent / "failing_memory.c"
 HEALTHY = 1 << 30
-"""The number of an allocation that never comes."""
+"""The number of an allocation that is never reached, so that none fails."""
 
 
 class Memory:
@@ -28,8 +29,8 @@ class Memory:
         self.environment = {"LD_PRELOAD": str(library), "KESTAL_TEST_MEMORY": str(self.path)}
 
     def program(self, *libraries, **variables):
-        """The service with this memory, and with more libraries and variables, as a program that the
-        web server can start: it hands none on."""
+        """Makes a program that starts the service with this memory and with further libraries and
+        variables. The web server needs such a program because it does not pass variables on."""
         variables |= self.environment | {"LD_PRELOAD": ":".join([*libraries, self.environment["LD_PRELOAD"]])}
         settings = " ".join(f'{name}="{value}"' for name, value in variables.items())
         program = self.path.with_name("remembering")
@@ -38,16 +39,17 @@ class Memory:
         return program
 
     def fail(self, number, persistently=False, libfcgi=False):
-        """Makes the n-th allocation from now on fail; of libfcgi's own, if it is libfcgi's turn."""
+        """Makes the n-th allocation from now on fail; with `libfcgi`, only those of libfcgi count."""
         self.page[: ORDERS.size] = ORDERS.pack(number, persistently, 0, 0, 0, libfcgi)
 
     def heal(self):
-        """Returns how many allocations there were, failed, and were libfcgi's."""
+        """Returns the number of allocations, of failed ones, and of those made by libfcgi."""
         counts = ORDERS.unpack(self.page[: ORDERS.size])[2:5]
         self.page[: ORDERS.size] = bytes(ORDERS.size)
         return counts
 
 
 def held(path):
-    """How many blocks the service holds that shares a file with a Memory; only differences count."""
+    """How many blocks the service holds that shares this file with a Memory. Only differences between
+    two calls have a meaning."""
     return HELD.unpack_from(path.read_bytes(), ORDERS.size)[0]

@@ -1,4 +1,4 @@
-"""Networks of their own for a server and its clients. They end with the process. Need root."""
+"""Separate networks for a server and its clients. They end with the process and need root."""
 
 import contextlib
 import ctypes
@@ -24,7 +24,8 @@ def _check(result):
 
 
 class Namespace:
-    """Sockets that the calling thread makes and processes that it starts while entered belong to it."""
+    """A network namespace. While the calling thread has entered it, the sockets that the thread makes and
+    the processes that it starts belong to it."""
 
     def __init__(self):
         own = os.open(OWN, os.O_RDONLY)
@@ -55,8 +56,8 @@ class Namespace:
 
 
 class Network:
-    """A server and two clients of it, each behind a cable of its own; each client has two addresses.
-    `addresses` are the clients', `server_addresses` those under which they reach the server."""
+    """A server and two clients, each connected to it by a separate virtual cable and with two addresses.
+    `addresses` are those of the clients; under `server_addresses` they reach the server."""
 
     def __init__(self):
         self.server = Namespace()
@@ -78,17 +79,17 @@ class Network:
     @staticmethod
     def _address(namespace, device, addresses):
         for address in addresses:
-            # Without a check for duplicates, which would take a second.
+            # nodad: no check for duplicate addresses, which would take a second.
             options = ("/64", "nodad") if ":" in address else ("/24",)
             namespace.run("ip", "address", "add", address + options[0], "dev", device, *options[1:])
         namespace.run("ip", "link", "set", device, "up")
 
     def protect(self):
-        """Loads the shipped rules."""
+        """Loads the shipped firewall rules."""
         self.server.run("nft", "-f", str(FIREWALL))
 
     def established(self, client):
-        """How many connections of a client the server has that neither side has ended."""
+        """How many connections of a client the server has that neither side has closed."""
         with self.server.entered():
             rows = [
                 row.split()
@@ -104,13 +105,13 @@ class Network:
 
 
 def encoded(address):
-    """An address as the kernel's tables have it: words in the order of the processor."""
+    """An address as in the kernel's tables: 32-bit words in the byte order of the processor."""
     packed = ipaddress.ip_address(address).packed
     return "".join(f"{word:08X}" for word in struct.unpack(f"={len(packed) // 4}I", packed))
 
 
 def may_be_made():
-    """Whether this user can make networks."""
+    """Whether this user may make network namespaces."""
     try:
         Namespace().close()
     except PermissionError:

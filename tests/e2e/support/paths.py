@@ -1,4 +1,4 @@
-"""Where the things under test are; CTest passes them, the defaults serve a call by hand."""
+"""Paths of the files under test. CTest passes them; the defaults are for a run by hand."""
 
 import os
 import pathlib
@@ -9,7 +9,7 @@ SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", BUILD / "service" / "kes
 # Texts, and locales that the machine itself may lack.
 CATALOGUE = BUILD / "catalogue"
 LOCALES = BUILD / "locales"
-# Where the build is to be installed.
+# Where the build will be installed.
 PREFIX = os.environ.get("KESTAL_PREFIX", "/usr")
 SYSCONFDIR = os.environ.get("KESTAL_SYSCONFDIR", "/etc")
 SIM = pathlib.Path(os.environ.get("KESTAL_SIM", BUILD / "tools" / "kestal-sim"))
@@ -22,5 +22,5 @@ DEVICES = ROOT / "devices"
 SCENARIOS = ROOT / "scenarios"
 DEFAULT_DEVICE = DEVICES / "default.json"
 
-# What every process under test gets; nothing else of the caller's environment reaches it.
+# The environment of every process under test, which gets nothing else of the caller's environment.
 CLEAN_ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin"}

@@ -3,18 +3,18 @@
 import random
 import socket
 
-# Below the range from which outgoing connections take theirs.
+# Below the range of ports that the system uses for outgoing connections.
 RANGE = range(20_000, 32_000)
 
 
 class Port:
-    """A free loopback port that no other Port has; it is given back by close()."""
+    """A free loopback port that no other Port uses; close() releases it."""
 
     def __init__(self):
         for number in random.sample(RANGE, len(RANGE)):
             self.claim = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
             try:
-                # An abstract name: it needs no file and ends with the process.
+                # An abstract socket name reserves the port number: it needs no file and ends with the process.
                 self.claim.bind(f"\0kestal-test-port-{number}")
                 with socket.socket() as probe:
                     probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)

@@ -1,4 +1,4 @@
-"""What the kernel knows about processes."""
+"""Information from the kernel about processes."""
 
 import contextlib
 import ipaddress
@@ -22,7 +22,7 @@ def field(pid, name):
 
 
 def environment(pid):
-    """What a process was started with. For a moment after the start of a program, the kernel shows nothing."""
+    """The environment that a process was started with. For a moment after its start, the kernel shows none."""
     text = wait_until(
         lambda: pathlib.Path(f"/proc/{pid}/environ").read_text(errors="replace"), "the process has an environment"
     )
@@ -35,10 +35,10 @@ def descriptors(pid):
 
 
 def files(pid):
-    """What the file descriptors of a process lead to."""
+    """The files and sockets that the file descriptors of a process refer to."""
     found = set()
     for file in pathlib.Path(f"/proc/{pid}/fd").iterdir():
-        # The process may close it meanwhile.
+        # The process may close the descriptor in the meantime.
         with contextlib.suppress(FileNotFoundError):
             found.add(os.readlink(file))
     return found
@@ -47,7 +47,7 @@ def files(pid):
 def accepted(pid, path):
     """How many connections to a local socket a process has accepted and not closed."""
     own = files(pid)
-    # State, inode and path; only what is accepted has an inode.
+    # State, inode and path. A connection has an inode only once it is accepted.
     entries = [line.split(None, 7)[5:] for line in pathlib.Path(f"/proc/{pid}/net/unix").read_text().splitlines()[1:]]
     return sum(
         len(entry) == 3 and entry[0] == "03" and entry[2] == str(path) and f"socket:[{entry[1]}]" in own
@@ -85,9 +85,9 @@ def mentioning(text):
 
 
 def listeners(pid):
-    """All TCP sockets that accept connections: what a descriptor of one leads to, and its own end."""
+    """All listening TCP sockets: what a descriptor of the socket refers to, and the local address."""
     for table in ("tcp", "tcp6"):
-        # Not there without IPv6.
+        # The file tcp6 does not exist without IPv6.
         path = pathlib.Path(f"/proc/{pid}/net/{table}")
         for line in path.read_text().splitlines()[1:] if path.exists() else []:
             _, local, _, state, *_, inode = line.split()[:10]
@@ -102,15 +102,15 @@ def listens(pid):
     for file, local in listeners(pid):
         if file in own:
             address, _, port = local.partition(":")
-            # Words in the order of the processor.
+            # 32-bit words in the byte order of the processor.
             words = struct.unpack(f">{len(address) // 8}I", bytes.fromhex(address))
             found.add((str(ipaddress.ip_address(struct.pack(f"={len(words)}I", *words))), int(port, 16)))
     return found
 
 
 def connections(pid):
-    """How many sockets a process has open that do not accept connections, whatever has become of their
-    other ends: the kernel lists none that has been reset."""
+    """How many sockets a process has open that are not listening. Counts all others, because the kernel
+    no longer lists a connection that its other end has reset."""
     entries = [line.split() for line in pathlib.Path(f"/proc/{pid}/net/unix").read_text().splitlines()[1:]]
     accepting = {f"socket:[{entry[6]}]" for entry in entries if entry[3] == "00010000"}
     accepting |= {file for file, _ in listeners(pid)}

@@ -1,4 +1,4 @@
-"""The service alone, started as a web server starts it: its listening socket is standard input."""
+"""The service alone, started as a web server starts it, with its listening socket as standard input."""
 
 import signal
 import socket
@@ -69,7 +69,7 @@ class Responder:
         if self.process is not None and self.process.poll() is None:
             self.process.send_signal(signal.SIGCONT)
             if paths.SANITIZERS:
-                # Leaks are looked for at an orderly end.
+                # End it in an orderly way, because only then the sanitizer looks for leaks.
                 self.process.terminate()
                 self.process.wait(20)
             self.process.kill()

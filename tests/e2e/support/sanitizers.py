@@ -1,18 +1,18 @@
-"""Reports of the sanitizers in a sanitized build, which scripts/sanitize makes."""
+"""Reports of the sanitizers in a build with sanitizers (scripts/sanitize)."""
 
 import re
 
 from support import paths
 
-# Handlers do here what handlers may not: signals that end the service are let in only while it waits,
-# and for fatal ones there is a deadline.
+# The service's signal handlers call functions that are not safe in handlers; that is intended. Signals
+# that end the service are delivered only while it waits, and the handler of fatal ones has a deadline.
 REPORT = re.compile(r"SUMMARY: \w+Sanitizer: (?!signal-unsafe call)|: runtime error: ")
-# Else these would change the exit status. (The web server hands no such variables on.)
+# Otherwise such reports would change the exit status. (The web server does not pass these options on.)
 OPTIONS = {"TSAN_OPTIONS": "report_signal_unsafe=0"} if paths.SANITIZERS == "thread" else {}
 
 
 def check(folder):
-    """Fails when a process that wrote into the folder has been reported."""
+    """Fails if a sanitizer has reported a process that wrote into the folder."""
     if not paths.SANITIZERS:
         return
     for file in folder.rglob("*"):

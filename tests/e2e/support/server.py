@@ -40,7 +40,7 @@ class Server:
         self.process = None
 
     def limit(self, **values):
-        """Serves with the shipped configuration but for these, as in limit(max_read_idle=1)."""
+        """Uses the shipped configuration with some settings changed, as in limit(max_read_idle=1)."""
         text = (paths.ROOT / "deploy" / "lighttpd.conf").read_text()
         for name, value in values.items():
             setting = "server." + name.replace("_", "-")
@@ -51,7 +51,7 @@ class Server:
         self.environment["KESTAL_CONFIGURATION"] = str(configuration)
 
     def launch(self, *arguments):
-        """Starts the launcher and waits for nothing."""
+        """Starts the launcher and returns at once."""
         return subprocess.Popen(
             [str(self.launcher), *arguments],
             stdin=subprocess.DEVNULL,
@@ -82,7 +82,7 @@ class Server:
         return self.messages.read_text() if self.messages.exists() else ""
 
     def responder(self):
-        """Process id of the service, once there is one."""
+        """Waits until the service runs and returns its process id."""
         return wait_until(
             lambda: processes.children(self.process.pid, "kestal.cgi"), "the service runs"
         )[0]

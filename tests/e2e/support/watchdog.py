@@ -1,4 +1,4 @@
-"""The device's watchdog: what reaches the socket that applications report to."""
+"""The device's watchdog: receives the messages on the socket that applications report to."""
 
 import socket
 
@@ -20,7 +20,7 @@ class Watchdog:
         return self.socket.recv(4096).decode()
 
     def waiting(self):
-        """All messages that have come and were not taken yet."""
+        """All messages that have arrived and have not been read yet."""
         self.socket.setblocking(False)
         messages = []
         try:

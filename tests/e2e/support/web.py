@@ -1,4 +1,4 @@
-"""An HTTP client that writes the request target and the headers as they are given."""
+"""An HTTP client that sends the request target and the headers exactly as given."""
 
 import dataclasses
 import json
@@ -30,8 +30,8 @@ def connect(port, timeout=30.0, address="127.0.0.1"):
 
 
 def ask(port, target, headers=(), method="GET", body=b"", raw_body=b"", address="127.0.0.1"):
-    """One request on a connection of its own. headers is a list of (name, value); a raw body is sent
-    without its length."""
+    """Sends one request on a new connection. headers is a list of (name, value); a raw body is sent
+    without Content-Length."""
     headers = list(headers)
     names = {name.lower() for name, _ in headers}
     if "host" not in names:
