@@ -1,10 +1,9 @@
-// Reading the status data set. A key that is absent, or empty, gives null, and what is null is not
-// shown.
+// Reads the status data set. An absent or empty key gives null, and null values are not shown.
 
 import { parseInteger } from "./format.js";
 import { t } from "./language.js";
 
-/** Values by the words of the answer. (An object would have names of its own, too.) */
+/** A map from words of the answer to values. (A plain object would also have inherited names.) */
 export function table(values) {
     return new Map(Object.entries(values));
 }
@@ -18,7 +17,7 @@ export function integer(data, key) {
     return parseInteger(data[key]);
 }
 
-/** Rows of a card by the names of their texts: those whose value is null fall away. */
+/** Rows of a card, from pairs of text name and value; rows whose value is null are left out. */
 export function rows(...pairs) {
     return pairs
         .filter(([, value]) => value !== null && value !== undefined)

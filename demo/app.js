@@ -1,4 +1,4 @@
-// The page: asks the service from time to time and shows what it answers.
+// The page: sends requests to the service from time to time and shows the answers.
 
 import { Cards, StatusBar } from "./cards.js";
 import { setText } from "./dom.js";
@@ -13,7 +13,7 @@ import { UntoldNotice } from "./untold_notice.js";
 
 const byId = (id) => document.getElementById(id);
 
-/** What keeps the page from an answer, by the names of its texts. */
+/** Reasons why the page has no answer; each is also the name of a text. */
 const TROUBLES = ["gone", "disabled", "refused"];
 
 startLanguage();
@@ -27,9 +27,9 @@ let cards = makeCards();
 let answer = null;
 let answeredAt = null;
 let trouble = null;
-/** The action under way: its name and the state that it is to change. */
+/** The action under way: its name and the state that it should change. */
 let pending = null;
-/** The name of what became of the last action. */
+/** The name of the text about the result of the last action. */
 let message = null;
 let announcedState = null;
 let announcedNotifications = null;
@@ -40,7 +40,7 @@ function makeCards() {
     return new Cards(byId("cards"), byId("details"), act, trafficHistory);
 }
 
-/** Tells it to screen readers. */
+/** Announces a text to screen readers. */
 function announce(text) {
     setText(byId("announcer"), text);
 }
@@ -48,12 +48,12 @@ function announce(text) {
 async function ask() {
     try {
         const { loggedIn, data } = await askStatus();
-        // Whatever the flag of the status says: a list that could not be read has the flag of an
-        // empty one.
+        // The list is requested even if the status says that there are no notifications: it says so
+        // also when the list could not be read.
         take(loggedIn, data, await askNotifications());
         return true;
     } catch (error) {
-        // Whatever has failed, be it this page: what is shown is no longer what is.
+        // Even if the error is in this page itself, the values shown are out of date.
         if (error.kind === undefined) {
             console.error(error);
         }
@@ -93,7 +93,7 @@ function lose(kind) {
     announce(`${t(`trouble.${kind}.title`)} ${t(`trouble.${kind}.text`)}`);
 }
 
-/** An action is over when the device is in another state, or when it had its time. */
+/** Ends the action when the device is in another state, or when its time is over. */
 function settle(now) {
     if (pending === null) {
         return;
@@ -114,7 +114,7 @@ async function act(name) {
     show();
     try {
         await (name === "connect" ? connect() : disconnect());
-        // The answer says nothing of the outcome; the state does.
+        // The answer does not tell the outcome of the action; the next states do.
         poller.soon();
     } catch (error) {
         if (error.kind === "refused") {
@@ -154,7 +154,7 @@ function announceNews(wasLost) {
 
 function showTrouble() {
     if (trouble === null && byId("trouble").contains(document.activeElement)) {
-        // The button goes away; what it asked for has come.
+        // The button disappears, so the focus must move.
         byId("main").focus();
     }
     byId("trouble").hidden = trouble === null;
@@ -184,7 +184,7 @@ function show() {
         connection: connection(data),
         traffic: traffic(data),
         small: smallCards(data),
-        // A device that tells nothing has not told that there are none.
+        // If the device provides no values at all, an empty list does not mean that there are none.
         notifications: tellsNothing && notifications?.length === 0 ? null : notifications,
         pending: pending?.name ?? null,
         message,
@@ -193,10 +193,10 @@ function show() {
     setText(byId("updated"), t("page.updated", { time: formatTime(answeredAt) }));
 }
 
-/** What stands on the page already is told once more. */
+/** Writes the current contents of the page again in the new language. */
 function changeLanguage() {
     cards = makeCards();
-    // The same state has another name now, which is no news.
+    // The same state now has another name, which must not be announced as a change.
     announcedState = null;
     announce("");
     show();

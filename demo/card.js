@@ -1,4 +1,4 @@
-// The pieces that cards are made of.
+// The building blocks of cards.
 
 import { element, isolated } from "./dom.js";
 import * as glyphs from "./glyphs.js";
@@ -45,7 +45,7 @@ export function section(id, ...children) {
     return element("section", { id, class: "card", "aria-labelledby": `${id}-title` }, ...children);
 }
 
-/** A card that is built anew when what it shows has changed, and only then. */
+/** A card that is rebuilt only when its contents have changed. */
 export class Card {
     #shown = null;
 
@@ -53,7 +53,7 @@ export class Card {
         this.node = section(id);
     }
 
-    /** Shows the nodes that build() makes of a model. */
+    /** Shows the nodes that build() creates from a model. */
     show(model, build) {
         const wanted = JSON.stringify(model);
         if (wanted === this.#shown) {

@@ -1,4 +1,4 @@
-// All cards of the page and the status bar: from what they show to their nodes.
+// All cards of the page and the status bar: creates their nodes from their models.
 
 import { Card, glyphOf } from "./card.js";
 import { ConnectionCard } from "./connection_card.js";
@@ -7,7 +7,7 @@ import { notificationCard } from "./notification_card.js";
 import { smallCard } from "./small_card.js";
 import { TrafficCard } from "./traffic_card.js";
 
-/** Moves no node that is in its place already: a node that is moved loses its focus. */
+/** Puts nodes in order, but moves none that is already in place: a moved node loses its focus. */
 function arrange(place, wanted) {
     for (const node of [...place.children]) {
         if (!wanted.includes(node)) {
@@ -39,7 +39,7 @@ export class Cards {
         this.#traffic = new TrafficCard(history);
     }
 
-    /** Shows what is there and takes away what is not. */
+    /** Shows the cards that have a model and removes the others. */
     show({ connection, traffic, small, notifications, pending, message, time }) {
         const large = [];
         if (connection !== null) {
@@ -60,7 +60,7 @@ export class Cards {
             this.#connection.show(connection, pending, message);
         }
         if (traffic !== null) {
-            // Drawn last: it has a width only where it is shown.
+            // Drawn last, because the plot has a width only once the card is on the page.
             this.#traffic.show(traffic, time);
         }
     }

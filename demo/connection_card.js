@@ -5,7 +5,7 @@ import { element, isolated, setText } from "./dom.js";
 import * as glyphs from "./glyphs.js";
 import { t } from "./language.js";
 
-/** Stays the same node: the button has a focus. */
+/** The card is never rebuilt, because its button would lose the focus. */
 export class ConnectionCard {
     #name = element("p", { class: "network" });
     #signal = element("div", { class: "big-signal" });
@@ -40,7 +40,7 @@ export class ConnectionCard {
         );
     }
 
-    /** @param pending the action under way, or null; @param message what became of the last one */
+    /** @param pending the action under way, or null; @param message the result of the last one */
     show(model, pending, message) {
         const wanted = JSON.stringify([model, pending, message]);
         if (wanted === this.#shown) {

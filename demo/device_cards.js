@@ -1,4 +1,4 @@
-// The small cards of what the device itself has: battery, Wi-Fi and clients, memory card and so on.
+// The small cards for parts of the device itself: battery, Wi-Fi and clients, memory card and so on.
 
 import { integer, onOff, rows, table, text } from "./answer.js";
 import { bytes, parseCount } from "./format.js";
@@ -16,7 +16,7 @@ export function battery(data) {
 }
 
 function chargeState({ percent, charging }, isPlugged, isLow) {
-    // A full battery is not charged any more, but not used either.
+    // A full battery on external power is neither charged nor used.
     if ((charging || isPlugged) && percent >= 100) {
         return "battery.charged";
     }
@@ -60,7 +60,7 @@ export function batteryCard(data) {
     };
 }
 
-/** Wi-Fi clients and whether Wi-Fi is on, as far as they are told. */
+/** Wi-Fi clients and whether Wi-Fi is on, as far as the answer contains them. */
 export function wifi(data) {
     return {
         on: integer(data, "statusBarWiFiEnabled"),
@@ -68,7 +68,7 @@ export function wifi(data) {
     };
 }
 
-/** All that are connected, by Wi-Fi and otherwise. */
+/** All connected clients, by Wi-Fi and otherwise. */
 export function clients(data) {
     return integer(data, "statusBarClientListSize");
 }
@@ -103,7 +103,7 @@ export function localCard(data) {
     const { on } = wifi(data);
     const all = clients(data);
     const card = { id: "local", glyph: { kind: "wifi" }, tone: "plain", rows: localRows(data) };
-    // The port alone is told by every device, also by one of which nothing is known.
+    // Every answer contains the port, even if the device provides nothing else; that is not enough.
     if (on === null && all === null) {
         return card.rows.length === 0 || data.statusBarEthernetPortEnabled === "disabled"
             ? null

@@ -1,5 +1,4 @@
-// Building the page through nodes. Nothing here, or anywhere on the page, parses a text as markup
-// of the page.
+// Builds the page from nodes. For safety, no code of the page parses a text as markup of the page.
 
 const SVG = "http://www.w3.org/2000/svg";
 
@@ -21,7 +20,7 @@ export function svg(name, attributes = {}, ...children) {
     return fill(document.createElementNS(SVG, name), attributes, children);
 }
 
-/** A text of its own direction that leaves the one around it alone. */
+/** A text with its own writing direction, which does not affect the text around it. */
 export function isolated(text) {
     return element("bdi", {}, text);
 }
@@ -31,7 +30,7 @@ export function hiddenText(text) {
     return element("span", { class: "hidden-text" }, text);
 }
 
-/** Leaves a node alone that shows the text already. */
+/** Sets the text of a node, but does not touch a node that already shows it. */
 export function setText(node, text) {
     if (node.textContent !== text) {
         node.textContent = text;

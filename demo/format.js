@@ -1,10 +1,10 @@
-// Numbers as people read them.
+// Numbers formatted for people.
 
 import { formatNumber, t, unitNames } from "./language.js";
 
 const LARGEST_POWER = 6;
 
-/** The unit in which an amount of bytes is best told: its name and its size. */
+/** The best unit for an amount of bytes: its name and its size. */
 export function unitOf(amount) {
     let power = 0;
     // 999.5 and more would be written as 1000.
@@ -14,7 +14,7 @@ export function unitOf(amount) {
     return { name: unitNames()[power], size: 1000 ** power };
 }
 
-/** So much of a unit: "734 MB". */
+/** An amount of bytes in the given unit: "734 MB". */
 export function inUnit(amount, unit) {
     const shown = amount / unit.size;
     return t("amount.inUnit", {
@@ -29,12 +29,12 @@ export function bytes(amount) {
     return inUnit(value, unitOf(value));
 }
 
-/** Bytes in a second: "1.2 MB/s". */
+/** Bytes per second: "1.2 MB/s". */
 export function rate(perSecond) {
     return t("amount.rate", { amount: bytes(Math.round(perSecond)) });
 }
 
-/** Seconds as the two largest parts that matter: "1 h 30 min". */
+/** Seconds as a duration in its two largest units: "1 h 30 min". */
 export function duration(seconds) {
     const value = Number(seconds);
     const parts = {
@@ -47,12 +47,12 @@ export function duration(seconds) {
     return t(`time.${largest ?? "seconds"}`, parts);
 }
 
-/** A decimal text of the answer as a number of any size; null for all else. */
+/** A decimal text of the answer as a number of any size; null for everything else. */
 export function parseCount(text) {
     return /^\d{1,20}$/.test(text ?? "") ? BigInt(text) : null;
 }
 
-/** An integer of the answer, which tells some as numbers and some as texts; null for all else. */
+/** An integer, which the answer may have as a number or as a text; null for everything else. */
 export function parseInteger(value) {
     return /^-?\d{1,10}$/.test(String(value ?? "")) ? Number(value) : null;
 }

@@ -1,4 +1,4 @@
-// Small pictures. They repeat what the text beside them tells and are hidden from screen readers.
+// Small pictures. They only repeat the text beside them, so they are hidden from screen readers.
 
 import { svg } from "./dom.js";
 

@@ -1,5 +1,5 @@
-// The language of the page: its texts, numbers and times. Texts of the device come in the language
-// of the device and are none of these. No part of the page is touched here.
+// The language of the page: its texts, numbers and times. Texts that come from the device are in the
+// device's language and are not handled here. This module does not change the page.
 
 import ar from "./texts/ar.js";
 import de from "./texts/de.js";
@@ -10,7 +10,7 @@ import ja from "./texts/ja.js";
 
 export const CATALOGUES = { en, de, fr, es, ja, ar };
 
-/** The languages by their own names, as they are offered. */
+/** The languages on offer, each with its own name for itself. */
 export const LANGUAGES = {
     en: "English",
     de: "Deutsch",
@@ -24,9 +24,9 @@ const RIGHT_TO_LEFT = new Set(["ar"]);
 
 let current;
 
-/** Everything that is told from now on is in this language, one of LANGUAGES. */
+/** Sets the language, one of LANGUAGES, of all later texts, numbers and times. */
 export function setLanguage(code) {
-    // The device writes its numbers with these digits, too, and the two stand side by side.
+    // Latin digits, because the device's texts use them and appear beside these numbers.
     const locale = `${code}-u-nu-latn`;
     current = {
         code,
@@ -52,13 +52,13 @@ export function direction() {
     return RIGHT_TO_LEFT.has(current.code) ? "rtl" : "ltr";
 }
 
-/** The first of the user's languages, such as "de-AT", that the page speaks; English if none. */
+/** The first of the user's languages, such as "de-AT", that the page supports, or English. */
 export function bestLanguage(wanted) {
     const codes = wanted.map((each) => each.toLowerCase().split("-")[0]);
     return codes.find((code) => Object.hasOwn(LANGUAGES, code)) ?? "en";
 }
 
-/** A text by its name, with values in it. One with several forms takes that for values.number. */
+/** The text of a name, with values filled in. values.number selects one of several plural forms. */
 export function t(name, values = {}) {
     const found = current.texts[name];
     const form = typeof found === "object" ? found[current.plural.select(values.number)] : found;
@@ -73,7 +73,7 @@ export function unitNames() {
     return current.texts["amount.units"];
 }
 
-/** A number with three digits that matter. */
+/** A number with three significant digits. */
 export function formatNumber(value) {
     return current.number.format(value);
 }

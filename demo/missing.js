@@ -1,4 +1,4 @@
-// The page that stands in place of one that this server does not have.
+// The page that the server shows instead of a missing page.
 
 import { setText } from "./dom.js";
 import { startLanguage } from "./page_language.js";

@@ -1,4 +1,4 @@
-// The small cards of what has to do with the mobile network: signal and SIM.
+// The small cards about the mobile network: signal and SIM.
 
 import { integer, rows, text } from "./answer.js";
 import { t } from "./language.js";
@@ -48,7 +48,7 @@ function simRows(code, blocked) {
     );
 }
 
-/** What is told of a slot; the first one's names have no number in them. */
+/** The values of a SIM slot; the keys of the first slot have no number. */
 function slot(data, number) {
     const name = (key) => text(data, `statusBarSim${number === 2 ? "2" : ""}${key}`);
     return {

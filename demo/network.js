@@ -1,5 +1,5 @@
-// What the status data set tells of network, data connection and traffic. No part of the page is
-// touched here.
+// The values for network, data connection and traffic in the status data set. This module does not
+// change the page.
 
 import { integer, onOff, rows, table, text } from "./answer.js";
 import { duration, parseCount } from "./format.js";
@@ -33,7 +33,7 @@ const SIM_STATES = table({
     "PIN Locked": ["sim.pin", "warning"],
 });
 
-/** How a SIM is: label and tone. A word that this page does not know is shown as it is. */
+/** The state of a SIM: label and tone. A word that this page does not know is shown unchanged. */
 export function simState(word) {
     const known = SIM_STATES.get(word);
     return known === undefined
@@ -48,7 +48,7 @@ function simSentence(word) {
 const ROAMING = table({
     Domestic: "value.domestic",
     International: "value.international",
-    // A network that asks for a flashing indicator, which tells nothing else of it.
+    // The network asks for a flashing indicator; the answer has no other value for roaming then.
     Flash: "value.yes",
 });
 
@@ -60,18 +60,18 @@ export function roaming(data) {
     return ROAMING.has(value) ? t(ROAMING.get(value)) : value;
 }
 
-/** Technology of the SIM in use. For one request after a change of SIM, it is told of the other. */
+/** Technology of the SIM in use. The first answer after a change still has that of the other SIM. */
 export function technology(data) {
     const value = text(data, "statusBarTechnology") ?? text(data, "statusBarSim2Technology");
     return value === "None" ? null : value;
 }
 
-/** Bars of the SIM in use, with the same reserve. */
+/** Signal bars of the SIM in use, with the same limitation. */
 export function bars(data) {
     return integer(data, "statusBarSignalBars") ?? integer(data, "statusBarSim2SignalBars");
 }
 
-/** What of the SIM in use is told under names of its own. */
+/** A value of the SIM in use, for which the answer has one key for each SIM. */
 function inUse(data, first, second) {
     return text(data, integer(data, "statusBarActiveSimSlot") === 2 ? second : first);
 }
@@ -86,7 +86,7 @@ function stateOf(data, raw) {
         return { label: t("state.airplane"), tone: "warning", action: null, flows: false };
     }
     const known = STATES.get(raw);
-    // An account that the carrier has stopped may hold a data call nevertheless.
+    // There may be a data call even though the carrier has stopped the account.
     const beneath = STATES.get(text(data, "pcoInitiatedConnectionStatus"));
     if (known !== undefined) {
         return {
@@ -120,7 +120,7 @@ function details(data, isConnected) {
     );
 }
 
-/** Network and data connection; null when nothing is known of them. */
+/** Network and data connection; null if the answer has no values for them. */
 export function connection(data) {
     const name = inUse(data, "statusBarNetwork", "statusBarSim2Network");
     const raw = inUse(data, "statusBarConnectionState", "statusBarSim2ConnectionState");
@@ -142,7 +142,7 @@ export function connection(data) {
     };
 }
 
-/** Counters of the data connection; null when they are not told. */
+/** Counters of the data connection; null if the answer does not have them. */
 export function traffic(data) {
     const received = parseCount(data.statusBarBytesReceived);
     const sent = parseCount(data.statusBarBytesTransmitted);
@@ -153,7 +153,7 @@ export function traffic(data) {
         received,
         sent,
         total: parseCount(data.statusBarBytesTotal),
-        // Without a connection there is no rate, whatever the counters do.
+        // Without a connection no rate is shown, even if the counters change.
         flows: connection(data)?.flows ?? true,
     };
 }

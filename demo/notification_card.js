@@ -53,7 +53,7 @@ export function notificationCard(list) {
             list.length === 0 ? null : element("span", { class: "badge" }, String(list.length)),
         ),
         list.length === 0
-            ? // Also of a list that the device could not read.
+            ? // The list is also empty when the device could not read it.
               element("p", { class: "empty" }, t("notifications.none"))
             : element("ul", { class: "notifications" }, byUrgency(list).map(notificationItem)),
     ];

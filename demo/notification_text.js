@@ -1,15 +1,15 @@
 // The text of a notification is a fragment of HTML: a translated text, then perhaps a link and
-// another text. It comes from catalogues, carriers and settings, so only texts and links to
-// harmless places are taken from it; they become nodes of our own. It is read by a few rules and
-// not by the browser's parser, which makes elements of everything first.
+// another text. It comes from catalogues, carriers and settings and cannot be trusted, so this module
+// takes only texts and links to harmless addresses from it and creates new nodes for them. It finds
+// them with a few rules of its own, because the browser's parser would first create all elements.
 
 import { element } from "./dom.js";
 
-/** Comments and tags. What looks like neither is text. */
+/** Comments and tags. Everything else is text. */
 const MARKUP = /<!--[^]*?(?:-->|$)|<(\/?)([a-z][a-z0-9:-]*)((?:"[^"]*"|'[^']*'|[^'">])*)>/gi;
 const ADDRESS = /(?:^|[\s"'/])href\s*=\s*(?:"([^"]*)"|'([^']*)'|([^\s"'>]+))/i;
 
-/** Elements whose content is no text for anyone. */
+/** Elements whose content is not text to be read. */
 const SILENT = new Set([
     "script",
     "style",
@@ -40,10 +40,10 @@ const BREAKS = new Set([
 ]);
 
 /**
- * The address that a link may have: a page of this site or one of the web; null for all others.
- * Pages below /srv/ act when they are opened. The web server resolves a path again once it has
- * decoded it, and a path that begins with two slashes is a link to another host: on this site,
- * empty and dotted parts of a path are refused.
+ * The address of a link if it is allowed: a page of this site or of the web; otherwise null.
+ * Addresses below /srv/ are refused, because opening one can trigger an action. On this site, empty
+ * and dotted parts of a path are refused, too: the web server resolves a path again after it has
+ * decoded it, and a path that begins with two slashes is a link to another host.
  */
 export function safeAddress(written, base = document.baseURI) {
     let url;
@@ -65,19 +65,19 @@ export function safeAddress(written, base = document.baseURI) {
     return isOwn && /^\/srv(\/|$)|\/\.{0,2}\//i.test(path) ? null : url;
 }
 
-/** A text without markup, its character references resolved. */
+/** A text without markup, with its character references resolved. */
 function plain(text) {
     if (!text.includes("&")) {
         return text;
     }
-    // Blanks before the first letter would be none of the text.
+    // The leading dot keeps blanks at the beginning, which the parser would drop.
     const source = new DOMParser().parseFromString(`.${text.replaceAll("<", "&lt;")}`, "text/html");
     return source.body.textContent.slice(1);
 }
 
 /**
- * The value of an attribute, its character references resolved: other than in a text, "&copy=" is
- * none of them.
+ * The value of an attribute, with its character references resolved. Unlike in a text, "&copy=" is
+ * not a reference in an attribute.
  */
 function attributeValue(written) {
     const source = `<a href="${written.replaceAll('"', "&quot;")}"></a>`;
@@ -141,7 +141,7 @@ export function notificationNodes(html) {
             nodes.append(text);
             continue;
         }
-        // The link is joined to a text that knows nothing of it.
+        // The text before the link is a complete sentence, so the link needs a blank before it.
         if (/[.!?:;,؟،]$/.test(nodes.textContent)) {
             nodes.append(" ");
         }

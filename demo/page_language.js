@@ -1,4 +1,4 @@
-// The language that the user has: asked of the browser, chosen in the header, kept, and told in the
+// The user's language: taken from the browser or chosen in the header, stored, and applied to the
 // fixed texts of the page.
 
 import { element, setText } from "./dom.js";
@@ -6,7 +6,7 @@ import { bestLanguage, direction, language, LANGUAGES, setLanguage, t } from "./
 
 const KEY = "language";
 
-/** What was chosen earlier; null where nothing was or where the browser keeps nothing. */
+/** The language chosen earlier; null if there is none or if the browser stores nothing. */
 function kept() {
     try {
         const code = localStorage.getItem(KEY);
@@ -20,11 +20,11 @@ function keep(code) {
     try {
         localStorage.setItem(KEY, code);
     } catch {
-        // Then it is the choice of this visit.
+        // If it cannot be stored, the choice is valid for this visit only.
     }
 }
 
-/** Writes the texts that the page's file names: data-text, and data-label for those only spoken. */
+/** Writes the texts that the HTML file names: data-text, or data-label if only for screen readers. */
 function apply() {
     document.documentElement.lang = language();
     document.documentElement.dir = direction();
@@ -42,7 +42,7 @@ export function startLanguage() {
     apply();
 }
 
-/** Fills the list of languages and follows what is chosen there. */
+/** Fills the list of languages and applies the user's choice. */
 export function offerLanguages(list, changed) {
     list.replaceChildren(
         ...Object.entries(LANGUAGES).map(([code, name]) =>

@@ -1,11 +1,11 @@
-// When to ask: one request at a time, seldom while nobody looks, ever more seldom while there is no
-// answer, soon after something was done.
+// Decides when to send requests: only one at a time, seldom while the page is hidden, less and less
+// often while there is no answer, and soon after an action.
 
 const PERIOD = 3_000;
 const HIDDEN_PERIOD = 60_000;
 const FIRST_RETRY = 1_000;
 const LAST_RETRY = 15_000;
-/** Pauses before the first questions after an action, which takes effect behind its answer. */
+/** Pauses before the first requests after an action, which takes effect only after its answer. */
 const SOON = [100, 300, 600, 1_000, 1_500, 2_500];
 
 export class Poller {
@@ -15,7 +15,7 @@ export class Poller {
     #retry = FIRST_RETRY;
     #soon = [];
 
-    /** @param ask asks once; tells whether there was an answer, and throws nothing */
+    /** @param ask sends one request, returns whether there was an answer, and never throws */
     constructor(ask) {
         this.#ask = ask;
     }
@@ -32,7 +32,7 @@ export class Poller {
         return this.now();
     }
 
-    /** Asks at once, or waits for the answer that is under way. */
+    /** Sends a request at once, or waits for the answer to the one that is under way. */
     now() {
         clearTimeout(this.#timer);
         this.#timer = null;
@@ -40,13 +40,13 @@ export class Poller {
         return this.#running;
     }
 
-    /** Asks several times in short order. */
+    /** Sends several requests with short pauses. */
     soon() {
         this.#soon = [...SOON];
         this.#plan();
     }
 
-    /** Whether more questions of a soon() are to come. */
+    /** Whether requests of a soon() are still to be sent. */
     get isWaitingForEffect() {
         return this.#soon.length > 0;
     }

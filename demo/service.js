@@ -1,6 +1,6 @@
-// The four calls of the service.
+// The four operations of the service.
 
-// A device that hangs is given up by the web server after ten to twenty seconds.
+// In milliseconds. If the device hangs, the web server gives up after ten to twenty seconds.
 const PATIENCE = 25_000;
 
 /** What went wrong: "gone" (no answer), "disabled" (by the carrier, or there is no device to ask) or "refused". */
@@ -54,13 +54,13 @@ export async function askStatus() {
     };
 }
 
-/** The list of notifications; null when the service has none to offer. */
+/** The list of notifications; null if the service does not provide one. */
 export async function askNotifications() {
     const list = (await call("notification", "GET")).notificationsList;
     return Array.isArray(list) ? list : null;
 }
 
-// Acting is a POST: browsers tell their origin with it, which the web server wants to see.
+// Actions use POST, because browsers then send the Origin header, which the web server checks.
 
 export function connect() {
     return call("connect", "POST");

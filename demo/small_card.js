@@ -1,4 +1,4 @@
-// A small card: a headline, a text, rows of names and values, or parts that have them.
+// A small card: a headline, a text, rows of names and values, or several parts with such contents.
 
 import { heading, rowList } from "./card.js";
 import { element, isolated } from "./dom.js";

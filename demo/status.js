@@ -1,5 +1,5 @@
-// What the status data set means: from the keys of the answer to what the page shows. No part of
-// the page is touched here.
+// The meaning of the status data set: converts the keys of the answer to the models that the page
+// shows. This module does not change the page.
 
 import { integer } from "./answer.js";
 import {
@@ -18,7 +18,7 @@ import { t } from "./language.js";
 import { signalCard, simCard } from "./mobile_cards.js";
 import { bars, connection, isInAirplaneMode, roaming, technology, traffic } from "./network.js";
 
-/** What every hotspot has, by the names of the texts that name it. */
+/** The parts that every hotspot has, by the names of their texts. */
 const PARTS = [
     ["network.title", connection],
     ["traffic.title", traffic],
@@ -28,13 +28,13 @@ const PARTS = [
     ["local.clients", clients],
 ];
 
-/** What a hotspot may have. Without an answer, nobody knows whether this one has it. */
+/** Parts that a hotspot may have. Without a value, the page cannot know whether this one has it. */
 const MORE_PARTS = [
     ["row.wifi", (data) => wifi(data).on],
     ["storage.title", storageCard],
     ["gps.title", gpsCard],
     ["sms.title", smsCard],
-    // A device that cannot be asked answers as one without an update.
+    // If this call fails, the answer is the same as without an update.
     ["update.title", (data) => integer(data, "StatusBarSoftwareUpdateStatus") || null],
 ];
 
@@ -43,9 +43,9 @@ function toldOf(parts, data) {
 }
 
 /**
- * Names of the texts that name what the answer does not tell: what every hotspot has, and what was
- * told before.
- * @param before names of what was told earlier
+ * Names of the texts for the parts that are missing in the answer although every hotspot has them or
+ * an earlier answer had them.
+ * @param before names of the parts that were in earlier answers
  */
 export function untold(data, before = new Set()) {
     const told = [...toldOf(PARTS, data), ...toldOf(MORE_PARTS, data)];
@@ -54,7 +54,7 @@ export function untold(data, before = new Set()) {
         return { nothing: true, told, missing: [...all, "notifications.title"] };
     }
     const expected = new Set([...PARTS.map(([name]) => name), ...before]);
-    // The end of an update is no lack of an answer.
+    // That an update is no longer in the answer only means that it has ended.
     expected.delete("update.title");
     return {
         nothing: false,
@@ -63,7 +63,7 @@ export function untold(data, before = new Set()) {
     };
 }
 
-/** The small cards, in the order of the page; those of which nothing is told are left out. */
+/** The small cards, in the order of the page; cards without any value are left out. */
 export function smallCards(data) {
     const cards = [
         signalCard,
@@ -80,7 +80,7 @@ export function smallCards(data) {
         : cards.map((read) => read(data)).filter((card) => card !== null);
 }
 
-/** What stands in the status bar: glyph, short text, and what a screen reader says. */
+/** The items of the status bar: glyph, short text, and text for screen readers. */
 export function statusItems(data) {
     const items = [];
     const strength = bars(data);

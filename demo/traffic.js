@@ -1,23 +1,23 @@
-// The traffic of the last minutes: rates from the counters of successive answers.
+// The traffic of the last minutes: calculates rates from the counters of successive answers.
 
 export const WINDOW = 5 * 60_000;
 /**
- * A rate is taken over this time at least. A device may count in steps of three seconds, which is
- * how often it is asked: from one answer to the next there are none, one or two of them. Over this
- * time, a step too many or too few makes a quarter.
+ * The shortest time over which a rate is calculated, in milliseconds. A device may update its
+ * counters every three seconds, as often as it is asked, so between two answers there may be no
+ * update, one or two. Over this time, one update too many or too few changes the rate by a quarter.
  */
 export const SPAN = 12_000;
-/** Answers that lie further apart have no line between them. */
+/** Answers that are further apart than this are not joined by a line. */
 const LONGEST_STEP = 90_000;
 
 /** Rates at the times of the answers. */
 export class TrafficHistory {
-    /** Answers of one unbroken run, from the one at which the next rate begins. */
+    /** Answers without a gap between them, from the one at which the next rate begins. */
     #samples = [];
-    /** What is drawn from one time to the next; a gap is before a point that begins later. */
+    /** The points of the plot; a point that begins later than the previous one ends has a gap before. */
     points = [];
 
-    /** Takes the counters of an answer. A counter that went back has started anew. */
+    /** Adds the counters of an answer. If a counter has decreased, it has started again. */
     add(time, received, sent) {
         const last = this.#samples.at(-1);
         if (last !== undefined) {
@@ -28,7 +28,7 @@ export class TrafficHistory {
             }
         }
         const oldest = time - WINDOW;
-        // A clock that was put back leaves points in the future.
+        // After a clock has been set back, there may be points in the future.
         this.points = this.points.filter((point) => point.time > oldest && point.time < time);
         this.#samples.push({ time, received, sent });
         while (this.#samples.length > 1 && time - this.#samples[1].time >= SPAN) {
@@ -47,12 +47,12 @@ export class TrafficHistory {
         }
     }
 
-    /** There is no connection: what the counters do until there is one again gives no rate. */
+    /** Without a connection: changes of the counters until the next connection give no rate. */
     pause() {
         this.#samples = [];
     }
 
-    /** The newest rates; null while they are collected. */
+    /** The newest rates; null while there are too few answers. */
     get now() {
         const newest = this.#samples.at(-1);
         const point = this.points.at(-1);
@@ -69,7 +69,7 @@ export function niceMaximum(value) {
     return maximum;
 }
 
-/** Runs of points without a gap. */
+/** Splits points into sequences without a gap. */
 export function runs(points) {
     const all = [];
     for (const point of points) {

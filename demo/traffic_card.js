@@ -6,7 +6,7 @@ import { bytes, rate } from "./format.js";
 import { t } from "./language.js";
 import { TrafficPlot } from "./traffic_plot.js";
 
-/** Stays the same node: the plot measures its width. */
+/** The card is never rebuilt, because the plot measures the width of its node. */
 export class TrafficCard {
     #received = element("dd");
     #sent = element("dd");

@@ -7,17 +7,17 @@ import { niceMaximum, runs, WINDOW } from "./traffic.js";
 
 const LOWEST = 190;
 const MARGIN = { top: 12, right: 16, bottom: 26, left: 68 };
-/** Of a letter of the axes, at most about. */
+/** The approximate largest width of a letter on the axes. */
 const LETTER_WIDTH = 7;
 
-/** A text of a language from right to left keeps its direction in the picture, which has none. */
+/** Marks the direction of a right-to-left text, because the picture itself does not define one. */
 function directed(text) {
     return direction() === "rtl" ? `\u2067${text}\u2069` : text;
 }
 
 function line(kind, points, x, y, bottom) {
     return runs(points).map((run) => {
-        // The first rate is that of all the time before it; each further one adds a little.
+        // The first rate is valid for all the time before it; each further one adds a short time.
         const corners = [
             `${x(run[0].from)},${y(run[0][kind])}`,
             ...run.map((point) => `${x(point.time)},${y(point[kind])}`),
@@ -36,7 +36,7 @@ function label(x, y, anchor, text) {
     return svg("text", { x, y, "text-anchor": anchor }, directed(text));
 }
 
-/** The numbers at the scale's lines; the unit stands at the highest one. */
+/** The numbers at the lines of the scale; only the highest one has the unit. */
 function scaleTexts(maximum) {
     const unit = unitOf(maximum);
     const highest = t("amount.rate", { amount: inUnit(maximum, unit) });
@@ -75,7 +75,7 @@ export class TrafficPlot {
         new ResizeObserver(() => this.draw(this.#now, this.#flows)).observe(this.node);
     }
 
-    /** @param flows whether there is a connection, of which rates can be expected */
+    /** @param flows whether there is a connection, so that rates can be expected */
     draw(now, flows) {
         this.#now = now;
         this.#flows = flows;

@@ -1,4 +1,4 @@
-// The notice of what the device does not tell.
+// The notice about values that the device does not provide.
 
 import { element, setText } from "./dom.js";
 import { t } from "./language.js";
@@ -16,7 +16,7 @@ export class UntoldNotice {
         this.#list = node.querySelector("ul");
     }
 
-    /** Shows what an answer lacks. Returns whether it tells nothing at all. */
+    /** Shows what is missing in an answer. Returns whether it has no values at all. */
     show(data) {
         const { nothing, told, missing } = untold(data, this.#told);
         told.forEach((name) => this.#told.add(name));

@@ -1,5 +1,5 @@
-// The texts of the page in English. {name} stands for a value; a text that depends on a number has a
-// form for each plural of its language. The other languages have the same texts by these names.
+// The texts of the page in English. {name} stands for a value. A text that depends on a number has a
+// form for each plural category of its language. The other languages use the same names.
 
 export default {
     "page.name": "Hotspot",

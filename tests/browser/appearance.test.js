@@ -1,4 +1,4 @@
-// How the page presents itself: widths, themes, directions, and to those who do not see it.
+// The appearance of the page: widths, themes, writing directions, and accessibility.
 
 import assert from "node:assert/strict";
 import { mkdirSync, readFileSync } from "node:fs";
@@ -15,7 +15,7 @@ const { serve, visit } = suite();
 const AXE = readFileSync(load.resolve("axe-core/axe.min.js"), "utf8");
 
 async function complaintsOfAxe(page) {
-    // Through the debugger: the page's policy lets no script of others in.
+    // Loaded through the debugger, because the page's policy forbids foreign scripts.
     await page.evaluate(AXE);
     const { violations } = await page.evaluate(() => globalThis.axe.run(document));
     return violations.flatMap(({ id, nodes }) =>
@@ -28,7 +28,7 @@ function luminance(color) {
     return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
 }
 
-/** How many colours there are in a part of what is shown. */
+/** The number of colours in a part of the screen. */
 async function colors(page, clip) {
     const picture = await page.screenshot({ clip, fullPage: true });
     return page.evaluate(async (base64) => {
@@ -185,11 +185,11 @@ test("in forced colours, the legend and the bar of the memory card are there", a
     }
     const bar = await page.locator("#storage .share").boundingBox();
     const inside = { x: bar.x + 3, y: bar.y + 3, width: bar.width - 6, height: bar.height - 6 };
-    // The used part and the free one.
+    // Two colours: one for the used part and one for the free part.
     assert.equal(await colors(page, inside), 2);
 });
 
-/** Lets minutes of traffic pass on the page's clock. */
+/** Lets the page's clock run through some minutes of traffic. */
 async function letTrafficPass(server, page, answers) {
     const stats = server.document().sys.getCellularDataConnectionStats;
     let [received, sent] = [stats.bytesReceived1, stats.bytesTransmitted1];

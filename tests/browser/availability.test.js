@@ -1,4 +1,4 @@
-// The page while the service is away, and how often it asks.
+// The page while the service does not answer, and how often it sends requests.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -91,7 +91,7 @@ for (const [cause, answer] of [
         const server = await serve(t, document);
         const page = await visit(t, server, { answered: false });
         await shows(page, "#trouble", "The web interface is not available.");
-        // The two cannot be told apart.
+        // The page cannot tell these two causes apart.
         await shows(page, "#trouble", /the carrier has switched it off.*no device to ask/);
         server.set({ getWebUICarrierEnabled: 1 });
         await isWell(page);

@@ -1,4 +1,4 @@
-// What the page shows of each device: everything that it is told, and nothing else.
+// For each device, the page shows everything that the service answers, and nothing else.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -141,7 +141,7 @@ test("two SIMs, the second in use", async (t) => {
     const page = await visit(t, await serve(t, device("dual-sim-slot-2")));
     await shows(page, "#connection .network", "Velta Mobil");
     await shows(page, "#connection .state", "Connected");
-    // Signal and technology follow a change of SIM one answer later.
+    // Signal and technology follow a change of the SIM one answer later.
     await shows(page, "#connection .technology", /^5G$/);
     assert.equal(await litBars(page), 5);
     await shows(page, "#sim .part:nth-of-type(1)", /SIM 1\s+Ready[^]*Orvane/);
@@ -182,7 +182,7 @@ test("a device of which nothing is known", async (t) => {
     const page = await visit(t, await serve(t, device("everything-failing")));
     await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
     assert.deepEqual(await untold(page), ALL_PARTS);
-    // Least of all that there are no notifications.
+    // Above all, the page must not claim that there are no notifications.
     assert.deepEqual(await cards(page), []);
     assert.deepEqual(await statusBar(page), []);
     assert.equal(await page.locator("#trouble").isVisible(), false);

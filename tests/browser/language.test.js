@@ -133,7 +133,7 @@ for (const [code, locale] of Object.entries({
         assert.deepEqual(await direction(page), [code, code === "ar" ? "rtl" : "ltr"]);
         const found = await headings(page);
         HEADINGS[code].forEach((heading, i) => assert.match(found[i], new RegExp(`^${heading}`)));
-        // Nothing is wider than a phone.
+        // Nothing is wider than the screen of a phone.
         assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 320);
         await assertQuiet(page);
     });
@@ -152,7 +152,7 @@ test("the language chosen in the header is kept", async (t) => {
         HEADINGS.de,
     );
     assert.equal(await page.title(), "Hotspot");
-    // The same in another language is no news.
+    // The same state in another language is not announced.
     assert.equal(await page.getByRole("status").innerText(), "");
     await page.getByRole("button", { name: "Trennen", exact: true }).click();
     await shows(page, "#connection .state", /^Nicht verbunden$/);
@@ -208,7 +208,7 @@ test("in Arabic the page goes from right to left, and its plot does not", async 
         ),
     );
     assert.ok(network > traffic, "the first card is on the right");
-    // What is written from left to right stays so.
+    // Text that is written from left to right keeps its direction.
     const name = page.locator("#connection .network bdi");
     assert.equal(await name.evaluate((node) => getComputedStyle(node).direction), "ltr");
     const [now, before] = await page.evaluate(() => {
@@ -233,7 +233,7 @@ test("a link of a notification leads to a page with a way back", async (t) => {
         assert.equal((await response).status(), 404);
         await shows(page, "h1", "This page is not here");
         await shows(page, "#address", `You asked for: ${address}`);
-        // Its style has come, wherever it stands.
+        // Wait until the style sheet is loaded, wherever the page is.
         await until(
             page,
             () => getComputedStyle(document.querySelector(".status-bar")).position === "sticky",

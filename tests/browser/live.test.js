@@ -1,4 +1,4 @@
-// The page follows the device.
+// The page follows changes of the device.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";

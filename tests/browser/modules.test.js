@@ -1,4 +1,4 @@
-// The modules of the page that need no page.
+// Modules of the page that can be tested without a page.
 
 import assert from "node:assert/strict";
 import path from "node:path";

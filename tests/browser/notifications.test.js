@@ -1,4 +1,4 @@
-// Notifications: texts and links are shown, everything else in them is not.
+// The page shows only the texts and links of notifications.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -11,7 +11,7 @@ const { serve, visit } = suite();
 
 const CHANNEL = "zelt.ans.notifications";
 
-/** A message id without a translation is shown as it stands. */
+/** Notifications with these texts: a message id without a translation is shown unchanged. */
 function withTexts(...texts) {
     const document = device("default");
     document.msgbus[CHANNEL] = texts.map((textId, i) => ({
@@ -50,7 +50,7 @@ test("each has its severity, its title, its text and its link", async (t) => {
         ["Install now.", "/about/update", "href"],
         ["View messages.", "/messages", "href"],
     ]);
-    // A text that knows nothing of the link behind it is set apart from it.
+    // If the text does not mention the link that follows it, the two are separated.
     await shows(
         page,
         "#notifications [data-id=softwareUpdate] .text",

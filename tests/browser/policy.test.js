@@ -1,4 +1,4 @@
-// What the web server says about the page, and that the page lives by it.
+// The headers that the web server sends with the page, and that the page keeps its policy.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -39,7 +39,7 @@ test("every file of the page comes with its type and with the policy", async (t)
         "/traffic.css": "text/css; charset=utf-8",
         "/favicon.svg": "image/svg+xml",
     };
-    // The page does not wait for its pictures.
+    // The page does not wait until its pictures are loaded.
     const named = Object.keys(types).map((name) =>
         page.waitForResponse((response) => new URL(response.url()).pathname === name),
     );

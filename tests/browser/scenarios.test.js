@@ -35,9 +35,9 @@ const READY = notification("softwareUpdate");
 const READY_LINK = `${READY} a[href="/about/update"]`;
 
 /**
- * For each scenario, its events in their order; for each event, places of the page and what they
- * show before the next event, null where there is nothing. "states": all that is told of the
- * connection; "charge": how that of the battery moves, if it does.
+ * For each scenario, its events in order; for each event, places of the page and the texts that they
+ * show before the next event, null for a place that is not there. "states": all states of the
+ * connection that the page shows; "charge": the direction in which the battery's charge changes.
  */
 const EXPECTED = {
     commute: {
@@ -270,8 +270,8 @@ const EXPECTED = {
 };
 
 /**
- * Makes the page ask all the time, as it does whenever the browser is back on a network, and keeps
- * all that it shows of the connection and of the battery.
+ * Makes the page send requests all the time, as it does whenever the browser is back on a network,
+ * and records everything that it shows about the connection and the battery.
  */
 function followClosely(page) {
     return page.evaluate(() => {
@@ -308,20 +308,20 @@ async function showsAll(page, event, wanted) {
     }
 }
 
-/** Which ways a row of texts such as "84%" goes. */
+/** The directions in which the numbers in a sequence of texts such as "84%" change. */
 function movements(texts) {
     const values = texts.map((text) => Number.parseInt(text, 10));
     const steps = values.slice(1).map((value, i) => (value > values[i] ? "rises" : "falls"));
     return steps.filter((step, i) => step !== steps[i - 1]);
 }
 
-/** Plays a scenario; an event happens when the page shows all of the one before it. */
+/** Plays a scenario; each event waits until the page shows all effects of the one before it. */
 async function follow(page, server, file, events, expected) {
     await server.play(file);
     let wanted = [];
     for (const [i, { at, say }] of events.entries()) {
         wanted.push(...Object.entries(expected[i][1]));
-        // Events of one time are one change, which is made when all of them have been told.
+        // Events with the same time are one change of the device, made after the last of them.
         if (events[i + 1]?.at !== at) {
             await showsAll(page, say, wanted);
             wanted = [];

@@ -1,4 +1,4 @@
-// Rates and the plot of the traffic.
+// The data rates and the plot of the traffic.
 
 import assert from "node:assert/strict";
 import path from "node:path";
@@ -20,20 +20,20 @@ const { niceMaximum, runs, SPAN, TrafficHistory, WINDOW } = await import(
 const KILOBYTE = 1000;
 const PERIOD = 3000;
 
-/** Rates of a counter that is asked at certain times, in milliseconds. */
+/** The rates that result when a counter is read at certain times, in milliseconds. */
 function ratesOf(times, counter) {
     const history = new TrafficHistory();
     times.forEach((time) => history.add(time, BigInt(Math.round(counter(time))), 0n));
     return history.points.map((point) => point.received);
 }
 
-/** Counts 1000 bytes a second, but only every three seconds. */
+/** A counter for 1000 bytes a second that is updated only every three seconds. */
 function inSteps(time) {
     return 3 * KILOBYTE * Math.floor(time / PERIOD);
 }
 
 test("a counter that steps as often as it is asked gives neither none nor twice the truth", () => {
-    // An answer comes a little before or behind the step that it should tell of.
+    // An answer may come a little before or after the counter's step that it should include.
     const times = Array.from({ length: 60 }, (_, i) => i * PERIOD + (i % 3) * 20 - 20);
     const rates = ratesOf(times.slice(1), inSteps);
     assert.ok(rates.length > 50);
@@ -44,7 +44,7 @@ test("a counter that steps as often as it is asked gives neither none nor twice 
 
 test("quick questions behind an action draw no spike", () => {
     const times = [0, 3000, 6000, 9000, 12_000, 12_100, 12_400, 13_000, 14_000, 15_500, 18_000];
-    // A step lies between two of the quick ones.
+    // The counter's step lies between two answers that follow each other quickly.
     const rates = ratesOf(times, (time) => inSteps(time + 2700));
     assert.equal(rates.length, 7);
     for (const rate of rates) {
@@ -117,7 +117,7 @@ test("the scale ends at 1, 2 or 5 times a power of ten", () => {
     }
 });
 
-/** Lets the device count so many bytes and the page ask once. */
+/** Lets the device's counter grow by so many bytes, and the page send one request. */
 async function count(server, page, bytes) {
     const stats = server.document().sys.getCellularDataConnectionStats;
     server.set({

@@ -1,4 +1,4 @@
-// Headless Chromium, and the page in it. What the page complains about is kept for the tests.
+// Headless Chromium, and the page in it. Errors that the page reports are kept for the tests.
 
 import assert from "node:assert/strict";
 
@@ -13,14 +13,14 @@ const ARGUMENTS = [
     "--disable-background-networking",
     "--disable-component-update",
     "--disable-sync",
-    // Names that stand for a server on the network: browsers tell such servers less than local ones.
+    // Names for a server on the network: browsers send such servers fewer headers than local ones.
     "--host-resolver-rules=MAP *.local 127.0.0.1",
 ];
 
 export const DESKTOP = { width: 1280, height: 900 };
 export const PHONE = { width: 360, height: 740 };
 
-/** How long a state of the page may take to come, in milliseconds. */
+/** How long the tests wait for a state of the page, in milliseconds. */
 export const DEADLINE = 60_000;
 
 export function launch() {
@@ -32,7 +32,7 @@ export function launch() {
     });
 }
 
-/** The page in a new profile; its complaints are collected. */
+/** Opens the page in a new profile and collects the errors that it reports. */
 export async function open(browser, origin, options = {}) {
     const context = await browser.newContext({ viewport: DESKTOP, ...options });
     context.setDefaultTimeout(DEADLINE);
@@ -54,7 +54,7 @@ export async function open(browser, origin, options = {}) {
     return page;
 }
 
-/** Waits until an expression over the page is true; the page looks at every frame. */
+/** Waits until an expression is true in the page, which evaluates it in every frame. */
 export async function until(page, condition, argument) {
     await page.waitForFunction(condition, argument, { timeout: DEADLINE });
 }
@@ -99,18 +99,18 @@ export async function row(page, card, name) {
     return new Map(rows).get(name) ?? null;
 }
 
-/** The cards that are shown, in their order. */
+/** The visible cards, in their order. */
 export function cards(page) {
     return page.locator("main .card").evaluateAll((nodes) => nodes.map((node) => node.id));
 }
 
-/** What the page says that the device does not tell; empty when it says nothing of that kind. */
+/** The page's text about values that the device does not provide; empty if there is none. */
 export async function untold(page) {
     const notice = page.locator("#untold");
     return (await notice.isVisible()) ? notice.locator("li").allInnerTexts() : [];
 }
 
-/** Fails when the page has broken its own policy or complained in the console. */
+/** Fails if the page has violated its own policy or has reported an error in the console. */
 export async function assertQuiet(page, allowed = /^$/) {
     assert.deepEqual(await page.evaluate(() => globalThis.violations), []);
     assert.deepEqual(

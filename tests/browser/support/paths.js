@@ -1,4 +1,4 @@
-// Where the things under test are; CTest passes them, the defaults serve a call by hand.
+// Paths of the files under test. CTest passes them; the defaults are for a run by hand.
 
 import { createRequire } from "node:module";
 import path from "node:path";

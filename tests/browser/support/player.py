@@ -12,7 +12,7 @@ import subprocess
 
 from support import paths
 
-# Ramps are seen on their way; the longest pause of a scenario takes a second or two.
+# Slow enough to see the steps of a ramp; the longest pause of a scenario takes a second or two.
 SPEED = "100"
 PATIENCE = 60
 ONE_PAGE = 1
@@ -22,7 +22,7 @@ class Player:
     """The first event happens at once."""
 
     def __init__(self, scenario, environment):
-        # Each message is kept by itself, on a page of its own.
+        # O_DIRECT makes each read return one message.
         self.messages, theirs = os.pipe2(os.O_DIRECT | os.O_CLOEXEC)
         fcntl.fcntl(theirs, fcntl.F_SETPIPE_SZ, ONE_PAGE)
         self.process = subprocess.Popen(
@@ -47,6 +47,6 @@ class Player:
         return self.process.wait(PATIENCE)
 
     def close(self):
-        # Nobody listens any more: kestal-sim ends wherever it is.
+        # Closing the pipe ends kestal-sim at any point of the scenario, because nobody reads its output.
         os.close(self.messages)
         self.process.wait(PATIENCE)

@@ -1,4 +1,4 @@
-// Web server and service as they are deployed, on a port and a device document of their own.
+// Web server and service as they are deployed, with a separate port and device document.
 
 import { spawn } from "node:child_process";
 import { readFileSync, renameSync, writeFileSync } from "node:fs";
@@ -51,7 +51,7 @@ export class Server {
         return answer.result;
     }
 
-    /** The device document as it is now; the service changes it, too. */
+    /** The current device document, which the service changes, too. */
     document() {
         return JSON.parse(readFileSync(this.#file, "utf8"));
     }
@@ -89,17 +89,17 @@ export class Server {
         return this.#order("resume_service");
     }
 
-    /** Begins a shipped scenario: its first event happens. */
+    /** Starts a shipped scenario with its first event. */
     play(scenario) {
         return this.#order("play", { scenario });
     }
 
-    /** Lets the next event happen. Returns what was told of the one before it. */
+    /** Lets the next event happen. Returns the message about the previous one. */
     proceed() {
         return this.#order("proceed");
     }
 
-    /** After the last event. Returns the exit code. */
+    /** Ends the scenario after its last event. Returns the exit code. */
     endPlay() {
         return this.#order("end_play");
     }

@@ -26,7 +26,7 @@ class Stand:
         self.server = Server(work)
         self.player = None
         self.server.environment["KESTAL_DOCUMENT_ROOT"] = str(paths.ROOT / "demo")
-        # Texts and locales of the build, if it has them.
+        # Use the texts and locales of the build, if it has any.
         for name, folder in (("KESTAL_LOCALEDIR", "catalogue"), ("LOCPATH", "locales")):
             if (paths.BUILD / folder).is_dir():
                 self.server.environment[name] = str(paths.BUILD / folder)
@@ -72,7 +72,7 @@ class Stand:
 
 
 def main():
-    # What stops the test's own process reaches this one as the end of its input.
+    # Ignore Ctrl-C: when the test's own process ends, this one notices it as the end of its input.
     signal.signal(signal.SIGINT, signal.SIG_IGN)
     work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-test-"))
     stand = Stand(work)

@@ -1,4 +1,4 @@
-// What every test file begins with: one browser for the file, servers and pages for each test.
+// The setup of every test file: one browser for the file, and servers and pages for each test.
 
 import { after, before } from "node:test";
 
@@ -18,7 +18,7 @@ export function suite() {
         return server;
     }
 
-    /** The page as a user finds it: opened and answered. */
+    /** Opens the page and waits until it shows the first answer. */
     async function visit(t, server, options = {}) {
         const page = await open(browser, options.origin ?? server.origin, options);
         t.after(() => page.context().close());

@@ -24,7 +24,7 @@ CTPP::CDT Api(const std::string& name) {
 class CatalogueTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        // Before the first locale is read.
+        // Must be set before the first locale is read.
         ASSERT_EQ(setenv("LOCPATH", KESTAL_LOCALES, 1), 0);
         ASSERT_EQ(unsetenv("LANGUAGE"), 0);
         ASSERT_NE(bindtextdomain(kTextDomain, KESTAL_CATALOGUE), nullptr);
@@ -40,14 +40,14 @@ class CatalogueTest : public testing::Test {
         return std::setlocale(LC_MESSAGES, language) != nullptr;
     }
 
-    /// What the client is told about an operation that cannot be stored.
+    /// The text for the client about an operation that cannot be stored.
     std::string Unsupported() {
         CTPP::CDT out;
         component.ValidateFormData(Api("reboot"), out);
         return ToJson(out);
     }
 
-    /// What the client is told when the data call cannot be started.
+    /// The text for the client when the data call cannot be started.
     std::string Failed() {
         Given("sys_cellularDataConnect").Returns(77);
         CTPP::CDT out;

@@ -316,7 +316,7 @@ TEST_F(PageComponentInitTest, ListThatFindsNoMemoryIsAFailureThatAnotherInitCanM
 }
 
 TEST_F(PageComponentInitTest, RecordThatCannotBeKeptIsAFailureOfItsList) {
-    /// A library with one feature, whose record finds no memory when it is stored.
+    /// A library with one feature; storing its record fails for lack of memory.
     class OneFeature : public recording::Director {
       public:
         int Answer(const recording::Call& call) override {

@@ -120,7 +120,7 @@ TEST_F(PoStringTest, ArgumentsCanComeAsAList) {
     EXPECT_EQ(text, "ac");
 }
 
-// Moving the rest of the text for every placeholder would take minutes.
+// If each placeholder moved the rest of the text, this test would take minutes.
 TEST_F(PoStringTest, MillionPlaceholdersAreReplacedInOnePass) {
     constexpr std::size_t kCount = 1000000;
     std::string text;

@@ -102,7 +102,8 @@ TEST_F(KeepAliveHandlerTest, NotifySendsAKeepAliveWhileTheParentLives) {
 }
 
 TEST_F(KeepAliveHandlerTest, NotifyIsSilentOnceTheParentIsAnother) {
-    // A handler that was never initialised knows no parent, so that the parent is another one.
+    // A handler that was never initialised has not stored its parent, so the current parent counts
+    // as another one.
     KeepAliveHandler handler;
     recording::Reset();
     EXPECT_FALSE(handler.OnThreadNotify(0));
@@ -133,7 +134,7 @@ TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck)
     while (!gOperationDeadline.IsPassed()) {
         std::this_thread::yield();
     }
-    // With a long limit, it is not passed long enough for this thread to end the process.
+    // The limit is long, so that this thread does not find it exceeded and end the process.
     gOperationDeadline.Watch(std::chrono::hours(1));
     recording::Reset();
     handler.OnThreadNotify(0);

@@ -35,7 +35,7 @@ class LoginStatusTest : public testing::Test {
         FCGX_Request request{};
         FCGX_InitRequest(&request, 0, 0);
         FCGX_Accept_r(&request);
-        // The transcript begins with the session check. What was scripted remains.
+        // The transcript begins with the session check. The scripted answers are kept.
         const std::size_t before = recording::Transcript().size();
         const int status = GetLoginStatus(helper.get(), request);
         const auto& lines = recording::Transcript();

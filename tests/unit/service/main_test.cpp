@@ -27,7 +27,7 @@ int RunMainOnly(std::string path) {
     return KestalMain(1, arguments.data());
 }
 
-/// The test process continues afterwards and must have no deadline.
+/// Runs main() and then removes the deadline, because the test process continues.
 int RunMain(const std::string& path) {
     const int result = RunMainOnly(path);
     gOperationDeadline.End();

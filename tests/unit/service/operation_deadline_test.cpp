@@ -48,7 +48,7 @@ TEST_F(OperationDeadlineTest, WithoutATimerTheFailureIsLoggedAndTheDeadlineStill
     ASSERT_EQ(getrlimit(RLIMIT_SIGPENDING, &before), 0);
     rlimit none = before;
     none.rlim_cur = 0;
-    // Logging may change errno, so that the error must be saved before.
+    // Logging may change errno, so the code must save the error first.
     recording::Given("toru_dbg_syslog").Does([] { errno = 0; });
     ASSERT_EQ(setrlimit(RLIMIT_SIGPENDING, &none), 0);
     OperationDeadline deadline;

@@ -30,8 +30,8 @@ fake_fcgi::Environment Get(const std::string& uri) {
     return {"REQUEST_METHOD=GET", "REQUEST_URI=" + uri, "REMOTE_ADDR=127.0.0.1"};
 }
 
-/// The transcript without the lines that begin with one of @p prefixes, which are those inside of a
-/// step.
+/// The transcript without the lines that begin with one of @p prefixes: they belong to the inside
+/// of a step.
 std::vector<std::string> Without(std::vector<std::string> prefixes) {
     std::vector<std::string> kept;
     for (const std::string& line : recording::Transcript()) {

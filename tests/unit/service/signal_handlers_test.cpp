@@ -29,7 +29,7 @@ namespace {
 enum class Symbols { named, missing, hanging, crashing };
 Symbols gSymbols = Symbols::named;
 
-/// Called by backtrace_symbols, that is, on the crashed thread, in its handler.
+/// Called by backtrace_symbols, that is, in the signal handler of the crashed thread.
 void (*gMeanwhile)() = [] {};
 
 /// Returns when @p thread of this process sleeps in a system call.
@@ -56,7 +56,7 @@ void WaitUntilItSleeps(pid_t thread) {
 
 }  // namespace
 
-// Replaces the function of the C library, which needs the allocator.
+// Replaces the function of the C library, which would allocate memory.
 extern "C" char** backtrace_symbols(void* const* /*frames*/, int count) noexcept {
     gMeanwhile();
     while (gSymbols == Symbols::hanging) {
@@ -89,7 +89,8 @@ constexpr std::chrono::milliseconds kLong(600'000);
     }
 }
 
-/// Behaves like a call of a library that blocks all signals, while the keep-alive thread runs.
+/// Behaves like a library call that hangs with all signals blocked while the keep-alive thread
+/// runs.
 [[noreturn]] void HangWithSignalsHeldBack() {
     std::thread([] {
         while (!gOperationDeadline.IsLongPassed()) {
@@ -249,7 +250,7 @@ TEST_F(SignalHandlersDeathTest, TerminationWhileTheKeepAliveThreadCrashesLeavesT
                 const SignalStack stack;
                 (void)raise(SIGSEGV);
             }).detach();
-            // Busy, so that it sleeps only after SIGTERM has been handled.
+            // A busy loop: this thread must not sleep before SIGTERM has been handled.
             for (;;) {
                 std::this_thread::yield();
             }
@@ -336,7 +337,8 @@ TEST_F(SignalHandlersDeathTest, TimerOfAnOperationThatHasEndedDisturbsNoLaterOne
     EXPECT_EXIT(
         {
             PrepareDeadline();
-            // As while the process waits for a request: the signal is delivered in the next one.
+            // The mask while the process waits for a request: the signal is delivered at the next
+            // wait.
             const sigset_t waiting = WaitingSignalMask();
             sigset_t usual;
             pthread_sigmask(SIG_SETMASK, &waiting, &usual);

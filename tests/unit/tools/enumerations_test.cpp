@@ -1,4 +1,4 @@
-// The names of numbers are those of the platform's headers.
+// The names of values are the same as in the platform's headers.
 #include "tools/enumerations.h"
 
 #include <gtest/gtest.h>
@@ -37,7 +37,7 @@ std::map<std::string, Enumerators> EnumerationsOf(const std::string& header) {
     return found;
 }
 
-/// What all names begin with, up to an underscore.
+/// The longest common beginning of all names that ends with an underscore.
 std::string CommonBeginning(const Enumerators& enumerators) {
     std::string common = enumerators.front().first;
     for (const auto& [name, value] : enumerators) {
@@ -81,7 +81,7 @@ void ExpectNames(const std::map<std::string, Enumerators>& declared,
 
 TEST(Enumerations, OfTheSystemInterfaceAreComplete) {
     auto declared = EnumerationsOf("sysint.h");
-    // Only ever given, as an argument.
+    // Left out, because it is only used for an argument and never for an answer.
     EXPECT_EQ(declared.erase("sys_wifi_guest_profile_e"), 1U);
     ExpectNames(declared, {{"sys_result_e", kSysResult},
                            {"sys_sim_status_e", kSimStatus},
@@ -109,7 +109,7 @@ TEST(Enumerations, OfTheMessageBusAreComplete) {
 
 TEST(Enumerations, OfTheNotificationsAreComplete) {
     auto declared = EnumerationsOf("notification.h");
-    // A place and a bit, not meanings of a number.
+    // Left out, because the values are a position and a bit and not values of a number.
     EXPECT_EQ(declared.erase("ans_notification_flag_e"), 1U);
     declared.erase("ans_notification_list_e");
     ExpectNames(declared, {{"ans_severity_e", kSeverity}});

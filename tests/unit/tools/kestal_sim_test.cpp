@@ -43,7 +43,7 @@ class SimCommand : public SimulatedDevice {
         return std::to_string(WEXITSTATUS(pclose(pipe))) + " " + output;
     }
 
-    /// The document with one text in place of another.
+    /// The document with one text replaced by another.
     static std::string With(const std::string& before, const std::string& after) {
         std::string text = kDocument;
         return text.replace(text.find(before), before.size(), after);

@@ -1,4 +1,4 @@
-// msgbus_cli: what it asks of the bus and how it shows what is published there.
+// msgbus_cli: which calls it makes on the bus and how it shows published data.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -33,7 +33,7 @@ class MsgbusCli : public testing::Test {
         Given(kGetData).WritesRecords(block).Writes(size);
     }
 
-    /// What is shown of the list in @p block.
+    /// The output for the list in @p block.
     static std::string ShownList(const std::vector<std::byte>& block) {
         Publish(block);
         return Run({"MsgBusGet", kNotifications});
@@ -64,7 +64,7 @@ const std::string kUpdate = R"(        {
             "active": true
         })";
 
-/// @p block with another count.
+/// @p block with its count replaced by @p count.
 std::vector<std::byte> Announcing(std::int32_t count, std::vector<std::byte> block) {
     std::memcpy(block.data(), &count, sizeof(count));
     return block;

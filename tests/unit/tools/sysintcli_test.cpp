@@ -1,4 +1,4 @@
-// sysintcli: what each command asks of the platform and prints.
+// sysintcli: which platform calls each command makes and what it prints.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -26,7 +26,7 @@ class Sysintcli : public testing::Test {
     }
 };
 
-/// The transcript of a round with @p calls.
+/// The transcript of a session of the SDK with @p calls.
 std::string Round(std::vector<std::string> calls) {
     calls.insert(calls.begin(), "sys_sdkInitialize()");
     calls.emplace_back("sys_sdkShutdown()");

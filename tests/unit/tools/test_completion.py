@@ -7,7 +7,7 @@ import pytest
 
 import surroundings
 
-# Calls the completion as bash does when the tabulator key is hit at the end of the words.
+# Calls the completion as bash does when the tab key is pressed at the end of the words.
 DRIVER = """
 source "$1"
 shift

@@ -6,7 +6,7 @@ import pytest
 
 import surroundings
 
-# Comments and characters are passed over; adjacent literals are one text.
+# Skips comments and character literals; adjacent string literals are one text.
 TOKEN = re.compile(
     r"""//[^\n]* | /\*.*?\*/ | '(?:[^'\\\n]|\\.)' | (?P<text>(?:"(?:[^"\\\n]|\\.)*"\s*)+)""",
     re.VERBOSE | re.DOTALL,

@@ -1,4 +1,4 @@
-// What the tools have in common: help, list of commands, wrong usage, exit codes.
+// The common behaviour of the tools: help, list of commands, wrong usage, exit codes.
 #include "tools/tool.h"
 
 #include <gmock/gmock.h>
@@ -45,8 +45,7 @@ Tool Example() {
                           }}}};
 }
 
-/// A tool with a group, optional arguments and a setting, whose one command prints what it is
-/// given.
+/// A tool with a group, optional arguments and a setting. Its only command prints its arguments.
 Tool Elaborate() {
     static std::string colour;
     colour = "none";
@@ -148,7 +147,7 @@ TEST(Tool, WrongUsageInAGroupIsSaid) {
               "elaborate: 'prnt' is neither a command nor an option; prnt of 2" + hint);
     EXPECT_EQ(Shown(Elaborate(), {"grp"}),
               "elaborate: 'grp' is neither a command nor an option; grp of 1" + hint);
-    // The library chooses the words of these.
+    // The wording of these complaints is that of the parser library.
     EXPECT_THAT(Shown(Elaborate(), {"group", "print", "a", "--drop"}),
                 AllOf(HasSubstr("excludes"), EndsWith(hint)));
     EXPECT_EQ(Shown(Elaborate(), {"group", "print", "--times", "10"}),
@@ -229,7 +228,7 @@ TEST(Tool, ACallThatFailsIsSaid) {
     EXPECT_EQ(Shown(Example(), {"fail"}), "example: the_call failed, returned error code 3\n[1]\n");
 }
 
-/// Takes nothing.
+/// A stream buffer that every write fails on.
 class FullDisk : public std::streambuf {};
 
 TEST(Tool, AnAnswerThatCannotBeWrittenIsAFailure) {

@@ -1,4 +1,4 @@
-// Runs of the tools as a shell would show them.
+// Runs tools and returns what a shell would show.
 #pragma once
 
 #include <sstream>
@@ -7,8 +7,8 @@
 
 #include "tools/tool.h"
 
-/// What a run of @p tool with @p arguments prints: answers, complaints and, unless it is 0, the
-/// exit code.
+/// The output of @p tool when it runs with @p arguments: answers, complaints and, unless it is 0,
+/// the exit code.
 inline std::string Shown(const Tool& tool, const std::vector<std::string>& arguments) {
     std::ostringstream out;
     std::ostringstream errors;
@@ -20,7 +20,7 @@ inline std::string Shown(const Tool& tool, const std::vector<std::string>& argum
     return text;
 }
 
-/// Arguments that @p command accepts, behind its name.
+/// Arguments that @p command accepts, without its name.
 inline std::vector<std::string> Acceptable(const Command& command) {
     std::vector<std::string> arguments = {command.names.front()};
     for (const Parameter& parameter : command.parameters) {

@@ -1,4 +1,4 @@
-// webui_cli: what each command asks of the platform and prints.
+// webui_cli: which platform calls each command makes and what it prints.
 #include <gtest/gtest.h>
 
 #include "bindings/recording/recording.h"

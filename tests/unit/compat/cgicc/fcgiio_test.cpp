@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A request that has nothing but an environment.
+/// A request that consists only of its environment variables.
 class Environment {
   public:
     explicit Environment(std::vector<std::string> lines) : entries(std::move(lines)) {

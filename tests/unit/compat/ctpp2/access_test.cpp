@@ -31,7 +31,7 @@ CDT Array() {
     return array;
 }
 
-/// What can hold no members: text, even empty, and numbers.
+/// Values that cannot have members: texts, even empty ones, and numbers.
 class CDTScalarAccess : public testing::TestWithParam<CDT::eValType> {
   protected:
     CDT data{GetParam()};

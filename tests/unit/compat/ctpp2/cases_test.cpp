@@ -1,5 +1,5 @@
-// Replays cases.jsonl: each line holds operations on named trees and the JSON of the tree "root" at
-// the end. `results` tells, by operation, what the operation returns or throws.
+// Replays cases.jsonl: each line has operations on named trees and the JSON of the tree "root" at
+// the end. `results` has what an operation returns or throws, by its number.
 #include <gtest/gtest.h>
 
 #include <fstream>

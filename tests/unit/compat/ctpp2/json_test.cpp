@@ -71,7 +71,7 @@ TEST_P(CDTJSONByte, IsEscapedWhereverItStandsInAText) {
             "\"" + other.substr(0, place) + EscapedByte(byte) + other.substr(place) + "\"";
         EXPECT_EQ(ToJSON(CDT(text)), json);
     }
-    // As long as what is looked at side by side, and shorter.
+    // Texts shorter than, as long as and longer than the block that is scanned at once.
     for (std::size_t size = 0; size < 20; ++size) {
         std::string text = other.substr(0, size);
         for (std::size_t place = 0; place <= size; ++place) {
@@ -100,7 +100,8 @@ TEST(CDTJSON, IsAppended) {
 }
 
 TEST(CDTJSON, TextsOfAnyLengthAreWritten) {
-    // Lengths around that of a word and those of what is collected before it is appended.
+    // Lengths around the size of a word and around the sizes of the buffers in which text is
+    // collected.
     std::vector<std::size_t> lengths = {0, 1, 7, 8, 9, 15, 16, 17};
     for (std::size_t length = 2030; length < 2070; ++length) {
         lengths.insert(lengths.end(), {length, 2 * length, 4 * length});

@@ -1,4 +1,4 @@
-// Members of a hash: their order, and that they stay where they are, beside std::map.
+// Members of a hash, compared with std::map: their order, and that their addresses do not change.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using CTPP::CDT;
 
-/// Numbers from 0 in random order, the same in every run.
+/// The numbers below @p count in a random order that is the same in every run.
 std::vector<int> Shuffled(int count) {
     std::vector<int> numbers(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
@@ -25,7 +25,7 @@ std::vector<int> Shuffled(int count) {
     return numbers;
 }
 
-/// Of many lengths, many of them with a beginning in common.
+/// Makes keys of many lengths, many of which begin in the same way.
 std::string Key(int number) {
     const std::array<std::string, 5> parts = {"Bar", "", "Sim2", "\xc3\xa9", "ofAVeryLongName"};
     std::string key = "status";
@@ -99,7 +99,7 @@ TEST_P(CDTMemberCount, CopiesAreSortedAndErasedMembersAreGone) {
     EXPECT_EQ(hash.Size(), static_cast<UINT_32>(GetParam()));
 }
 
-// Within a block, at its end and behind it, many blocks, many more.
+// Numbers of members that lie within the first block, fill it, go beyond it, or need many blocks.
 INSTANTIATE_TEST_SUITE_P(Of, CDTMemberCount, testing::Values(0, 1, 2, 5, 6, 7, 12, 13, 100, 10000));
 
 extern const char kOfUnknownSize[];
@@ -129,7 +129,7 @@ TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
     EXPECT_EQ(hash.Size(), 10U);
 }
 
-/// One by one as a literal, then as a text, and the other way round.
+/// Inserts keys by turns as literals and as texts, in both orders.
 template <class Insert>
 void ExpectOneMemberEach(Insert insert) {
     const std::vector<std::string> sorted = {"",

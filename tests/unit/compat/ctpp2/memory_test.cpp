@@ -1,4 +1,4 @@
-// What a tree is when there is no memory for what it is to become.
+// The state of a tree after an operation has failed for lack of memory.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -11,8 +11,8 @@ namespace {
 
 using CTPP::CDT;
 
-/// Lets the first allocation of @p step fail, then the second, and so on, until none does, and
-/// calls @p check after each failure. Returns how many failed.
+/// Repeats @p step: its first allocation fails, then its second, and so on, until it has no more
+/// allocations. Calls @p check after each failure. Returns the number of failures.
 template <class Step, class Check>
 long FailEach(Step step, Check check) {
     for (long failing = 1;; ++failing) {

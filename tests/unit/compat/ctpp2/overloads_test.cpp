@@ -1,4 +1,5 @@
-// Which argument types compile, and what they become. The rules differ between 32 and 64 bits.
+// Which argument types compile, and which type of value they lead to. The rules differ between 32
+// and 64 bits.
 #include <gtest/gtest.h>
 
 #include <concepts>
@@ -66,7 +67,7 @@ static_assert(Storable<CDT::eValType> && Storable<CDT>);
 static_assert(Index<bool> && Index<char> && Index<int> && Index<unsigned> && Index<long> &&
               Index<long long> && Index<double>);
 static_assert(Index<const char*> && Index<std::string>);
-// Since C++23, no text is made of a null pointer.
+// Since C++23, std::string cannot be constructed from a null pointer literal.
 static_assert(Index<std::nullptr_t> == std::is_constructible_v<std::string, std::nullptr_t>);
 static_assert(!Index<Scoped> && !Index<std::string_view> && !Index<void*>);
 

@@ -27,7 +27,7 @@ std::string GetBlock(std::size_t size) {
            ")\n";
 }
 
-/// A list of @p records that claims to hold @p count of them.
+/// A list of @p records whose header claims that there are @p count.
 std::vector<std::byte> ListClaiming(std::int32_t count,
                                     const std::vector<AnsNotificationRecord>& records) {
     std::vector<std::byte> block = NotificationList(records);
@@ -133,13 +133,13 @@ TEST_F(NotificationBlockTest, OnlyWhatIsDeliveredTakesMemoryHoweverMuchIsAnnounc
     EXPECT_EQ(block.Read(bus), Result::kRead);
     ASSERT_EQ(Ids(), "a ");
     const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    // Starts with the page in which the records begin.
+    // The range starts with the memory page in which the records begin.
     const auto first = reinterpret_cast<std::uintptr_t>(block.Records().data()) & ~(pageSize - 1);
     std::vector<unsigned char> pages(kAnnounced / pageSize);
     ASSERT_EQ(mincore(reinterpret_cast<void*>(first), pages.size() * pageSize, pages.data()), 0);
     const auto resident = std::count_if(pages.begin(), pages.end(),
                                         [](unsigned char page) { return (page & 1U) != 0; });
-    // The system may give large pages.
+    // Not exact, because the system may use large pages.
     EXPECT_LT(static_cast<std::size_t>(resident), pages.size() / 10);
 }
 

@@ -14,7 +14,7 @@ const std::string kBattery = " - void StatusComponent::GetBatteryStatus(CTPP::CD
 
 sys_battery_status_t Battery(std::int32_t percent, std::int32_t charging, std::int32_t detection,
                              std::int32_t source) {
-    // The fields that are not read hold numbers that would be noticed in the answer.
+    // The fields that must not be read have numbers that would be noticed in the answer.
     sys_battery_status_t battery{};
     battery.reserved0[0] = 71;
     battery.reserved0[1] = 72;

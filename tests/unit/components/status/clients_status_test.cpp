@@ -24,8 +24,8 @@ std::vector<sys_connected_device_t> Devices(const std::vector<std::int32_t>& kin
 
 class ClientsStatusTest : public StatusGroupTest {
   protected:
-    /// The list asks for room for @p room devices, then delivers those of @p kinds and the count
-    /// @p count.
+    /// The call first asks for room for @p room devices, then delivers devices of @p kinds and says
+    /// that there are @p count.
     static void GivenDevices(unsigned int room, const std::vector<std::int32_t>& kinds,
                              unsigned int count) {
         Given(kList).Returns(SYS_ERROR_BUFFER_NEEDED).WritesNothing().Writes(room);

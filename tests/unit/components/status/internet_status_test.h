@@ -30,7 +30,7 @@ class InternetStatusTest : public StatusGroupTest {
         connection.bytesTransmitted2 = 4;
     }
 
-    /// Scripts the device. What the test itself has scripted comes first.
+    /// Scripts the device's answers. Answers that the test itself has scripted take precedence.
     void GivenDevice() const {
         recording::Given("sys_getCellularServiceStats").Writes(service);
         recording::Given("sys_getCellularDataConnectionStats").Writes(connection);
@@ -60,7 +60,7 @@ class InternetStatusTest : public StatusGroupTest {
         return Value(key);
     }
 
-    /// Lets the component read that @p slot is in use.
+    /// Makes the component read that @p slot is in use.
     void Activate(int slot) {
         recording::Given("sys_getActiveSimSlot").Writes(slot);
         CTPP::CDT other(CTPP::CDT::HASH_VAL);
@@ -75,6 +75,6 @@ class InternetStatusTest : public StatusGroupTest {
     int dataConnectionStatus = SYS_DATA_CONNECTION_CONNECTED;
     int accountStatus = 0;
     std::uint8_t gid = 186;
-    /// Both band texts read it. No value if the test scripts it itself.
+    /// The SIM status, which both band texts read; nullopt if the test scripts it itself.
     std::optional<int> simStatus = SYS_SIM_NOT_FOUND;
 };

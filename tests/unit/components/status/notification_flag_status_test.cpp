@@ -25,7 +25,7 @@ AnsNotificationRecord WithFlags(std::uint32_t flags) {
     return record;
 }
 
-/// A block in which @p count stands before @p records, whatever their number.
+/// A block that claims to have @p count records and contains @p records.
 std::vector<std::byte> Claiming(std::int32_t count,
                                 const std::vector<AnsNotificationRecord>& records) {
     std::vector<std::byte> block = NotificationList(records);

@@ -1,4 +1,4 @@
-// The data set as a whole: which groups it has, in which order they are asked, what they share.
+// The data set as a whole: which groups it has, in which order they are read, what they share.
 #include <stdexcept>
 
 #include "components/status/subscriber_cache.h"
@@ -46,7 +46,7 @@ class StatusDataSetTest : public StatusGroupTest {
         translations::Reset();
     }
 
-    /// The groups that run on every device.
+    /// Scripts the groups that run on every device.
     static void GivenBasics() {
         Given("sys_getBatteryStatus").Writes(sys_battery_status_t{{}, 85, 0, 0, 2, 0});
         Given("sys_getConnectedDeviceList").Returns(SYS_SUCCESS);

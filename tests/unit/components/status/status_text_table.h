@@ -11,7 +11,8 @@
 
 using StatusTextConverter = std::function<int(std::int32_t, std::string&)>;
 
-/// Exactly the values of @p texts have a text; every other leaves the string alone.
+/// Expects that exactly the values in @p texts have a text and that every other value leaves the
+/// string unchanged.
 inline void ExpectStatusTexts(const StatusTextConverter& convert,
                               const std::map<std::int32_t, std::string>& texts) {
     std::string text;

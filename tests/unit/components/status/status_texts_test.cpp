@@ -57,7 +57,7 @@ TEST(StatusTexts, ChargingSource) {
         {{0, "ChargingSourceNone"}, {1, "ChargingSourceAC"}, {2, "ChargingSourceUSB"}});
 }
 
-/// What a connection state becomes; a state without text keeps "untouched".
+/// The result and text for a connection state; a state without a text leaves "untouched".
 struct ConnectionState {
     int result = -1;
     std::string text = "untouched";

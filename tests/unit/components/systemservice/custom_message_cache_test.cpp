@@ -184,8 +184,8 @@ TEST_F(CustomMessageCacheTest, LanguageThatAFailingCallWroteIsUsed) {
               Steps({kMessagesCall + "(fr)", kMessagesCall + "(fr)"}));
 }
 
-// After a failure, the cache compares with the language "en", so that only for this language the
-// texts count as loaded.
+// After a failed call, the cache takes "en" for the language of its texts, so they count as loaded
+// only for this language.
 TEST_F(CustomMessageCacheTest, EnglishThatAFailingCallWroteFindsTheTextsLoaded) {
     Load("fr", Messages("ready", "", ""));
     Given(kLanguageCall).Returns(11).Writes(Language("en"));

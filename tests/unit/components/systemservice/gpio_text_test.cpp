@@ -50,8 +50,8 @@ class GpioTextTest : public testing::Test {
         translations::Reset();
     }
 
-    /// Text of @p change when the user has named pin and state so. The other state and the other
-    /// pin have names as well, which must not appear.
+    /// The text of @p change when the user has given these names to pin and state. The other state
+    /// and the other pin have names as well, which must not appear.
     static std::string Text(const Change& change, std::string_view pin, std::string_view state) {
         recording::Reset();
         for (const std::string& call : {kPin1Call, kPin2Call}) {

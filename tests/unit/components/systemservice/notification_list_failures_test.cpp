@@ -28,7 +28,8 @@ const Step kReadFailure =
             " - msgbus failed to read notification data. Try msgbus_cli MsgBusGet "
             "zelt.ans.notifications");
 
-/// The transcript around the handling of a single notification of a type without a link.
+/// The transcript of a list with one notification, of a type without a link, which is handled by
+/// @p steps.
 std::string OneNotification(std::initializer_list<Step> steps) {
     return Steps({kStart, kGetSize, kGetBlock,
                   Log(7, kGetList + " - [1] notifications received on msgbus")}) +

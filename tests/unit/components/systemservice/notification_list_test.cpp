@@ -32,7 +32,7 @@ AnsNotificationRecord Full(std::string_view id, std::uint32_t severity) {
     return record;
 }
 
-/// The transcript of what is read for every notification that is shown, with @p unread messages,
+/// The transcript of the calls that are made for each shown notification, with @p unread messages,
 /// before its texts are looked up.
 Step ReadsPinsAndUnread(int unread) {
     return std::vector<std::string>{

@@ -14,7 +14,7 @@
 #include "tests/support/transcript.h"
 #include "tests/support/translations.h"
 
-/// The function in whose name everything logs that takes part in listing the notifications.
+/// The signature that all code for the list of notifications logs under.
 inline constexpr const char* kListSignature =
     "PageError SystemServiceComponent::GetNotificationStatus(CTPP::CDT&)";
 inline const std::string kGetList = std::string(" - ") + kListSignature;

@@ -130,7 +130,7 @@ TEST_F(SystemServiceComponentTest, UnknownNumberTouchesNothingAndFails) {
     }
 }
 
-/// Records which number each read operation dispatches.
+/// Records the number that each read operation passes to the dispatcher.
 class Overriding : public SystemServiceComponent {
   public:
     PageError Dispatch(CTPP::CDT& /*out*/, int api) override {
