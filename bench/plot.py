@@ -1,4 +1,4 @@
-"""Draws the requests per second of each operation at 8 connections, relative to the floor's, as SVG."""
+"""Draws the requests per second of each operation at 8 connections as SVG, relative to the floor's."""
 
 import html
 

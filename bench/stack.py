@@ -73,7 +73,7 @@ class Subject:
         self.pid = children[0]
 
     def load(self, target, connections, seconds):
-        """Sends requests without pause and returns the cost of one."""
+        """Sends requests without pause; returns their number, rate, latencies and processor time per request."""
         before = processor_time(self.pid)
         command = ["wrk", "-t1", f"-c{connections}", f"-d{seconds}", "-s", str(REPORT)]
         output = subprocess.run(

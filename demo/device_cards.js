@@ -1,4 +1,4 @@
-// The small cards for parts of the device itself: battery, Wi-Fi and clients, memory card and so on.
+// The small cards for parts of the device itself: battery, Wi-Fi, clients, memory card and so on.
 
 import { integer, onOff, rows, table, text } from "./answer.js";
 import { bytes, parseCount } from "./format.js";

@@ -1,5 +1,5 @@
-// The language of the page: its texts, numbers and times. Texts that come from the device are in the
-// device's language and are not handled here. This module does not change the page.
+// The language of the page: its texts, numbers and times. Texts from the device are in the device's
+// language and are not handled here. This module does not change the page.
 
 import ar from "./texts/ar.js";
 import de from "./texts/de.js";

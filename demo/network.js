@@ -60,7 +60,7 @@ export function roaming(data) {
     return ROAMING.has(value) ? t(ROAMING.get(value)) : value;
 }
 
-/** Technology of the SIM in use. The first answer after a change still has that of the other SIM. */
+/** Technology of the SIM in use. After a change, the first answer still has the other SIM's. */
 export function technology(data) {
     const value = text(data, "statusBarTechnology") ?? text(data, "statusBarSim2Technology");
     return value === "None" ? null : value;

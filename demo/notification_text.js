@@ -1,7 +1,7 @@
 // The text of a notification is a fragment of HTML: a translated text, then perhaps a link and
-// another text. It comes from catalogues, carriers and settings and cannot be trusted, so this module
-// takes only texts and links to harmless addresses from it and creates new nodes for them. It finds
-// them with a few rules of its own, because the browser's parser would first create all elements.
+// another text. It comes from catalogues, carriers and settings and cannot be trusted, so this
+// module takes only texts and links to harmless addresses from it and creates new nodes for them. It
+// finds them with a few rules of its own: the browser's parser would first create all elements.
 
 import { element } from "./dom.js";
 

@@ -24,7 +24,7 @@ function keep(code) {
     }
 }
 
-/** Writes the texts that the HTML file names: data-text, or data-label if only for screen readers. */
+/** Writes the texts that the HTML file names: data-text, and data-label for screen readers. */
 function apply() {
     document.documentElement.lang = language();
     document.documentElement.dir = direction();

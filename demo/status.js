@@ -43,8 +43,8 @@ function toldOf(parts, data) {
 }
 
 /**
- * Names of the texts for the parts that are missing in the answer although every hotspot has them or
- * an earlier answer had them.
+ * Names of the texts for the parts that are missing in the answer although every hotspot has them,
+ * or an earlier answer had them.
  * @param before names of the parts that were in earlier answers
  */
 export function untold(data, before = new Set()) {

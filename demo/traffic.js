@@ -14,7 +14,7 @@ const LONGEST_STEP = 90_000;
 export class TrafficHistory {
     /** Answers without a gap between them, from the one at which the next rate begins. */
     #samples = [];
-    /** The points of the plot; a point that begins later than the previous one ends has a gap before. */
+    /** The points of the plot. There is a gap before a point that begins after the previous end. */
     points = [];
 
     /** Adds the counters of an answer. If a counter has decreased, it has started again. */

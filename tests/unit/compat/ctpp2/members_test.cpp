@@ -129,7 +129,8 @@ TEST(CDTMembers, KeysMayBeLiteralsArraysPointersAndTexts) {
     EXPECT_EQ(hash.Size(), 10U);
 }
 
-/// Inserts keys by turns as literals and as texts, in both orders.
+/// Calls @p insert twice, the second time with the same keys in the other form (literal or text),
+/// and expects one member for each key, which the second call changes in place.
 template <class Insert>
 void ExpectOneMemberEach(Insert insert) {
     const std::vector<std::string> sorted = {"",
