@@ -130,8 +130,11 @@ class Tidy:
         # to the combined source, so they need not be copied.
         for each in (place, *place.parents)[:-1]:
             settings = ROOT / each / ".clang-tidy"
+            copy = self.folder / "groups" / each / ".clang-tidy"
             if settings.exists():
-                (self.folder / "groups" / each / ".clang-tidy").write_text(settings.read_text())
+                copy.write_text(settings.read_text())
+            else:
+                copy.unlink(missing_ok=True)
         # The analyzer checks the sources that a file includes only if the file's name begins like this.
         name = "UnifiedSource" + hashlib.sha256("\n".join(sources).encode()).hexdigest()[:16]
         source = folder / f"{name}.cpp"
