@@ -31,6 +31,13 @@ class Report:
     def resolution(self, name):
         return memory.resolution(self.samples[name])
 
+    def limit(self, name):
+        return self.tolerance * self.resolution(name)
+
+    def growth(self):
+        """The processes that need more and more memory."""
+        return [name for name in self.start if self.slope(name) > self.limit(name)]
+
     def failures(self):
         """All that is wrong."""
         found = [f"{count} x {problem}" for problem, count in self.problems.items()]
@@ -38,11 +45,9 @@ class Report:
             found.append("the service or the web server has ended meanwhile")
         if self.new_blocks:
             found.append(f"service: holds {self.new_blocks} more blocks of memory")
+        found += [f"{name}: grows by {self.slope(name):.0f} bytes per thousand requests" for name in self.growth()]
         for name, before in self.start.items():
             after = self.end[name]
-            limit = self.tolerance * self.resolution(name)
-            if self.slope(name) > limit:
-                found.append(f"{name}: grows by {self.slope(name):.0f} bytes per thousand requests")
             for what in ("descriptors", "threads"):
                 if getattr(after, what) != getattr(before, what):
                     found.append(f"{name}: {what}: {getattr(before, what)}, then {getattr(after, what)}")
@@ -72,7 +77,7 @@ class Report:
                     "end": dataclasses.asdict(self.end[name]),
                     "bytesPerThousandRequests": round(self.slope(name), 1),
                     "resolution": round(self.resolution(name), 1),
-                    "limit": round(self.tolerance * self.resolution(name), 1),
+                    "limit": round(self.limit(name), 1),
                     "samples": self.samples[name],
                 }
                 for name in self.start
@@ -91,7 +96,7 @@ class Report:
                 f"  PSS        {before.pss / 1024:>8.0f} KiB, at the end {after.pss / 1024:.0f} KiB",
                 f"  own memory {before.own / 1024:>8.0f} KiB, at the end {after.own / 1024:.0f} KiB",
                 f"  growth     {self.slope(name):>8.1f} bytes per thousand requests"
-                f" (one page: {self.resolution(name):.1f}, limit {self.tolerance * self.resolution(name):.1f})",
+                f" (one page: {self.resolution(name):.1f}, limit {self.limit(name):.1f})",
                 f"  descriptors {before.descriptors}, at the end {after.descriptors};"
                 f" threads {before.threads}, at the end {after.threads}",
             ]
