@@ -11,7 +11,7 @@ from support import paths
 DOCUMENT = paths.ROOT / "docs" / "threat-model.md"
 REACH = "| Who | Reaches | Test |"
 THREATS = "| Threat | What is done | Left to the integrator | Test |"
-UNGUARDED = "nothing is kept from it"
+UNGUARDED = "none: the service does not defend itself against them"
 REFERENCE = re.compile(r"`(?P<file>[\w.]+)::(?P<test>[^`]+)`")
 
 
