@@ -53,7 +53,7 @@ def count(responder, memory, uri):
 )
 @pytest.mark.parametrize("uri", ["/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"])
 @pytest.mark.parametrize("persistently", [False, True])
-def test_a_request_short_of_memory_is_finished_and_the_next_is_whole(hungry, memory, uri, persistently):
+def test_a_request_without_memory_is_finished_and_the_next_answer_is_complete(hungry, memory, uri, persistently):
     for _ in range(3):
         before = hungry.ask(uri)
     total = count(hungry, memory, uri)
@@ -73,7 +73,7 @@ def test_a_request_short_of_memory_is_finished_and_the_next_is_whole(hungry, mem
     print(f"{uri}: {total} allocations, {failures} failures")
 
 
-def test_a_service_whose_libfcgi_is_short_of_memory_is_started_again(make_server, memory):
+def test_a_service_is_started_again_when_libfcgi_gets_no_memory(make_server, memory):
     server = make_server()
     server.environment["KESTAL_RESPONDER"] = str(memory.program())
     server.start()

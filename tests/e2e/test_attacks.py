@@ -67,7 +67,7 @@ def connect():
         yield lambda *arguments: Connections(stack, *arguments)
 
 
-def test_each_address_has_its_own_limit_and_an_end_makes_room(network, listener, connect):
+def test_each_address_has_its_own_limit_and_a_closed_connection_makes_room(network, listener, connect):
     target, source, other = network.server_addresses[0][0], *network.addresses[0][:2]
     first = connect(network.clients[0], target, source)
     assert first.fill() == LIMIT

@@ -58,7 +58,7 @@ def test_any_body_and_length_get_an_answer_and_the_next_request_too(responder, b
     assert responder.process.poll() is None
 
 
-def test_a_body_that_is_shorter_than_announced_is_no_proof_of_a_session(responder):
+def test_with_a_body_shorter_than_announced_nobody_is_logged_in(responder):
     cookie = open_session(responder)
     session = {"HTTP_COOKIE": cookie, "HTTP_USER_AGENT": "test"}
     assert post(responder, b"short", "1000", **session).body.startswith(b'{"loginStatus":0')

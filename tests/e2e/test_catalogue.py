@@ -83,7 +83,7 @@ def placeholders(text):
     return sorted(re.findall(r"%\d+", text))
 
 
-def test_every_text_that_is_shown_has_a_translation_and_no_other_has():
+def test_exactly_the_texts_that_are_shown_have_translations():
     shown = ids_of_the_code() | {message for _, message, _ in ids_of_the_devices()}
     assert "system_service_failed_operation_error_text" in shown
     assert {message for message, _ in translations(ENGLISH)} == shown
@@ -126,7 +126,7 @@ def test_a_link_can_follow_the_text_of_a_notification(language):
 
 
 @pytest.mark.parametrize("language", LANGUAGES)
-def test_the_compiler_has_no_complaint(language, work):
+def test_the_compiler_accepts_every_translation(language, work):
     done = subprocess.run(
         [str(FOLDER / "compile"), str(FOLDER / f"{language}.po"), str(work / "webui.mo")],
         capture_output=True,
@@ -145,7 +145,7 @@ def test_the_compiler_has_no_complaint(language, work):
         (lambda text: text + b'msgid "a_b_text"\nmsgstr "x\n', "end-of-line within string"),
     ],
 )
-def test_the_compiler_refuses_what_is_damaged_or_dubious(work, damage, complaint):
+def test_the_compiler_refuses_damaged_and_dubious_translations(work, damage, complaint):
     po = work / "en_US.po"
     po.write_bytes(damage((FOLDER / f"{ENGLISH}.po").read_bytes() + b"\n"))
     done = subprocess.run(

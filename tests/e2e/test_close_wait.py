@@ -63,7 +63,7 @@ def test_a_large_answer_to_a_slow_reader_is_whole(server):
     assert len(json.loads(answer.body)["notificationsList"]) == count
 
 
-def test_clients_that_go_away_cost_others_nothing(server):
+def test_clients_that_disconnect_do_not_affect_others(server):
     for _ in range(50):
         with web.connect(server.port) as client:
             # With this option, closing the socket resets the connection, even in the middle of an answer.

@@ -23,7 +23,7 @@ from support.contract import (
 
 
 @pytest.mark.parametrize("name", DEVICES)
-def test_what_a_shipped_device_answers_is_within_the_contract(shown, name):
+def test_the_answers_for_a_shipped_device_are_within_the_contract(shown, name):
     states, _ = shown(name)
     assert all(is_within(state) for state in states)
 

@@ -16,7 +16,7 @@ from support.contract import (
 )
 
 
-def test_every_reference_has_a_target_and_every_component_a_use():
+def test_every_reference_has_a_target_and_every_component_is_used():
     references = {node["$ref"] for _, node in walk(CONTRACT) if isinstance(node, dict) and "$ref" in node}
     components = {
         f"#/components/{kind}/{name}"
@@ -126,7 +126,7 @@ KEYWORDS = {
 }
 
 
-def test_every_schema_is_one():
+def test_every_schema_is_valid():
     for schema in schemas():
         jsonschema.Draft202012Validator.check_schema(schema)
         # Validators ignore unknown keywords, so a misspelt one must be found here.
@@ -165,7 +165,7 @@ def test_every_key_tells_its_meaning_when_it_is_present_and_an_example():
         assert schema["examples"], key
 
 
-def test_every_object_of_an_answer_is_closed():
+def test_no_object_of_an_answer_allows_further_keys():
     for name in ("StatusAnswer", "StatusData", "NotificationAnswer", "Notification", "ActionAnswer"):
         assert SCHEMAS[name]["additionalProperties"] is False
 

@@ -145,7 +145,7 @@ def connection_status(server):
     return server.device.get("getCellularDataConnectionStatus")
 
 
-def test_no_target_gets_past_the_guard(armed):
+def test_no_target_gets_past_the_access_rules(armed):
     for target in ACTING:
         for method in ("GET", "POST"):
             extra = [("Sec-Fetch-Site", "cross-site"), ("Content-Length", "0")]
@@ -162,7 +162,7 @@ def test_a_request_of_another_site_does_not_act(armed, template):
 
 
 @pytest.mark.parametrize("template", OWN.values(), ids=OWN.keys())
-def test_our_own_pages_and_callers_that_are_no_browsers_act(armed, template):
+def test_our_own_pages_and_callers_that_are_not_browsers_can_act(armed, template):
     for target in ("/srv/status", "/srv/notification"):
         assert armed.ask(target, headers(armed, template)).status == 200
     assert armed.ask("/srv/connect", headers(armed, template)).body == b'{"loginStatus":0}'
@@ -172,7 +172,7 @@ def test_our_own_pages_and_callers_that_are_no_browsers_act(armed, template):
 
 
 @pytest.mark.parametrize("template", FOREIGN.values(), ids=FOREIGN.keys())
-def test_what_only_tells_is_open_to_all(armed, template):
+def test_operations_that_only_read_are_open_to_all(armed, template):
     for target in ("/srv/status", "/srv/notification"):
         assert armed.ask(target, headers(armed, template)).status == 200
     assert connection_status(armed) == UNTOUCHED
@@ -211,7 +211,7 @@ def test_a_host_that_can_be_read_in_two_ways_is_refused(armed, lines):
     assert armed.log.count("request received") == 0
 
 
-def test_a_fragment_is_not_seen_by_the_guard(armed):
+def test_the_access_rules_do_not_see_a_fragment(armed):
     """A known limit: the web server drops the fragment before it applies its rules, but the service searches
     it for an action. No browser sends a fragment, so no page can exploit this."""
     assert armed.ask("/srv/stat%75s#connect", [("Sec-Fetch-Site", "cross-site")]).status == 200

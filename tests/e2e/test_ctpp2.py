@@ -86,7 +86,7 @@ def prefix(work):
     return Prefix(work / "opt")
 
 
-def test_our_own_is_taken_although_another_is_installed(work, prefix):
+def test_our_own_tree_is_used_even_if_a_library_is_installed(work, prefix):
     configured = Configured(work, prefix.headers().shared())
     assert configured.succeeded, configured.said
     assert "CTPP2: compat, our own of kestal " in configured.said
@@ -94,7 +94,7 @@ def test_our_own_is_taken_although_another_is_installed(work, prefix):
     assert not configured.builds_with(prefix.folder)
 
 
-def test_a_shared_one_is_taken_with_the_way_to_it(work, prefix):
+def test_a_shared_library_is_linked_with_its_run_path(work, prefix):
     configured = Configured(work, prefix.headers().shared(), "-DKESTAL_CTPP2=system")
     assert configured.succeeded, configured.said
     assert f"CTPP2: system, version 2.8.9: {prefix.lib}/libctpp2.so " in configured.said
@@ -112,7 +112,7 @@ def test_a_shared_one_is_taken_with_the_way_to_it(work, prefix):
         ("libctpp2.a", "", "unknown"),
     ],
 )
-def test_a_static_one_is_taken_and_its_headers_tell_the_version(work, prefix, name, macro, version):
+def test_a_static_library_is_linked_and_its_headers_give_the_version(work, prefix, name, macro, version):
     configured = Configured(work, prefix.headers(macro).static(name), "-DKESTAL_CTPP2=system")
     assert configured.succeeded, configured.said
     assert f"CTPP2: system, version {version}: {prefix.lib}/{name} " in configured.said
@@ -123,7 +123,7 @@ def test_a_static_one_is_taken_and_its_headers_tell_the_version(work, prefix, na
 
 @nothing_installed
 @pytest.mark.parametrize("missing", ["header", "library", "both"])
-def test_what_is_missing_is_told(work, prefix, missing):
+def test_missing_files_are_named(work, prefix, missing):
     header = "the header ctpp2/CDT.hpp"
     library = "the library libctpp2.so, libctpp2.a or libctpp2-st.a"
     told = {"header": header, "library": library, "both": f"{header} and {library}"}
@@ -144,7 +144,7 @@ def test_a_library_that_does_not_fit_is_refused(work, prefix):
     assert "KESTAL_CTPP2=system: no program can be built with" in configured.said
 
 
-def test_another_word_is_refused(work, prefix):
+def test_an_unknown_value_is_refused(work, prefix):
     configured = Configured(work, prefix, "-DKESTAL_CTPP2=auto")
     assert not configured.succeeded
     assert "KESTAL_CTPP2 is 'auto'; it must be compat or system" in configured.said

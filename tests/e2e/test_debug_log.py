@@ -19,7 +19,7 @@ def is_right(answer):
     return answer.complete and answer.status == 200 and b'"statusData":{' in answer.body
 
 
-def test_a_full_disk_under_the_log_does_not_touch_the_service(make_responder):
+def test_a_full_disk_loses_log_lines_but_no_answers(make_responder):
     responder = make_responder()
     responder.environment |= {"KESTAL_LOG": "/dev/full", "KESTAL_LOG_LEVEL": "6"}
     responder.start()
@@ -45,13 +45,13 @@ def test_a_log_at_its_size_limit_loses_lines_until_there_is_room(responder):
     assert responder.log.count("[KESTAL_CGI]:[DEBUG] - int fastcgi_main_loop() - Starting KESTAL_CGI request") == 1
 
 
-def test_a_log_that_is_gone_loses_lines_only(responder):
+def test_a_removed_log_loses_only_log_lines(responder):
     responder.log.path.unlink()
     assert is_right(responder.ask())
     assert responder.end() == 0
 
 
-def test_a_fault_that_stays_is_told_at_once_and_then_counted(make_responder, work):
+def test_a_permanent_fault_is_logged_at_once_and_then_counted(make_responder, work):
     responder = make_responder()
     responder.environment |= {"KESTAL_LOG_LEVEL": "5", "KESTAL_SYSLOG": str(work / "syslog.sock")}
     responder.device.set(getGPSStatus={"error": 5}, getBatteryStatus={"error": 6})

@@ -26,7 +26,7 @@ def family(address):
     return socket.AF_INET6 if ":" in address else socket.AF_INET
 
 
-def test_only_the_device_itself_reaches_the_web_server_unless_it_is_told_an_address(server):
+def test_by_default_only_the_device_itself_reaches_the_web_server(server):
     assert "KESTAL_ADDRESS" not in server.environment
     assert processes.listens(server.process.pid) == {("127.0.0.1", server.port)}
     assert processes.listens(server.responder()) == set()
@@ -42,7 +42,7 @@ def test_only_the_device_itself_reaches_the_web_server_unless_it_is_told_an_addr
         ("[::]", "::", ["::1"]),
     ],
 )
-def test_the_web_server_listens_where_it_is_told_and_guards_there_too(make_server, address, bound, asked):
+def test_the_web_server_listens_at_the_given_address_with_the_same_access_rules(make_server, address, bound, asked):
     if not is_there(bound):
         pytest.skip(f"this machine has no address {bound}")
     page = "http://hotspot.lan"
@@ -108,7 +108,7 @@ def test_answers_of_the_service_are_not_stored_or_guessed_at(server):
         assert headers["content-type"] == "application/json"
 
 
-def test_no_answer_tells_the_version_of_the_web_server(server):
+def test_no_answer_contains_the_version_of_the_web_server(server):
     for target in ("/srv/status", "/nothing", "/srv//"):
         answer = server.ask(target)
         assert "server" not in answer.headers
@@ -228,7 +228,7 @@ def test_the_system_log_may_be_named_in_each_way(make_server, work, monkeypatch,
     system_log.close()
 
 
-def test_an_end_with_clients_is_no_failure_to_systemd(server):
+def test_systemd_does_not_count_a_stop_with_open_connections_as_a_failure(server):
     unit = (paths.ROOT / "deploy" / "kestal.service.in").read_text()
     (expected,) = re.findall(r"(?m)^SuccessExitStatus=(\d+)$", unit)
     with web.connect(server.port) as client:
@@ -265,7 +265,7 @@ def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
         ("KESTAL_RUN_DIRECTORY", "/nowhere/run", "cannot make the run directory /nowhere/run"),
     ],
 )
-def test_the_launcher_refuses_an_order_that_cannot_work(make_server, name, value, message):
+def test_the_launcher_refuses_invalid_settings(make_server, name, value, message):
     server = make_server()
     server.environment[name] = value
     launcher = server.launch()
@@ -275,7 +275,7 @@ def test_the_launcher_refuses_an_order_that_cannot_work(make_server, name, value
 
 
 @pytest.mark.parametrize("name", ["a blank", "x" * 120])
-def test_the_launcher_refuses_a_run_directory_whose_name_cannot_work(make_server, work, name):
+def test_the_launcher_refuses_a_run_directory_with_an_unusable_name(make_server, work, name):
     server = make_server()
     server.environment["KESTAL_RUN_DIRECTORY"] = str(work / name)
     launcher = server.launch()
@@ -284,7 +284,7 @@ def test_the_launcher_refuses_a_run_directory_whose_name_cannot_work(make_server
     launcher.stderr.close()
 
 
-def test_the_launcher_knows_two_commands(make_server):
+def test_the_launcher_refuses_an_unknown_command(make_server):
     launcher = make_server().launch("stop")
     assert launcher.wait(20) == 1
     assert "unknown command 'stop'" in launcher.stderr.read().decode()

@@ -79,7 +79,7 @@ WRONG = {
 
 
 @pytest.mark.parametrize(("call", "value"), WRONG.values(), ids=WRONG.keys())
-def test_a_wrong_value_is_told_with_file_line_and_key(responder, call, value):
+def test_a_wrong_value_is_reported_with_file_line_and_key(responder, call, value):
     set_percent(responder, 55)
     assert percent(responder) == "55"
     text = changed(responder, lambda calls: calls.update({call: value}))
@@ -93,7 +93,7 @@ def test_a_wrong_value_is_told_with_file_line_and_key(responder, call, value):
     assert numbers and line <= numbers[0] <= line + 2
 
 
-def test_a_document_with_an_error_is_told_once_and_not_with_every_request(responder):
+def test_an_error_in_the_document_is_logged_once_and_not_with_every_request(responder):
     percent(responder)
     responder.device.write(b"{")
     for _ in range(5):
@@ -131,7 +131,7 @@ def test_a_vanished_document_leaves_the_last_good_device_in_force(responder):
     assert percent(responder) == "84"
 
 
-def test_a_document_that_is_no_file_is_borne(responder):
+def test_a_folder_or_pipe_in_place_of_the_document_leaves_the_last_good_device_in_force(responder):
     percent(responder)
     responder.device.path.unlink()
     responder.device.path.mkdir()
@@ -141,7 +141,7 @@ def test_a_document_that_is_no_file_is_borne(responder):
     assert percent(responder) == "84"
 
 
-def test_a_document_written_in_place_is_taken_like_a_replaced_one(responder):
+def test_a_document_written_in_place_is_read_like_a_replaced_one(responder):
     for value in (1, 2, 3):
         document = responder.device.document()
         document["sys"]["getBatteryStatus"]["chargePercent"] = value
@@ -149,7 +149,7 @@ def test_a_document_written_in_place_is_taken_like_a_replaced_one(responder):
         assert percent(responder) == str(value)
 
 
-def test_an_action_keeps_what_a_user_wrote_as_it_was_written(responder):
+def test_an_action_changes_only_the_bytes_of_the_status(responder):
     text = responder.device.path.read_text().replace('"sys"', '\n\n   "sys"', 1)
     responder.device.path.write_text(text)
     responder.ask("/srv/disconnect")
@@ -255,7 +255,7 @@ def states_seen(responder, replaced, least, enough):
     return seen
 
 
-def test_answers_are_of_one_state_each_while_several_writers_replace_the_document(responder):
+def test_each_answer_shows_one_state_while_several_writers_replace_the_document(responder):
     documents = [[marked(responder.device.document(), 10 * writer + i) for i in range(10)] for writer in range(1, 4)]
     responder.device.write(documents[0][0])
     with writers(responder.device, documents) as replaced:
@@ -267,7 +267,7 @@ def test_answers_are_of_one_state_each_while_several_writers_replace_the_documen
     assert responder.log.count("[ERROR]") == 0
 
 
-def test_torn_documents_leave_the_last_whole_one_in_force(responder):
+def test_incomplete_documents_leave_the_last_complete_one_in_force(responder):
     documents = [[marked(responder.device.document(), number) for number in range(10, 40)]]
     responder.device.write(documents[0][0])
     assert marks(responder.ask()) == {"10"}

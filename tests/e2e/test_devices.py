@@ -39,7 +39,7 @@ def start(make_responder, name):
     return responder.start()
 
 
-def test_each_device_has_its_answers():
+def test_each_device_has_stored_answers():
     assert sorted(path.stem for path in ANSWERS.iterdir()) == DEVICES
 
 
@@ -112,7 +112,7 @@ def test_the_notifications_of_a_shipped_device(make_responder, name):
         ("all-notifications", ["Door Closed. ", "Door Open. ", "Lamp Off. ", "Lamp On. "]),
     ],
 )
-def test_pins_are_called_what_the_user_calls_them(make_responder, name, texts):
+def test_pins_have_the_names_that_the_user_gave_them(make_responder, name, texts):
     listed = ask(start(make_responder, name), "/srv/notification")["notificationsList"]
     assert [shown["text"] for shown in listed[-4:]] == texts
 
@@ -127,7 +127,7 @@ def test_pins_are_called_what_the_user_calls_them(make_responder, name, texts):
         ("software-update-9-2", "installFail"),
     ],
 )
-def test_a_notification_of_an_update_shows_what_the_carrier_says(make_responder, name, key):
+def test_a_notification_of_an_update_shows_the_text_of_the_carrier(make_responder, name, key):
     responder = start(make_responder, name)
     languages = responder.device.document()["webui"]["softwareUpdateCustomMsgs"]
     for language, messages in languages.items():
@@ -137,7 +137,7 @@ def test_a_notification_of_an_update_shows_what_the_carrier_says(make_responder,
         assert "<a " in shown["text"] or shown["text"] == messages[key]
 
 
-def test_a_notification_of_an_update_without_words_of_the_carrier_has_a_text_of_its_own(
+def test_a_notification_of_an_update_without_a_text_of_the_carrier_has_that_of_the_catalogue(
     make_responder,
 ):
     responder = start(make_responder, "software-update-10")

@@ -74,7 +74,7 @@ def test_noise_disturbs_nobody(responder):
     assert_serves(responder)
 
 
-def test_a_peer_that_says_nothing_delays_others_for_a_while_only(responder):
+def test_a_silent_peer_delays_others_only_for_a_limited_time(responder):
     with responder.connect():
         assert_serves(responder)
 
@@ -102,7 +102,7 @@ def test_parameters_may_be_split_anywhere(responder):
         assert connection.receive().body.startswith(b'{"loginStatus":0,"statusData":{')
 
 
-def test_huge_and_many_variables_are_borne(responder):
+def test_huge_and_many_variables_are_accepted(responder):
     huge = {f"HTTP_X_{size}": "x" * size for size in (127, 128, 65535, 65536, 1_000_000)}
     many = {f"HTTP_X_{number}": str(number) for number in range(10_000)}
     for extra in (huge, many):
@@ -111,7 +111,7 @@ def test_huge_and_many_variables_are_borne(responder):
     assert_serves(responder)
 
 
-def test_variables_without_a_name_or_a_value_are_borne(responder):
+def test_variables_without_a_name_or_a_value_are_accepted(responder):
     answer = responder.ask("/srv/status", **{"": "x", "EMPTY": "", "A=B": "c", "\0": "\0"})
     assert answer.complete and answer.status == 200
     assert_serves(responder)

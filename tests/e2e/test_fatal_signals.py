@@ -79,13 +79,13 @@ def test_a_fatal_signal_ends_a_busy_service_too(make_responder, signo):
         assert responder.log.count(f"kestal.cgi received signal: {int(signo)}, backtrace:") == 1
 
 
-def test_a_second_fatal_signal_does_not_change_the_first(responder):
+def test_with_two_fatal_signals_the_exit_status_is_one_of_them(responder):
     responder.process.send_signal(signal.SIGSEGV)
     responder.process.send_signal(signal.SIGABRT)
     assert responder.process.wait(20) in (signal.SIGSEGV, signal.SIGABRT)
 
 
-def test_an_end_by_a_fatal_signal_and_a_termination_at_once_is_one_of_the_two(make_responder):
+def test_with_a_fatal_signal_and_a_termination_at_once_the_exit_status_is_that_of_one_of_them(make_responder):
     for _ in range(20):
         responder = make_responder().start()
         responder.process.send_signal(signal.SIGTERM)

@@ -94,7 +94,7 @@ def busy(server):
     return server
 
 
-def test_each_call_failing_alone_is_answered_logged_and_forgotten(busy):
+def test_a_single_failing_call_is_answered_and_logged_and_later_answers_are_as_before(busy):
     answers(busy)
     before = answers(busy)
     for group, name in entries():
@@ -115,7 +115,7 @@ def test_each_call_failing_alone_is_answered_logged_and_forgotten(busy):
         assert answers(busy) == before, name
 
 
-def test_all_calls_failing_at_once_are_answered_and_forgotten(busy):
+def test_with_all_calls_failing_there_is_an_answer_and_later_answers_are_as_before(busy):
     answers(busy)
     before = answers(busy)
     busy.device.write((paths.DEVICES / "everything-failing.json").read_bytes())

@@ -30,12 +30,12 @@ def fresh(work):
 
 
 @pytest.mark.parametrize("arguments", [[], ["11"], ["trixie"], ["13", "build"], ["12", "run", "more"]])
-def test_what_it_does_not_know_gets_the_usage(fresh, arguments):
+def test_unknown_arguments_print_the_usage(fresh, arguments):
     assert fresh(*arguments) == (2, "", USAGE)
 
 
 @pytest.mark.parametrize("arguments", [["13"], ["12", "run"], ["12", "test", "-R", "routing"]])
-def test_who_is_not_root_is_told_why_it_has_to_be(fresh, arguments):
+def test_without_root_it_says_why_root_is_needed(fresh, arguments):
     status, output, errors = fresh(*arguments)
     assert (status, output) == (1, "")
     assert errors.startswith("scripts/fresh: this needs root, for mmdebstrap, chroot and mounts")

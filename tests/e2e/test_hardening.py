@@ -118,7 +118,7 @@ def test_every_optimised_configuration_is_hardened(programs, configuration):
 
 
 @pytest.mark.parametrize("configuration", OPTIMISED)
-def test_variables_show_nothing_of_others(programs, folder, configuration):
+def test_uninitialised_variables_do_not_show_other_data(programs, folder, configuration):
     if not compiler_has(folder, "ftrivial_auto_var_init_zero"):
         pytest.skip("the compiler cannot do this")
     assert run(str(programs[configuration])).split()[1] == "0"
@@ -132,7 +132,7 @@ def test_an_index_beyond_its_container_ends_the_process(programs, configuration)
 
 
 @pytest.mark.parametrize("configuration", OPTIMISED)
-def test_jumps_lead_only_to_where_they_are_meant_to_go(programs, folder, configuration):
+def test_indirect_jumps_reach_only_marked_places(programs, folder, configuration):
     flags = {"x86_64": ("fcf_protection", "IBT"), "aarch64": ("mbranch_protection_standard", "BTI")}
     if platform.machine() not in flags:
         pytest.skip("not of this processor")

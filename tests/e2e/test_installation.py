@@ -36,7 +36,7 @@ def configuration(image):
     return image / paths.SYSCONFDIR.lstrip("/") / "kestal" / "lighttpd.conf"
 
 
-def test_everything_that_runs_is_installed(prefix, configuration):
+def test_everything_needed_at_run_time_is_installed(prefix, configuration):
     assert configuration.is_file() and configuration.with_name("firewall.nft").is_file()
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
@@ -94,7 +94,7 @@ def test_the_unit_names_the_folders_of_the_build(prefix):
     assert f"={paths.SYSCONFDIR}/kestal/lighttpd.conf\n" in unit
 
 
-def test_a_build_goes_where_the_service_looks_for_its_texts(work):
+def test_the_default_prefix_is_where_the_service_looks_for_its_texts(work):
     """Unless its user wants it elsewhere."""
     for order, prefix, configuration in (
         ([], "/usr", "/etc"),

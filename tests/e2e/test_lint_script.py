@@ -51,7 +51,7 @@ def play_release(work, version, rest, tool="clang-format"):
     return work / "bin"
 
 
-def test_what_is_badly_formed_is_told(tree, work):
+def test_badly_formatted_files_are_reported(tree, work):
     (tree / "main.cpp").write_text("int  main(){return 0;}\n")
     (tree / "script").write_text("#!/bin/sh\necho $1\n")
     # The clang-format of this machine may be of another release.
@@ -93,7 +93,7 @@ def test_a_signature_that_names_its_function_passes(tree, work, function):
         ("KESTAL_SIGNATURE(kRead);", "the signature is no literal"),
     ],
 )
-def test_a_signature_that_names_another_function_is_told(tree, work, body, finding):
+def test_a_signature_that_names_another_function_is_reported(tree, work, body, finding):
     (tree / "main.cpp").write_text(f"void Device::Read(int) {{\n    {body}\n}}\n")
     done = run(tree / "scripts" / "lint", "--form", path=play_well_formed(work))
     assert done.returncode == 1
@@ -108,7 +108,7 @@ def test_a_tree_without_git_does_not_pass(tree):
     assert "scripts/lint: git cannot list the files\n" in done.stderr
 
 
-def test_what_only_another_release_finds_is_told_and_fails_nothing(tree, work):
+def test_findings_of_another_release_are_printed_but_do_not_fail_the_run(tree, work):
     finds = "echo 'main.cpp:1:1: error: code should be clang-formatted [-Wclang-format-violations]' >&2; exit 1"
     done = run(tree / "scripts" / "lint", "--form", path=play_release(work, 999, finds))
     assert done.returncode == 0, done.stdout + done.stderr
@@ -116,7 +116,7 @@ def test_what_only_another_release_finds_is_told_and_fails_nothing(tree, work):
 
 
 @pytest.mark.parametrize("failure", ["kill -s SEGV $$", "echo 'Error reading .clang-format' >&2; exit 1"])
-def test_a_failure_of_another_release_is_no_finding(tree, work, failure):
+def test_a_crash_of_another_release_fails_the_run(tree, work, failure):
     done = run(tree / "scripts" / "lint", "--form", path=play_release(work, 999, failure))
     assert done.returncode == 1
     assert "do not fail this run" not in done.stderr
@@ -152,7 +152,7 @@ bad=$(grep -l bad ${sources:-$file})
 @pytest.mark.parametrize(
     ("behaviour", "status"), [(FIND_BAD, 0), (f"{FIND_BAD}\nkill -s SEGV $$", 1), ("exit 1", 1)]
 )
-def test_what_only_another_clang_tidy_finds_fails_nothing_but_its_failure_does(tree, build, work, behaviour, status):
+def test_findings_of_another_clang_tidy_do_not_fail_the_run_but_its_crash_does(tree, build, work, behaviour, status):
     (tree / "a.cpp").write_text("bad\n")
     play_release(work, "", "exit 0")
     tools = play_release(work, 999, behaviour, tool="clang-tidy")
@@ -183,7 +183,7 @@ def tidy(build, work):
     return look
 
 
-def test_clang_tidy_looks_again_at_what_changed(tidy, tree):
+def test_clang_tidy_checks_changed_sources_again(tidy, tree):
     assert tidy() == (0, ["a.cpp b.cpp"])
     assert tidy() == (0, [])
     (tree / "b.cpp").write_text("int b;\n")
@@ -196,7 +196,7 @@ def test_clang_tidy_looks_again_at_what_changed(tidy, tree):
     assert tidy("--all", version="2") == (0, ["a.cpp b.cpp"])
 
 
-def test_clang_tidy_tells_a_finding_until_it_is_gone(tidy, tree):
+def test_clang_tidy_reports_a_finding_until_it_is_corrected(tidy, tree):
     (tree / "a.cpp").write_text("bad\n")
     assert tidy() == (3, ["a.cpp b.cpp", "a.cpp", "b.cpp"])
     assert tidy() == (3, ["a.cpp"])
@@ -204,7 +204,7 @@ def test_clang_tidy_tells_a_finding_until_it_is_gone(tidy, tree):
     assert tidy() == (0, ["a.cpp"])
 
 
-def test_what_is_found_only_together_is_no_finding(tidy, tree, work):
+def test_a_finding_that_only_the_whole_group_has_does_not_count(tidy, tree, work):
     # Two sources of a group may define the same name.
     tool = work / "bin" / "clang-tidy"
     tool.write_text(tool.read_text().replace("[ -z", '[ "${sources:-one}" = one ] && exit\n[ -z'))
@@ -213,7 +213,7 @@ def test_what_is_found_only_together_is_no_finding(tidy, tree, work):
     assert tidy() == (0, [])
 
 
-def test_sources_are_looked_at_together_with_the_settings_of_their_folder(tidy, tree, build, work):
+def test_a_group_of_sources_is_checked_with_the_settings_of_its_folder(tidy, tree, build, work):
     commands = build / "compile_commands.json"
     commands.write_text(commands.read_text().replace(f"{tree}/", f"{tree}/sub/").replace("../../", "../../sub/"))
     shutil.copytree(tree, tree / "sub", ignore=lambda *_: {"sub", "build", "scripts", ".git"})
@@ -223,7 +223,7 @@ def test_sources_are_looked_at_together_with_the_settings_of_their_folder(tidy, 
 
 
 @pytest.mark.parametrize("damaged", ["", '{"a.cpp": "12', "[]"])
-def test_a_damaged_record_counts_as_none(tidy, build, damaged):
+def test_a_damaged_record_of_clean_sources_is_ignored(tidy, build, damaged):
     assert tidy() == (0, ["a.cpp b.cpp"])
     (build / "clang-tidy" / "clean.json").write_text(damaged)
     assert tidy() == (0, ["a.cpp b.cpp"])

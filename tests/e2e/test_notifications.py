@@ -68,7 +68,7 @@ def unread(language):
 
 
 @pytest.mark.parametrize("language", UNREAD)
-def test_a_notification_speaks_the_language_of_the_device(server, language):
+def test_a_notification_is_in_the_language_of_the_device(server, language):
     server.device.set(getSMSUnreadCount=3)
     server.device.speak(language)
     publish(server, [notification("sms_received")])
@@ -103,7 +103,7 @@ def test_language_settings_that_fail_give_english(responder):
     assert notifications(responder) == [unread("en_US")]
 
 
-def test_texts_of_the_status_speak_the_language_of_the_device(responder):
+def test_texts_of_the_status_are_in_the_language_of_the_device(responder):
     responder.device.set(getEnabledRadioTechnologies=31)
     for language, text in (("en_US", "Global"), ("fr_FR", "Mondial"), ("ar_EG", "عالمي")):
         responder.device.speak(language)
@@ -112,7 +112,7 @@ def test_texts_of_the_status_speak_the_language_of_the_device(responder):
 
 
 @pytest.mark.parametrize("language", UNREAD)
-def test_an_empty_id_shows_as_nothing(responder, language):
+def test_an_empty_id_gives_an_empty_text(responder, language):
     responder.device.speak(language)
     publish(responder, [{"id": "roamingDomestic"}])
     assert notifications(responder) == [
@@ -120,7 +120,7 @@ def test_an_empty_id_shows_as_nothing(responder, language):
     ]
 
 
-def test_an_id_that_nobody_translates_shows_as_itself(responder):
+def test_an_id_without_a_translation_is_shown_itself(responder):
     publish(responder, [notification("of_tomorrow", id="tomorrow", labelId="x", severity=7)])
     assert notifications(responder) == [
         {
@@ -183,7 +183,7 @@ def test_each_type_has_its_link_and_what_is_not_active_is_not_listed(responder):
         assert before.endswith(". ")
 
 
-def test_with_several_sims_a_locked_one_leads_to_their_page(responder):
+def test_with_several_sims_a_locked_one_links_to_the_page_of_all_sims(responder):
     use(responder, "all-notifications.json")
     responder.device.set(getMultiSimEnabled=1)
     texts = {one["id"]: one["text"] for one in notifications(responder)}
@@ -201,7 +201,7 @@ def test_with_several_sims_a_locked_one_leads_to_their_page(responder):
         ({"error": 3}, ". "),
     ],
 )
-def test_a_gpio_pin_goes_by_the_names_that_the_user_has_given(responder, settings, text):
+def test_the_text_of_a_gpio_pin_has_the_names_that_the_user_gave(responder, settings, text):
     responder.device.set(getGpioPin2CustomSettings=settings)
     publish(responder, [notification("gpio_pin2", id="gpioPin2StateChangeToHigh", textId="notification_gpio_message_text")])
     (one,) = notifications(responder)

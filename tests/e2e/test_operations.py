@@ -117,7 +117,7 @@ def test_a_carrier_switch_that_cannot_be_read_counts_as_off(server):
     assert server.ask("/srv/status").status == 501
 
 
-def test_a_device_that_does_not_start_is_still_asked_for_what_it_has(server):
+def test_the_calls_are_made_even_if_the_sdk_does_not_start(server):
     server.device.set(sdkInitialize={"error": 5})
     answer = server.ask("/srv/status")
     assert answer.status == 200
@@ -126,7 +126,7 @@ def test_a_device_that_does_not_start_is_still_asked_for_what_it_has(server):
     assert server.log.count("sysinterface initialization failed by returning [0]")
 
 
-def test_a_call_that_fails_costs_its_own_keys_only(server):
+def test_if_a_call_fails_only_its_own_keys_are_missing(server):
     complete = set(server.status())
     server.device.set(getBatteryStatus={"error": 3})
     without_battery = set(server.status())

@@ -82,7 +82,7 @@ def test_a_hostile_target_names_no_operation(responder, uri):
     responder.log.messages()
 
 
-def test_a_name_is_found_behind_any_bytes(responder):
+def test_a_name_is_found_after_any_bytes(responder):
     answer = responder.ask(b"/srv/" + b"\xff" * 70_000 + b"status")
     assert b'"statusData"' in answer.body
 
@@ -97,7 +97,7 @@ def test_a_missing_target_names_no_operation(responder):
     responder.log.wait_for("int get_service_api(FCGX_ParamArray) - kestal.cgi  request received")
 
 
-def test_the_log_tells_which_operation_was_taken(responder):
+def test_the_log_names_the_operation(responder):
     responder.ask("/srv/x?disconnect")
     messages = responder.log.messages()
     begin = messages.index("[KESTAL_CGI]:[DEBUG] - int get_service_api(FCGX_ParamArray) BEGIN")

@@ -184,7 +184,7 @@ def device_of(script):
     return re.search(r"^  (/.*\.json)$", script.output, re.MULTILINE)[1]
 
 
-def test_the_device_lives_until_it_is_stopped(run):
+def test_the_device_changes_until_the_script_is_stopped(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
     (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
@@ -199,7 +199,7 @@ def test_the_device_lives_until_it_is_stopped(run):
     assert script.left_behind() == ([], [])
 
 
-def test_a_player_that_dies_leaves_the_service(run):
+def test_the_service_runs_on_when_the_player_dies(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
     (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
@@ -226,7 +226,7 @@ def test_the_scenario_can_be_chosen(run, work):
     )
 
 
-def test_a_device_of_ones_own_stays_as_it_is_unless_asked(run, work):
+def test_a_users_own_device_is_not_changed_unless_a_scenario_is_chosen(run, work):
     (work / "mine.json").write_bytes(paths.DEFAULT_DEVICE.read_bytes())
     script = run(KESTAL_DEVICE="mine.json")
     script.wait_for("Ctrl-C stops it.")
@@ -236,7 +236,7 @@ def test_a_device_of_ones_own_stays_as_it_is_unless_asked(run, work):
     assert (work / "mine.json").read_bytes() == paths.DEFAULT_DEVICE.read_bytes()
 
 
-def test_it_answers_in_the_language_of_the_device_whatever_the_machine_knows(run, work):
+def test_it_answers_in_the_language_of_the_device_whatever_locales_the_machine_has(run, work):
     device = Device(work / "device.json")
     script = run(KESTAL_DEVICE=str(device.path), KESTAL_BUILD=os.path.relpath(paths.BUILD, work))
     script.wait_for("Ctrl-C stops it.")
@@ -262,7 +262,7 @@ def test_a_users_own_texts_are_used(run, work):
     assert shown["title"] == "notification_pco_5_title"
 
 
-def test_a_users_own_device_is_used_in_place_and_stays_alone(run, work):
+def test_a_users_own_device_is_used_in_place_and_no_file_is_added_beside_it(run, work):
     folder = work / "own"
     folder.mkdir()
     (folder / "mine.json").write_bytes(paths.DEFAULT_DEVICE.read_bytes())
@@ -287,7 +287,7 @@ def test_a_users_own_session_store_is_used_and_stays(run, work):
     assert (work / "own.sessions").exists()
 
 
-def test_a_build_for_a_devices_own_libraries_runs_without_talk_of_a_simulator(run, work):
+def test_a_build_for_a_devices_own_libraries_does_not_mention_the_simulator(run, work):
     """A build for a device's own libraries has neither the tools nor the locales of the simulator."""
     build = work / "vendor"
     (build / "service").mkdir(parents=True)
@@ -330,7 +330,7 @@ def test_a_build_for_a_devices_own_libraries_has_a_preset_and_leaves_the_release
     assert platforms() == {"release": ["simulator"], "vendor": ["vendor"]}
 
 
-def test_a_port_that_is_taken_is_told(run):
+def test_a_port_in_use_is_reported(run):
     with socket.socket() as other:
         other.bind(("127.0.0.1", 0))
         other.listen()
@@ -350,7 +350,7 @@ def test_a_port_that_is_taken_is_told(run):
         ("KESTAL_BUILD", "/nowhere", "no such program: /nowhere/service/kestal.cgi"),
     ],
 )
-def test_an_order_that_cannot_work_is_told(run, variable, value, message):
+def test_invalid_settings_are_reported(run, variable, value, message):
     script = run(**{variable: value})
     assert script.end() != 0
     assert message in script.output
@@ -366,7 +366,7 @@ def test_a_web_server_that_dies_ends_it_with_an_error(run):
     assert script.left_behind() == ([], [])
 
 
-def test_a_build_that_fails_is_told(run, work):
+def test_a_failing_build_is_reported(run, work):
     script = run(KESTAL_BUILD="", PATH=fake_tools(work, cmake="echo broken; exit 1"))
     assert script.end() != 0
     assert "scripts/run: the build failed" in script.output

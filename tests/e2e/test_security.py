@@ -201,7 +201,7 @@ REFUSED_WHILE_READ = {
 }
 
 
-def test_all_that_may_be_stored_tells_nothing_of_the_device(server):
+def test_answers_that_may_be_stored_contain_nothing_about_the_device(server):
     """The web server refuses such a request before it looks at the target."""
     storable = set()
     for name, request in (SMUGGLING | REFUSED_WHILE_READ).items():
@@ -219,7 +219,7 @@ def test_all_that_may_be_stored_tells_nothing_of_the_device(server):
     assert server.log.count("request received") == 0
 
 
-def test_what_one_client_can_cost_is_bounded():
+def test_the_configuration_limits_the_cost_of_one_client():
     settings = dict(
         re.findall(r"(?m)^server\.([a-z-]+) += (\d+)$", (paths.ROOT / "deploy" / "lighttpd.conf").read_text())
     )
@@ -340,7 +340,7 @@ def present(server, identifier):
 
 
 @pytest.mark.parametrize("level", range(7))
-def test_below_level_7_no_log_tells_a_session(make_server, work, level):
+def test_below_level_7_no_log_contains_a_session_identifier(make_server, work, level):
     server = make_server()
     server.environment["KESTAL_LOG_LEVEL"] = str(level)
     server.start()
@@ -369,7 +369,7 @@ def test_below_level_7_no_log_tells_a_session(make_server, work, level):
         assert identifier.encode() not in file.read_bytes(), file
 
 
-def test_at_level_7_one_line_tells_the_session(server):
+def test_at_level_7_one_line_contains_the_session_identifier(server):
     cookie = open_session(server)
     server.ask("/srv/status", [("Cookie", cookie), ("User-Agent", "test")])
     identifier = cookie.partition("=")[2]
@@ -378,7 +378,7 @@ def test_at_level_7_one_line_tells_the_session(server):
     ]
 
 
-def test_the_log_is_not_at_level_7_unless_asked_for(make_server):
+def test_the_default_log_level_is_below_7(make_server):
     server = make_server()
     server.environment["KESTAL_LOG_LEVEL"] = ""
     server.start()

@@ -96,13 +96,13 @@ def test_one_address_may_be_written_in_several_ways(responder, opened, asks):
         "%s%n",
     ],
 )
-def test_a_caller_of_no_proper_address_is_not_logged_in(responder, address):
+def test_a_caller_without_a_valid_address_is_not_logged_in(responder, address):
     cookie = open_session(responder)
     assert login_status(responder, cookie, address=address) == 0
     assert login_status(responder, cookie) == 1
 
 
-def test_the_log_tells_an_address_of_no_family(responder):
+def test_an_address_of_an_unknown_family_is_logged(responder):
     login_status(responder, "torusess=x", address="nowhere")
     expected = (
         "[KESTAL_CGI]:[ERROR] - int GetLoginStatus(CgiHelper*, FCGX_Request&) Kestal.cgi: Unable to "
@@ -119,7 +119,7 @@ def test_a_session_ends_when_it_has_been_idle(responder):
     assert login_status(responder, cookie) == 0
 
 
-def test_asking_does_not_keep_a_session_alive(responder):
+def test_requests_do_not_keep_a_session_alive(responder):
     cookie = open_session(responder, "127.0.0.1", AGENT, "--idle", "1000")
     before = responder.sessions.read_bytes()
     assert login_status(responder, cookie) == 1

@@ -166,7 +166,7 @@ ENDS = {
 }
 
 
-def test_each_shipped_scenario_has_its_end():
+def test_each_shipped_scenario_has_an_expected_end():
     assert sorted(path.stem for path in paths.SCENARIOS.glob("*.json")) == sorted(ENDS)
 
 

@@ -69,7 +69,7 @@ def test_thousands_of_requests_leave_not_one_block_of_memory_behind(work):
 
 
 @pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
-def test_a_leak_in_few_requests_shows(work):
+def test_a_leak_in_few_requests_is_noticed(work):
     report = count_blocks(work, str(LEAK), KESTAL_LEAK_EVERY="500")
     assert report["errors"] == 0
     assert 0 < report["newBlocks"] < 20
@@ -90,7 +90,7 @@ def test_thousands_of_requests_are_answered_and_leave_nothing_behind(work):
 
 
 @pytest.mark.skipif(bool(paths.SANITIZERS), reason="nothing can be loaded before the sanitizers")
-def test_a_leak_of_300_bytes_per_request_shows(work, leaking):
+def test_a_leak_of_300_bytes_per_request_is_noticed(work, leaking):
     report = soak(work, "--requests", "1500", "--warm-up", "300", "--changes", "0.005", **leaking)
     service = report["processes"]["service"]
     assert report["errors"] == 0
@@ -99,7 +99,7 @@ def test_a_leak_of_300_bytes_per_request_shows(work, leaking):
     assert not report["good"]
 
 
-def test_a_wrong_answer_shows(work):
+def test_a_wrong_answer_is_noticed(work):
     """A service that answers every request wrongly."""
     program = work / "wrong"
     program.write_text(
@@ -136,7 +136,7 @@ def test_a_service_that_is_killed_under_load_is_back_soon_and_answers_the_same(w
     assert report["answers"] > 200
 
 
-def test_a_service_that_is_away_for_long_shows(work):
+def test_a_long_outage_is_noticed(work):
     """A service that starts at once only the first time. While it starts later, the web server lets requests
     wait, or refuses them."""
     program = work / "slow"

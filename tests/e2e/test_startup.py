@@ -101,7 +101,7 @@ def test_with_a_socket_that_does_not_listen_the_service_ends_by_itself(make_resp
         end.close()
 
 
-def test_with_closed_descriptors_a_connection_takes_none_of_their_numbers(make_server, work):
+def test_with_closed_descriptors_no_connection_gets_their_numbers(make_server, work):
     """A log line to standard error would go out in front of the answer."""
     program = work / "kestal.cgi"
     program.write_text(f'#!/bin/sh\nexec "{paths.SERVICE}" >&- 2>&-\n')

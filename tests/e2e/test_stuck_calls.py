@@ -78,7 +78,7 @@ def test_a_request_that_hangs_is_named_with_all_its_frames_and_ends_the_process(
 
 
 @needs_signals
-def test_failures_before_the_hang_that_were_held_back_are_told_in_front_of_the_frames(make_responder, work):
+def test_held_back_failures_are_logged_before_the_frames_of_a_hang(make_responder, work):
     responder = make_responder()
     responder.environment |= {
         "KESTAL_LOG_LEVEL": "5",
@@ -110,7 +110,7 @@ def test_a_termination_of_a_service_that_hangs_does_not_keep_it_alive(impatient)
 
 
 @needs_signals
-def test_a_peer_that_does_not_finish_its_request_keeps_nobody_waiting_for_good(impatient):
+def test_a_peer_that_does_not_finish_its_request_blocks_the_service_only_until_the_deadline(impatient):
     with impatient.connect() as connection:
         connection.send(fastcgi.request(fastcgi.STATUS)[:30])
         assert impatient.process.wait(20) == STUCK
@@ -134,7 +134,7 @@ def test_the_web_server_starts_a_service_again_that_hangs(make_server):
     assert server.ask("/srv/connect").status == 200
 
 
-def test_without_being_told_the_service_takes_what_the_launcher_takes_for_its_limit(server):
+def test_service_and_launcher_have_the_same_default_limit(server):
     told = processes.environment(server.responder())["KESTAL_TIMEOUT"]
     source = (paths.ROOT / "service" / "operation_deadline.cpp").read_text()
     assert re.search(r"kDefaultTimeoutSeconds = (\d+);", source)[1] == told

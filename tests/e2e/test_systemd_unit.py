@@ -120,7 +120,7 @@ def may_mount():
 
 
 @pytest.mark.skipif(not may_mount(), reason="only root can mount, and not everywhere")
-def test_proc_without_anything_but_processes_is_enough(make_server):
+def test_a_proc_that_contains_only_processes_is_enough(make_server):
     server = make_server()
     mount = f'{MOUNT_PROCESSES} && [ ! -e /proc/net ] && exec "$@"'
     start_wrapped(server, "unshare", "--mount", "sh", "-c", mount, "sh")

@@ -27,7 +27,7 @@ def test_a_termination_unregisters_and_ends_with_status_0(responder):
     assert responder.log.messages()[before:] == TERMINATION
 
 
-def test_a_termination_after_requests_says_the_same(responder):
+def test_a_termination_after_requests_logs_the_same(responder):
     for uri in ("/srv/status", "/srv/connect"):
         responder.ask(uri)
     responder.log.wait_for("End KESTAL_CGI request", 2)
@@ -46,7 +46,7 @@ def test_a_termination_reaches_the_watchdog(make_responder, watchdog):
     assert [message.partition("\n")[0] for message in watchdog.waiting()] == ["READY=1", "STOPPING=1"]
 
 
-def test_terminations_in_a_row_are_one(responder):
+def test_several_terminations_have_the_effect_of_one(responder):
     for _ in range(20):
         responder.process.send_signal(signal.SIGTERM)
     assert responder.process.wait(20) == 0
@@ -131,7 +131,7 @@ def test_the_normal_end_under_load_cuts_no_request_short(make_responder):
         assert load.complete() == responder.log.count("fastcgi_main_loop() - End KESTAL_CGI request")
 
 
-def test_other_signals_do_what_they_do_to_any_process(make_responder):
+def test_other_signals_have_their_default_effect(make_responder):
     for signo in (signal.SIGINT, signal.SIGHUP, signal.SIGKILL):
         responder = make_responder().start()
         os.kill(responder.pid, signo)

@@ -87,7 +87,7 @@ def test_whoever_does_not_reach_everything_has_tests_that_exist(row):
         check(tests)
 
 
-def test_nothing_is_named_that_is_not_in_a_row():
+def test_tests_are_named_only_in_the_tables():
     named = [len(REFERENCE.findall(row[-1])) for header in (REACH, THREATS) for row in rows(header)]
     assert sum(named) > 30
     assert len(REFERENCE.findall(DOCUMENT.read_text())) == sum(named)
@@ -107,7 +107,7 @@ def test_a_row_whose_tests_may_all_be_skipped_is_noticed():
     assert not may_be_skipped("test_hardening.py", "test_every_optimised_configuration_is_hardened")
     # A mark for the whole file.
     assert may_be_skipped(
-        "test_allocation_failure.py", "test_a_service_whose_libfcgi_is_short_of_memory_is_started_again"
+        "test_allocation_failure.py", "test_a_service_is_started_again_when_libfcgi_gets_no_memory"
     )
     with pytest.raises(AssertionError):
         check("`test_hardening.py::test_the_service_is_hardened`")

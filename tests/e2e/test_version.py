@@ -30,19 +30,19 @@ def programs():
 
 
 @pytest.mark.parametrize("program", programs(), ids=lambda path: path.name)
-def test_a_program_tells_the_version_of_the_build(program):
+def test_a_program_prints_the_version_of_the_build(program):
     told = run(program, "--version")
     assert re.fullmatch(rf"{re.escape(program.name)} {TOLD}\n", told)
     assert told.split(" ", 1)[1] == run(paths.SERVICE, "--version").split(" ", 1)[1]
 
 
-def test_the_launcher_tells_the_version_of_the_service():
+def test_the_launcher_prints_the_version_of_the_service():
     told = run(paths.LAUNCHER, "--version", KESTAL_RESPONDER=str(paths.SERVICE))
     assert told == run(paths.SERVICE, "--version").replace("kestal.cgi", "kestal-server")
 
 
 @pytest.mark.parametrize("page", sorted((paths.ROOT / "docs" / "man").iterdir()), ids=lambda path: path.name)
-def test_a_man_page_tells_the_version(page):
+def test_a_man_page_contains_the_version(page):
     built = paths.BUILD / "man" / "man1" / page.name.removesuffix(".scd")
     assert f'"kestal {VERSION}"' in built.read_text()
 
@@ -75,7 +75,7 @@ def write(folder, source, tool="git"):
     return re.search(r'return "(.*)";', source.read_text())[1]
 
 
-def test_the_commit_that_is_checked_out_is_told(tree, work):
+def test_the_version_contains_the_commit_that_is_checked_out(tree, work):
     assert write(tree, work / "version.cpp") == f"1.2.3 ({git(tree, 'rev-parse', 'HEAD')[:12]})"
 
 
@@ -89,7 +89,7 @@ def test_the_source_changes_with_the_commit_and_only_with_it(tree, work):
     assert write(tree, source) != first and source.stat().st_mtime_ns != written
 
 
-def test_without_a_repository_of_its_own_a_build_tells_no_commit(tree, work):
+def test_without_its_own_repository_a_build_has_no_commit(tree, work):
     (tree / "inside").mkdir()
     assert write(tree / "inside", work / "version.cpp") == "1.2.3"
     (work / "outside").mkdir()

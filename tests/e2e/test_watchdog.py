@@ -46,7 +46,7 @@ def test_requests_are_served_while_keep_alives_go_out(make_responder, watchdog):
     wait_until(lambda: responder.ask().status == 200 and watchdog.waiting(), "a keep-alive")
 
 
-def test_a_service_without_requests_reports_as_well_as_a_busy_one(make_responder, watchdog):
+def test_keep_alives_are_sent_without_requests_too(make_responder, watchdog):
     responder = make_responder()
     responder.environment["NOTIFY_SOCKET"] = watchdog.path
     responder.device.set(getWatchdogInterval=1)
@@ -64,7 +64,7 @@ def test_a_watchdog_that_is_not_there_does_not_keep_the_service_from_working(mak
     assert responder.end() == 0
 
 
-def test_a_watchdog_that_goes_is_missed_and_one_that_comes_back_is_fed_again(make_responder, work):
+def test_a_missing_watchdog_socket_is_logged_and_used_again_when_it_is_back(make_responder, work):
     responder = make_responder()
     responder.environment["NOTIFY_SOCKET"] = str(work / "coming-and-going.sock")
     responder.device.set(getWatchdogInterval=1)

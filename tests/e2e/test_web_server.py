@@ -159,7 +159,7 @@ def test_a_second_server_on_the_same_run_directory_is_refused(server):
     assert server.ask("/srv/status").status == 200
 
 
-def test_of_two_servers_that_start_at_once_on_one_run_directory_one_serves(make_server, work):
+def test_only_one_of_two_servers_that_start_at_once_on_one_run_directory_serves(make_server, work):
     # Neither launcher has a responder yet when the other one looks for it.
     slow = work / "bin"
     slow.mkdir()
@@ -200,7 +200,7 @@ def test_a_start_waits_for_another_one_and_gives_up_before_it_touches_anything(m
     assert server.start().ask("/srv/status").status == 200
 
 
-def test_a_sweep_leaves_a_web_server_alone_that_runs(server):
+def test_a_sweep_does_not_touch_a_running_web_server(server):
     sweep = server.launch("sweep")
     assert sweep.wait(20) == 1
     assert f"in use by the web server with process id {server.process.pid}" in sweep.stderr.read().decode()
@@ -208,7 +208,7 @@ def test_a_sweep_leaves_a_web_server_alone_that_runs(server):
     assert server.ask("/srv/status").status == 200
 
 
-def test_a_process_that_has_got_the_id_of_a_dead_web_server_is_no_web_server(make_server):
+def test_another_process_with_the_id_of_a_dead_web_server_is_not_taken_for_it(make_server):
     server = make_server()
     server.run.mkdir()
     (server.run / "owner").write_text(f"{os.getpid()} 1\n")
@@ -273,7 +273,7 @@ def test_many_browsers_at_once_are_all_answered(server):
     assert statuses == [200] * 400
 
 
-def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(make_server, work):
+def test_the_responder_gets_only_the_variables_of_a_fixed_list(make_server, work):
     server = make_server()
     server.environment |= {"LANGUAGE": "de", "LC_ALL": "de_DE", "SECRET": "x", "KESTAL_LOCALEDIR": str(work)}
     server.start()
@@ -294,7 +294,7 @@ def test_the_responder_gets_the_variables_that_are_meant_for_it_and_no_others(ma
     }
 
 
-def test_the_machines_own_locales_serve_where_no_others_are_named(make_server):
+def test_the_locales_of_the_machine_are_used_if_no_others_are_named(make_server):
     server = make_server()
     del server.environment["LOCPATH"], server.environment["KESTAL_LOCALEDIR"]
     server.start()

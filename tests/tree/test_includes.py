@@ -142,24 +142,24 @@ def plant(root, files):
         ("tests/unit/service/x_test.cpp", "bindings/device/calls.h", "tests/unit/service -> bindings/device"),
     ],
 )
-def test_an_include_that_is_not_allowed_is_told_with_file_line_and_arrow(tmp_path, file, included, arrow):
+def test_an_include_that_is_not_allowed_is_reported_with_file_line_and_arrow(tmp_path, file, included, arrow):
     files = plant(tmp_path, [(file, included)])
     assert list(forbidden(tmp_path, files)) == [f"{file}:2: {arrow} ({included})"]
 
 
-def test_an_include_that_is_allowed_is_not_told(tmp_path):
+def test_an_include_that_is_allowed_is_not_reported(tmp_path):
     files = plant(tmp_path, [("service/main.cpp", "framework/log.h"), ("framework/log.h", "platform/toru_dbg.h")])
     assert not list(forbidden(tmp_path, files))
     assert not circles(tmp_path, files)
 
 
-def test_angle_brackets_hide_nothing(tmp_path):
+def test_includes_in_angle_brackets_are_checked_too(tmp_path):
     files = plant(tmp_path, [("framework/log.h", "service/process.h")])
     (tmp_path / "framework/log.h").write_text("#include <service/process.h>\n#include <string>\n")
     assert list(forbidden(tmp_path, files)) == ["framework/log.h:1: framework -> service (service/process.h)"]
 
 
-def test_a_folder_without_a_row_and_a_file_that_is_nowhere_are_told(tmp_path):
+def test_a_folder_without_a_row_and_a_missing_file_are_reported(tmp_path):
     files = plant(tmp_path, [("somewhere/a.cpp", "platform/webui.h"), ("service/main.cpp", "gone.h")]) - {"gone.h"}
     assert list(forbidden(tmp_path, files)) == [
         "service/main.cpp:2: what is included is no file of the tree",
@@ -167,7 +167,7 @@ def test_a_folder_without_a_row_and_a_file_that_is_nowhere_are_told(tmp_path):
     ]
 
 
-def test_folders_of_one_row_that_include_each_other_are_told(tmp_path):
+def test_folders_of_one_row_that_include_each_other_are_reported(tmp_path):
     circle = [("tests/a/x.h", "tests/b/y.h"), ("tests/b/y.h", "tests/c/z.h"), ("tests/c/z.h", "tests/a/x.h")]
     files = plant(tmp_path, [*circle, ("tests/d/w.h", "tests/a/x.h")])
     assert circles(tmp_path, files) == [

@@ -24,6 +24,6 @@ def test_every_file_has_a_licence():
     assert done.returncode == 0, done.stdout + done.stderr
 
 
-def test_the_licence_is_the_one_that_the_files_are_said_to_have():
+def test_the_licence_file_is_the_one_that_reuse_assigns():
     assert (tree.ROOT / "LICENSE").read_text() == (tree.ROOT / "LICENSES" / "MIT.txt").read_text()
     assert "the kestal authors" in (tree.ROOT / "LICENSE").read_text()

@@ -65,7 +65,7 @@ def read(path):
 
 
 @pytest.mark.parametrize("page", PAGES)
-def test_what_a_page_names_exists(page):
+def test_all_that_a_page_names_exists(page):
     told = sorted(set(missing(page, read(page), tree.files(), read)))
     assert not told, "\n".join([f"{page} names what does not exist:", *told])
 
@@ -85,6 +85,6 @@ FILES = {"docs/page.md", "docs/other.md", "service/main.cpp", "catalogue/de.po",
         ("[other](other.md#no-title) [gone](gone.md) [this](#nothing)", ["other.md#no-title", "gone.md", "#nothing"]),
     ],
 )
-def test_what_is_missing_is_told(text, told):
+def test_names_without_a_file_are_reported(text, told):
     page = f"# The page\n\n{text}\n"
     assert list(missing("docs/page.md", page, FILES, lambda _: "## A `title`!\n")) == told

@@ -115,7 +115,7 @@ def session(tmp_path_factory):
 
 
 @pytest.mark.parametrize("device", ["default", "every-group-failing"])
-def test_the_simulator_keeps_its_promises(device, session):
+def test_the_simulator_has_no_findings(device, session):
     arguments, store = session
     done = run(CONFORMANCE, *arguments, device=device, **store)
     assert (done.returncode, findings(done)) == (0, []), done.stdout
@@ -123,7 +123,7 @@ def test_the_simulator_keeps_its_promises(device, session):
     assert 'AuthSession::Init(the session given) -> 0, ' in done.stdout
 
 
-def test_what_is_left_out_is_called_when_asked_for(tmp_path):
+def test_calls_that_are_left_out_by_default_are_made_on_request(tmp_path):
     device = tmp_path / "device.json"
     device.write_bytes((ROOT / "devices" / "default.json").read_bytes())
     done = run(CONFORMANCE, "--only", "actions", "--actions", KESTAL_DEVICE=str(device))
@@ -148,7 +148,7 @@ def test_calls_that_are_not_scripted_fail_properly():
     assert "sys_getSIMStatus() -> 90001, " in done.stdout
 
 
-def test_the_template_that_supports_nothing_keeps_its_promises(session):
+def test_the_template_has_no_findings(session):
     arguments, store = session
     done = run(ON_TEMPLATE, *arguments, **store)
     assert (done.returncode, findings(done)) == (0, []), done.stdout
@@ -174,7 +174,7 @@ def test_every_piece_of_the_template_can_be_replaced(program):
         assert answer in done.stdout
 
 
-def test_without_a_fault_the_wrong_binding_is_right(session):
+def test_the_wrong_binding_without_a_fault_has_no_findings(session):
     arguments, store = session
     done = run(ON_WRONG, *arguments, **store)
     assert (done.returncode, findings(done)) == (0, []), done.stdout
@@ -207,7 +207,7 @@ def test_wrong_usage_exits_with_2():
         assert done.stderr.endswith("\nTry 'kestal-conformance --help'.\n")
 
 
-def test_help_and_man_page_tell_all_options_and_parts():
+def test_help_and_man_page_describe_all_options_and_parts():
     done = run(CONFORMANCE, "--help")
     assert done.returncode == 0
     page = (ROOT / "docs" / "man" / "kestal-conformance.1.scd").read_text()

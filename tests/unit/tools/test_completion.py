@@ -59,7 +59,7 @@ def test_arguments_with_few_values_are_offered():
     assert offered("msgbus_cli", "MsgBusGet", "--r") == ["--raw"]
 
 
-def test_behind_other_commands_there_is_help():
+def test_other_commands_offer_only_help():
     assert offered("sysintcli", "getSIMStatus", "") == ["--help"]
     assert offered("sysintcli", "getWiFiGuestProfileEnabled", "1", "") == ["--help"]
     assert offered("webui_cli", "get_uri_data", "--h") == ["--help"]

@@ -43,12 +43,12 @@ def test_texts_are_read_across_lines_and_not_from_comments():
     assert list(texts(source)) == ['a \\"b\\" c', "d", "g"]
 
 
-def test_there_are_log_lines_to_hold_the_tools_against():
+def test_log_lines_that_name_a_tool_are_found():
     assert len(log_lines()) > 40
 
 
 @pytest.mark.parametrize("line", log_lines())
-def test_what_the_log_says_works(line):
+def test_the_commands_in_log_lines_work(line):
     mentions = MENTION.findall(line)
     assert mentions, "it names no tool"
     for tool, command in mentions:
@@ -59,7 +59,7 @@ def test_what_the_log_says_works(line):
 
 
 @pytest.mark.parametrize("tool", surroundings.NAMES)
-def test_the_log_speaks_of_each_tool(tool):
+def test_log_lines_name_each_tool(tool):
     assert tool in {mention[0] for line in log_lines() for mention in MENTION.findall(line)}
 
 
@@ -77,7 +77,7 @@ def test_each_call_of_the_platform_has_a_command(tool, header, call):
 
 
 @pytest.mark.parametrize("tool", ["sysintcli", "webui_cli", "msgbus_cli"])
-def test_the_man_page_tells_each_command(tool):
+def test_the_man_page_describes_each_command(tool):
     page = (surroundings.ROOT / "docs" / "man" / f"{tool}.1.scd").read_text()
     section = page.partition("\n# COMMANDS\n")[2].partition("\n# ")[0]
     described = []

@@ -59,7 +59,7 @@ def test_connecting_and_disconnecting_changes_the_device(device):
     assert status == {"cellularDataDisconnect": "ready", "cellularDataConnect": "connected"}
 
 
-def test_every_command_answers_in_json_or_says_the_code(device):
+def test_every_command_prints_json_or_the_code(device):
     """Whatever the device: the default one does not know all names."""
     argument = {"getWiFiGuestProfileEnabled": "1", "getSIMCarrierGID": "0", "MsgBusGet": "a"}
     by_name = re.compile(r"getUI|get_app|uri_data|custom_msgs")
@@ -79,7 +79,7 @@ def test_every_command_answers_in_json_or_says_the_code(device):
                 assert done.stdout == b""
 
 
-def test_a_call_that_fails_says_its_code_on_the_error_stream(device):
+def test_a_failing_call_prints_its_code_on_the_error_stream(device):
     write(device, sys={"getSDCardInfo": {"error": 2001}})
     done = surroundings.run("sysintcli", "getSDCardInfo", device=device)
     assert (done.returncode, done.stdout) == (1, b"")
