@@ -17,7 +17,7 @@ ANSWERS = paths.ROOT / "tests" / "e2e" / "answers"
 
 def unique(pairs):
     keys = [key for key, _ in pairs]
-    assert len(keys) == len(set(keys)), f"a key stands twice: {keys}"
+    assert len(keys) == len(set(keys)), f"duplicate keys: {keys}"
     return dict(pairs)
 
 

@@ -1,5 +1,5 @@
-"""How long an honest client waits while one other client attacks; see scripts/attack. Ends with status 1 if
-a request of the honest client got no answer or if, behind the firewall, one waited too long."""
+"""Measures how long an honest client waits while another client attacks; see scripts/attack. Exits with 1 if
+a request of the honest client gets no answer or if, with the firewall, an answer takes too long."""
 
 import argparse
 import pathlib
@@ -16,9 +16,9 @@ from support.attacks import KINDS, Attack
 from support.server import Server
 
 PORT = 8080
-# Seconds between two requests of the honest client, each on a connection of its own.
+# Seconds between two requests of the honest client. Each has its own connection.
 PAUSE = 0.05
-# Seconds that an answer may take behind the firewall, several times what an idle machine needs.
+# Seconds that an answer may take with the firewall: several times as long as on an idle machine.
 LONGEST = 0.05
 
 
@@ -30,7 +30,7 @@ def arguments():
 
 
 def ask(address, seconds):
-    """The times of all answers, and how many requests got none."""
+    """Returns the times of all answers and the number of requests without an answer."""
     times, failures = [], 0
     end = time.monotonic() + seconds
     while (begun := time.monotonic()) < end:
@@ -66,7 +66,7 @@ def main():
     server = Server(work)
     server.port = PORT
     server.environment |= {"KESTAL_PORT": str(PORT), "KESTAL_ADDRESS": "0.0.0.0"}
-    # That of a device.
+    # A device logs at this level, too.
     server.environment["KESTAL_LOG_LEVEL"] = "5"
     attacked, asked = (addresses[0] for addresses in network.server_addresses)
     bad = []
@@ -81,7 +81,7 @@ def main():
             server.start()
         with network.clients[1].entered():
             ask(asked, 1)
-            row("attack", "answers", "none", "median ms", "worst ms", "refused of the attacker's connections")
+            row("attack", "answers", "unanswered", "median ms", "worst ms", "refused of the attacker's connections")
             row("---", "---:", "---:", "---:", "---:", "---:")
             judge("none", *ask(asked, options.seconds))
             for kind in KINDS:
@@ -93,7 +93,7 @@ def main():
         network.close()
         shutil.rmtree(work)
     if bad:
-        sys.exit(f"scripts/attack: no answer, or one that was late: {', '.join(bad)}")
+        sys.exit(f"scripts/attack: missing or late answers during: {', '.join(bad)}")
 
 
 if __name__ == "__main__":

@@ -13,13 +13,14 @@ import time
 
 import mix
 
-# Longer than the web server waits for the service.
+# Seconds without an answer after which a request counts as failed: longer than the web server waits for the
+# service.
 PATIENCE = 30.0
-# Connections refused in a row, and seconds between them, after which the web server is taken as gone.
+# After so many refused connections in a row, with so many seconds between them, clients give up.
 REFUSALS = 100
 PAUSE = 0.05
 RESET = struct.pack("ii", 1, 0)
-# How many different heads and bodies are remembered as right, so that equal ones need no second check.
+# Results of checks are kept for so many different heads and bodies, so that equal ones are checked only once.
 KNOWN = 5000
 
 
@@ -32,7 +33,7 @@ class Connection:
         self.data = b""
 
     def leave(self):
-        """Closes like a client that has vanished: the connection is reset."""
+        """Resets the connection, as if the client had disappeared."""
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, RESET)
         self.socket.close()
 
@@ -50,7 +51,7 @@ def parse_head(head):
 
 
 class Client:
-    """One process; it ends when its share of the requests is done, or when told to."""
+    """One client process. It ends when it has made its share of the requests, or when it is stopped."""
 
     def __init__(self, port, kinds, seed, share, shared, number):
         self.port = port
@@ -88,7 +89,7 @@ class Client:
         return self.requests, self.problems, self.slowest
 
     def is_orphan(self):
-        """Whether the parent process, which stops this client and takes its result, is gone."""
+        """Whether the parent process has ended, which would stop this client and take its result."""
         return os.getppid() != self.parent
 
     def goes_on(self):
@@ -112,7 +113,7 @@ class Client:
         return connection
 
     def ask(self, connection):
-        """Sends the next request; without a connection, over a new one."""
+        """Sends the next request, over a new connection if none is given."""
         while self.goes_on():
             self.started += 1
             kind = next(self.kinds)
@@ -178,7 +179,7 @@ class Client:
         return self.ask(connection)
 
     def judge(self, kind, status, content_type, body):
-        """What is wrong with an answer. Of equal answers only the first is checked."""
+        """Returns what is wrong with an answer, or None. Only the first of equal answers is checked."""
         key = (kind.name, status, content_type, body)
         if key not in self.bodies:
             if len(self.bodies) > KNOWN:
@@ -210,7 +211,7 @@ class Shared:
 
 
 class Clients:
-    """Several client processes and what they have done so far."""
+    """Several client processes and the number of requests that they have made."""
 
     def __init__(self, port, kinds, requests, processes, connections, seed):
         self.shared = Shared(processes)
@@ -230,7 +231,7 @@ class Clients:
 
     @staticmethod
     def _run(arguments, connections, sender):
-        # Ctrl-C is left to the parent, which ends its clients.
+        # After Ctrl-C, the parent stops its clients.
         signal.signal(signal.SIGINT, signal.SIG_IGN)
         signal.signal(signal.SIGTERM, signal.SIG_DFL)
         client = Client(*arguments)
@@ -245,13 +246,15 @@ class Clients:
         self.shared.stopped.value = 1
 
     def are_done(self):
-        """A client whose result is larger than the pipe lives until results() takes it."""
+        """Whether all clients have a result. If the result does not fit in the pipe, the process lives until
+        results() reads it."""
         return all(
             pipe.poll() or not process.is_alive() for pipe, process in zip(self.pipes, self.processes)
         )
 
     def results(self):
-        """Requests by kind, problems by text, and the longest time to an answer in seconds."""
+        """Returns the number of requests by kind, that of problems by text, and the longest time in seconds
+        until an answer."""
         requests, problems, slowest = collections.Counter(), collections.Counter(), 0.0
         for number, pipe in enumerate(self.pipes):
             try:

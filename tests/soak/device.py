@@ -1,4 +1,4 @@
-"""A device that changes all the time while it is asked."""
+"""Changes the device continually while clients send requests."""
 
 import contextlib
 import fcntl
@@ -18,7 +18,8 @@ COMMANDS = [
     [["notify", "smsReceived"], ["notify", "--clear"]],
 ]
 COMMAND_EVERY = 40
-# Seconds without a change after each round: the service does not read an unchanged document again.
+# Seconds without a change after each round. After so long, the service stops to read the unchanged document,
+# which the soak must cover, too.
 REST = 3.0
 
 
@@ -29,7 +30,7 @@ def locked(folder):
         fcntl.flock(descriptor, fcntl.LOCK_EX)
         yield
     finally:
-        # Closing the file does not release the lock: a client process forked meanwhile may have it open.
+        # Closing the file would not release the lock if a client process, forked in the meantime, has it open.
         fcntl.flock(descriptor, fcntl.LOCK_UN)
         os.close(descriptor)
 
@@ -39,8 +40,8 @@ def encode(document):
 
 
 def states():
-    """Each shipped device in each language, and the default one with each call failing; every few of
-    them a document that is damaged, which leaves the last good one in force."""
+    """Returns each shipped device in each language, and the default device with each call failing. Some of
+    these documents are replaced by damaged ones, at which the service keeps the last good state."""
     documents = []
     devices = [json.loads(path.read_text()) for path in sorted(paths.DEVICES.glob("*.json"))]
     for language in LANGUAGES:
@@ -50,7 +51,7 @@ def states():
     default = paths.DEFAULT_DEVICE.read_text()
     for group in ("sys", "webui", "msgbus"):
         for call in json.loads(default)[group]:
-            # Without it there are no answers.
+            # If this call fails, there are no answers.
             if call != "getWebUICarrierEnabled":
                 device = json.loads(default)
                 device[group][call] = {"error": 5}
@@ -62,8 +63,8 @@ def states():
 
 
 class Changes:
-    """Goes through all states of the device again and again, one every so many seconds; through none
-    for 0."""
+    """Puts the device into all its states, again and again, a new one after each interval in seconds. If the
+    interval is 0, the device does not change."""
 
     def __init__(self, device, interval):
         self.device = device
@@ -106,8 +107,8 @@ class Changes:
                 return
 
     def _write(self, document):
-        """Under the lock that actions of the service take, too: one that has read the state before
-        would put it back."""
+        """Takes the lock that actions of the service take, too. Without it, an action that has read the
+        previous state would write that state back."""
         with locked(self.device.path.parent):
             self.device.write(document)
 

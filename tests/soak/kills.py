@@ -1,4 +1,4 @@
-"""Kills the service under load, again and again, and tells what its clients see."""
+"""Kills the service under load, again and again, and reports what its clients notice."""
 
 import collections
 import dataclasses
@@ -14,8 +14,8 @@ from support.waiting import wait_until
 CLIENTS = 4
 # Seconds between an answer and a client's next request.
 PAUSE = 0.005
-# Seconds without a failure after which an outage is over: the web server looks once a second whether
-# a service that was refused works again.
+# Seconds without a failure after which an outage counts as over: if the web server could not connect to the
+# service, it tries again only once a second.
 CALM = 2.5
 NO_ANSWER = "no answer"
 
@@ -24,11 +24,11 @@ NO_ANSWER = "no answer"
 class Kill:
     failures: dict
     seconds: float
-    """Seconds from the signal to the end of the last answer that is not a success; 0 without one."""
+    """Seconds from the signal to the end of the last failed request; 0 if none failed."""
 
 
 class Clients(load.Callers):
-    """Send requests until told to stop, slowly enough to count those that fail."""
+    """Send requests until they are stopped, with a pause after each so that the number of failures is small."""
 
     def __init__(self, server, outage):
         super().__init__(CLIENTS)
@@ -39,7 +39,7 @@ class Clients(load.Callers):
         self.successes = collections.Counter()
         self.last_failure = 0.0
         self.last_success = 0.0
-        """When the last request that succeeded began."""
+        """When the last successful request began."""
 
     def call(self):
         begin = time.monotonic()
@@ -74,12 +74,12 @@ class Report:
     kills: list
     answers: int
     different: int
-    """How many different answers there were; the device does not change."""
+    """Number of different answers; there must be only one, because the device does not change."""
     outage: float
-    """Seconds that the service may be away."""
+    """Seconds for which requests may fail after a kill."""
 
     def failures(self):
-        """All that is wrong. Requests that are under way at a kill may fail."""
+        """Returns all that is wrong. Requests that are in progress at a kill may fail."""
         found = []
         if self.different != 1:
             found.append(f"{self.different} different answers")

@@ -1,4 +1,4 @@
-"""What a process holds, and whether it holds more and more."""
+"""Measures the memory, descriptors and threads of a process, and the growth of its memory."""
 
 import dataclasses
 import os
@@ -14,8 +14,8 @@ PAGE = os.sysconf("SC_PAGE_SIZE")
 class Holdings:
     pss: int
     own: int
-    """Bytes of anonymous memory, swapped out or not: what other processes come and go does not
-    change it, unlike pss."""
+    """Bytes of anonymous memory, including what is swapped out. Unlike pss, it does not change when other
+    processes start or end."""
     descriptors: int
     threads: int
 
@@ -35,8 +35,8 @@ def holdings(pid):
 
 
 def slope(samples):
-    """Growth in bytes per thousand requests, from samples of (requests, bytes): the median of the
-    slopes of all pairs, which a step that happens once does not move, but a staircase does."""
+    """Returns the growth in bytes per thousand requests, from samples of (requests, bytes). It is the median of
+    the slopes of all pairs: a single step does not change it, but repeated steps do."""
     slopes = [
         1000 * (later[1] - earlier[1]) / (later[0] - earlier[0])
         for index, earlier in enumerate(samples)
@@ -47,6 +47,6 @@ def slope(samples):
 
 
 def resolution(samples):
-    """The least slope that shows: one page over all requests."""
+    """Returns the smallest slope that can be measured: one page over all requests."""
     requests = samples[-1][0] - samples[0][0] if samples else 0
     return 1000 * PAGE / requests if requests else 0.0

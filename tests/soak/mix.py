@@ -1,4 +1,4 @@
-"""What the clients of a soak ask for, and which answers are right."""
+"""The requests of the clients of a soak, and the checks of their answers."""
 
 import dataclasses
 import json
@@ -7,7 +7,7 @@ from collections.abc import Callable
 from support import contract
 
 AGENT = "soak"
-# The ways in which a client leaves without waiting for its answer.
+# Points at which a client disconnects without waiting for the whole answer.
 IN_REQUEST, IN_BODY, AFTER_REQUEST, IN_ANSWER = range(1, 5)
 
 
@@ -17,19 +17,20 @@ class Kind:
     weight: int
     request: bytes
     problem: Callable = None
-    """problem(status, type, body): what is wrong with an answer, or None."""
+    """problem(status, type, body) returns what is wrong with an answer, or None."""
     leaves: int = 0
+    """Where the client disconnects; 0 if it waits for the answer."""
 
 
 def unique(pairs):
     result = dict(pairs)
     if len(result) < len(pairs):
-        raise ValueError("a key stands twice")
+        raise ValueError("duplicate key")
     return result
 
 
 def answers(schema, login):
-    """A right answer is the JSON of the contract and tells whether its caller is logged in."""
+    """Returns a check of answers: they must follow the contract and have this login status."""
 
     def problem(status, content_type, body):
         if status != 200:
@@ -62,7 +63,7 @@ def request(target, *headers, method="GET", body=b""):
 
 
 def kinds(cookie, foreign_cookie):
-    """All of it; cookies are those of a session of this caller and of another one."""
+    """Returns all kinds of requests. The cookies are those of a session of this client and of another one."""
     agent = f"User-Agent: {AGENT}"
     session = (f"Cookie: {cookie}", agent)
     status = answers(contract.STATUS_ANSWER, 0)

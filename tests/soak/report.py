@@ -1,4 +1,4 @@
-"""What came out of a soak."""
+"""The results of a soak."""
 
 import dataclasses
 
@@ -18,7 +18,7 @@ class Report:
     end: dict
     samples: dict
     new_blocks: int | None
-    """That the service holds beyond those at the start; None where nobody counts."""
+    """How many more blocks of memory the service holds than at the start; None if they are not counted."""
     tolerance: int
     server_messages: int
 
@@ -39,7 +39,7 @@ class Report:
         return [name for name in self.start if self.slope(name) > self.limit(name)]
 
     def failures(self):
-        """All that is wrong."""
+        """Returns all that is wrong."""
         found = [f"{count} x {problem}" for problem, count in self.problems.items()]
         if self.restarted:
             found.append("the service or the web server has ended meanwhile")

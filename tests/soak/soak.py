@@ -1,4 +1,5 @@
-"""Puts a long mixed load on web server and service and measures its effects; see scripts/soak."""
+"""Sends many requests of all kinds to web server and service, checks the answers and measures whether the
+processes grow; see scripts/soak."""
 
 import argparse
 import collections
@@ -28,7 +29,7 @@ from support.waiting import wait_until
 YEAR = 365 * 24 * 3600
 SAMPLES = 400
 LOG_LIMIT = 16 << 20
-# Seconds for a warm-up, beside the rests between the states of the device.
+# Seconds that a warm-up may take, in addition to the pauses between the states of the device.
 WARM_UP = 120
 # Series of requests at most, until one shows no growth.
 SERIES = 3
@@ -36,21 +37,21 @@ SERIES = 3
 
 def arguments():
     parser = argparse.ArgumentParser(prog="scripts/soak", description=__doc__)
-    parser.add_argument("--requests", type=int, help="how many (default 100000)")
-    parser.add_argument("--seconds", type=float, help="how long, instead of how many")
-    parser.add_argument("--warm-up", type=int, default=5000, help="requests before (default 5000)")
-    parser.add_argument("--processes", type=int, default=1, help="of clients (default 1)")
-    parser.add_argument("--connections", type=int, default=8, help="of each process (default 8)")
+    parser.add_argument("--requests", type=int, help="number of requests (default 100000)")
+    parser.add_argument("--seconds", type=float, help="duration, instead of a number of requests")
+    parser.add_argument("--warm-up", type=int, default=5000, help="requests before the measurement (default 5000)")
+    parser.add_argument("--processes", type=int, default=1, help="number of client processes (default 1)")
+    parser.add_argument("--connections", type=int, default=8, help="connections of each process (default 8)")
     parser.add_argument(
         "--changes", type=float, default=0.02, help="seconds between two states of the device; 0: no changes"
     )
-    parser.add_argument("--tolerance", type=int, default=16, help="pages of growth in all that are no growth")
-    parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--kill", type=int, metavar="N", help="instead: kill the service N times under load")
+    parser.add_argument("--tolerance", type=int, default=16, help="pages by which a process may grow (default 16)")
+    parser.add_argument("--seed", type=int, default=1, help="of the random order of requests (default 1)")
+    parser.add_argument("--kill", type=int, metavar="N", help="only kill the service N times under load")
     parser.add_argument(
-        "--outage", type=float, default=5.0, help="seconds that a killed service may be away (default 5)"
+        "--outage", type=float, default=5.0, help="seconds for which requests may fail after a kill (default 5)"
     )
-    parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="write the report there, too")
+    parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="also write the report to this file")
     options = parser.parse_args()
     if options.requests is None:
         options.requests = 10**12 if options.seconds else 100_000
@@ -77,20 +78,20 @@ class Soak:
         return {name: memory.holdings(pid) for name, pid in self.pids.items()}
 
     def at_rest(self):
-        """What the processes hold when they have noticed that all clients are gone."""
+        """Returns what the processes hold after they have noticed that all clients have disconnected."""
 
         def idle():
             return not any(processes.connections(pid) for pid in self.pids.values())
 
-        # An answer tells that the web server has seen all clients that came before, and the next one that
-        # the service has seen all that the web server has sent it for them.
+        # The first answer shows that the web server has noticed all earlier clients, the second one that the
+        # service has noticed all that the web server has sent on their behalf.
         for _ in range(2):
             self.server.ask("/srv/status")
             wait_until(idle, "web server and service are idle")
         return self.holdings()
 
     def blocks(self):
-        """Blocks that the service holds behind some requests, where they are counted."""
+        """Returns the number of blocks that the service holds after some requests; None if they are not counted."""
         if "KESTAL_SOAK_MEMORY" not in os.environ:
             return None
         for _ in range(3):
@@ -100,13 +101,13 @@ class Soak:
         return held(pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"]))
 
     def keep_log_short(self):
-        """Empties the log, like a rotation that truncates."""
+        """Empties a long log, like a log rotation that truncates the file."""
         log = self.server.log.path
         if log.exists() and log.stat().st_size > LOG_LIMIT:
             os.truncate(log, 0)
 
     def warm_up(self, changes):
-        """Until all states of the device have been seen."""
+        """Sends requests until the device has been in all its states, and returns the results."""
         clients = self.clients(10**12, self.options.seed + 1000)
         wait_until(
             lambda: (changes.rounds > 0 and clients.count() >= self.options.warm_up)
@@ -144,14 +145,14 @@ class Soak:
         with Changes(self.server.device, options.changes) as changes:
             clients = self.clients(options.requests, options.seed)
             end = begin + options.seconds if options.seconds else float("inf")
-            # The first and the last sample span all requests, however fast they are.
+            # The first and the last sample are taken before and after all requests, even in a short run.
             self.sample(0)
             interval = 0.01
             while not clients.are_done():
                 time.sleep(interval)
                 self.sample(clients.count())
                 if len(self.samples["service"]) > SAMPLES:
-                    # Samples get rarer, so that a week has no more of them than a minute.
+                    # Take samples less often, so that a long run does not have more of them than a short one.
                     for samples in self.samples.values():
                         del samples[1::2]
                     interval *= 2
@@ -202,13 +203,13 @@ def start(server):
 
 def main():
     options = arguments()
-    # Also where the caller ignores them: the web server is to end with the soak.
+    # Handle these signals even if the caller ignores them, so that the web server ends together with the soak.
     for signo in (signal.SIGINT, signal.SIGTERM):
         signal.signal(signo, signal.default_int_handler)
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-soak-"))
     server = Server(folder)
     server.environment["KESTAL_LOG_LEVEL"] = "5"
-    # Another program in place of the service, for the tests of the soak itself.
+    # The tests of the soak itself replace the service by another program.
     if "KESTAL_SOAK_RESPONDER" in os.environ:
         server.environment["KESTAL_RESPONDER"] = os.environ["KESTAL_SOAK_RESPONDER"]
     try:

@@ -19,7 +19,7 @@ class UniqueKeys(yaml.SafeLoader):
 
     def construct_mapping(self, node, deep=False):
         keys = [self.construct_object(key, deep) for key, _ in node.value]
-        assert len(keys) == len(set(keys)), f"a key stands twice: {node.start_mark}"
+        assert len(keys) == len(set(keys)), f"duplicate keys: {node.start_mark}"
         return super().construct_mapping(node, deep)
 
 
@@ -59,7 +59,7 @@ def violations(schema, instance):
 
 def unique(pairs):
     keys = [key for key, _ in pairs]
-    assert len(keys) == len(set(keys)), f"a key stands twice: {keys}"
+    assert len(keys) == len(set(keys)), f"duplicate keys: {keys}"
     return dict(pairs)
 
 
