@@ -59,7 +59,7 @@ test("the new state is announced", async (t) => {
     );
 });
 
-test("a device that does not follow is told of", async (t) => {
+test("if the device does not obey, the user is told", async (t) => {
     const document = device("default");
     document.sys.cellularDataDisconnect = { error: 5 };
     const server = await serve(t, document);
@@ -84,7 +84,7 @@ test("without a network there is nothing to connect to", async (t) => {
     assert.ok(!orders.includes("/srv/connect"), String(orders));
 });
 
-test("over plain http across the network, where browsers tell less of a request", async (t) => {
+test("over plain http from another host, where browsers send fewer headers", async (t) => {
     const server = await serve(t, device("default"), {
         KESTAL_ORIGINS: "http://hotspot.local:{port}",
     });
@@ -98,7 +98,7 @@ test("over plain http across the network, where browsers tell less of a request"
     assert.equal(connectionOf(server), READY);
 });
 
-test("from an address that the server does not know as its own, the order is refused and the user told", async (t) => {
+test("an order from an address that is not the server's own is refused with a message", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { origin: `http://hotspot.local:${server.port}` });
     await button(page, "Disconnect").click();

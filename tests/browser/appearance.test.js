@@ -87,13 +87,13 @@ for (const colorScheme of ["light", "dark"]) {
 }
 
 for (const name of ["dual-sim-slot-2", "pin-locked", "out-of-credit", "everything-failing"]) {
-    test(`the page is fit for everyone (${name})`, async (t) => {
+    test(`the page follows the accessibility rules (${name})`, async (t) => {
         const page = await visit(t, await serve(t, device(name)), { viewport: PHONE });
         assert.deepEqual(await complaintsOfAxe(page), []);
     });
 }
 
-test("the page is fit for everyone while the service is away", async (t) => {
+test("the page follows the accessibility rules while the service is away", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await server.stop();
@@ -101,7 +101,7 @@ test("the page is fit for everyone while the service is away", async (t) => {
     assert.deepEqual(await complaintsOfAxe(page), []);
 });
 
-test("what stands in place of a page that is not there is fit for everyone", async (t) => {
+test("the page that is shown for missing pages follows the accessibility rules", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { locale: "ar", answered: false });
     await page.goto(`${server.origin}/messages`);
@@ -109,7 +109,7 @@ test("what stands in place of a page that is not there is fit for everyone", asy
     assert.deepEqual(await complaintsOfAxe(page), []);
 });
 
-test("landmarks and headings tell the structure", async (t) => {
+test("landmarks and headings show the structure", async (t) => {
     const page = await visit(t, await serve(t));
     for (const role of ["banner", "main", "contentinfo"]) {
         assert.equal(await page.getByRole(role).count(), 1, role);
@@ -133,7 +133,7 @@ test("landmarks and headings tell the structure", async (t) => {
     assert.ok(spoken.includes("84% battery, charging"), String(spoken));
 });
 
-test("every stop of the keyboard shows that it is one", async (t) => {
+test("every element that the keyboard reaches shows its focus", async (t) => {
     const page = await visit(t, await serve(t));
     const stops = [];
     for (;;) {
@@ -176,7 +176,7 @@ test("texts of the device keep their own direction", async (t) => {
     assert.deepEqual(directions, ["ltr", "rtl"]);
 });
 
-test("in forced colours, the legend and the bar of the memory card are there", async (t) => {
+test("in forced colours, the legend and the bar of the memory card are visible", async (t) => {
     const page = await visit(t, await serve(t), { forcedColors: "active" });
     const places = [".figures .received dt", ".figures .sent dt"];
     for (const place of places) {

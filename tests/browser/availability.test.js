@@ -16,7 +16,7 @@ function isWell(page) {
     return until(page, () => document.querySelector("#trouble").hidden);
 }
 
-test("a server that goes and comes back", async (t) => {
+test("a server that goes away and comes back", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await server.stop();
@@ -33,7 +33,7 @@ test("a server that goes and comes back", async (t) => {
     );
 });
 
-test("an order that nobody takes is over", async (t) => {
+test("an order that gets no answer is given up", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await server.stop();
@@ -50,7 +50,7 @@ test("an order that nobody takes is over", async (t) => {
     await shows(page, "#connection .state", /^Connected$/);
 });
 
-test("the user need not wait for the next attempt", async (t) => {
+test("the user can start the next attempt", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
@@ -63,7 +63,7 @@ test("the user need not wait for the next attempt", async (t) => {
     assert.equal(await page.evaluate(() => document.activeElement.id), "main");
 });
 
-test("a service that dies is replaced, and the page goes on", async (t) => {
+test("a service that dies is started again, and the page continues", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await server.killService();
@@ -99,7 +99,7 @@ for (const [cause, answer] of [
     });
 }
 
-test("a page that is looked at asks every three seconds, a hidden one every minute", async (t) => {
+test("a visible page sends a request every three seconds, a hidden one every minute", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);

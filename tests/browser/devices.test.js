@@ -99,7 +99,7 @@ test("an LTE device without a memory card", async (t) => {
     assert.deepEqual(await untold(page), []);
 });
 
-test("a 3G device tells another kind of signal quality", async (t) => {
+test("a 3G device has another kind of signal quality", async (t) => {
     const page = await visit(t, await serve(t, device("3g-old-sim")));
     await shows(page, "#connection .state", "Connected, idle");
     assert.equal(await row(page, "connection", "Network choice"), "Manual");
@@ -171,14 +171,14 @@ test("airplane mode", async (t) => {
     assert.deepEqual(await untold(page), []);
 });
 
-test("an account out of credit that still holds its connection can be disconnected", async (t) => {
+test("an account out of credit whose connection is still up can be disconnected", async (t) => {
     const page = await visit(t, await serve(t, device("out-of-credit")));
     await shows(page, "#connection .state", "Account out of credit");
     const button = page.getByRole("button", { name: "Disconnect" });
     assert.equal(await button.getAttribute("aria-disabled"), "false");
 });
 
-test("a device of which nothing is known", async (t) => {
+test("a device that answers nothing", async (t) => {
     const page = await visit(t, await serve(t, device("everything-failing")));
     await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
     assert.deepEqual(await untold(page), ALL_PARTS);
@@ -190,7 +190,7 @@ test("a device of which nothing is known", async (t) => {
     await assertQuiet(page);
 });
 
-test("a device whose carrier enables everything and which tells nothing", async (t) => {
+test("a device whose carrier enables everything and whose other calls fail", async (t) => {
     const page = await visit(t, await serve(t, device("every-group-failing")));
     await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
     assert.deepEqual(await untold(page), ALL_PARTS);
@@ -198,7 +198,7 @@ test("a device whose carrier enables everything and which tells nothing", async 
     await assertQuiet(page);
 });
 
-test("a device that keeps some parts to itself", async (t) => {
+test("a device on which some calls fail", async (t) => {
     const document = device("default");
     document.sys.getBatteryStatus = { error: 5 };
     document.sys.getConnectedDeviceList = { error: 5 };

@@ -48,7 +48,7 @@ function placeholders(value) {
 }
 
 for (const code of Object.keys(LANGUAGES)) {
-    test(`every text is there in ${LANGUAGES[code]}, in every form, with its values`, () => {
+    test(`all texts exist in ${LANGUAGES[code]}, in every plural form, with their values`, () => {
         const texts = CATALOGUES[code];
         assert.deepEqual(Object.keys(texts), Object.keys(CATALOGUES.en));
         const categories = new Intl.PluralRules(code).resolvedOptions().pluralCategories;
@@ -69,7 +69,7 @@ for (const code of Object.keys(LANGUAGES)) {
     });
 }
 
-test("every text that the page names is there, and every text is used", () => {
+test("every text that the page uses exists, and every text is used", () => {
     const files = readdirSync(DEMO).filter((file) => /\.(js|html)$/.test(file));
     const source = files.map((file) => readFileSync(path.join(DEMO, file), "utf8")).join("\n");
     const named = new Set(
@@ -92,7 +92,7 @@ test("every text that the page names is there, and every text is used", () => {
     assert.deepEqual(unused, []);
 });
 
-test("numbers choose among the forms of their language", (t) => {
+test("numbers choose the plural form of their language", (t) => {
     t.after(() => setLanguage("en"));
     const counted = (code, number) => {
         setLanguage(code);
@@ -108,7 +108,7 @@ test("numbers choose among the forms of their language", (t) => {
     );
 });
 
-test("the first language that both speak is the one", () => {
+test("the first language of the browser that the page has is chosen", () => {
     assert.equal(bestLanguage(["pt-BR", "de-AT", "fr"]), "de");
     assert.equal(bestLanguage(["JA"]), "ja");
     assert.equal(bestLanguage(["pt", "constructor"]), "en");
@@ -170,7 +170,7 @@ test("by keyboard, with the focus staying on the list", async (t) => {
     assert.equal(await page.evaluate(() => document.activeElement.id), "language");
 });
 
-test("a browser that keeps nothing speaks the chosen language all the same", async (t) => {
+test("the chosen language is used even if the browser stores nothing", async (t) => {
     const page = await visit(t, await serve(t));
     await page.addInitScript(() =>
         Object.defineProperty(globalThis, "localStorage", {
@@ -186,7 +186,7 @@ test("a browser that keeps nothing speaks the chosen language all the same", asy
     await assertQuiet(page);
 });
 
-test("trouble is told in the language, too, and so is the time of what stands there", async (t) => {
+test("errors and the time of the last answer are in the language, too", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { locale: "fr-FR", answered: false });
     await shows(page, "#connection .state", /^Connecté$/);
@@ -197,7 +197,7 @@ test("trouble is told in the language, too, and so is the time of what stands th
     await shows(page, "#trouble button", "再試行");
 });
 
-test("in Arabic the page goes from right to left, and its plot does not", async (t) => {
+test("in Arabic the page runs from right to left, but its plot does not", async (t) => {
     const document = device("default");
     document.webui.i18nSettings.language = "ar";
     const page = await visit(t, await serve(t, document), { locale: "ar", answered: false });
@@ -244,7 +244,7 @@ test("a link of a notification leads to a page with a way back", async (t) => {
     await assertQuiet(page, /status of 404/);
 });
 
-test("that page speaks the chosen language", async (t) => {
+test("the page for missing pages is in the chosen language", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await page.getByRole("combobox", { name: "Language" }).selectOption("العربية");

@@ -40,7 +40,7 @@ test("a battery that is taken out", async (t) => {
     assert.equal(await page.locator("#status-items [data-item=battery]").count(), 0);
 });
 
-test("what the device no longer tells goes away and comes back", async (t) => {
+test("values that the device no longer reports disappear and come back", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     const gps = server.document().sys.getGPSStatus;
@@ -53,7 +53,7 @@ test("what the device no longer tells goes away and comes back", async (t) => {
     await until(page, () => document.querySelector("#untold").hidden);
 });
 
-test("a link that is still there keeps the focus when its card changes", async (t) => {
+test("a link keeps the focus when its card changes", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     const link = page.locator("#notifications a").first();

@@ -14,7 +14,7 @@ const network = await module("network.js");
 const status = await module("status.js");
 const { safeAddress } = await module("notification_text.js");
 
-test("amounts have three digits and the unit that fits", () => {
+test("amounts have three digits and a suitable unit", () => {
     const cases = [
         [0, "0 B"],
         [999, "999 B"],
@@ -48,7 +48,7 @@ test("times have their two largest parts", () => {
     }
 });
 
-test("what is no number is none", () => {
+test("a value that is not a number is ignored", () => {
     for (const text of [
         "",
         "-1",
@@ -71,7 +71,7 @@ test("what is no number is none", () => {
     assert.equal(parseInteger(7), 7);
 });
 
-test("addresses are own pages or pages of the web", () => {
+test("only addresses of own pages and of web pages are accepted", () => {
     const base = "http://192.0.2.1/index.html";
     for (const [written, href] of [
         ["/a?b#c", "http://192.0.2.1/a?b#c"],
@@ -122,7 +122,7 @@ test("addresses are own pages or pages of the web", () => {
     }
 });
 
-test("an answer of wrong types is an answer without these values", () => {
+test("values of a wrong type are ignored", () => {
     const odd = {
         statusBarNetwork: 5,
         statusBarConnectionState: {},

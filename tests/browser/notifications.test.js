@@ -37,7 +37,7 @@ function links(page) {
         );
 }
 
-test("each has its severity, its title, its text and its link", async (t) => {
+test("each notification has its severity, its title, its text and its link", async (t) => {
     const page = await visit(t, await serve(t));
     await shows(page, "#notifications [data-id=smsReceived]", /Info/);
     await shows(
@@ -59,7 +59,7 @@ test("each has its severity, its title, its text and its link", async (t) => {
     await assertQuiet(page);
 });
 
-test("a new one appears and is announced, one that is over goes", async (t) => {
+test("a new notification appears and is announced, one that has ended disappears", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     const document = server.document();
@@ -96,7 +96,7 @@ test("the most urgent ones come first, those of one severity in the device's ord
     assert.deepEqual(order, ["3", "6", "4", "2", "0", "5", "1"]);
 });
 
-test("a list that the status takes for an empty one is shown nevertheless", async (t) => {
+test("the list is shown even if the status says that it is empty", async (t) => {
     const page = await visit(t, await serve(t), { answered: false });
     await page.route("**/srv/status", async (route) => {
         const response = await route.fetch();
@@ -108,7 +108,7 @@ test("a list that the status takes for an empty one is shown nevertheless", asyn
     await shows(page, "#notifications [data-id=smsReceived]", "New message");
 });
 
-test("of a list that cannot be read, nobody is told that all is well", async (t) => {
+test("if the list cannot be read, the page does not say that all is well", async (t) => {
     const document = device("default");
     document.msgbus[CHANNEL] = { error: 5 };
     const page = await visit(t, await serve(t, document));
@@ -192,7 +192,7 @@ test("only harmless addresses become links", async (t) => {
     await assertQuiet(page);
 });
 
-test("the characters of an address are those that its author wrote", async (t) => {
+test("the characters of an address are not changed", async (t) => {
     const query = "id=1&region=eu&copy=2&notify=1";
     const page = await visit(
         t,

@@ -66,7 +66,7 @@ test("every file of the page comes with its type and with the policy", async (t)
     await assertQuiet(page);
 });
 
-test("what stands in place of a page that is not there comes with the policy, too", async (t) => {
+test("the page that is shown for missing pages has the policy, too", async (t) => {
     const server = await serve(t);
     const answer = await fetch(`${server.origin}/settings/sim`);
     assert.equal(answer.status, 404);
@@ -101,7 +101,7 @@ test("scripts and styles in the page itself, and all of other servers, are refus
     assert.ok(kinds.has("img-src") && kinds.has("connect-src"), [...kinds].join());
 });
 
-test("no other page shows it in a frame", async (t) => {
+test("no other page can show it in a frame", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     await page.goto("about:blank");
@@ -115,7 +115,7 @@ test("no other page shows it in a frame", async (t) => {
     ]);
 });
 
-test("a page that leaves tells the next one nothing of where it was", async (t) => {
+test("a link to another site sends no referrer", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     const asked = page.waitForRequest((request) => request.url().startsWith("http://localhost:"));
@@ -125,7 +125,7 @@ test("a page that leaves tells the next one nothing of where it was", async (t) 
     assert.equal((await (await asked).allHeaders()).referer, undefined);
 });
 
-test("the icon is our own", async (t) => {
+test("the icon comes from our own server", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server);
     const type = await page.evaluate(() =>

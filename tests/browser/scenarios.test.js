@@ -336,7 +336,7 @@ const names = readdirSync(SCENARIOS)
     .filter((file) => file.endsWith(".json"))
     .map((file) => file.replace(/\.json$/, ""));
 
-test("of each shipped scenario it is known what is to be seen", () => {
+test("the expected page is known for each shipped scenario", () => {
     assert.deepEqual([...names].sort(), Object.keys(EXPECTED).sort());
 });
 

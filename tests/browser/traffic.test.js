@@ -32,7 +32,7 @@ function inSteps(time) {
     return 3 * KILOBYTE * Math.floor(time / PERIOD);
 }
 
-test("a counter that steps as often as it is asked gives neither none nor twice the truth", () => {
+test("a counter that changes as often as it is read gives neither no rate nor twice the right one", () => {
     // An answer may come a little before or after the counter's step that it should include.
     const times = Array.from({ length: 60 }, (_, i) => i * PERIOD + (i % 3) * 20 - 20);
     const rates = ratesOf(times.slice(1), inSteps);
@@ -42,7 +42,7 @@ test("a counter that steps as often as it is asked gives neither none nor twice 
     }
 });
 
-test("quick questions behind an action draw no spike", () => {
+test("quick requests after an action draw no spike", () => {
     const times = [0, 3000, 6000, 9000, 12_000, 12_100, 12_400, 13_000, 14_000, 15_500, 18_000];
     // The counter's step lies between two answers that follow each other quickly.
     const rates = ratesOf(times, (time) => inSteps(time + 2700));
@@ -52,7 +52,7 @@ test("quick questions behind an action draw no spike", () => {
     }
 });
 
-test("the first rate comes when there is time enough for one", () => {
+test("the first rate comes after enough time", () => {
     const history = new TrafficHistory();
     history.add(0, 1000n, 100n);
     history.add(SPAN - 1, 2000n, 100n);
@@ -63,7 +63,7 @@ test("the first rate comes when there is time enough for one", () => {
     assert.equal(history.now.from, SPAN);
 });
 
-test("a counter that goes back and a pause begin a new run", () => {
+test("a counter that goes back, or a pause, begins a new series", () => {
     const history = new TrafficHistory();
     const take = (time, received) => history.add(time, received, 0n);
     take(0, 0n);
@@ -84,7 +84,7 @@ test("a counter that goes back and a pause begin a new run", () => {
     );
 });
 
-test("what is old goes, and so does what a clock that was put back leaves in the future", () => {
+test("old values are dropped, and so are values in the future after the clock was put back", () => {
     const history = new TrafficHistory();
     for (let time = 0; time <= WINDOW + SPAN; time += 3000) {
         history.add(time, 0n, 0n);
@@ -132,7 +132,7 @@ async function countForAWhile(server, page) {
     }
 }
 
-test("an empty plot says that it collects, until it has rates", async (t) => {
+test("an empty plot says that it is collecting values, until it has rates", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
@@ -157,7 +157,7 @@ test("an empty plot says that it collects, until it has rates", async (t) => {
     assert.ok(labels.includes("5 MB/s"), String(labels));
 });
 
-test("counters that begin anew leave a gap and no fall below zero", async (t) => {
+test("counters that begin again leave a gap and no rate below zero", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
@@ -181,7 +181,7 @@ test("counters that begin anew leave a gap and no fall below zero", async (t) =>
     assert.equal(low, false);
 });
 
-test("without a connection there is no rate, even if the device counts on", async (t) => {
+test("without a connection there is no rate, even if the device's counters rise", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
