@@ -3,7 +3,10 @@
 // In milliseconds. If the device hangs, the web server gives up after ten to twenty seconds.
 const PATIENCE = 25_000;
 
-/** What went wrong: "gone" (no answer), "disabled" (by the carrier, or there is no device to ask) or "refused". */
+/**
+ * What went wrong: "gone" (no answer), "disabled" (by the carrier, or because the device does not
+ * answer the service) or "refused".
+ */
 export class ServiceError extends Error {
     constructor(kind, message) {
         super(message);

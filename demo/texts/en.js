@@ -11,25 +11,25 @@ export default {
     "page.signedIn": "Signed in",
     "page.signedOut": "Signed out",
 
-    "missing.title": "This page is not here",
+    "missing.title": "This page does not exist",
     "missing.text":
-        "Links of notifications lead to pages of the device's maker. This demonstration has one page only and puts this one in their place.",
+        "Links in notifications lead to pages of the device's maker. This demonstration has only one page and shows this one instead.",
     "missing.address": "You asked for:",
     "missing.back": "Back to the overview",
 
     "trouble.retry": "Try again",
     "trouble.stale": "What you see is from {time}.",
     "trouble.gone.title": "The hotspot does not answer.",
-    "trouble.gone.text": "This page goes on by itself as soon as it is back.",
+    "trouble.gone.text": "This page continues by itself as soon as it is back.",
     "trouble.disabled.title": "The web interface is not available.",
     "trouble.disabled.text":
-        "Either the carrier has switched it off on this device, or the service has no device to ask.",
+        "Either the carrier has switched it off on this device, or the device does not answer the service.",
     "trouble.refused.title": "The hotspot refuses to answer this page.",
     "trouble.refused.text": "Open it by an address that the hotspot knows.",
 
-    "untold.nothing": "The hotspot answers but tells nothing of its state.",
-    "untold.some": "The hotspot does not tell all of its state.",
-    "untold.parts": "It does not tell:",
+    "untold.nothing": "The hotspot answers but reports nothing about its state.",
+    "untold.some": "The hotspot does not report its whole state.",
+    "untold.parts": "It does not report:",
 
     "action.connect": "Connect",
     "action.disconnect": "Disconnect",
@@ -38,7 +38,7 @@ export default {
     "action.connectFailed": "The hotspot has not connected.",
     "action.disconnectFailed": "The hotspot has not disconnected.",
     "action.refused":
-        "The hotspot does not take this order from here. Open the page by an address that it knows.",
+        "The hotspot does not accept this command from here. Open the page by an address that it knows.",
 
     "news.back": "The hotspot answers again.",
     "news.state": "{state}.",
@@ -90,7 +90,7 @@ export default {
     "row.fileSharing": "File sharing",
     "row.inUse": "In use",
     "row.takesAbout": "Takes about",
-    "row.askedFor": "Asked for by you",
+    "row.askedFor": "Requested by you",
     "row.installation": "Installation",
 
     "value.yes": "Yes",

@@ -102,7 +102,7 @@ test("an order from an address that is not the server's own is refused with a me
     const server = await serve(t);
     const page = await visit(t, server, { origin: `http://hotspot.local:${server.port}` });
     await button(page, "Disconnect").click();
-    await shows(page, "#connection .actions", "The hotspot does not take this order from here.");
+    await shows(page, "#connection .actions", "The hotspot does not accept this command from here.");
     assert.equal(connectionOf(server), CONNECTED);
     await shows(page, "#connection .state", /^Connected$/);
 });

@@ -91,8 +91,8 @@ for (const [cause, answer] of [
         const server = await serve(t, document);
         const page = await visit(t, server, { answered: false });
         await shows(page, "#trouble", "The web interface is not available.");
-        // The page cannot tell these two causes apart.
-        await shows(page, "#trouble", /the carrier has switched it off.*no device to ask/);
+        // The page cannot distinguish these two causes.
+        await shows(page, "#trouble", /carrier has switched it off.*device does not answer/);
         server.set({ getWebUICarrierEnabled: 1 });
         await isWell(page);
         await shows(page, "#connection .network", "Orvane");

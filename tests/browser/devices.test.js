@@ -180,7 +180,7 @@ test("an account out of credit whose connection is still up can be disconnected"
 
 test("a device that answers nothing", async (t) => {
     const page = await visit(t, await serve(t, device("everything-failing")));
-    await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
+    await shows(page, "#untold", "The hotspot answers but reports nothing about its state.");
     assert.deepEqual(await untold(page), ALL_PARTS);
     // Above all, the page must not claim that there are no notifications.
     assert.deepEqual(await cards(page), []);
@@ -192,7 +192,7 @@ test("a device that answers nothing", async (t) => {
 
 test("a device whose carrier enables everything and whose other calls fail", async (t) => {
     const page = await visit(t, await serve(t, device("every-group-failing")));
-    await shows(page, "#untold", "The hotspot answers but tells nothing of its state.");
+    await shows(page, "#untold", "The hotspot answers but reports nothing about its state.");
     assert.deepEqual(await untold(page), ALL_PARTS);
     assert.deepEqual(await cards(page), []);
     await assertQuiet(page);
@@ -203,7 +203,7 @@ test("a device on which some calls fail", async (t) => {
     document.sys.getBatteryStatus = { error: 5 };
     document.sys.getConnectedDeviceList = { error: 5 };
     const page = await visit(t, await serve(t, document));
-    await shows(page, "#untold", "The hotspot does not tell all of its state.");
+    await shows(page, "#untold", "The hotspot does not report its whole state.");
     assert.deepEqual(await untold(page), ["Battery", "Connected devices"]);
     await shows(page, "#connection .network", /^Orvane$/);
 });

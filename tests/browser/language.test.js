@@ -231,7 +231,7 @@ test("a link of a notification leads to a page with a way back", async (t) => {
         const response = page.waitForResponse((each) => each.url().endsWith(address));
         await page.getByRole("link", { name: link }).click();
         assert.equal((await response).status(), 404);
-        await shows(page, "h1", "This page is not here");
+        await shows(page, "h1", "This page does not exist");
         await shows(page, "#address", `You asked for: ${address}`);
         // Wait until the style sheet is loaded, wherever the page is.
         await until(

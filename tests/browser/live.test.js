@@ -47,7 +47,7 @@ test("values that the device no longer reports disappear and come back", async (
     await shows(page, "#gps", "GPS");
     server.set({ getGPSStatus: { error: 5 } });
     await until(page, () => document.querySelector("#gps") === null);
-    await shows(page, "#untold", /The hotspot does not tell all of its state[^]*\bGPS$/);
+    await shows(page, "#untold", /The hotspot does not report its whole state[^]*\bGPS$/);
     server.set({ getGPSStatus: gps });
     await shows(page, "#gps", "GPS");
     await until(page, () => document.querySelector("#untold").hidden);

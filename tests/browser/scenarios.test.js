@@ -195,7 +195,7 @@ const EXPECTED = {
             ],
             [
                 "The user has it installed",
-                { [UPDATE_STATE]: /^Asked for by you\s+Yes\s+State\s+Code 6/, [READY]: null },
+                { [UPDATE_STATE]: /^Requested by you\s+Yes\s+State\s+Code 6/, [READY]: null },
             ],
             [
                 "The update is installed",
