@@ -269,7 +269,7 @@ TEST(FaultMatrix, EachCallFailingAloneInAProcessThatHasSettled) {
     Print("single calls", report);
 }
 
-TEST(FaultMatrix, EachTwoCallsFailingTogether) {
+TEST(FaultMatrix, EachPairOfCallsFailingTogether) {
     Report report;
     for (const Road& road : {kRoads[0], kRoads[1], kRoads[2]}) {
         CheckAllSettled(report, road, [](const std::map<std::string, int>& calls) {

@@ -130,7 +130,7 @@ TEST(ProcessFaults, KeepAliveThatCannotBeSentIsFollowedByTheNext) {
     Print("keep-alive", report);
 }
 
-TEST(DeclaredCalls, EachIsMadeByTheServiceOrHasAReasonNotToBe) {
+TEST(DeclaredCalls, EachIsMadeByTheServiceOrHasAReasonWhyNot) {
     Report report;
     CallsOfProcess(report);
     for (const Model model : {Model::kFiveGWithTwoSims, Model::kThreeGWithOneSim}) {

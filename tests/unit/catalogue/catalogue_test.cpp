@@ -70,12 +70,12 @@ void PrintTo(const Language& language, std::ostream* out) {
 
 class EachLanguageTest : public CatalogueTest, public testing::WithParamInterface<Language> {};
 
-TEST_P(EachLanguageTest, TextsComeOutWholeAndInUtf8) {
+TEST_P(EachLanguageTest, TextsAreCompleteAndInUtf8) {
     ASSERT_TRUE(Speak(GetParam().name));
     EXPECT_EQ(Translated("notification_sms_received_text"), GetParam().unreadMessages);
 }
 
-TEST_P(EachLanguageTest, EmptyIdReadsAsEmpty) {
+TEST_P(EachLanguageTest, EmptyIdGivesAnEmptyText) {
     ASSERT_TRUE(Speak(GetParam().name));
     ASSERT_NE(Translated("webui_product_name"), "webui_product_name");
     EXPECT_EQ(Translated(""), "");
@@ -86,7 +86,7 @@ TEST_F(CatalogueTest, CharacterSetOfTheLocaleChangesNoText) {
     EXPECT_EQ(Translated("notification_sms_received_text"), "未読メッセージ：%3件。");
 }
 
-TEST_P(EachLanguageTest, UnknownIdStandsForItself) {
+TEST_P(EachLanguageTest, UnknownIdIsItsOwnText) {
     ASSERT_TRUE(Speak(GetParam().name));
     EXPECT_EQ(Translated("nobody_translates_this_text"), "nobody_translates_this_text");
 }
@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(CodeAlone, EachLanguageTest,
                                          Language{"ar", "الرسائل غير المقروءة: %3. "}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST_F(CatalogueTest, UnsupportedOperationIsToldInTheLanguageOfTheRequest) {
+TEST_F(CatalogueTest, UnsupportedOperationIsReportedInTheLanguageOfTheRequest) {
     ASSERT_TRUE(Speak("en_US"));
     EXPECT_EQ(Unsupported(), R"({"errorDesc":"This operation is not supported."})");
     ASSERT_TRUE(Speak("de_DE"));
@@ -117,14 +117,14 @@ TEST_F(CatalogueTest, UnsupportedOperationIsToldInTheLanguageOfTheRequest) {
     EXPECT_EQ(Unsupported(), R"({"errorDesc":"This operation is not supported."})");
 }
 
-TEST_F(CatalogueTest, FailedOperationIsToldInTheLanguageOfTheRequest) {
+TEST_F(CatalogueTest, FailedOperationIsReportedInTheLanguageOfTheRequest) {
     ASSERT_TRUE(Speak("fr_FR"));
     EXPECT_EQ(Failed(), R"({"errorDesc":"L’opération a échoué."})");
     ASSERT_TRUE(Speak("ja_JP"));
     EXPECT_EQ(Failed(), R"({"errorDesc":"操作に失敗しました。"})");
 }
 
-TEST_F(CatalogueTest, OperationThatCannotBeReadIsNotTold) {
+TEST_F(CatalogueTest, UnknownReadOperationHasNoErrorText) {
     ASSERT_TRUE(Speak("de_DE"));
     CTPP::CDT out;
     EXPECT_EQ(component.GetDynamicData(out, Api("reboot")), PAGE_ERROR_FAILED);
@@ -137,7 +137,7 @@ TEST_F(CatalogueTest, LanguageWithoutLocaleLeavesTheFormerOneInForce) {
     EXPECT_EQ(Unsupported(), R"({"errorDesc":"Esta operación no es compatible."})");
 }
 
-TEST_F(CatalogueTest, WithoutALanguageTheIdStandsForItself) {
+TEST_F(CatalogueTest, WithoutALanguageTheTextIsTheMessageId) {
     EXPECT_EQ(Unsupported(), R"({"errorDesc":"system_service_unsupport_operation_error_text"})");
 }
 

@@ -35,7 +35,7 @@ TEST_F(LogTest, FailureGoesToTheSystemLogFirstAndThenToTheDebugLogAtLevelThree) 
              "log 3 [KESTAL_CGI]:[ERROR] - int F() - call failed, returned error code [7]."}));
 }
 
-TEST_F(LogTest, UnseparatedLineBringsWhatStandsBehindTheSignature) {
+TEST_F(LogTest, UnseparatedLineAddsNothingAfterTheSignature) {
     KESTAL_SIGNATURE("int F()");
     KESTAL_DEBUG_UNSEPARATED("- BEGIN");
     KESTAL_LOG_UNSEPARATED(TORU_DBG_INFO, " count%d", 2);

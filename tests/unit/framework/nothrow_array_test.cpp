@@ -20,7 +20,7 @@ TEST(NothrowArray, ElementsAreCleared) {
     }));
 }
 
-TEST(NothrowArray, SizeThatNoNumberCanExpressIsNoMemory) {
+TEST(NothrowArray, SizeThatOverflowsCountsAsLackOfMemory) {
     constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
     for (const std::size_t count : {kMost, kMost / 2, kMost / sizeof(Record) + 1}) {
         auto records = NothrowArray<Record>(1);

@@ -71,7 +71,7 @@ TEST_F(PageComponentInitTest, NewComponentIsEmpty) {
     EXPECT_EQ(recording::TranscriptText(), "");
 }
 
-TEST_F(PageComponentInitTest, FieldsStandInTheOrderOfTheFamily) {
+TEST_F(PageComponentInitTest, FieldsHaveTheOrderOfTheFamily) {
     const std::vector<const void*> fields = {
         &component.appName,           &component.reserved, &component.useCommonConfigurations,
         &component.useCommonFeatures, &component.helpUri,  &component.features,
@@ -288,7 +288,7 @@ TEST_F(PageComponentInitTest, CountThatNoMemoryCanHoldIsAFailureLikeAnyOther) {
                                "line."))}));
 }
 
-TEST_F(PageComponentInitTest, ListThatFindsNoMemoryIsAFailureThatAnotherInitCanMend) {
+TEST_F(PageComponentInitTest, ListWithoutMemoryIsAFailureAndTheNextInitReadsItAgain) {
     component.useCommonFeatures = 1;
     component.useCommonConfigurations = 1;
     GivenList("webui_get_common_features", {Feature("A", 1), Feature("B", 2)});
@@ -350,7 +350,7 @@ TEST_F(PageComponentInitTest, CountThatTheLibraryDoesNotWriteIsZero) {
         Lines({"webui_get_common_features(no buffer)", "webui_get_common_features(room for 0)"}));
 }
 
-TEST_F(PageComponentInitTest, OnlyAListOfUsualLengthWaitsForMemory) {
+TEST_F(PageComponentInitTest, OnlyAListOfUsualLengthCountsAsCutShortWithoutMemory) {
     component.useCommonFeatures = 1;
     const LimitedMemory limited(0);
     for (const int count : {1, 10000, 10001}) {
@@ -364,7 +364,7 @@ TEST_F(PageComponentInitTest, OnlyAListOfUsualLengthWaitsForMemory) {
     }
 }
 
-TEST_F(PageComponentInitTest, ListThatThrowsDoesNotCostTheOthers) {
+TEST_F(PageComponentInitTest, ListThatThrowsDoesNotPreventTheOthers) {
     const std::string calls[] = {"webui_get_common_features", "webui_get_app_features",
                                  "webui_get_common_configurations", "webui_get_app_configurations"};
     for (const std::string& throwing : calls) {
@@ -414,7 +414,7 @@ TEST_F(PageComponentInitTest, HelpAddressThatThrowsStaysEmpty) {
     EXPECT_EQ(recording::Transcript().back(), Log(7, Of(kInit, " - END")));
 }
 
-TEST_F(PageComponentInitTest, ListThatTheLibraryRefusesIsNotCutShort) {
+TEST_F(PageComponentInitTest, ListThatTheLibraryRefusesDoesNotCountAsCutShort) {
     component.useCommonFeatures = 1;
     Given("webui_get_common_features").Returns(11);
     component.Init("");

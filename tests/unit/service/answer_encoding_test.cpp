@@ -29,7 +29,7 @@ TEST(AnswerEncodingTest, EachWrongByteBecomesOneReplacementCharacter) {
     EXPECT_EQ(Replaced("\x80"), kMark);
 }
 
-TEST(AnswerEncodingTest, CutCharacterNeverTakesWhatFollowsIt) {
+TEST(AnswerEncodingTest, IncompleteCharacterDoesNotSwallowTheNextByte) {
     EXPECT_EQ(Replaced("\"\xC3\""), "\"" + kMark + "\"");
     EXPECT_EQ(Replaced("\"\xE2\x82\","), "\"" + kMark + "\",");
     EXPECT_EQ(Replaced("\"\xF0\x9F\x93\"}"), "\"" + kMark + "\"}");

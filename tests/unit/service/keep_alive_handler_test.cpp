@@ -101,7 +101,7 @@ TEST_F(KeepAliveHandlerTest, NotifySendsAKeepAliveWhileTheParentLives) {
                      Log(7, signature + " - END returning 0")}));
 }
 
-TEST_F(KeepAliveHandlerTest, NotifyIsSilentOnceTheParentIsAnother) {
+TEST_F(KeepAliveHandlerTest, NotifySendsNothingAfterTheParentHasChanged) {
     // A handler that was never initialised has not stored its parent, so the current parent counts
     // as another one.
     KeepAliveHandler handler;
@@ -112,7 +112,7 @@ TEST_F(KeepAliveHandlerTest, NotifyIsSilentOnceTheParentIsAnother) {
               Lines({Log(7, signature + " - BEGIN"), Log(7, signature + " - END returning 0")}));
 }
 
-TEST_F(KeepAliveHandlerTest, NotifyIsSilentWhenTheParentCannotBeSignalled) {
+TEST_F(KeepAliveHandlerTest, NotifySendsNothingWhenTheParentCannotBeSignalled) {
     KeepAliveHandler handler;
     handler.Initialize();
     recording::Reset();
@@ -122,7 +122,7 @@ TEST_F(KeepAliveHandlerTest, NotifyIsSilentWhenTheParentCannotBeSignalled) {
     EXPECT_EQ(recording::CallCount("watchdog_application_send_keep_alive"), 0U);
 }
 
-TEST_F(KeepAliveHandlerTest, NotifyDoesNotVouchForAProcessWhoseOperationIsStuck) {
+TEST_F(KeepAliveHandlerTest, NotifySendsNoKeepAliveWhileAnOperationIsStuck) {
     using std::chrono::milliseconds;
     KeepAliveHandler handler;
     handler.Initialize();

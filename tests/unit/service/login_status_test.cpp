@@ -157,7 +157,7 @@ TEST_F(LoginStatusTest, WholeBodyIsReadAndChangesNothing) {
               1);
 }
 
-TEST_F(LoginStatusTest, AbsurdContentLengthIsLoggedBeforeRoomIsMadeForIt) {
+TEST_F(LoginStatusTest, AbsurdContentLengthIsLoggedBeforeMemoryIsAllocated) {
     for (const std::string length :
          {"1048577", "99999999999999999999", "-1", "-18446744073709551615", "12x", "ten", " 5"}) {
         recording::Reset();
@@ -174,7 +174,7 @@ TEST_F(LoginStatusTest, AbsurdContentLengthIsLoggedBeforeRoomIsMadeForIt) {
     }
 }
 
-TEST_F(LoginStatusTest, NothingThatThePlatformThrowsLeavesTheCheck) {
+TEST_F(LoginStatusTest, ExceptionsOfThePlatformDoNotLeaveTheCheck) {
     for (const bool standard : {true, false}) {
         recording::Reset();
         fake_fcgi::Reset();

@@ -123,7 +123,7 @@ TEST_F(MainTest, FailingStartUpStepsDoNotStopTheProcess) {
     EXPECT_EQ(recording::CallCount("FCGX_Accept_r"), 1U);
 }
 
-TEST_F(MainTest, FatalHandlersAreThereBeforeTheWatchdogAndTheTerminationHandlerOnlyAfterIt) {
+TEST_F(MainTest, FatalHandlersAreInstalledBeforeTheWatchdogAndTheTerminationHandlerAfterIt) {
     std::array<bool, 4> installed{};
     const auto custom = [](int signo) {
         struct sigaction action = {};
@@ -184,7 +184,7 @@ TEST_F(MainTest, KeepAliveThreadIsStartedWithTheMainThreadsSignalsBlocked) {
     EXPECT_TRUE(heldBack);
 }
 
-TEST_F(MainTest, TerminationDuringStartUpFindsSomethingToUnregister) {
+TEST_F(MainTest, TerminationDuringStartUpUnregistersAfterRegistering) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {

@@ -28,7 +28,7 @@ TEST_F(OperationDeadlineTest, LimitIsThreeTimesThatOfTheWebServer) {
     EXPECT_EQ(OperationLimit(), seconds(1800));
 }
 
-TEST_F(OperationDeadlineTest, WebServerThatTellsNoLimitHasTheUsualOne) {
+TEST_F(OperationDeadlineTest, WithoutALimitOfTheWebServerTheDefaultApplies) {
     EXPECT_EQ(OperationLimit(), seconds(30));
     for (const char* text : {"", "0", "-3", "ten", "1 ", "1.5", "601", "99999999999"}) {
         setenv("KESTAL_TIMEOUT", text, 1);
@@ -36,7 +36,7 @@ TEST_F(OperationDeadlineTest, WebServerThatTellsNoLimitHasTheUsualOne) {
     }
 }
 
-TEST_F(OperationDeadlineTest, ProcessThatIsNotWatchedNeverPassesIt) {
+TEST_F(OperationDeadlineTest, ProcessWithoutADeadlineNeverPassesIt) {
     OperationDeadline deadline;
     deadline.Begin("request (status)");
     EXPECT_FALSE(deadline.IsPassed());

@@ -39,7 +39,7 @@ class RequestAcceptorTest : public testing::Test {
     FCGX_Request request{};
 };
 
-TEST_F(RequestAcceptorTest, NothingToAcceptYetIsNoResult) {
+TEST_F(RequestAcceptorTest, WaitsAgainWhenThereIsNothingToAcceptYet) {
     RequestAcceptor acceptor(request);
     fake_fcgi::QueueAcceptResult(-EAGAIN);
     fake_fcgi::QueueAcceptResult(-EAGAIN);

@@ -256,7 +256,7 @@ TEST_F(RequestLoopTest, FailedLanguageQueryKeepsEnUs) {
               std::string::npos);
 }
 
-TEST_F(RequestLoopTest, LanguageCodeThatFillsItsRecordIsUsedWholeAndNoFurther) {
+TEST_F(RequestLoopTest, LanguageCodeThatFillsItsRecordIsReadToTheEndOfTheRecord) {
     const std::string code = "language_code_of_exactly_32bytes";
     ASSERT_EQ(code.size(), 32U);
     recording::Reset();
@@ -308,7 +308,7 @@ TEST_F(RequestLoopTest, ComponentResultDoesNotChangeTheStatus) {
               Lines({"CgiHelper::SendResponse(200, {\"loginStatus\":0})"}));
 }
 
-TEST_F(RequestLoopTest, NothingThrownInsideARequestEndsTheLoop) {
+TEST_F(RequestLoopTest, ExceptionsInARequestDoNotEndTheLoop) {
     recording::Reset();
     Given("sys_getWebUICarrierEnabled").Returns(0).Writes(1);
     Given("webui_get_i18n_settings").Returns(WEBUI_SUCCESS).Writes(Language("en_US"));
@@ -332,7 +332,7 @@ TEST_F(RequestLoopTest, NothingThrownInsideARequestEndsTheLoop) {
     EXPECT_EQ(recording::CallCount("FCGX_Finish_r"), 3U);
 }
 
-TEST_F(RequestLoopTest, StepThatThrowsIsNamedAndKeepsNoOtherFromRunning) {
+TEST_F(RequestLoopTest, StepThatThrowsIsNamedAndTheOthersStillRun) {
     const std::vector<std::pair<std::string, std::string>> steps = {
         {"sys_sdkInitialize", "start of the SDK"}, {"sys_getWebUICarrierEnabled", "carrier switch"},
         {"webui_get_i18n_settings", "language"},   {"sys_cellularDataConnect", "connect"},

@@ -309,7 +309,7 @@ TEST_F(SignalsInHandlersDeathTest, StuckOperationIsLoggedWithItsFramesAndEndsThe
             testing::Not(testing::HasSubstr("exit handler"))));
 }
 
-TEST_F(SignalsInHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsNamedAllTheSame) {
+TEST_F(SignalsInHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsStillNamed) {
     for (const Symbols symbols : {Symbols::hanging, Symbols::crashing}) {
         EXPECT_EXIT(
             {
@@ -321,7 +321,7 @@ TEST_F(SignalsInHandlersDeathTest, OperationStuckOnALockThatItsBacktraceNeedsIsN
     }
 }
 
-TEST_F(SignalHandlersDeathTest, EveryOperationHasItsTimeAlsoOneThatFollowsAnotherAtOnce) {
+TEST_F(SignalHandlersDeathTest, EveryOperationHasItsFullTimeEvenDirectlyAfterAnother) {
     EXPECT_EXIT(
         {
             PrepareDeadline();
@@ -333,7 +333,7 @@ TEST_F(SignalHandlersDeathTest, EveryOperationHasItsTimeAlsoOneThatFollowsAnothe
         testing::ExitedWithCode(kStuckExitStatus), kStuck);
 }
 
-TEST_F(SignalHandlersDeathTest, TimerOfAnOperationThatHasEndedDisturbsNoLaterOne) {
+TEST_F(SignalHandlersDeathTest, TimerOfAnEndedOperationDoesNotAffectLaterOnes) {
     EXPECT_EXIT(
         {
             PrepareDeadline();
@@ -389,7 +389,7 @@ TEST_F(SignalsInHandlersDeathTest, CrashWhoseHandlerTakesLongKeepsItsStatusWhenT
                        testing::Not(testing::HasSubstr("is stuck"))));
 }
 
-TEST_F(SignalHandlersDeathTest, StuckCallThatHoldsBackAllSignalsIsEndedByTheKeepAliveThread) {
+TEST_F(SignalHandlersDeathTest, StuckCallThatBlocksAllSignalsIsEndedByTheKeepAliveThread) {
     EXPECT_EXIT(
         {
             PrepareDeadline();
@@ -408,7 +408,7 @@ TEST_F(SignalHandlersDeathTest, StuckCallThatHoldsBackAllSignalsIsEndedByTheKeep
                        testing::Not(testing::HasSubstr("frames\n"))));
 }
 
-TEST_F(SignalHandlersDeathTest, KeepAliveThreadThatHangsInItsLogEndsTheProcessAllTheSame) {
+TEST_F(SignalHandlersDeathTest, KeepAliveThreadThatHangsInItsLogStillEndsTheProcess) {
     EXPECT_EXIT(
         {
             PrepareDeadline();

@@ -39,7 +39,7 @@ TEST(SignalStackTest, StaysWithItsThreadWhenAnotherDestroysIt) {
     sigaltstack(&before, nullptr);
 }
 
-TEST(SignalStackTest, WithoutMemoryForItTheThreadKeepsWhatItHad) {
+TEST(SignalStackTest, WithoutMemoryTheThreadKeepsItsFormerStack) {
     const stack_t before = InForce();
     rlimit memory{};
     ASSERT_EQ(getrlimit(RLIMIT_AS, &memory), 0);

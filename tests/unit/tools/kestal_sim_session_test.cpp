@@ -145,7 +145,7 @@ TEST_F(SessionCommand, RefusesADamagedStore) {
     EXPECT_EQ(ReadFile(store), "{");
 }
 
-TEST_F(SessionCommand, ExplainsItself) {
+TEST_F(SessionCommand, PrintsItsHelp) {
     const Outcome help = Run("--help");
     EXPECT_EQ(help.exitCode, 0);
     for (const std::string command : {"open", "renew", "close", "list"}) {
@@ -156,7 +156,7 @@ TEST_F(SessionCommand, ExplainsItself) {
     EXPECT_THAT(Run("open --help").output, ContainsRegex("--idle SECONDS(=600| \\[600\\]) "));
 }
 
-TEST_F(SessionCommand, TellsWrongUsage) {
+TEST_F(SessionCommand, ReportsWrongUsage) {
     const std::string hint = "Try 'kestal-sim --help'.\n";
     EXPECT_EQ(Run("").output, "kestal-sim: a command is expected\n" + hint);
     EXPECT_EQ(Run("lst").output,

@@ -69,7 +69,7 @@ TEST_F(SimCommand, ShowsTheDocumentAndItsParts) {
               "did you mean sys.getSIMStatus?\n");
 }
 
-TEST_F(SimCommand, SetsJsonAndTextsThatAreNone) {
+TEST_F(SimCommand, SetsJsonValuesAndTexts) {
     EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercent 9"), "0 ");
     EXPECT_EQ(ReadFile(device), With("84", "9"));
     EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercent 84"), "0 ");
@@ -146,7 +146,7 @@ TEST_F(SimCommand, LoadsAnotherDevice) {
     EXPECT_EQ(Run("load nosuchdevice"), "1 kestal-sim: nosuchdevice: No such file or directory\n");
 }
 
-TEST_F(SimCommand, LoadsWhereADocumentIsDamagedOrMissing) {
+TEST_F(SimCommand, LoadsEvenIfTheDocumentIsDamagedOrMissing) {
     const std::string file = KESTAL_SHIPPED_DEVICES "/default.json";
     Document("{");
     EXPECT_EQ(Run("load " + file), "0 ");
@@ -175,7 +175,7 @@ TEST_F(SimCommand, CreatesADocumentWithTheModeOfTheUmaskAndSessionsForTheirOwner
     (void)umask(mask);
 }
 
-TEST_F(SimCommand, SuggestsForWhatIsWrongInADamagedDocument) {
+TEST_F(SimCommand, SuggestsNamesForErrorsInADamagedDocument) {
     Document("{\"sys\": {\n\"getSIMState\": 1}}");
     for (const std::string command : {"show", "set sys.getNumSims 1"}) {
         EXPECT_EQ(Run(command), "1 kestal-sim: " + device.string() +
@@ -184,7 +184,7 @@ TEST_F(SimCommand, SuggestsForWhatIsWrongInADamagedDocument) {
     }
 }
 
-TEST_F(SimCommand, TakesAnEmptyTextForNothingRatherThanForAll) {
+TEST_F(SimCommand, DoesNotTakeAnEmptyArgumentForAll) {
     EXPECT_EQ(Run("notify smsReceived"), "0 ");
     for (const std::string clear : {"--clear ''", "--clear="}) {
         EXPECT_EQ(Run("notify " + clear),
@@ -212,7 +212,7 @@ TEST_F(SimCommand, NotifiesAndClears) {
     EXPECT_THAT(Run("notify --types"), HasSubstr("\nsmsReceived\n"));
 }
 
-TEST_F(SimCommand, TakesTheDeviceThatItIsGiven) {
+TEST_F(SimCommand, UsesTheGivenDevice) {
     const std::filesystem::path other = directory / "other.json";
     WriteFile(other, "{\"sys\": {\"getSIMStatus\": 1}}");
     EXPECT_EQ(Run("--device " + other.string() + " set sys.getSIMStatus 2"), "0 ");
@@ -222,7 +222,7 @@ TEST_F(SimCommand, TakesTheDeviceThatItIsGiven) {
     EXPECT_TRUE(std::filesystem::exists(other.string() + ".sessions"));
 }
 
-TEST_F(SimCommand, PlaysAndTells) {
+TEST_F(SimCommand, PlaysAndReportsEvents) {
     const std::filesystem::path scenario = directory / "scenario.json";
     WriteFile(scenario, R"({"events": [
         {"at": 0, "say": "first", "set": {"sys.getSIMStatus": 1}},
@@ -252,7 +252,7 @@ TEST_F(SimCommand, ChecksAScenarioBeforeItPlaysIt) {
                   ": a scenario that takes no time cannot be repeated\n");
 }
 
-TEST_F(SimCommand, ExplainsItself) {
+TEST_F(SimCommand, PrintsItsHelp) {
     EXPECT_THAT(Run("--help"), StartsWith("0 Changes the device"));
     EXPECT_THAT(Run("--help"), HasSubstr("\nCommands:\n"));
     EXPECT_THAT(Run("set --help"), HasSubstr("\nArguments:\n"));
@@ -264,7 +264,7 @@ TEST_F(SimCommand, ExplainsItself) {
     }
 }
 
-TEST_F(SimCommand, TellsWrongUsage) {
+TEST_F(SimCommand, ReportsWrongUsage) {
     for (const std::string wrong : {"",
                                     "shew",
                                     "set",

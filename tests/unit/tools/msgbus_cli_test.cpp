@@ -125,7 +125,7 @@ TEST_F(MsgbusCli, RecordsThatAreCutOffAreNotShown) {
                   kUpdate + "\n    ]\n}\n");
 }
 
-TEST_F(MsgbusCli, AHugeCountShowsWhatIsThere) {
+TEST_F(MsgbusCli, WithAHugeCountTheCompleteRecordsAreShown) {
     EXPECT_EQ(ShownList(Announcing(2147483647, NotificationList({Update()}))),
               "{\n    \"count\": 2147483647,\n"
               "    \"malformed\": \"only 1 of 2147483647 records are complete\",\n"
@@ -133,7 +133,7 @@ TEST_F(MsgbusCli, AHugeCountShowsWhatIsThere) {
                   kUpdate + "\n    ]\n}\n");
 }
 
-TEST_F(MsgbusCli, BytesBehindTheLastRecordAreSaid) {
+TEST_F(MsgbusCli, BytesAfterTheLastRecordAreReported) {
     EXPECT_EQ(ShownList(Announcing(1, NotificationList({Update(), Update()}))),
               "{\n    \"count\": 1,\n"
               "    \"malformed\": \"464 bytes follow the last record\",\n"
@@ -141,7 +141,7 @@ TEST_F(MsgbusCli, BytesBehindTheLastRecordAreSaid) {
                   kUpdate + "\n    ]\n}\n");
 }
 
-TEST_F(MsgbusCli, ANegativeCountIsSaid) {
+TEST_F(MsgbusCli, ANegativeCountIsReported) {
     EXPECT_EQ(ShownList(Announcing(-1, NotificationList({Update()}))), R"({
     "count": -1,
     "malformed": "the count is negative",
@@ -150,7 +150,7 @@ TEST_F(MsgbusCli, ANegativeCountIsSaid) {
 )");
 }
 
-TEST_F(MsgbusCli, ABlockWithoutACountIsSaid) {
+TEST_F(MsgbusCli, ABlockWithoutACountIsReported) {
     const std::string expected = R"({
     "malformed": "the block is too short for a count",
     "notifications": []
@@ -190,7 +190,7 @@ TEST_F(MsgbusCli, ABlockThatHasShrunkInBetweenEndsEarlier) {
     EXPECT_EQ(Run({"MsgBusGet", "a"}), "{\n    \"size\": 1,\n    \"bytes\": \"01\"\n}\n");
 }
 
-TEST_F(MsgbusCli, ASizeBeyondTheRoomIsNotFollowed) {
+TEST_F(MsgbusCli, ASizeBeyondTheBufferIsNotTrusted) {
     Given(kGetData).Returns(MSGBUS_BUFFER_NEEDED).WritesNothing().Writes(1U);
     Given(kGetData).WritesRecords<std::byte>({std::byte{1}}).Writes(4000000000U);
     EXPECT_EQ(Run({"MsgBusGet", "a"}), "{\n    \"size\": 1,\n    \"bytes\": \"01\"\n}\n");
@@ -218,7 +218,7 @@ TEST_F(MsgbusCli, ABusThatCannotBeJoinedIsNotRead) {
     EXPECT_EQ(recording::Transcript().back(), "MsgbusHandler::Initialize()");
 }
 
-TEST_F(MsgbusCli, ABusThatCannotBeLeftIsSaidBehindTheAnswer) {
+TEST_F(MsgbusCli, ABusThatCannotBeLeftIsReportedAfterTheAnswer) {
     Publish({std::byte{1}});
     Given("MsgbusHandler::Uninitialize").Returns(19);
     EXPECT_EQ(Run({"MsgBusGet", "a"}),

@@ -33,7 +33,7 @@ std::string Round(std::vector<std::string> calls) {
     return Lines(calls);
 }
 
-TEST_F(Sysintcli, MakesOneCallInARoundOfItsOwn) {
+TEST_F(Sysintcli, OpensTheSdkForEachCall) {
     Given("sys_getSIMStatus").Writes<int>(SYS_SIM_READY);
     EXPECT_EQ(Run({"getSIMStatus"}), R"({
     "status": {
@@ -56,7 +56,7 @@ TEST_F(Sysintcli, ANumberWithoutANameHasTheNameNull) {
 )");
 }
 
-TEST_F(Sysintcli, NumbersThatStandForSomethingHaveTheirNames) {
+TEST_F(Sysintcli, ValuesOfEnumerationsHaveTheirNames) {
     using Case = std::tuple<const char*, const char*, int, const char*>;
     for (const auto& [name, field, value, valueName] : {
              Case{"getCellularDataConnectionStatus", "status", 2, "connected"},
@@ -72,7 +72,7 @@ TEST_F(Sysintcli, NumbersThatStandForSomethingHaveTheirNames) {
     }
 }
 
-TEST_F(Sysintcli, OtherNumbersStandAsTheyAre) {
+TEST_F(Sysintcli, OtherNumbersArePrintedUnchanged) {
     using Case = std::pair<const char*, const char*>;
     for (const auto& [name, field] : {
              Case{"getWebUICarrierEnabled", "enabled"},
@@ -112,7 +112,7 @@ TEST_F(Sysintcli, OtherNumbersStandAsTheyAre) {
     }
 }
 
-TEST_F(Sysintcli, TheNumberOfClientsHasNoSign) {
+TEST_F(Sysintcli, TheNumberOfClientsIsUnsigned) {
     Given("sys_getWiFiMaxClients").Writes(4294967295U);
     EXPECT_EQ(Run({"getWiFiMaxClients"}), "{\n    \"count\": 4294967295\n}\n");
 }
@@ -132,7 +132,7 @@ TEST_F(Sysintcli, FieldsAndApplicationsAreNamed) {
     }
 }
 
-TEST_F(Sysintcli, ConnectsAndDisconnectsWithoutAWord) {
+TEST_F(Sysintcli, ConnectsAndDisconnectsAndPrintsNothing) {
     Given("sys_cellularDataConnect");
     EXPECT_EQ(Run({"cellularDataConnect"}), "");
     EXPECT_EQ(TranscriptText(), Round({"sys_cellularDataConnect(0)"}));
@@ -210,7 +210,7 @@ TEST_F(Sysintcli, TextsEndWithTheirField) {
               "{\n    \"identity\": \"99999999999999999999999999999999\"\n}\n");
 }
 
-TEST_F(Sysintcli, BytesThatAreNoTextAreReplaced) {
+TEST_F(Sysintcli, BytesThatAreNotUtf8AreReplaced) {
     sys_subscriber_info_t info{};
     SetText(info.identity, "31\xFF\xC3");
     Given("sys_getSubscriberInfo").Writes(info);
@@ -283,7 +283,7 @@ TEST_F(Sysintcli, ShowsNoMoreSlotsThanThereAre) {
                                                kFirstSlot + ",\n" + kSecondSlot + "\n    ]\n}\n");
 }
 
-TEST_F(Sysintcli, ANegativeCountOfSlotsIsNone) {
+TEST_F(Sysintcli, ANegativeCountOfSlotsCountsAsZero) {
     Given("sys_getAllSimSlotsInfo").Writes(TwoSlots(-1));
     EXPECT_EQ(Run({"getAllSimSlotsInfo"}), "{\n    \"count\": -1,\n    \"slots\": []\n}\n");
 }
@@ -296,7 +296,7 @@ TEST_F(Sysintcli, ShowsTheNetworkSelectionByEitherName) {
     EXPECT_EQ(Run({"getMnsInfo"}), expected);
 }
 
-TEST_F(Sysintcli, TheBandwidthAnswersToEitherSpelling) {
+TEST_F(Sysintcli, TheBandwidthHasTwoSpellings) {
     Given("sys_getCABandWidth").Writes(40);
     EXPECT_EQ(Run({"getCABandWidth"}), "{\n    \"bandwidth\": 40\n}\n");
     EXPECT_EQ(Run({"getCABandwidth"}), "{\n    \"bandwidth\": 40\n}\n");
@@ -416,7 +416,7 @@ TEST_F(Sysintcli, WithoutDevicesTheListIsEmpty) {
     EXPECT_EQ(Run({"getConnectedDeviceList"}), "{\n    \"devices\": []\n}\n");
 }
 
-TEST_F(Sysintcli, DevicesThatHaveComeOrGoneInBetweenAreFollowed) {
+TEST_F(Sysintcli, TheNumberOfDevicesMayChangeBetweenTheCalls) {
     Given("sys_getConnectedDeviceList").Returns(SYS_ERROR_BUFFER_NEEDED).WritesNothing().Writes(1U);
     Given("sys_getConnectedDeviceList").Returns(SYS_ERROR_BUFFER_NEEDED).WritesNothing().Writes(3U);
     Given("sys_getConnectedDeviceList").WritesRecords(Devices(1)).Writes(1U);
@@ -426,7 +426,7 @@ TEST_F(Sysintcli, DevicesThatHaveComeOrGoneInBetweenAreFollowed) {
                                        "sys_getConnectedDeviceList(room for 3)"}));
 }
 
-TEST_F(Sysintcli, ACountBeyondTheRoomIsNotFollowed) {
+TEST_F(Sysintcli, ACountBeyondTheBufferIsNotTrusted) {
     Given("sys_getConnectedDeviceList").Returns(SYS_ERROR_BUFFER_NEEDED).WritesNothing().Writes(1U);
     Given("sys_getConnectedDeviceList").WritesRecords(Devices(1)).Writes(1000000U);
     EXPECT_EQ(Run({"getConnectedDeviceList"}), kOneGuest);
@@ -440,7 +440,7 @@ TEST_F(Sysintcli, AListThatNeverFitsFails) {
     EXPECT_EQ(recording::CallCount("sys_getConnectedDeviceList"), 6U);
 }
 
-TEST_F(Sysintcli, EveryCallThatFailsSaysItsCode) {
+TEST_F(Sysintcli, EveryFailingCallPrintsItsCode) {
     const Tool tool = SysintTool();
     for (const Command& command : tool.commands) {
         recording::Reset();
@@ -455,21 +455,21 @@ TEST_F(Sysintcli, EveryCallThatFailsSaysItsCode) {
     }
 }
 
-TEST_F(Sysintcli, ACodeThatHasANameIsNamed) {
+TEST_F(Sysintcli, PrintsTheNameOfACode) {
     Given("sys_getSDCardInfo").Returns(SYS_ERROR_NO_SD_CARD);
     EXPECT_EQ(Run({"getSDCardInfo"}),
               "sysintcli: sys_getSDCardInfo failed, returned error code 2001 "
               "(error_no_sd_card)\n[1]\n");
 }
 
-TEST_F(Sysintcli, WithoutARoundThereIsNoCall) {
+TEST_F(Sysintcli, IfTheSdkCannotBeOpenedNoCallIsMade) {
     Given("sys_sdkInitialize").Returns(3);
     EXPECT_EQ(Run({"getSIMStatus"}),
               "sysintcli: sys_sdkInitialize failed, returned error code 3\n[1]\n");
     EXPECT_EQ(TranscriptText(), "sys_sdkInitialize()\n");
 }
 
-TEST_F(Sysintcli, ARoundThatDoesNotEndIsSaidBehindTheAnswer) {
+TEST_F(Sysintcli, AFailureToCloseTheSdkIsReportedAfterTheAnswer) {
     Given("sys_getNumSims").Writes(2);
     Given("sys_sdkShutdown").Returns(3);
     EXPECT_EQ(Run({"getNumSims"}),

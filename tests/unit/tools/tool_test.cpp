@@ -93,7 +93,7 @@ TEST(Tool, RunsACommandByAnyOfItsNames) {
     EXPECT_EQ(Shown(Example(), {"tell", "so", "1"}), "so.");
 }
 
-TEST(Tool, TheOptionStandsAnywhereBehindTheCommand) {
+TEST(Tool, TheOptionMayBeAnywhereAfterTheCommand) {
     EXPECT_EQ(Shown(Example(), {"say", "--loud", "so", "1"}), "so!");
     EXPECT_EQ(Shown(Example(), {"say", "so", "1", "--loud"}), "so!");
 }
@@ -118,7 +118,7 @@ TEST(Tool, ACommandOfAGroupTakesOptionalArguments) {
     EXPECT_EQ(shown({"--drop=b"}), "WHAT: --times:7 --drop=b --loud: none");
 }
 
-TEST(Tool, ASettingStandsBeforeTheCommand) {
+TEST(Tool, ASettingComesBeforeTheCommand) {
     EXPECT_EQ(Shown(Elaborate(), {"--colour", "red", "group", "print"}),
               "WHAT: --times:7 --drop: --loud: red");
 }
@@ -138,7 +138,7 @@ TEST(Tool, AnOptionalArgumentThatIsEmptyIsRefused) {
     refused({"--colour=", "group", "print"}, "--colour");
 }
 
-TEST(Tool, WrongUsageInAGroupIsSaid) {
+TEST(Tool, WrongUsageInAGroupIsReported) {
     const std::string hint = "\nTry 'elaborate --help'.\n[2]\n";
     EXPECT_EQ(Shown(Elaborate(), {"group"}), "elaborate: a command is expected" + hint);
     EXPECT_EQ(Shown(Elaborate(), {"group", "prnt"}),
@@ -159,7 +159,7 @@ TEST(Tool, WrongUsageInAGroupIsSaid) {
     EXPECT_EQ(Shown(Elaborate(), {"group", "refuse"}), "elaborate: no reason" + hint);
 }
 
-TEST(Tool, HelpTellsTheCommands) {
+TEST(Tool, HelpListsTheCommands) {
     EXPECT_EQ(Shown(Example(), {"--help"}),
               "Serves as an example.\n"
               "Usage: example [OPTIONS] COMMAND\n"
@@ -178,7 +178,7 @@ TEST(Tool, HelpTellsTheCommands) {
     EXPECT_EQ(Shown(Example(), {"-h"}), Shown(Example(), {"--help"}));
 }
 
-TEST(Tool, HelpOfACommandTellsWhatItTakes) {
+TEST(Tool, HelpOfACommandShowsItsArguments) {
     const std::string expected =
         "Say something\n"
         "Usage: example say [OPTIONS] WHAT TIMES\n"
@@ -196,7 +196,7 @@ TEST(Tool, HelpOfACommandTellsWhatItTakes) {
     EXPECT_EQ(Shown(Example(), {"tell", "so", "--help"}), help);
 }
 
-TEST(Tool, TellsItsVersion) {
+TEST(Tool, PrintsItsVersion) {
     EXPECT_EQ(Shown(Example(), {"--version"}), std::string("example ") + KestalVersion() + "\n");
 }
 
@@ -204,7 +204,7 @@ TEST(Tool, TheNamesOfTheCommandsCanBeListed) {
     EXPECT_EQ(Shown(Example(), {"--commands"}), "say\ntell\nfail\n");
 }
 
-TEST(Tool, WrongUsageIsSaid) {
+TEST(Tool, WrongUsageIsReported) {
     const std::string hint = "\nTry 'example --help'.\n[2]\n";
     EXPECT_EQ(Shown(Example(), {}), "example: a command is expected" + hint);
     EXPECT_EQ(Shown(Example(), {"shout"}),
@@ -224,7 +224,7 @@ TEST(Tool, WrongUsageIsSaid) {
               "example: The following argument was not expected: --loud" + hint);
 }
 
-TEST(Tool, ACallThatFailsIsSaid) {
+TEST(Tool, AFailingCallIsReported) {
     EXPECT_EQ(Shown(Example(), {"fail"}), "example: the_call failed, returned error code 3\n[1]\n");
 }
 

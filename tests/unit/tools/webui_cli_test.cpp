@@ -97,7 +97,7 @@ TEST_F(WebuiCli, ACountThatMakesNoSenseFails) {
     EXPECT_EQ(recording::CallCount("webui_get_common_features"), 1U);
 }
 
-TEST_F(WebuiCli, ANegativeCountOfRecordsIsNone) {
+TEST_F(WebuiCli, ANegativeCountOfRecordsCountsAsZero) {
     Given("webui_get_common_features").Returns(WEBUI_BUFFER_NEEDED).WritesNothing().Writes(1);
     Given("webui_get_common_features").Returns(WEBUI_SUCCESS).WritesNothing().Writes(-1);
     EXPECT_EQ(Run({"get_common_features"}), "{\n    \"features\": []\n}\n");
@@ -169,7 +169,7 @@ TEST_F(WebuiCli, ShowsTheCarriersTexts) {
     EXPECT_EQ(TranscriptText(), "webui_get_software_update_custom_msgs(de_DE)\n");
 }
 
-TEST_F(WebuiCli, EveryCallThatFailsSaysItsCode) {
+TEST_F(WebuiCli, EveryFailingCallPrintsItsCode) {
     const Tool tool = WebuiTool();
     for (const Command& command : tool.commands) {
         recording::Reset();

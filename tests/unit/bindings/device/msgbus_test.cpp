@@ -66,7 +66,7 @@ TEST_F(Msgbus, NotificationsAreACountAndRecords) {
     EXPECT_EQ(Block(), NotificationList({sms, dataOff}));
 }
 
-TEST_F(Msgbus, NotificationsAreActiveUnlessToldOtherwise) {
+TEST_F(Msgbus, NotificationsAreActiveByDefault) {
     Channel(R"([{}, {"active": true}, {"active": false}])");
     AnsNotificationRecord inactive = Notification("");
     inactive.flags = 0;
@@ -146,7 +146,7 @@ TEST_F(Msgbus, EmptyBlockHasNoSize) {
     EXPECT_EQ(buffer, std::byte{0x5A});
 }
 
-TEST_F(Msgbus, ChannelsFailAsTold) {
+TEST_F(Msgbus, ChannelsFailAsTheDocumentSays) {
     Channel(R"({"error": 31})");
     ExpectFailure(kNotifications, 31);
     Channel(R"({"error": 4})");

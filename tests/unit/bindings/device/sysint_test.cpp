@@ -79,7 +79,7 @@ TEST_F(Sysint, UnnamedQueriesFailAndWriteNothing) {
     EXPECT_EQ(count, 9U);
 }
 
-TEST_F(Sysint, QueriesFailAsToldAndWriteNothing) {
+TEST_F(Sysint, QueriesFailAsTheDocumentSaysAndWriteNothing) {
 #define EXPECT_QUERY(Type, name, Meaning, field, description) \
     Entry(#name, "{\"error\": 42}");                          \
     ExpectFailure(&sys_##name, 42, #name);
@@ -191,7 +191,7 @@ TEST_F(Sysint, EachGuestProfileHasItsOwnAnswer) {
     EXPECT_EQ(sys_getWiFiGuestProfileEnabled(3, &enabled), kNotAnswered);
 }
 
-TEST_F(Sysint, DeviceListTellsItsSizeFirst) {
+TEST_F(Sysint, DeviceListReturnsItsSizeFirst) {
     Entry("getConnectedDeviceList", R"([{"connectionKind": 1}, {"connectionKind": 3}])");
     unsigned int count = 0;
     EXPECT_EQ(sys_getConnectedDeviceList(nullptr, &count), SYS_ERROR_BUFFER_NEEDED);

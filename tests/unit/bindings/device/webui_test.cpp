@@ -55,7 +55,7 @@ const auto kStatusFeatures = ForApp<webui_feature_t>(webui_get_app_features, "st
 const auto kStatusConfigurations =
     ForApp<webui_configuration_t>(webui_get_app_configurations, "status");
 
-TEST_F(Webui, ListsTellTheirSizeFirst) {
+TEST_F(Webui, ListsReturnTheirSizeFirst) {
     Document(R"({"webui": {"commonFeatures": {"A": 1, "B": 2},
                            "commonConfigurations": {"A": "1", "B": "2"},
                            "appFeatures": {"status": {"A": 1, "B": 2}},
@@ -106,7 +106,7 @@ TEST_F(Webui, UnnamedCallsFailAndWriteNothing) {
     }
 }
 
-TEST_F(Webui, WholeEntriesFailAsTold) {
+TEST_F(Webui, WholeEntriesFailAsTheDocumentSays) {
     const std::string failure = "{\"error\": 983055}";
     Document("{\"webui\": {\"commonFeatures\": " + failure + ", \"commonConfigurations\": " +
              failure + ", \"appFeatures\": " + failure + ", \"appConfigurations\": " + failure +
@@ -132,7 +132,7 @@ TEST_F(Webui, WholeEntriesFailAsTold) {
     EXPECT_EQ(webui_get_software_update_custom_msgs("de_DE", &messages), 983055);
 }
 
-TEST_F(Webui, SinglePagesApplicationsAndLanguagesFailAsTold) {
+TEST_F(Webui, SinglePagesApplicationsAndLanguagesFailAsTheDocumentSays) {
     Document(R"({"webui": {"appFeatures": {"status": {"error": 1}},
                            "uriData": {"sms": {"error": 2}},
                            "externalUriData": {"help": {"error": 3}},

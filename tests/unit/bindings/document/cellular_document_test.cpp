@@ -69,7 +69,7 @@ TEST(CellularDocument, LockHasTheCarriersBlock) {
               "found 1");
 }
 
-TEST(CellularDocument, SlotsAreAListAndCountThemselves) {
+TEST(CellularDocument, SlotsAreAListWhoseLengthIsTheCount) {
     const auto all = Read(R"({"sys": {"getAllSimSlotsInfo": {"slots": [{}, {
         "networkName": "Velta Mobil", "active": 1, "simStatus": 7, "dataConnectionStatus": 2,
         "serviceStatus": 3}]}}})")

@@ -58,7 +58,7 @@ TEST(DeviceDocument, SyntaxErrorsNameLineAndColumn) {
     EXPECT_EQ(Complaint("{\n\"msgbus\": {\"a\": 1e999}}").find("device.json:2:"), 0U);
 }
 
-TEST(DeviceDocument, NothingIsNamedTwice) {
+TEST(DeviceDocument, DuplicateNamesAreErrors) {
     EXPECT_EQ(Complaint("{\n\"sys\": {\n\"getSIMStatus\": 1,\n\"getSIMStatus\": 1\n}\n}"),
               "device.json:4: sys.getSIMStatus: expected once, found twice");
     EXPECT_EQ(Complaint("{\"sys\": {},\n\"sys\": {}}"),
@@ -68,7 +68,7 @@ TEST(DeviceDocument, NothingIsNamedTwice) {
     EXPECT_EQ(Complaint(R"({"msgbus": {"a": {"error": 1}, "b": {"error": 1}}})"), "");
 }
 
-TEST(DeviceDocument, IsOneObjectOfThree) {
+TEST(DeviceDocument, HasThreeGroups) {
     EXPECT_EQ(Complaint("[]"), "device.json:1: expected an object, found a list");
     EXPECT_EQ(Complaint("\n7"), "device.json:2: expected an object, found 7");
     EXPECT_EQ(Complaint("{\n\n\"system\": {}}"),
@@ -142,7 +142,7 @@ TEST(DeviceDocument, AnyCallMayFailInstead) {
     EXPECT_EQ(device.commonFeatures.error, WEBUI_BUFFER_NEEDED);
 }
 
-TEST(DeviceDocument, FailuresHaveACodeThatIsNoSuccess) {
+TEST(DeviceDocument, FailuresHaveNoCodeOfSuccess) {
     const std::string expected =
         "sys.getSIMStatus.error: expected a 32-bit integer other than 0 "
         "and 983040, found ";
@@ -276,7 +276,7 @@ TEST(DeviceDocument, GroupIdentifiersAreBytes) {
     }
 }
 
-TEST(DeviceDocument, GuestProfilesAreTogetherOrSingle) {
+TEST(DeviceDocument, GuestProfilesHaveOneValueOrAValueEach) {
     const auto single =
         Read(R"({"sys": {"getWiFiGuestProfileEnabled": {"1": {"error": 5}, "2": 1}}})")
             .getWiFiGuestProfileEnabled;

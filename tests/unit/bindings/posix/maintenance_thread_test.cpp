@@ -257,7 +257,7 @@ TEST(SteadyMaintenanceClock, WaitsAsLongAsItIsTold) {
     EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(2));
 }
 
-TEST(SteadyMaintenanceClock, StopsWaitingWhenItIsAskedTo) {
+TEST(SteadyMaintenanceClock, StopsWaitingOnRequest) {
     std::jthread waiting([clock = SteadyClock()](const std::stop_token& stop) {
         clock->Wait(std::chrono::hours(1), stop);
     });

@@ -47,14 +47,14 @@ TEST_F(DataCall, AddsTheStatusToADocumentWithoutOne) {
               "        \"getSIMStatus\": 7\n    }\n}\n");
 }
 
-TEST_F(DataCall, LeavesAStatusThatFailsAlone) {
+TEST_F(DataCall, DoesNotChangeAStatusThatFails) {
     const std::string document = R"({"sys": {"getCellularDataConnectionStatus": {"error": 4}}})";
     Document(document);
     EXPECT_EQ(sys_cellularDataConnect(0), 0);
     EXPECT_EQ(ReadFile(device), document);
 }
 
-TEST_F(DataCall, FailsAsToldAndChangesNothing) {
+TEST_F(DataCall, FailsAsTheDocumentSaysAndChangesNothing) {
     const std::string document = R"({"sys": {"cellularDataConnect": {"error": 31},
         "cellularDataDisconnect": {"error": 32}, "getCellularDataConnectionStatus": 1}})";
     Document(document);

@@ -56,7 +56,7 @@ std::vector<int> Codes(const Device& device) {
     return codes;
 }
 
-TEST(ShippedDevices, EachDocumentIsRightAndNamesEveryCall) {
+TEST(ShippedDevices, EachDocumentIsValidAndNamesEveryCall) {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(KESTAL_SHIPPED_DEVICES)) {
         SCOPED_TRACE(entry.path());
@@ -93,7 +93,7 @@ TEST(ShippedDevices, EachDocumentIsRightAndNamesEveryCall) {
                      }));
 }
 
-TEST(ShippedDevices, EverythingFailsWithACodeOfItsOwnButTheSwitchOfTheWebUi) {
+TEST(ShippedDevices, EveryCallFailsWithACodeOfItsOwnExceptTheSwitchOfTheWebUi) {
     const Device device = Shipped("everything-failing");
     EXPECT_EQ(device.getWebUICarrierEnabled.value, 1);
     std::vector<int> codes = Codes(device);

@@ -36,14 +36,14 @@ TEST(FCgiIO, VariablesAreFoundByTheirWholeName) {
     EXPECT_EQ(input.getenv(""), "");
 }
 
-TEST(FCgiIO, OfVariablesWithOneNameTheFirstCounts) {
+TEST(FCgiIO, TheFirstOfSeveralVariablesOfOneNameCounts) {
     Environment environment({"A=1", "A=2"});
     cgicc::FCgiIO input(environment.request);
     EXPECT_EQ(input.getenv("A"), "1");
     EXPECT_STREQ(FCGX_GetParam("A", environment.request.envp), "1");
 }
 
-TEST(FCgiIO, WhatIsNoVariableIsLeftOut) {
+TEST(FCgiIO, EntriesThatAreNotVariablesAreIgnored) {
     Environment environment({"", "A", "=B", "C=D"});
     cgicc::FCgiIO input(environment.request);
     EXPECT_EQ(input.getenv("A"), "");

@@ -40,7 +40,7 @@ TEST(CDTCopies, WritesToTheOriginalAreIsolated) {
     EXPECT_EQ(ToJSON(copy), kTree);
 }
 
-TEST(CDTCopies, PushBackReachesNoCopy) {
+TEST(CDTCopies, PushBackDoesNotChangeCopies) {
     CDT original;
     original.PushBack(1);
     CDT copy = original;
@@ -49,7 +49,7 @@ TEST(CDTCopies, PushBackReachesNoCopy) {
     EXPECT_EQ(ToJSON(copy), "[1,2]");
 }
 
-TEST(CDTCopies, WritesThroughAtAndIteratorsReachNoCopy) {
+TEST(CDTCopies, WritesThroughAtAndIteratorsDoNotChangeCopies) {
     const CDT original = Tree();
     CDT copy = original;
     copy.At("hash").At("k") = "changed";

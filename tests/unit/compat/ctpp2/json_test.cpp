@@ -125,7 +125,7 @@ TEST(CDTJSON, TextsOfAnyLengthAreWritten) {
     EXPECT_EQ(ToJSON(digits), std::string(9000, '1'));
 }
 
-TEST(CDTJSON, TheRootMayBeAnything) {
+TEST(CDTJSON, TheRootMayHaveAnyType) {
     EXPECT_EQ(ToJSON(CDT()), "null");
     EXPECT_EQ(ToJSON(CDT(7)), "7");
     EXPECT_EQ(ToJSON(CDT("t")), "\"t\"");
@@ -184,7 +184,7 @@ TEST(CDTJSON, RealsDoNotDependOnTheLocale) {
     EXPECT_EQ(real, 1.5);
 }
 
-TEST(CDTJSON, WhatJSONCannotSayIsNull) {
+TEST(CDTJSON, ValuesThatJSONDoesNotHaveAreNull) {
     int number = 0;
     CDT data;
     data.PushBack(std::nan(""));

@@ -188,7 +188,7 @@ TEST(CDTMembers, LiteralsAndTextsAreTheSameKeysInTheSameOrder) {
 
 const char kOfUnknownSize[] = "size";
 
-TEST(CDTMembers, AKeyThatIsTakenFromAnIteratorIsOnesOwn) {
+TEST(CDTMembers, AKeyTakenFromAnIteratorIsACopy) {
     std::string text;
     bool same = false;
     {

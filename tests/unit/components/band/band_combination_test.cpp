@@ -100,7 +100,7 @@ TEST_F(BandCombinationTest, TechnologyWithoutBandsMakesBothTextsADash) {
     }
 }
 
-TEST_F(BandCombinationTest, SecondAndThirdGenerationShowTheirBandBehindB) {
+TEST_F(BandCombinationTest, SecondAndThirdGenerationShowTheirBandAfterB) {
     for (const int technology : {2, 3, 4, 5, 6, 7, 8, 9, 10, 12, 13, 14}) {
         recording::Reset();
         GivenTechnology(technology);
@@ -113,13 +113,13 @@ TEST_F(BandCombinationTest, SecondAndThirdGenerationShowTheirBandBehindB) {
     }
 }
 
-TEST_F(BandCombinationTest, ThirdGenerationWithFailedBandIsABareB) {
+TEST_F(BandCombinationTest, ThirdGenerationWithFailedBandIsOnlyTheLetterB) {
     GivenTechnology(SYS_TECHNOLOGY_UMTS);
     Given("sys_getCellular3GBand").Returns(kFailed).Writes(8);
     EXPECT_EQ(Bands(), "B");
 }
 
-TEST_F(BandCombinationTest, LteShowsItsBandBehindBAndTheAggregatedBandwidth) {
+TEST_F(BandCombinationTest, LteShowsItsBandAfterBAndTheAggregatedBandwidth) {
     for (const int technology : {SYS_TECHNOLOGY_LTE, SYS_TECHNOLOGY_LTE_PLUS}) {
         recording::Reset();
         GivenTechnology(technology);
@@ -132,7 +132,7 @@ TEST_F(BandCombinationTest, LteShowsItsBandBehindBAndTheAggregatedBandwidth) {
     }
 }
 
-TEST_F(BandCombinationTest, LteWithFailedBandIsABareB) {
+TEST_F(BandCombinationTest, LteWithFailedBandIsOnlyTheLetterB) {
     GivenTechnology(SYS_TECHNOLOGY_LTE);
     Given("sys_getCellularBand").Returns(kFailed).Writes(66);
     EXPECT_EQ(Bands(), "B");
@@ -168,14 +168,14 @@ TEST_F(BandCombinationTest, NumbersAreWrittenInFull) {
     EXPECT_EQ(Bandwidths(), "2147483647 MHz");
 }
 
-TEST_F(BandCombinationTest, UnitStandsForItselfWithoutTranslation) {
+TEST_F(BandCombinationTest, UnitWithoutTranslationIsTheMessageId) {
     translations::Reset();
     GivenTechnology(SYS_TECHNOLOGY_LTE);
     Given("sys_getCABandWidth").Writes(20);
     EXPECT_EQ(Bandwidths(), "20 webui_app_megahertz_text");
 }
 
-TEST_F(BandCombinationTest, StandaloneFiveGShowsItsBandBehindN) {
+TEST_F(BandCombinationTest, StandaloneFiveGShowsItsBandAfterN) {
     GivenFiveG(SYS_WAN_5G_STANDALONE);
     Given("sys_getCellular5GBand").Writes(77).Writes(0);
     Given("sys_get5GBandWidth").Writes(100);

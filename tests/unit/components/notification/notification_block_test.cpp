@@ -119,14 +119,14 @@ TEST_F(NotificationBlockTest, ListThatShrinksBetweenTheTwoAnswersIsReadAsItIsNow
     EXPECT_EQ(Ids(), "a ");
 }
 
-TEST_F(NotificationBlockTest, NoMemoryIsToldFromAFailure) {
+TEST_F(NotificationBlockTest, LackOfMemoryIsDistinguishedFromAFailure) {
     GivenSize(std::numeric_limits<unsigned int>::max());
     EXPECT_EQ(block.Read(bus), Result::kNoMemory);
     EXPECT_TRUE(block.Records().empty());
     EXPECT_EQ(recording::TranscriptText(), kGetSize);
 }
 
-TEST_F(NotificationBlockTest, OnlyWhatIsDeliveredTakesMemoryHoweverMuchIsAnnounced) {
+TEST_F(NotificationBlockTest, MemoryIsUsedOnlyForDeliveredBytesHoweverManyAreAnnounced) {
     constexpr std::size_t kAnnounced = std::size_t{200} << 20U;
     GivenSize(kAnnounced);
     Given(kGetData).WritesRecords(NotificationList({Notification("a")})).Writes(468U);
@@ -157,7 +157,7 @@ TEST_F(NotificationBlockTest, EveryReadingReplacesTheOneBefore) {
     EXPECT_TRUE(block.Records().empty());
 }
 
-TEST_F(NotificationBlockTest, WhatTheChannelDoesNotWriteIsEmptyAndNotWhatTheMemoryHeldBefore) {
+TEST_F(NotificationBlockTest, BytesThatTheChannelDoesNotWriteAreZero) {
     GivenBlock(NotificationList({Notification("secret")}));
     EXPECT_EQ(block.Read(bus), Result::kRead);
     recording::Reset();
@@ -167,7 +167,7 @@ TEST_F(NotificationBlockTest, WhatTheChannelDoesNotWriteIsEmptyAndNotWhatTheMemo
     EXPECT_EQ(Ids(), " ");
 }
 
-TEST_F(NotificationBlockTest, RecordsThatWereNotReceivedAreNotThere) {
+TEST_F(NotificationBlockTest, RecordsThatWereNotReceivedAreLeftOut) {
     for (const std::int32_t count : {3, 5000, std::numeric_limits<std::int32_t>::max()}) {
         recording::Reset();
         GivenBlock(ListClaiming(count, {Notification("a"), Notification("b")}));
@@ -177,7 +177,7 @@ TEST_F(NotificationBlockTest, RecordsThatWereNotReceivedAreNotThere) {
     }
 }
 
-TEST_F(NotificationBlockTest, RecordOfWhichBytesAreMissingIsNotThere) {
+TEST_F(NotificationBlockTest, IncompleteRecordIsLeftOut) {
     for (const std::size_t missing : {1U, 463U}) {
         recording::Reset();
         std::vector<std::byte> bytes = NotificationList({Notification("a"), Notification("b")});
@@ -189,7 +189,7 @@ TEST_F(NotificationBlockTest, RecordOfWhichBytesAreMissingIsNotThere) {
     }
 }
 
-TEST_F(NotificationBlockTest, BytesBehindTheClaimedRecordsAreNotRead) {
+TEST_F(NotificationBlockTest, BytesAfterTheClaimedRecordsAreNotRead) {
     GivenBlock(ListClaiming(1, {Notification("a"), Notification("b")}));
     EXPECT_EQ(block.Read(bus), Result::kRead);
     EXPECT_EQ(Ids(), "a ");

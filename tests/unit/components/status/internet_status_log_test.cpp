@@ -79,7 +79,7 @@ TEST_F(InternetStatusLog, TheTechnologyIsLoggedByNumberWhetherItHasATextOrNot) {
     }
 }
 
-TEST_F(InternetStatusLog, KnownSubscriberTakesNoGid) {
+TEST_F(InternetStatusLog, GidOfAKnownSubscriberIsNotRead) {
     Json();
     recording::Reset();
     EXPECT_EQ(Transcript(), kReadings + Technology(11) + kSubscriber + kBandTexts + kEnd);
@@ -121,7 +121,7 @@ TEST_F(InternetStatusLog, FailedAccountIsSilent) {
                                 Technology(11) + kSubscriber + kCarrier + kBandTexts + kEnd);
 }
 
-TEST_F(InternetStatusLog, EachFailedSourceHasItsCodeInTheOneLineAndTheRestIsReadAllTheSame) {
+TEST_F(InternetStatusLog, EachFailedSourceHasItsCodeInTheOneLineAndTheRestIsStillRead) {
     for (std::size_t failed = 0; failed < kSources.size(); ++failed) {
         recording::Reset();
         const int code = 61 + static_cast<int>(failed);
@@ -147,7 +147,7 @@ TEST_F(InternetStatusLog, TheAccountsOwnCodeIsNotInTheLineThatNamesIt) {
                                 CombinedFailure({0, 0, 63, 0, 0}) + kEnd);
 }
 
-TEST_F(InternetStatusLog, PreferredTechnologyIsReadBehindEverythingElse) {
+TEST_F(InternetStatusLog, PreferredTechnologyIsReadAfterEverythingElse) {
     Configure("ShowNonOrvaneTechnologies", "0");
     Given("sys_getEnabledRadioTechnologies").Writes(16);
     EXPECT_EQ(Transcript(), kReadings + Technology(11) + kSubscriber + kCarrier + kBandTexts +
@@ -168,7 +168,7 @@ TEST_F(InternetStatusLog, FailedPreferredTechnologyIsLoggedWithoutTheFunction) {
                   kEnd);
 }
 
-TEST_F(InternetStatusLog, FailedSimLeavesItsTraceInTheBandTexts) {
+TEST_F(InternetStatusLog, FailedSimIsLoggedWithTheBandTexts) {
     simStatus.reset();
     Given("sys_getSIMStatus").Returns(72);
     const std::string failure =

@@ -211,14 +211,14 @@ TEST_F(InternetStatus, CountersWrapAndArePrintedWhole) {
     EXPECT_EQ(Value("statusBarConnectionDuration"), "18446744073709551615");
 }
 
-TEST_F(InternetStatus, AccountOutOfCreditShowsWhatTheConnectionDoes) {
+TEST_F(InternetStatus, AccountOutOfCreditShowsTheStateOfTheConnection) {
     Construct({"sys_getPCOCarrierEnabled"});
     accountStatus = SYS_ACCOUNT_OUT_OF_CREDIT;
     EXPECT_EQ(ValueOf("statusBarConnectionState"), "Account out of credit (PCO 3)");
     EXPECT_EQ(Value("pcoInitiatedConnectionStatus"), "Connected");
 }
 
-TEST_F(InternetStatus, OnlyAnAccountOutOfCreditOrNotActiveShowsWhatTheConnectionDoes) {
+TEST_F(InternetStatus, OnlyAnAccountOutOfCreditOrNotActiveShowsTheStateOfTheConnection) {
     Construct({"sys_getPCOCarrierEnabled"});
     for (int account = -1; account < 8; ++account) {
         recording::Reset();
@@ -234,7 +234,7 @@ TEST_F(InternetStatus, OnlyAnAccountOutOfCreditOrNotActiveShowsWhatTheConnection
     EXPECT_EQ(Value("statusBarConnectionState"), "Account not active (PCO 5)");
 }
 
-TEST_F(InternetStatus, DualSimShowsWhatTheConnectionDoesToo) {
+TEST_F(InternetStatus, DualSimShowsTheStateOfTheConnectionToo) {
     Construct({"sys_getPCOCarrierEnabled", "sys_getMultiSimEnabled"});
     accountStatus = SYS_ACCOUNT_OUT_OF_CREDIT;
     EXPECT_EQ(ValueOf("pcoInitiatedConnectionStatus"), "Connected");
@@ -271,7 +271,7 @@ TEST_F(InternetStatus, BandsAreThoseOfTheBandTexts) {
     EXPECT_EQ(Value("statusBarBandwidth"), "20 MHz, 100 MHz");
 }
 
-TEST_F(InternetStatus, BandsThatCannotBeToldAreEmptyTexts) {
+TEST_F(InternetStatus, BandsThatCannotBeReadAreEmptyTexts) {
     simStatus.reset();
     Given("sys_getSIMStatus").Returns(9);
     EXPECT_EQ(ValueOf("statusBarBand"), "");

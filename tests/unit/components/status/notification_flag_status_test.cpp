@@ -160,7 +160,7 @@ TEST_F(NotificationFlagStatusTest, BlockWithoutRoomForItsCountIsAnEmptyList) {
     EXPECT_EQ(TranscriptText(Log(7, kFlag + " -[")), Steps({Received("0")}));
 }
 
-TEST_F(NotificationFlagStatusTest, BusThatCannotBeJoinedOrLeftIsAskedAllTheSame) {
+TEST_F(NotificationFlagStatusTest, BusThatCannotBeJoinedOrLeftIsStillRead) {
     Given("MsgbusHandler::Initialize").Returns(1);
     Given("MsgbusHandler::Uninitialize").Returns(1);
     GivenBlock(NotificationList({Notification("dataOff")}));
@@ -185,7 +185,7 @@ TEST_F(NotificationFlagStatusTest, BusThatCannotBeEnteredClearsTheFlag) {
     }
 }
 
-TEST_F(NotificationFlagStatusTest, BusThatCannotBeLeftDoesNotCostTheFlag) {
+TEST_F(NotificationFlagStatusTest, FlagIsSetEvenIfTheBusCannotBeLeft) {
     GivenBlock(NotificationList({Notification("dataOff")}));
     Given("MsgbusHandler::Uninitialize").Does([] { throw std::runtime_error("no way out"); });
     EXPECT_EQ(Json(), R"({"statusBarNotificationFlag":"1"})");

@@ -60,7 +60,7 @@ TEST_F(SimCarrierGidTest, FailureIsLoggedAndKeepsWhatTheCallerHad) {
                      Log(7, kGid + " - END")}));
 }
 
-TEST_F(SimCarrierGidTest, WhatAFailedReadingWroteIsTakenBack) {
+TEST_F(SimCarrierGidTest, ValuesOfAFailedReadingAreUndone) {
     gid.front() = 2;
     gid.back() = 5;
     length = 1;

@@ -127,7 +127,7 @@ TEST_F(SoftwareUpdateStatusTest, StateWithMessagesShowsThemInTheLanguageOfTheUse
                      "webui_get_software_update_custom_msgs(de_DE)", Log(7, kUpdate + " - END")}));
 }
 
-TEST_F(SoftwareUpdateStatusTest, StateWithoutMessagesLeavesThemEmptyAndUnasked) {
+TEST_F(SoftwareUpdateStatusTest, StateWithoutMessagesLeavesThemEmptyAndDoesNotAskForThem) {
     GivenAll(7);
     EXPECT_EQ(Json(), WithoutMessages(7, 3, "4.2", 1, 600));
     EXPECT_EQ(

@@ -217,7 +217,7 @@ TEST_F(StatusDataSetTest, AllGroupsAreCalledInOrder) {
             "GetSmbStatus", "GetGuestWifiStatus", "GetSoftwareUpdateStatus", "GetDualSimStatus"}));
 }
 
-TEST_F(StatusDataSetTest, PlatformIsAskedInOrderWhenEverythingIsThere) {
+TEST_F(StatusDataSetTest, PlatformIsAskedInOrderWhenEverythingIsEnabled) {
     Construct(kEverySwitch);
     Configure({Configuration("IsABPartitionEnabled", "1"),
                Configuration("ShowRoamingIndicator", "1"),
@@ -322,7 +322,7 @@ TEST_F(StatusDataSetTest, SoftwareUpdateIsShownOnlyWithAnAgentForIt) {
     }
 }
 
-TEST_F(StatusDataSetTest, DualSimSupportTakesTheDualSimGroupInPlaceOfTheSingle) {
+TEST_F(StatusDataSetTest, WithDualSimSupportTheDualSimGroupReplacesTheSingleOne) {
     Construct({"sys_getMultiSimEnabled"});
     Json();
     EXPECT_EQ(CalledGroups(),

@@ -82,7 +82,7 @@ TEST(ConnectionStateText, RestrictedAccountComesBeforeTheService) {
     }
 }
 
-TEST(ConnectionStateText, RestrictedAccountIsSilentOnOtherDataConnectionsAndStillSucceeds) {
+TEST(ConnectionStateText, RestrictedAccountWritesNoTextForOtherDataConnectionsAndSucceeds) {
     for (const std::int32_t service : {-1, 0, 1, 2, 3}) {
         for (const std::int32_t dataConnection : {kMin, -1, 1, 3, 4, 5, 6, 7, 8, kMax}) {
             EXPECT_EQ(StateOf(service, dataConnection, 2), (ConnectionState{0, "untouched"}))
@@ -116,7 +116,7 @@ TEST(ConnectionStateText, WithoutServiceTheDeviceInitializesOrHasNoService) {
     }
 }
 
-TEST(ConnectionStateText, SearchingWhateverTheDataConnection) {
+TEST(ConnectionStateText, SearchingDoesNotDependOnTheDataConnection) {
     for (const std::int32_t dataConnection : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8}) {
         EXPECT_EQ(StateOf(1, dataConnection, 0), (ConnectionState{0, "Searching"}))
             << dataConnection;
@@ -133,7 +133,7 @@ TEST(ConnectionStateText, WithServiceItIsTheDataConnectionStatus) {
     }
 }
 
-TEST(ConnectionStateText, WithServiceAndDataConnectionWithoutTextItIsSilentAndStillSucceeds) {
+TEST(ConnectionStateText, WithServiceAndDataConnectionWithoutTextItWritesNothingAndSucceeds) {
     for (const std::int32_t dataConnection : {kMin, -1, 3, 8, kMax}) {
         EXPECT_EQ(StateOf(2, dataConnection, 0), (ConnectionState{0, "untouched"}))
             << dataConnection;

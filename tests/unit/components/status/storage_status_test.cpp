@@ -114,7 +114,7 @@ TEST_F(StorageStatusTest, EmptySlotWithFailedSharingStateIsAFailureWithEmptyStat
                      Log(7, kSmb + " - statusBarSdCardInUse is:[1]."), Log(7, kSmb + " - END")}));
 }
 
-TEST_F(StorageStatusTest, FailedCardStateIsAFailureAndSharingIsReadAllTheSame) {
+TEST_F(StorageStatusTest, FailedCardStateIsAFailureAndSharingIsStillRead) {
     Given("sys_getSDCardInfo").Returns(2000).Writes(sys_sd_card_info_t{900, 300});
     Given("sys_getSambaEnabled").Writes(1);
     GivenShare(1);

@@ -118,7 +118,7 @@ TEST_F(SubscriberCacheTest, EveryIndicatorCountsAsARequest) {
     EXPECT_EQ(cache.Gid(), 2);
 }
 
-TEST_F(SubscriberCacheTest, FailedRefreshBehindAChangeReadsTheGidAgain) {
+TEST_F(SubscriberCacheTest, FailedRefreshAfterAChangeReadsTheGidAgain) {
     GivenIdentity("310480123456789");
     Given("sys_getSubscriberInfo").Returns(41);
     GivenGid(7);
@@ -128,7 +128,7 @@ TEST_F(SubscriberCacheTest, FailedRefreshBehindAChangeReadsTheGidAgain) {
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 2U);
 }
 
-TEST_F(SubscriberCacheTest, FailedRefreshBehindAnUnchangedSubscriberReadsNoGid) {
+TEST_F(SubscriberCacheTest, FailedRefreshAfterAnUnchangedSubscriberReadsNoGid) {
     GivenIdentity("310480123456789");
     GivenIdentity("310480123456789");
     Given("sys_getSubscriberInfo").Returns(41);
@@ -221,7 +221,7 @@ TEST_F(SubscriberCacheTest, IdentityMayFillItsFieldAndItsLastCharacterCounts) {
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 2U);
 }
 
-TEST_F(SubscriberCacheTest, WhatStandsBehindTheTerminatorDoesNotCount) {
+TEST_F(SubscriberCacheTest, BytesAfterTheTerminatorDoNotCount) {
     sys_subscriber_info_t info{};
     SetText(info.identity, "310480");
     Given("sys_getSubscriberInfo").Writes(info);

@@ -22,7 +22,7 @@ class WifiStatusTest : public StatusGroupTest {
     }
 };
 
-TEST_F(WifiStatusTest, StateIsAnIntegerAndTheMostClientsAText) {
+TEST_F(WifiStatusTest, StateIsAnIntegerAndTheMaximumOfClientsAText) {
     Given("sys_getWiFiEnabled").Writes(1);
     Given("sys_getWiFiMaxClients").Writes(15U);
     EXPECT_EQ(Json(), R"({"statusBarMaxWiFiClientListSize":"15","statusBarWiFiEnabled":1})");
@@ -40,14 +40,14 @@ TEST_F(WifiStatusTest, AnyOtherStateThanZeroIsWrittenAsOneAndLoggedAsItIs) {
                                        "sys_getWiFiMaxClients()", Log(7, kWifi + " - END")}));
 }
 
-TEST_F(WifiStatusTest, MostClientsAreUnsigned) {
+TEST_F(WifiStatusTest, MaximumOfClientsIsUnsigned) {
     Given("sys_getWiFiEnabled").Writes(0);
     Given("sys_getWiFiMaxClients").Writes(std::numeric_limits<unsigned int>::max());
     EXPECT_EQ(Json(),
               R"({"statusBarMaxWiFiClientListSize":"4294967295","statusBarWiFiEnabled":0})");
 }
 
-TEST_F(WifiStatusTest, FailedStateLeavesItsKeyOutAndTheMostClientsAreReadAllTheSame) {
+TEST_F(WifiStatusTest, FailedStateLeavesItsKeyOutAndTheMaximumOfClientsIsStillRead) {
     Given("sys_getWiFiEnabled").Returns(3).Writes(1);
     Given("sys_getWiFiMaxClients").Writes(15U);
     EXPECT_EQ(Json(), R"({"statusBarMaxWiFiClientListSize":"15"})");
@@ -58,7 +58,7 @@ TEST_F(WifiStatusTest, FailedStateLeavesItsKeyOutAndTheMostClientsAreReadAllTheS
                      "sys_getWiFiMaxClients()", Log(7, kWifi + " - END")}));
 }
 
-TEST_F(WifiStatusTest, FailedMostClientsLeaveTheirKeyOut) {
+TEST_F(WifiStatusTest, FailedMaximumOfClientsLeavesItsKeyOut) {
     Given("sys_getWiFiEnabled").Writes(1);
     Given("sys_getWiFiMaxClients").Returns(3);
     EXPECT_EQ(Json(), R"({"statusBarWiFiEnabled":1})");
@@ -71,7 +71,7 @@ TEST_F(WifiStatusTest, FailedMostClientsLeaveTheirKeyOut) {
                Log(7, kWifi + " - END")}));
 }
 
-TEST_F(WifiStatusTest, MostClientsThatAreNotWrittenAreThirty) {
+TEST_F(WifiStatusTest, MaximumOfClientsThatIsNotWrittenIsThirty) {
     Given("sys_getWiFiEnabled").Returns(SYS_SUCCESS);
     Given("sys_getWiFiMaxClients").Returns(SYS_SUCCESS);
     EXPECT_EQ(Json(), R"({"statusBarMaxWiFiClientListSize":"30","statusBarWiFiEnabled":0})");

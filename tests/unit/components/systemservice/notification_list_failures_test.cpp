@@ -85,7 +85,7 @@ TEST_F(NotificationListFailuresTest, ListThatDoesNotFitIntoMemoryIsAFailure) {
                Failure(kGetList + " - Failed to allocate memory for notification list"), kEnd}));
 }
 
-TEST_F(NotificationListFailuresTest, BusThatCannotBeJoinedIsAskedAllTheSame) {
+TEST_F(NotificationListFailuresTest, BusThatCannotBeJoinedIsStillRead) {
     Given("MsgbusHandler::Initialize").Returns(1);
     Given("MsgbusHandler::Uninitialize").Returns(1);
     Json({Notification("a")});
@@ -104,7 +104,7 @@ TEST_F(NotificationListFailuresTest, ExceptionWhileTheListIsBuiltLeavesTheBusAnd
                Failure(kGetList + " - notification list failed: no pin"), kEnd}));
 }
 
-TEST_F(NotificationListFailuresTest, ExceptionBehindTheFirstNotificationLeavesNoneInTheList) {
+TEST_F(NotificationListFailuresTest, ExceptionAfterTheFirstNotificationLeavesNoneInTheList) {
     recording::Reset();
     Given(kUnreadCall).Writes(0);
     Given(kUnreadCall).Does([] { throw std::bad_alloc(); });
@@ -134,7 +134,7 @@ TEST_F(NotificationListFailuresTest, BusThatCannotBeEnteredGivesAnEmptyList) {
                      Log(7, kGetList + " - END returning 0")}));
 }
 
-TEST_F(NotificationListFailuresTest, BusThatCannotBeLeftDoesNotCostTheList) {
+TEST_F(NotificationListFailuresTest, ListIsCompleteEvenIfTheBusCannotBeLeft) {
     Given("MsgbusHandler::Uninitialize").Does([] { throw std::runtime_error("no way out"); });
     Json({Notification("a")});
     EXPECT_EQ(out.GetCDT("notificationsList").Size(), 1U);

@@ -189,7 +189,7 @@ TEST_F(NotificationListTest, PinTextOfOneNotificationDoesNotReachTheNext) {
     EXPECT_EQ(out.GetCDT("notificationsList").GetCDT(1).GetCDT("text").GetString(), "[]");
 }
 
-TEST_F(NotificationListTest, PlaceholderWithoutArgumentIsLeftStandingSilently) {
+TEST_F(NotificationListTest, PlaceholderWithoutArgumentIsNotReplacedAndNothingIsLogged) {
     Give("webui", "t", "%3 and %5");
     StartRequest(2);
     EXPECT_EQ(TextOf(NotificationWithText("a", "t")), "2 and %5");

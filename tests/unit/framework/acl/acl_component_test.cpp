@@ -307,7 +307,7 @@ TEST_F(AclComponentTest, AppWithoutANameIsAskedForAsItIsAndLoggedAsTheEmptyText)
                 testing::Contains(Log(7, kAppLevel + " - App:, Hidden:1, Locked:0")));
 }
 
-TEST_F(AclComponentTest, AgentThatAloneCannotBeReadCountsAsOn) {
+TEST_F(AclComponentTest, SingleAgentThatCannotBeReadCountsAsOn) {
     const std::string agents[] = {"sys_getWDCPCarrierEnabled", "sys_getHalyardAgentCarrierEnabled"};
     for (const std::string& failing : agents) {
         recording::Reset();

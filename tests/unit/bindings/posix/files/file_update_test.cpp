@@ -73,7 +73,7 @@ TEST_F(FileUpdate, FailsWithoutAFileWhenThereMustBeOne) {
     EXPECT_FALSE(std::filesystem::exists(device));
 }
 
-TEST_F(FileUpdate, LeavesTheFileWhenTheChangeFails) {
+TEST_F(FileUpdate, DoesNotChangeTheFileIfTheChangeFails) {
     Document("a");
     EXPECT_THROW(
         UpdateFile(device, MissingFile::fails,

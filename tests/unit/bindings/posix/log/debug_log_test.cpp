@@ -135,7 +135,7 @@ TEST_F(DebugLog, LineHasTimeProgramAndProcess) {
     EXPECT_NEAR(static_cast<double>(timegm(&broken)), static_cast<double>(time(nullptr)), 120);
 }
 
-TEST_F(DebugLog, ShowsNoticesAndWorseUnlessToldOtherwise) {
+TEST_F(DebugLog, ShowsNoticesAndMoreSevereLinesByDefault) {
     toru_dbg_log("M", TORU_DBG_NOTICE, "shown");
     toru_dbg_log("M", TORU_DBG_INFO, "hidden");
     EXPECT_THAT(Log(), ElementsAre("shown"));
@@ -179,7 +179,7 @@ TEST_F(DebugLog, SeparatorsOfLinesAreMadeHarmless) {
     EXPECT_THAT(Log(), ElementsAre("a?b?c \u2027 \u202f"));
 }
 
-TEST_F(DebugLog, WhatTurnsTextAroundIsMadeHarmless) {
+TEST_F(DebugLog, CharactersThatChangeTheDirectionOfTextAreMadeHarmless) {
     toru_dbg_log("M", TORU_DBG_ERROR,
                  "\u061c\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069");
     toru_dbg_log("M", TORU_DBG_ERROR, "\u061b\u200d\u2010\u2065\u206a \u0627");
@@ -368,20 +368,20 @@ TEST_F(DebugLog, KeepsTheErrorNumberOfItsCaller) {
 }
 
 /// A debug log whose clock the test sets.
-class DebugLogOfAFaultThatStays : public DebugLog {
+class DebugLogOfAPermanentFault : public DebugLog {
   protected:
-    DebugLogOfAFaultThatStays() {
+    DebugLogOfAPermanentFault() {
         now = {};
         binding::SetLogClock([] { return now; });
     }
-    ~DebugLogOfAFaultThatStays() override { binding::SetLogClock(nullptr); }
+    ~DebugLogOfAPermanentFault() override { binding::SetLogClock(nullptr); }
 
     static void Fail(int code) { toru_dbg_log("M", TORU_DBG_ERROR, "call failed [%d]", code); }
 
     static inline binding::RepeatedLines::TimePoint now;
 };
 
-TEST_F(DebugLogOfAFaultThatStays, HasALineAtOnceAndThenOneForAMinute) {
+TEST_F(DebugLogOfAPermanentFault, HasALineAtOnceAndThenOneAMinute) {
     for (int poll = 0; poll <= 40; ++poll) {
         Fail(5);
         now += std::chrono::seconds(3);
@@ -390,20 +390,20 @@ TEST_F(DebugLogOfAFaultThatStays, HasALineAtOnceAndThenOneForAMinute) {
                                    "call failed [5] [20 times]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, HasALineForEachOtherFault) {
+TEST_F(DebugLogOfAPermanentFault, HasALineForEachOtherFault) {
     Fail(5);
     Fail(6);
     Fail(5);
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [6]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, HasOtherLinesInFull) {
+TEST_F(DebugLogOfAPermanentFault, HasOtherLinesInFull) {
     toru_dbg_log("M", TORU_DBG_NOTICE, "connected");
     toru_dbg_log("M", TORU_DBG_NOTICE, "connected");
     EXPECT_THAT(Log(), ElementsAre("connected", "connected"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWithTheNextLineAfterTheMinute) {
+TEST_F(DebugLogOfAPermanentFault, LogsTheCountsWithTheNextLineAfterTheMinute) {
     Fail(5);
     Fail(5);
     toru_dbg_log("M", TORU_DBG_NOTICE, "early");
@@ -414,7 +414,7 @@ TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWithTheNextLineAfterTheMinute) {
                                    "call failed [5] [1 times, last 100 s ago]", "late"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, TellsTheRestAtItsEnd) {
+TEST_F(DebugLogOfAPermanentFault, LogsTheCountsAtItsEnd) {
     Fail(5);
     Fail(5);
     toru_dbg_stop();
@@ -422,7 +422,7 @@ TEST_F(DebugLogOfAFaultThatStays, TellsTheRestAtItsEnd) {
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [1 times, last 0 s ago]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWhenTheProcessExits) {
+TEST_F(DebugLogOfAPermanentFault, LogsTheCountsWhenTheProcessExits) {
     EXPECT_EXIT(
         {
             Fail(5);
@@ -433,14 +433,14 @@ TEST_F(DebugLogOfAFaultThatStays, TellsTheRestWhenTheProcessExits) {
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5] [1 times, last 0 s ago]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, HasEveryLineAtLevelSeven) {
+TEST_F(DebugLogOfAPermanentFault, HasEveryLineAtLevelSeven) {
     Level("7");
     Fail(5);
     Fail(5);
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [5]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, TellsTheRestInFrontOfACrashAndEveryFrameOfIt) {
+TEST_F(DebugLogOfAPermanentFault, LogsTheCountsBeforeACrashAndEveryFrameOfIt) {
     Fail(5);
     Fail(5);
     std::array<char, 65536> memory{};
@@ -461,7 +461,7 @@ TEST_F(DebugLogOfAFaultThatStays, TellsTheRestInFrontOfACrashAndEveryFrameOfIt) 
                                    "call failed [5]", "call failed [5]", "call failed [5]"));
 }
 
-TEST_F(DebugLogOfAFaultThatStays, LosesNothingToSeveralThreads) {
+TEST_F(DebugLogOfAPermanentFault, LosesNothingToSeveralThreads) {
     constexpr int kThreads = 4;
     constexpr int kLines = 500;
     std::vector<std::thread> threads;

@@ -35,7 +35,7 @@ class RepeatedLinesTest : public ::testing::Test {
     RepeatedLines lines;
 };
 
-TEST_F(RepeatedLinesTest, LetsALineThroughAtOnceAndThenOnceAMinuteWithItsNumber) {
+TEST_F(RepeatedLinesTest, LetsALineThroughAtOnceAndThenOnceAMinuteWithItsCount) {
     EXPECT_EQ(Take("a", 0), 1U);
     EXPECT_EQ(Take("a", 1), 0U);
     EXPECT_EQ(Take("a", 59), 0U);
@@ -55,7 +55,7 @@ TEST_F(RepeatedLinesTest, LinesThatDifferDoNotCountAsOne) {
     EXPECT_EQ(Take("ac", 0), 0U);
 }
 
-TEST_F(RepeatedLinesTest, AnyLineAfterTheMinuteTellsWhatWasHeldBack) {
+TEST_F(RepeatedLinesTest, AnyLineAfterTheMinuteReportsTheCounts) {
     (void)Take("a", 0);
     (void)Take("a", 10);
     (void)Take("b", 30);
@@ -71,7 +71,7 @@ TEST_F(RepeatedLinesTest, AnyLineAfterTheMinuteTellsWhatWasHeldBack) {
     EXPECT_EQ(Take("a", 121), 2U);
 }
 
-TEST_F(RepeatedLinesTest, ALineThatIsHeldBackTellsOthersToo) {
+TEST_F(RepeatedLinesTest, ALineThatIsHeldBackReportsOtherCountsToo) {
     (void)Take("a", 0);
     (void)Take("a", 1);
     (void)Take("b", 50);
@@ -100,7 +100,7 @@ TEST_F(RepeatedLinesTest, AFaultThatComesBackIsCountedAnew) {
     EXPECT_EQ(Take("a", 3660), 2U);
 }
 
-TEST_F(RepeatedLinesTest, TheEndTellsEverythingAndForgetsIt) {
+TEST_F(RepeatedLinesTest, TheEndReportsAllCountsAndClearsThem) {
     (void)Take("a", 0);
     (void)Take("a", 1);
     (void)Take("b", 2);
@@ -110,7 +110,7 @@ TEST_F(RepeatedLinesTest, TheEndTellsEverythingAndForgetsIt) {
     EXPECT_EQ(Take("b", 4), 1U);
 }
 
-TEST_F(RepeatedLinesTest, RemembersTheLatestLinesOnlyAndLosesNoNumber) {
+TEST_F(RepeatedLinesTest, RemembersOnlyTheLatestLinesAndLosesNoCount) {
     (void)Take("first", 0);
     (void)Take("first", 1);
     for (int i = 0; i < 63; ++i) {

@@ -102,7 +102,7 @@ TEST_F(SystemLog, GetsTheBeginningOfALineThatIsTooLong) {
     EXPECT_THAT(line, EndsWith("xxx...[cut]"));
 }
 
-TEST_F(SystemLog, GetsNothingThatATerminalWouldObeyAndNoBytesThatAreNotUtf8) {
+TEST_F(SystemLog, GetsNoControlCharactersAndOnlyUtf8) {
     const Receiver log(path);
     toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "a\nb\u009bc\u2028d\u202ee\xff\n");
     EXPECT_EQ(log.Next(), Head() + "a?b?c?d?e?");
@@ -122,7 +122,7 @@ TEST_F(SystemLog, ThatIsAbsentLosesLinesOnly) {
     EXPECT_EQ(errno, EINTR);
 }
 
-TEST_F(SystemLog, ThatHangsLosesLinesAndIsToldHowMany) {
+TEST_F(SystemLog, ThatHangsLosesLinesAndGetsTheirNumberLater) {
     const Receiver log(path);
     Fill();
     toru_dbg_syslog(TORU_DBG_SYSLOG_PRIORITY, "lost");
@@ -153,7 +153,7 @@ TEST_F(SystemLog, ThatIsSlowIsWaitedFor) {
     EXPECT_TRUE(isTaken);
 }
 
-TEST_F(SystemLog, ThatTakesMillisecondsForALineIsToldOfEachThatItMissed) {
+TEST_F(SystemLog, ThatNeedsMillisecondsForALineGetsTheNumberOfLostLines) {
     constexpr int kLines = 53;
     const Receiver log(path);
     std::atomic<bool> isEnd = false;
@@ -188,7 +188,7 @@ TEST_F(SystemLog, ThatTakesMillisecondsForALineIsToldOfEachThatItMissed) {
     EXPECT_EQ(count, std::size_t{kLines});
 }
 
-TEST_F(SystemLog, HoldsALineBackThatComesAgain) {
+TEST_F(SystemLog, HoldsBackRepeatedLines) {
     const Receiver log(path);
     Fail();
     Fail();
@@ -211,7 +211,7 @@ TEST_F(SystemLog, GetsEveryLineThatIsNoFailure) {
     }
 }
 
-TEST_F(SystemLog, GetsTheRestWithAnyLineAfterTheMinute) {
+TEST_F(SystemLog, GetsTheCountsWithAnyLineAfterTheMinute) {
     static binding::RepeatedLines::TimePoint now;
     binding::SetLogClock([] { return now; });
     const Receiver log(path);

@@ -121,7 +121,7 @@ TEST_F(AuthSessions, SessionsLiveAtLeastTheirIdleTime) {
     EXPECT_FALSE(session.IsLive(103));
 }
 
-TEST_F(AuthSessions, AskingRenewsNothing) {
+TEST_F(AuthSessions, ChecksDoNotRenewASession) {
     Store("id");
     const std::string before = ReadFile(store);
     EXPECT_EQ(Init("id"), 0);
@@ -151,7 +151,7 @@ TEST_F(AuthSessions, ChangedStoreIsReadAgain) {
     EXPECT_EQ(Init("other"), binding::kSessionUnknown);
 }
 
-TEST_F(AuthSessions, DamagedStoreMeansNobodyAndIsLoggedOnce) {
+TEST_F(AuthSessions, DamagedStoreLogsNobodyInAndIsLoggedOnce) {
     const std::string entry =
         R"("digest": "", "address": "", "userAgentDigest": "", "opened": 1, "renewed": 1)";
     for (const std::string& damaged :

@@ -48,7 +48,7 @@ std::string After(const std::string& before, Change change) {
     return document.dump();
 }
 
-TEST(SetValue, ReplacesOrMakesWhatIsOnTheWay) {
+TEST(SetValue, ReplacesOrCreatesObjectsOnThePath) {
     const auto set = [](const KeyPath& path, const json& value) {
         return [=](json& document) { SetValue(document, path, value); };
     };
@@ -100,7 +100,7 @@ TEST(MoveNumber, StopsAtTheLimits) {
     EXPECT_EQ(moved(10, 2), 10);
 }
 
-TEST(MoveNumber, LeavesWhatIsOutsideTheLimits) {
+TEST(MoveNumber, DoesNotChangeNumbersOutsideTheLimits) {
     const auto moved = [](const json& number, std::int64_t by) {
         json document = {{"a", number}};
         MoveNumber(document, {"a"}, {.by = by, .least = 2, .most = 10});
@@ -113,7 +113,7 @@ TEST(MoveNumber, LeavesWhatIsOutsideTheLimits) {
     EXPECT_EQ(moved(kMost, -5), kMost);
 }
 
-TEST(MoveNumber, RefusesWhatDoesNotFitAndWhatIsNoInteger) {
+TEST(MoveNumber, RefusesValuesThatDoNotFitOrAreNotIntegers) {
     json document =
         json::parse(R"({"a":18446744073709551615,"b":"x","c":1.5,"d":-9223372036854775808})");
     EXPECT_EQ(ErrorText([&] { MoveNumber(document, {"a"}, {.by = 1}); }),
@@ -128,7 +128,7 @@ TEST(MoveNumber, RefusesWhatDoesNotFitAndWhatIsNoInteger) {
               "e: expected an integer to move, found nothing");
 }
 
-TEST(FailCall, KeepsWhatTheCallAnswered) {
+TEST(FailCall, KeepsTheAnswerOfTheCall) {
     const auto fail = [](const KeyPath& call) {
         return [=](json& document) { FailCall(document, call, 5); };
     };
@@ -139,7 +139,7 @@ TEST(FailCall, KeepsWhatTheCallAnswered) {
               R"({"sys":{"getSIMStatus":{"error":5,"healed":{"error":3}}}})");
 }
 
-TEST(FailCall, AnotherCodeKeepsTheSame) {
+TEST(FailCall, AnotherCodeKeepsTheSameAnswer) {
     EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})",
                     [](json& document) {
                         FailCall(document, kStatus, 5);
@@ -185,7 +185,7 @@ TEST(HealCall, RemovesAnEntryThatTheDocumentDidNotHave) {
               R"({"sys":{"getNumSims":1}})");
 }
 
-TEST(HealCall, LeavesACallThatWorks) {
+TEST(HealCall, DoesNotChangeACallThatWorks) {
     const auto heal = [](json& document) { HealCall(document, kStatus); };
     EXPECT_EQ(After("{}", heal), "{}");
     EXPECT_EQ(After(R"({"sys":{"getSIMStatus":7}})", heal), R"({"sys":{"getSIMStatus":7}})");
@@ -216,13 +216,13 @@ TEST(MadeToFail, ChangesApplyToTheKeptAnswer) {
     EXPECT_EQ(FailingCallOn(document, kPercent), KeyPath());
 }
 
-TEST(MadeToFail, AFailureWrittenByHandGivesWayToAValue) {
+TEST(MadeToFail, AValueReplacesAFailureWrittenByHand) {
     EXPECT_EQ(After(R"({"sys":{"getSIMStatus":{"error":3}}})",
                     [](json& document) { SetValue(document, kStatus, 7); }),
               R"({"sys":{"getSIMStatus":7}})");
 }
 
-TEST(MadeToFail, WhatIsKeptIsCheckedLikeAnAnswer) {
+TEST(MadeToFail, TheKeptAnswerIsCheckedLikeAnAnswer) {
     EXPECT_EQ(
         SysComplaint("getSIMStatus", R"({"error": 5, "healed": "x"})"),
         "device.json:3: sys.getSIMStatus.healed: expected a 32-bit integer or {\"error\": N}, "
@@ -268,7 +268,7 @@ TEST(Notifications, AreAddedAndReplaced) {
                {{"zelt.ans.notifications", json::array({other, Notification("noService")})}}}}));
 }
 
-TEST(Notifications, AreTakenAway) {
+TEST(Notifications, AreRemoved) {
     json document = json::object();
     for (const std::string type : {"dataOff", "noService", "PCO3"}) {
         AddNotification(document, Notification(type));
@@ -290,7 +290,7 @@ TEST(Notifications, MayHaveNoId) {
     EXPECT_EQ(document.dump(), R"({"msgbus":{"zelt.ans.notifications":[{"severity":7}]}})");
 }
 
-TEST(Notifications, OfAFailingChannelAreThoseThatItKeeps) {
+TEST(Notifications, OfAFailingChannelAreChangedInItsKeptAnswer) {
     json document = json::object();
     FailCall(document, {"msgbus", "zelt.ans.notifications"}, 8);
     AddNotification(document, Notification("dataOff"));

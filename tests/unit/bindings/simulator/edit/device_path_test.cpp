@@ -35,7 +35,7 @@ std::string Complaint(const std::string& text) {
     }
 }
 
-TEST(DevicePath, IsMadeOfNamesAndPositions) {
+TEST(DevicePath, ConsistsOfNamesAndPositions) {
     EXPECT_EQ(ResolvePath("sys", Document()), KeyPath{"sys"});
     EXPECT_EQ(ResolvePath("sys.getBatteryStatus.chargePercent", Document()),
               (KeyPath{"sys", "getBatteryStatus", "chargePercent"}));
@@ -58,7 +58,7 @@ TEST(DevicePath, ANameMayHaveDots) {
               (KeyPath{"webui", "commonFeatures", "ab", "c"}));
 }
 
-TEST(DevicePath, AChannelThatIsNotThereYetIsOneName) {
+TEST(DevicePath, TheRestOfAPathIsTheNameOfANewChannel) {
     EXPECT_EQ(ResolvePath("msgbus.a.b[0].id", Document()),
               (KeyPath{"msgbus", "a.b", std::size_t{0}, "id"}));
     EXPECT_EQ(ResolvePath("msgbus.a.b", json::object()), (KeyPath{"msgbus", "a.b"}));
@@ -73,7 +73,7 @@ TEST(DevicePath, SysAndWebuiMayBeLeftOut) {
               (KeyPath{"webui", "i18nSettings", "language"}));
 }
 
-TEST(DevicePath, WhatIsNoPathIsRefused) {
+TEST(DevicePath, InvalidPathsAreRefused) {
     for (const std::string wrong :
          {"", ".", "sys.", ".sys", "sys..a", "sys.[0]", "[0]", "sys[", "sys[]", "sys[a]", "sys[-1]",
           "sys[0", "sys[0]a", "sys[+1]", "sys[99999999999999999999999]"}) {
@@ -83,13 +83,13 @@ TEST(DevicePath, WhatIsNoPathIsRefused) {
     }
 }
 
-TEST(DevicePath, WhatNoDocumentCanHoldIsRefused) {
+TEST(DevicePath, NamesThatAreNotUtf8AreRefused) {
     EXPECT_EQ(Complaint("sys.ge\x8c"
                         "BatteryStatus"),
               "a path is written in UTF-8");
 }
 
-TEST(DevicePath, ANameThatNoCallHasIsRefusedWithTheNearest) {
+TEST(DevicePath, AnUnknownCallIsRefusedWithASuggestion) {
     EXPECT_EQ(Complaint("getSimStats"),
               "there is no call 'getSimStats'; did you mean getSIMStatus?");
     EXPECT_EQ(Complaint("i18Settings"),

@@ -31,7 +31,7 @@ TEST_F(InstalledFile, IsFoundByItsName) {
     EXPECT_EQ(Found("roaming.json"), directory / "roaming.json");
 }
 
-TEST_F(InstalledFile, IsNotMeantByAPath) {
+TEST_F(InstalledFile, IsNeverNamedByAPath) {
     EXPECT_EQ(Found("./roaming"), "./roaming");
     EXPECT_EQ(Found("./roamin"), "./roamin");
 }

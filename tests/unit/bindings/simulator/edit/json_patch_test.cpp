@@ -56,7 +56,7 @@ TEST(JsonPatch, ChangesSeveralValues) {
               R"({"a": "long text","b": [ 2 ],"c": 1 })");
 }
 
-TEST(JsonPatch, WritesAListAnew) {
+TEST(JsonPatch, RewritesAChangedList) {
     EXPECT_EQ(Changed("{\n    \"a\": [ 1,2 ]\n}", [](json& d) { d["a"].push_back(3); }),
               "{\n    \"a\": [1, 2, 3]\n}");
 }
@@ -68,7 +68,7 @@ TEST(JsonPatch, AddsMembers) {
     EXPECT_EQ(Changed("{}", [](json& d) { d["a"]["b"] = 1; }), R"({"a": {"b": 1}})");
 }
 
-TEST(JsonPatch, TakesMembersAway) {
+TEST(JsonPatch, RemovesMembers) {
     EXPECT_EQ(Changed(R"({"x": 1,   "a": {"b": 1, "c": 2}})", [](json& d) { d["a"].erase("b"); }),
               R"({"x": 1,   "a": {"c": 2}})");
 }

@@ -29,11 +29,11 @@ TEST(NearestName, CountsASwapOfNeighboursAsOneChange) {
     EXPECT_EQ(NearestName("SRN", {"snr"}), "snr");
 }
 
-TEST(NearestName, OfEquallyNearOnesTakesTheFirst) {
+TEST(NearestName, TakesTheFirstOfEquallyNearNames) {
     EXPECT_EQ(NearestName("pin3", {"pin1", "pin2"}), "pin1");
 }
 
-TEST(NearestName, SuggestsNothingThatIsHalfADifferentName) {
+TEST(NearestName, SuggestsNoNameOfWhichHalfIsDifferent) {
     EXPECT_EQ(NearestName("abcd", {"abxy"}), "");
     EXPECT_EQ(NearestName("abcd", {"abcx"}), "abcx");
     EXPECT_EQ(NearestName("", {"a"}), "");

@@ -15,7 +15,7 @@ using json = nlohmann::ordered_json;
 using binding::MakeNotification;
 using binding::NotificationTypeNames;
 
-TEST(NotificationTypes, HaveAllThatAPageShows) {
+TEST(NotificationTypes, HaveAllTextsThatAPageShows) {
     EXPECT_EQ(MakeNotification("deviceJoinWiFi", {}).dump(),
               R"({"id":"deviceJoinWiFi","category":"devices","severity":"info",)"
               R"("labelId":"notification_category_devices_label",)"

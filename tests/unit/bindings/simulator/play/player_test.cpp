@@ -93,7 +93,7 @@ constexpr const char* kThree =
        {"at": 2, "say": "b", "set": {"sys.getSIMStatus": 2, "sys.getNumSims": 1}},
        {"at": 4.5, "say": "c", "set": {"sys.getSIMStatus": 3}})";
 
-TEST_F(Playing, TellsAndDoesEverythingAtItsTime) {
+TEST_F(Playing, ReportsAndMakesEveryChangeAtItsTime) {
     EXPECT_TRUE(Play(Events(kThree)));
     EXPECT_THAT(notebook.told, ElementsAre("0 0 a", "2000 2000 b", "4500 4500 c"));
     EXPECT_EQ(ReadFile(device), R"({"sys":{"getNumSims": 1,"getSIMStatus":3}})");
@@ -117,7 +117,7 @@ TEST_F(Playing, GoesFasterOrSlower) {
     EXPECT_THAT(notebook.told, ElementsAre("0 0 a", "4000 2000 b", "9000 4500 c"));
 }
 
-TEST_F(Playing, TellsTheTimeOnceASecondOfTheClock) {
+TEST_F(Playing, ReportsTheTimeOnceASecondOfTheClock) {
     EXPECT_TRUE(Play(Events(R"({"at": 100, "say": "a"})"), {.speed = 10}));
     EXPECT_EQ(clock.longest, std::chrono::seconds(1));
     EXPECT_GE(notebook.passed, 10);
@@ -162,7 +162,7 @@ TEST_F(Playing, WaitsUntilItsEnd) {
     EXPECT_EQ(clock.now - begin, std::chrono::seconds(9));
 }
 
-TEST_F(Playing, GoesOnWhileOthersChangeTheDevice) {
+TEST_F(Playing, ContinuesWhileOthersChangeTheDevice) {
     clock.onWait = [this, rounds = 0]() mutable {
         if (++rounds == 2) {
             Document(R"({"sys":{"getSIMStatus":50,"getGPSStatus":2}})");
@@ -173,7 +173,7 @@ TEST_F(Playing, GoesOnWhileOthersChangeTheDevice) {
     EXPECT_EQ(ReadFile(device), R"({"sys":{"getSIMStatus":60,"getGPSStatus":2}})");
 }
 
-TEST_F(Playing, TellsOfADamagedDocumentOnceAndGoesOn) {
+TEST_F(Playing, ReportsADamagedDocumentOnceAndContinues) {
     clock.onWait = [this, rounds = 0]() mutable {
         ++rounds;
         if (rounds == 2) {

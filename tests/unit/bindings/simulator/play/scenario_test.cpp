@@ -65,7 +65,7 @@ TEST(Scenario, SetsValuesAtTheirTimes) {
                     Pair(1500, R"({"sys":{"getSIMStatus":6,"getNumSims":1}})")));
 }
 
-TEST(Scenario, WhatHappensAtOneTimeIsOneChange) {
+TEST(Scenario, EventsAtOneTimeAreOneChange) {
     const Scenario scenario = Events(
         R"({"at": 2, "say": "a", "set": {"sys.getSIMStatus": 7}},
            {"at": 2, "say": "b", "set": {"sys.getSIMStatus": 6}, "for": 1,
@@ -79,7 +79,7 @@ TEST(Scenario, WhatHappensAtOneTimeIsOneChange) {
     EXPECT_THAT(scenario.instants.at(Milliseconds(3000)).said, ElementsAre("c"));
 }
 
-TEST(Scenario, RampsGoInIntegersFromTheFirstToTheLast) {
+TEST(Scenario, RampsUseIntegersFromTheFirstToTheLast) {
     EXPECT_THAT(Played(Events(R"({"at": 1, "say": "a", "for": 4, "every": 1,
                                   "ramp": {"sys.getSIMStatus": {"from": 10, "to": 0}}})")),
                 ElementsAre(Pair(1000, R"({"sys":{"getSIMStatus":10}})"),
@@ -116,7 +116,7 @@ TEST(Scenario, LargeNumbersRampExactly) {
     EXPECT_EQ(states.back().second, R"({"sys":{"getSIMStatus":1000000000000000}})");
 }
 
-TEST(Scenario, RampsByAnAmountStartFromWhatIsThere) {
+TEST(Scenario, RampsByAnAmountStartFromThePresentNumber) {
     EXPECT_THAT(Played(Events(R"({"at": 1, "say": "a", "for": 3,
                                   "ramp": {"sys.getSIMStatus": {"by": 10}}})"),
                        R"({"sys":{"getSIMStatus":100}})"),
@@ -221,7 +221,7 @@ TEST(Scenario, LastsUntilItsEndOrLonger) {
     EXPECT_TRUE(ReadScenario("a.json", R"({"events": []})").instants.empty());
 }
 
-TEST(Scenario, WrongOnesAreToldWithFileLineAndKey) {
+TEST(Scenario, ErrorsAreReportedWithFileLineAndKey) {
     EXPECT_EQ(Complaint("{"),
               "a.json:1:1: syntax error while parsing object key - unexpected end "
               "of input; expected string literal");
@@ -238,7 +238,7 @@ TEST(Scenario, WrongOnesAreToldWithFileLineAndKey) {
               "found 2");
 }
 
-TEST(Scenario, WrongEventsAreTold) {
+TEST(Scenario, WrongEventsAreReported) {
     const std::string place = "a.json:2: events[0]";
     EXPECT_EQ(EventComplaint("1"), place + ": expected an object, found 1");
     EXPECT_EQ(EventComplaint(R"({"say": "a"})"),
@@ -259,7 +259,7 @@ TEST(Scenario, WrongEventsAreTold) {
               "found 1");
 }
 
-TEST(Scenario, WrongChangesAreTold) {
+TEST(Scenario, WrongChangesAreReported) {
     const auto complaint = [](const std::string& members) {
         return EventComplaint("{\"at\": 1, \"say\": \"a\",\n" + members + "}");
     };
@@ -287,7 +287,7 @@ TEST(Scenario, WrongChangesAreTold) {
                   "events[0].notify[0].active?");
 }
 
-TEST(Scenario, WrongRampsAreTold) {
+TEST(Scenario, WrongRampsAreReported) {
     const auto complaint = [](const std::string& times, const std::string& ramp) {
         return EventComplaint("{\"at\": 1, \"say\": \"a\"" + times +
                               ", \"ramp\": {\n\"a\": " + ramp + "}}");
@@ -319,7 +319,7 @@ TEST(Scenario, WrongRampsAreTold) {
               "a.json:2: events[0]: expected a \"ramp\" beside \"for\", found none");
 }
 
-TEST(Scenario, WrongConditionsAreTold) {
+TEST(Scenario, WrongConditionsAreReported) {
     const auto complaint = [](const std::string& condition) {
         return EventComplaint("{\"at\": 1, \"say\": \"a\", \"for\": 5,\n\"while\": " + condition +
                               ", \"ramp\": {\"a\": {\"by\": 1}}}");
@@ -337,14 +337,14 @@ TEST(Scenario, WrongConditionsAreTold) {
               place + ": expected \"for\" beside it, found none");
 }
 
-TEST(Scenario, MayNotFillTheMemory) {
+TEST(Scenario, HasAGreatestNumberOfChanges) {
     EXPECT_EQ(EventComplaint(R"({"at": 0, "say": "a", "for": 604800, "every": 0.1,
                                  "ramp": {"a": {"from": 0, "to": 1000000000000000}}})"),
               "a.json:3: events[0].ramp.a: expected at most 100000 changes in a scenario, found "
               "more");
 }
 
-TEST(ScenarioOnADevice, ConditionsThatItCannotMeetAreRefused) {
+TEST(ScenarioOnADevice, ConditionsThatTheDeviceCannotMeetAreRefused) {
     const auto misfit = [](const std::string& path, const std::string& value) {
         return ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"for\": 1,\n\"while\": {\"" + path +
                                      "\": " + value +
@@ -370,7 +370,7 @@ TEST(ScenarioOnADevice, ConditionsThatItCannotMeetAreRefused) {
                   "sys.getConnectedDeviceList[0]");
 }
 
-TEST(ScenarioOnADevice, RampsAreTriedWhateverTheirConditions) {
+TEST(ScenarioOnADevice, RampsAreCheckedEvenIfTheirConditionsDoNotHold) {
     EXPECT_EQ(ComplaintOnDevice(
                   "{\"at\": 0, \"say\": \"a\", \"for\": 1, \"while\": {\"sys.getSIMStatus\": 7},\n"
                   "\"ramp\": {\"sys.getNumSms\": {\"from\": 1, \"to\": 2}}}"),
@@ -378,7 +378,7 @@ TEST(ScenarioOnADevice, RampsAreTriedWhateverTheirConditions) {
               "call, found an unknown name; did you mean sys.getNumSims?");
 }
 
-TEST(ScenarioOnADevice, SaysWhatCannotHappen) {
+TEST(ScenarioOnADevice, ChangesThatDoNotFitAreReported) {
     EXPECT_EQ(ComplaintOnDevice(R"({"at": 0, "say": "a", "set": {"sys.getSIMStatus": 1}})"), "");
     EXPECT_EQ(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\",\n\"set\": {\"sys.getSimStatus\": 1}}"),
               "a.json:3: events[0].set.sys.getSimStatus: sys.getSimStatus: expected the name of a "

@@ -65,7 +65,7 @@ TEST(ShippedScenarios, CanBePlayedAgainAndAgain) {
     }
 }
 
-TEST(ShippedScenarios, LeaveNothingFailing) {
+TEST(ShippedScenarios, HealAllCallsBeforeTheirEnd) {
     for (const std::string name : {"battery", "commute", "gentle", "sim-swap", "update"}) {
         EXPECT_EQ(Played(name, Device()).dump().find("\"error\""), std::string::npos) << name;
     }
@@ -91,7 +91,7 @@ TEST(ShippedScenarios, CountTrafficOnlyWhileDataCanFlow) {
     }
 }
 
-TEST(ShippedScenarios, GentleLeavesTheDeviceAsItWasButForItsTraffic) {
+TEST(ShippedScenarios, GentleRestoresTheDeviceExceptItsTraffic) {
     json before = Device();
     json after = Played("gentle", before);
     json& stats = after["sys"]["getCellularDataConnectionStats"];
@@ -103,7 +103,7 @@ TEST(ShippedScenarios, GentleLeavesTheDeviceAsItWasButForItsTraffic) {
     EXPECT_EQ(after, before);
 }
 
-TEST(ShippedScenarios, GentleLeavesAloneWhatSomebodyHasSetToAnExtreme) {
+TEST(ShippedScenarios, GentleDoesNotChangeExtremeValues) {
     json before = Device();
     before["sys"]["getBatteryStatus"]["chargePercent"] = 9;
     before["sys"]["getCellularServiceStats"]["signalBars"] = 0;
