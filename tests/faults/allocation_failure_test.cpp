@@ -1,5 +1,5 @@
-// When an allocation fails, the service lives on, leaks nothing and answers later requests as
-// usual.
+// When an allocation fails, the service keeps running, leaks nothing and answers later requests as
+// before.
 #include <gtest/gtest.h>
 #include <libintl.h>
 #include <sys/wait.h>
@@ -17,14 +17,14 @@
 
 namespace {
 
-/// A device in whose first request an allocation fails.
+/// A device during whose first request an allocation fails.
 class ShortOfMemory : public Device {
   public:
     using Device::Device;
 
     /// The number of the allocation that fails; 0 for none.
     long failing = 0;
-    /// Whether all later ones fail, too, until the end of the request.
+    /// Whether all later allocations fail, too, until the end of the request.
     bool persistently = false;
     /// The number of allocations in the first request.
     long count = 0;
@@ -41,13 +41,13 @@ class ShortOfMemory : public Device {
     }
 };
 
-struct Road {
+struct RequestKind {
     const char* uri;
     const char* member;
     bool loggedIn;
 };
 
-constexpr Road kRoads[] = {
+constexpr RequestKind kRequestKinds[] = {
     {"/srv/status", "statusData", true},
     {"/srv/status", "statusData", false},
     {"/srv/notification", "notificationsList", true},
@@ -63,8 +63,8 @@ void LogIn(Device& device, bool loggedIn) {
     }
 }
 
-/// What must hold after a failure: later requests are answered with this body, and no more blocks
-/// are outstanding than without the failure.
+/// The results without a failure. After a failure, later answers must have the same body, and no
+/// more blocks may be outstanding.
 struct Healthy {
     std::string body;
     long outstanding = 0;
@@ -88,26 +88,27 @@ void CheckAnswers(Report& report, const std::string& name, const std::vector<Exc
     }
 }
 
-std::string Name(const Road& road, long n, bool persistently) {
-    return std::string(road.uri) + (road.loggedIn ? ", logged in, " : ", ") + "allocation " +
-           std::to_string(n) + (persistently ? " and all behind it" : "");
+std::string Name(const RequestKind& kind, long n, bool persistently) {
+    return std::string(kind.uri) + (kind.loggedIn ? ", logged in, " : ", ") + "allocation " +
+           std::to_string(n) + (persistently ? " and all later ones" : "");
 }
 
-/// Tries one case in a process that has served requests before. Returns whether the answer has the
-/// member of its road.
-bool CheckSettled(Report& report, const Road& road, ShortOfMemory& device, const Healthy& healthy) {
+/// Tries one case in a process that has served requests before. Returns whether the answer has its
+/// member besides the login status.
+bool CheckSettled(Report& report, const RequestKind& kind, ShortOfMemory& device,
+                  const Healthy& healthy) {
     ++report.cases;
-    const std::string name = Name(road, device.failing, device.persistently);
+    const std::string name = Name(kind, device.failing, device.persistently);
     const long before = failing_memory::Outstanding();
     bool complete = false;
     {
-        const std::vector<Exchange> seen = Serve(device, road.uri, {{}, {}});
+        const std::vector<Exchange> seen = Serve(device, kind.uri, {{}, {}});
         const long problems = report.problems;
         CheckAnswers(report, name, seen, 2, healthy.body);
         if (report.problems != problems) {
             return false;
         }
-        complete = FaultOfAnswer(seen[1].body, road.member).empty();
+        complete = FaultOfAnswer(seen[1].body, kind.member).empty();
     }
     const long after = failing_memory::Outstanding();
     if (after != before) {
@@ -125,21 +126,22 @@ class AllocationFailure : public testing::Test {
     }
 };
 
-TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
+TEST_F(AllocationFailure, InALaterRequestLeavesNothingBehind) {
     Report report;
-    for (const Road& road : kRoads) {
-        InFreshProcess(report, road.uri, [&](Report& own) {
+    for (const RequestKind& kind : kRequestKinds) {
+        InFreshProcess(report, kind.uri, [&](Report& own) {
             ShortOfMemory device(Model::kFiveGWithTwoSims);
-            LogIn(device, road.loggedIn);
+            LogIn(device, kind.loggedIn);
             Healthy healthy;
             for (int i = 0; i < 3; ++i) {
-                healthy.body = Serve(device, road.uri, {{}, {}}).back().body;
+                healthy.body = Serve(device, kind.uri, {{}, {}}).back().body;
             }
             healthy.allocations = device.count;
-            own.Note(Serve(device, road.uri, {{}, {}}));
-            if (healthy.allocations == 0 || !FaultOfAnswer(healthy.body, road.member).empty() ||
+            own.Note(Serve(device, kind.uri, {{}, {}}));
+            if (healthy.allocations == 0 || !FaultOfAnswer(healthy.body, kind.member).empty() ||
                 healthy.body.find("notification_sms_received_text") != std::string::npos) {
-                own.Problem(std::string(road.uri) + ": no healthy answer " + healthy.body);
+                own.Problem(std::string(kind.uri) +
+                            ": wrong answer without a failure: " + healthy.body);
             }
             const long stride = kSampled ? 5 : 1;
             for (const bool persistently : {false, true}) {
@@ -147,16 +149,16 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
                 long incomplete = 0;
                 for (long n = 1; n <= healthy.allocations; n += stride) {
                     device.failing = n;
-                    incomplete += CheckSettled(own, road, device, healthy) ? 0 : stride;
+                    incomplete += CheckSettled(own, kind, device, healthy) ? 0 : stride;
                 }
-                // When one group of the status fails, the others are still answered, and a list of
-                // notifications is empty rather than missing. Only the few allocations that build
-                // the answer itself leave it without its member.
+                // If one group of the status fails, the answer has the others, and a list of
+                // notifications is empty rather than missing. Only if one of the few allocations
+                // for the answer itself fails, its member is missing.
                 if (!persistently && incomplete > healthy.allocations / 10) {
-                    own.Problem(std::to_string(incomplete) + " answers without " + road.member);
+                    own.Problem(std::to_string(incomplete) + " answers without " + kind.member);
                 }
             }
-            own.calls[std::string("allocations:") + (road.uri + 5)] =
+            own.calls[std::string("allocations:") + (kind.uri + 5)] =
                 static_cast<int>(healthy.allocations);
         });
     }
@@ -168,9 +170,9 @@ TEST_F(AllocationFailure, InAProcessThatHasSettledLeavesNothingBehind) {
     }
 }
 
-/// Makes the C library allocate its next list of functions to call at exit, which has room for 32.
-/// Each static object whose construction a request brings about takes an entry. So no request
-/// that is compared with another begins a list, which would count as a block that it has left.
+/// Makes the C library allocate its next list of exit functions, which has room for 32. Each static
+/// object that is constructed during a request needs an entry. Without this, one of the requests
+/// that are compared could begin a new list, which would count as a block that it has leaked.
 void BeginListOfExitFunctions() {
     const long before = failing_memory::Outstanding();
     for (int i = 0; i < 32 && failing_memory::Outstanding() == before; ++i) {
@@ -179,26 +181,26 @@ void BeginListOfExitFunctions() {
 }
 
 /// Tries one case in the first request of a process. Returns what the process holds at its end.
-void CheckFirst(Report& report, const Road& road, long n, bool persistently,
+void CheckFirst(Report& report, const RequestKind& kind, long n, bool persistently,
                 const Healthy* healthy) {
     BeginListOfExitFunctions();
     const long before = failing_memory::Outstanding();
     ShortOfMemory device(Model::kFiveGWithTwoSims);
-    LogIn(device, road.loggedIn);
+    LogIn(device, kind.loggedIn);
     device.failing = n;
     device.persistently = persistently;
-    const std::string name = "first request, " + Name(road, n, persistently);
+    const std::string name = "first request, " + Name(kind, n, persistently);
     Healthy own;
     bool remembered = false;
     {
-        const std::vector<Exchange> seen = Serve(device, road.uri, {{}, {}, {}});
-        // The C library treats a locale or a catalogue for which it had no memory as one that does
-        // not exist, for the life of the process.
+        const std::vector<Exchange> seen = Serve(device, kind.uri, {{}, {}, {}});
+        // If the C library gets no memory for a locale or a catalogue, it treats it as missing
+        // until the process ends.
         remembered = failing_memory::FailedInCLibrary();
         own.body = seen.back().body;
         if (healthy != nullptr) {
             ++report.cases;
-            const std::string wrong = FaultOfAnswer(own.body, road.member);
+            const std::string wrong = FaultOfAnswer(own.body, kind.member);
             CheckAnswers(report, name, seen, 3,
                          remembered && wrong.empty() ? own.body : healthy->body);
         }
@@ -218,27 +220,28 @@ void CheckFirst(Report& report, const Road& road, long n, bool persistently,
     }
 }
 
-TEST_F(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService) {
+TEST_F(AllocationFailure, InTheFirstRequestOfAProcessDoesNotAffectLaterRequests) {
     Report report;
-    for (const Road& road : {kRoads[0], kRoads[2]}) {
+    for (const RequestKind& kind : {kRequestKinds[0], kRequestKinds[2]}) {
         Report reference;
-        InFreshProcess(reference, road.uri,
-                       [&](Report& own) { CheckFirst(own, road, 0, false, nullptr); });
+        InFreshProcess(reference, kind.uri,
+                       [&](Report& own) { CheckFirst(own, kind, 0, false, nullptr); });
         const Healthy healthy = {reference.texts.empty() ? "" : reference.texts.front(),
                                  reference.calls["outstanding"], reference.calls["allocations"]};
-        EXPECT_EQ(FaultOfAnswer(healthy.body, road.member), "");
-        std::printf("[ faults   ]   first %s: %ld allocations\n", road.uri, healthy.allocations);
+        EXPECT_EQ(FaultOfAnswer(healthy.body, kind.member), "");
+        std::printf("[ faults   ]   first %s: %ld allocations\n", kind.uri, healthy.allocations);
         long deaths = 0;
         for (const bool persistently : {false, true}) {
             const long stride = kSampled ? 23 : persistently ? 5 : 1;
             for (long n = 1; n <= healthy.allocations; n += stride) {
                 watched_gettext::Start();
                 InFreshProcess(
-                    report, Name(road, n, persistently),
-                    [&](Report& own) { CheckFirst(own, road, n, persistently, &healthy); },
+                    report, Name(kind, n, persistently),
+                    [&](Report& own) { CheckFirst(own, kind, n, persistently, &healthy); },
                     [&](int status) {
-                        // glibc copies the names of the character sets that a catalogue is
-                        // converted between, and does not check whether it had memory for them.
+                        // glibc copies the names of the two character sets between which it
+                        // converts a catalogue, and does not check whether it got memory for the
+                        // copies.
                         const bool inGettext =
                             WTERMSIG(status) == SIGSEGV && watched_gettext::IsInside();
                         deaths += inGettext ? 1 : 0;
@@ -246,14 +249,14 @@ TEST_F(AllocationFailure, AtTheFirstRequestOfAProcessIsNotRememberedByTheService
                     });
             }
         }
-        std::printf("[ faults   ]   first %s: gettext died %ld times\n", road.uri, deaths);
-        // There are four names: each can fail alone, or together with the ones after it.
+        std::printf("[ faults   ]   first %s: gettext died %ld times\n", kind.uri, deaths);
+        // There are four copies. Each can fail alone or together with all later ones.
         EXPECT_LE(deaths, 8);
     }
     Print("allocations, first request", report);
 }
 
-/// Before the first locale is read.
+/// Must run before the first locale is read.
 class Texts : public testing::Environment {
   public:
     void SetUp() override {

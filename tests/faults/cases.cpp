@@ -29,7 +29,7 @@ constexpr std::array kCodes = {0,
 constexpr std::array kGarbage = {Garbage::kAllOnes, Garbage::kHighBits, Garbage::kEndlessText,
                                  Garbage::kLargest};
 
-/// What two calls that fail together answer and write.
+/// The codes that two failing calls return, and what they write.
 struct PairWay {
     int codes[2];
     Garbage garbage[2];

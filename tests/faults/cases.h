@@ -1,4 +1,4 @@
-// The cases of the matrix: which calls there are and in which ways each can fail.
+// The cases of the fault matrix: the ways in which each call can fail.
 #pragma once
 
 #include <map>
@@ -7,8 +7,8 @@
 
 #include "tests/faults/device.h"
 
-/// Whether only a sample of long series is run, because a sanitizer or an emulator makes everything
-/// ten times slower.
+/// Whether to run only a sample of long series, because everything is ten times slower with a
+/// sanitizer or in an emulator.
 #if defined(__SANITIZE_ADDRESS__) || defined(KESTAL_EMULATED)
 constexpr bool kSampled = true;
 #else
@@ -18,21 +18,22 @@ constexpr bool kSampled = false;
 /// The code with which @p call succeeds.
 int SuccessOf(const std::string& call);
 
-/// Whether @p call can fail by its result.
+/// Whether @p call returns a code, so that it can fail without an exception.
 bool HasResult(const std::string& call);
 
-/// Every way in which @p call, made @p times times in a request, fails alone.
+/// All ways in which @p call can fail while no other call fails. A request makes it @p times times.
 std::vector<Fault> FaultsOf(const std::string& call, int times);
 
-/// The faults of all of @p calls, names and how often they are made, one case for each.
+/// One case for each way in which one of @p calls can fail. @p calls maps the name of each call to
+/// the number of times that a request makes it.
 std::vector<std::vector<Fault>> Singles(const std::map<std::string, int>& calls);
 
-/// Pairs of @p calls that fail together, with several codes and kinds of garbage, one case for
-/// each. Only every @p stride-th case is returned.
+/// Cases in which a pair of @p calls fails, with several codes and kinds of garbage. Returns only
+/// every @p stride-th case.
 std::vector<std::vector<Fault>> Pairs(const std::map<std::string, int>& calls, std::size_t stride);
 
-/// Cases in which all of @p calls except for the switch of the web UI fail at once by their result:
-/// one case for each code and each kind of garbage.
+/// Cases in which all of @p calls, except the switch of the web UI, return a code of failure: one
+/// case for each code and each kind of garbage.
 std::vector<std::vector<Fault>> AllAtOnce(const std::map<std::string, int>& calls);
 
 /// Every @p stride-th case.

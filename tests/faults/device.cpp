@@ -31,14 +31,14 @@ void Spoil(Garbage garbage, std::span<const std::span<std::byte>> outputs) {
                 break;
             case Garbage::kLargest:
                 fill(0xFF);
-                // The byte that holds the sign of each number.
+                // The highest byte of each number, which contains the sign.
                 for (std::size_t i = 3; i < output.size(); i += 4) {
                     output[i] = std::byte{0x7F};
                 }
                 break;
         }
         if (garbage > Garbage::kZero && output.size() == 1) {
-            // A bool, which cannot hold anything else.
+            // A bool must not have any other value.
             output[0] = std::byte{1};
         }
     }

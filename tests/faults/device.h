@@ -9,38 +9,38 @@
 
 #include "bindings/recording/recording.h"
 
-/// What a failing call leaves in its output parameters: in each of their bytes, but for kLargest,
-/// which makes every number the largest that there is.
+/// What a failing call writes to its output parameters: the same value to each byte, except for
+/// kLargest, which sets every number to its largest value.
 enum class Garbage { kNone, kZero, kAllOnes, kHighBits, kEndlessText, kLargest };
 
 enum class Thrown { kNothing, kBadAlloc, kError, kNumber };
 
-/// A call that answers @p code. 0 is a failure, too, for calls whose success is another number.
+/// A call that returns @p code. For calls that succeed with another number than 0, 0 is a failure.
 struct Fault {
     std::string call;
     int code = 1;
     Garbage garbage = Garbage::kNone;
     Thrown thrown = Thrown::kNothing;
-    /// Which call of that name in the request fails, counted from 1; 0 means all of them.
+    /// The number of the failing call of that name in the request, from 1; 0 means all of them.
     int occurrence = 0;
 };
 
 std::string Describe(const std::vector<Fault>& faults);
 
-/// What was seen of one request.
+/// What was observed during one request.
 struct Exchange {
     int responses = 0;
     int status = 0;
     std::string body;
     /// Log lines that report a failure: those of level 3, those of the system log and some others.
     std::vector<std::string> errors;
-    /// Calls that failed, with the number of the call in the request.
+    /// Calls that failed, each with its number among the calls of that name in the request.
     std::set<std::pair<std::string, int>> failed;
-    /// How often each call was made.
+    /// The number of times that each call was made.
     std::map<std::string, int> calls;
 };
 
-/// Kinds of device. Together they make every call: each makes some that the other never makes.
+/// Kinds of device. The service makes some calls only for one of them; together they cover all.
 enum class Model { kFiveGWithTwoSims, kThreeGWithOneSim };
 
 class Device : public recording::Director {
@@ -53,7 +53,7 @@ class Device : public recording::Director {
     /// Faults in all requests and outside of them.
     std::vector<Fault> standing;
 
-    /// What was seen so far; [0] stands for what happened before the first request.
+    /// What was observed so far; [0] is for the time before the first request.
     std::vector<Exchange> exchanges{1};
 
     int Answer(const recording::Call& call) override;

@@ -1,4 +1,4 @@
-// The answers of the device without faults.
+// The answers of the device while no call fails.
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
@@ -38,7 +38,7 @@ auto Giving(const T& value, int code = SYS_SUCCESS) {
     };
 }
 
-/// A list call: the count without a buffer, else the records and their count.
+/// A call that returns a list: without a buffer the count, otherwise the records and their count.
 template <typename Record, typename Count>
 auto GivingList(std::vector<Record> records, Count count, int wanted, int code) {
     return [=](const Call& call) {
@@ -68,7 +68,7 @@ int Succeed(const Call& /*call*/) {
 }  // namespace
 
 void Device::GiveSystem(Model model) {
-    // Every query has an answer. Those whose values matter get another one below.
+    // Gives every query an answer. Queries whose values matter get another answer below.
 #define GIVE_USUAL(Type, name, Meaning, field, description) \
     handlers["sys_" #name] = Giving(Usual<Type>());
     SYSINT_QUERIES(GIVE_USUAL)
@@ -86,7 +86,7 @@ void Device::GiveSystem(Model model) {
     handlers["sys_getSDCardInfo"] = Giving(sys_sd_card_info_t{1000, 400});
     handlers["sys_getSambaShareInfo"] = Giving(sys_samba_share_info_t{1, {}});
     handlers["sys_getWiFiMaxClients"] = Giving(32U);
-    // Off at 2.4 GHz, so that 5 GHz is asked for as well.
+    // Off at 2.4 GHz, so that the service asks for 5 GHz, too.
     handlers["sys_getWiFiGuestProfileEnabled"] = [](const Call& call) {
         Put(call, 0, call.arguments == "profile 2" ? 1 : 0);
         return 0;
@@ -194,7 +194,8 @@ void Device::GiveWebUi() {
 
 void Device::GiveNotifications() {
     std::vector<AnsNotificationRecord> records;
-    // One of each kind of link and text, and a type that the service does not know.
+    // One notification for each kind of link and text, and one of a type that the service does not
+    // know.
     for (const char* type :
          {"dataOff", "deviceJoinWiFi", "smsReceived", "data90", "uiccLaunchBrowser", "simPINLocked",
           "simNonQKT", "softwareUpdate", "softwareUpdateSuccess", "softwareUpdateFailure", "PCO5",

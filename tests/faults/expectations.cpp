@@ -18,11 +18,11 @@ struct Reason {
 };
 
 constexpr const char* kSwitch = "a switch that cannot be read counts as off";
-constexpr const char* kNoSession = "whose session cannot be looked up is not logged in";
+constexpr const char* kNoSession = "a caller whose session cannot be checked is not logged in";
 
 /// Calls whose failure is not logged.
 constexpr Reason kSilent[] = {
-    {"sys_sdkShutdown", "nothing follows it"},
+    {"sys_sdkShutdown", "no call comes after it"},
     {"sys_getWebUICarrierEnabled", "the answer says that the web UI is off"},
     {"sys_getSambaCarrierEnabled", kSwitch},
     {"sys_getGPSCarrierEnabled", kSwitch},
@@ -32,24 +32,24 @@ constexpr Reason kSilent[] = {
     {"sys_getPCOCarrierEnabled", kSwitch},
     {"sys_getNUACarrierEnabled", kSwitch},
     {"sys_getOmadmFumoCarrierEnabled", kSwitch},
-    {"sys_getMultiSimEnabled", "a switch; a notification has no link to the SIM then"},
-    {"sys_getCellularDataAccountStatus", "an unknown account puts no limit on the connection"},
-    {"sys_getAllSimSlotsInfo", "the slots are left out and their count tells it"},
+    {"sys_getMultiSimEnabled", "a switch; notifications have no link to the SIM then"},
+    {"sys_getCellularDataAccountStatus", "an unknown account does not restrict the connection"},
+    {"sys_getAllSimSlotsInfo", "the keys of the slots are left out and their count shows it"},
     {"sys_getWatchdogInterval", "the interval is 60 seconds unless the call writes another"},
-    {"webui_get_uri_data", "a page that is unknown has no link"},
+    {"webui_get_uri_data", "there is no link to an unknown page"},
     {"AuthSession::Init", kNoSession},
     {"AuthSession::LoggedOn", kNoSession},
     {"MsgbusHandler::Initialize", "reading the channel fails then, and that is logged"},
-    {"MsgbusHandler::Uninitialize", "nothing follows it"},
-    {"toru_dbg_start", "there is no log to say it in"},
-    {"watchdog_application_register", "the watchdog acts by itself when it hears nothing"},
+    {"MsgbusHandler::Uninitialize", "no call comes after it"},
+    {"toru_dbg_start", "there is no log yet"},
+    {"watchdog_application_register", "the watchdog acts if it gets no messages"},
     {"watchdog_application_send_keep_alive", "the next one follows"},
-    {"MaintenanceThread::Initialize", "the watchdog acts by itself when it hears nothing"},
-    {"MaintenanceThread::Run", "the watchdog acts by itself when it hears nothing"},
+    {"MaintenanceThread::Initialize", "the watchdog acts if it gets no messages"},
+    {"MaintenanceThread::Run", "the watchdog acts if it gets no messages"},
     {"MaintenanceThread::Shutdown", "the process ends"},
 };
 
-/// Lines that do not name the call by its own name, or not with its code.
+/// Log lines that have another name than that of the call, or no code.
 struct Line {
     const char* call;
     const char* text;
@@ -61,9 +61,9 @@ constexpr Line kLines[] = {
      true},
     {"sys_cellularDataDisconnect",
      "PerformConnectAction(const string&) -system interface API failed", true},
-    // In the line of the internet group, the fifth name is another one.
+    // The line of the internet group has another name in the fifth place.
     {"sys_getCellularDataConnectionStatus", "sys_getCellularDataAccountStatus failed", true},
-    // The band texts read the statistics and name the status.
+    // The band texts read the statistics, but their line names the status.
     {"sys_getCellularServiceStats", "sys_getCellularServiceStatus failed", true},
     {"sys_getCABandWidth", "sys_getCABandwidth failed", true},
     {"sys_get5GBandWidth", "sys_getCABandwidth failed", true},
@@ -75,10 +75,10 @@ constexpr Line kLines[] = {
     {"CgiHelper::GetInstance", "Failed to create CgiHelper object", false},
 };
 
-/// Codes other than success that are not failures.
+/// Codes that are neither success nor failure.
 struct AnswerCode {
     const char* call;
-    /// Which call of that name in the request, counted from 1; 0 means each.
+    /// The number of the call of that name in the request, counted from 1; 0 means each call.
     int occurrence;
     int code;
 };
@@ -88,8 +88,7 @@ constexpr AnswerCode kAnswers[] = {
     {"MsgbusHandler::GetData", 1, MSGBUS_BUFFER_NEEDED},
 };
 
-/// A call whose failure is not logged when another call has failed, too, whose log line tells
-/// enough.
+/// A call whose failure is not logged if the call `by` has failed, too, because that one is logged.
 struct Covered {
     const char* call;
     const char* by;
@@ -105,8 +104,8 @@ constexpr const char* kReadOnce[] = {
     "webui_get_common_features",  "webui_get_common_configurations", "sys_getSIMCarrierGID",
 };
 
-constexpr const char* kFieldAccess = "no request asks for the access to single fields";
-constexpr const char* kNoApplication = "the service is no application of the web UI";
+constexpr const char* kFieldAccess = "no request needs the access rights of single fields";
+constexpr const char* kNoApplication = "the service is not an application of the web UI";
 
 constexpr Reason kNotCalled[] = {
     {"sys_getUIFieldShowEnabled", kFieldAccess},
@@ -117,19 +116,19 @@ constexpr Reason kNotCalled[] = {
     {"sys_getHalyardAgentCarrierEnabled", kFieldAccess},
     {"webui_get_app_features", kNoApplication},
     {"webui_get_app_configurations", kNoApplication},
-    {"webui_get_external_uri_data", "notifications lead to pages of the web UI only"},
+    {"webui_get_external_uri_data", "notifications link only to pages of the web UI"},
     {"MaintenanceThreadCallbackInterface::OnThreadNotify", "the platform calls it"},
-    {"MaintenanceThread::SetInterval", "it is defined where it is declared"},
+    {"MaintenanceThread::SetInterval", "it is defined in the header, so no binding implements it"},
     {"toru_dbg_get_level_name", "it gives a name to every number"},
 };
 
-constexpr const char* kTellsNothing = "it tells nothing of its success and throws nothing";
+constexpr const char* kNoResult = "it returns nothing and throws nothing";
 
 constexpr Reason kNotFailing[] = {
-    {"toru_dbg_log", kTellsNothing},
-    {"toru_dbg_syslog", kTellsNothing},
-    {"toru_dbg_stop", kTellsNothing},
-    {"MaintenanceThread::MaintenanceThread", "it runs before main, where nothing can be caught"},
+    {"toru_dbg_log", kNoResult},
+    {"toru_dbg_syslog", kNoResult},
+    {"toru_dbg_stop", kNoResult},
+    {"MaintenanceThread::MaintenanceThread", "it runs before main, which could not catch anything"},
 };
 
 template <typename Table>
@@ -160,7 +159,7 @@ bool Holds(const Exchange& exchange, const std::string& text, const std::string&
 }  // namespace
 
 bool IsSilent(const std::string& call, int occurrence) {
-    // Only the reading of the list itself is logged, not that of its length.
+    // If the first call, for the length of the list, fails, nothing is logged.
     return ReasonIn(kSilent, call) != nullptr ||
            (call == "sys_getConnectedDeviceList" && occurrence == 1);
 }

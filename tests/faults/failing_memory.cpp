@@ -10,13 +10,13 @@
 
 #include "bindings/recording/recording.h"
 
-/// The caller of the function in which this stands.
+/// The caller of the function that uses this macro.
 #define CALLER __builtin_return_address(0)
 
 namespace {
 
-/// Larger blocks are refused: no list of a device needs one, and only some machines could provide
-/// it.
+/// Larger blocks are always refused: no list of a device needs one, and otherwise the result would
+/// depend on the memory of the machine.
 constexpr std::size_t kLargestBlock = std::size_t{1} << 30U;
 
 bool gInCLibrary = false;
@@ -26,7 +26,7 @@ long gFailing = 0;
 long gCount = 0;
 long gOutstanding = 0;
 
-/// Whether there is memory for one more block; there is for a block that is there already.
+/// Whether an allocation of @p size bytes by @p caller succeeds. Counts the allocation.
 bool Grants(std::size_t size, const void* caller) {
     if (size > kLargestBlock) {
         return false;
@@ -85,7 +85,7 @@ long Outstanding() {
 
 }  // namespace failing_memory
 
-// Linked in the place of calloc where the program itself calls it (--wrap=calloc).
+// The linker replaces the program's own calls of calloc by this function (--wrap=calloc).
 extern "C" {
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
@@ -93,7 +93,7 @@ void* __wrap_calloc(std::size_t count, std::size_t size);
 
 #if defined(__SANITIZE_ADDRESS__)
 
-/// Not counted as outstanding: the sanitizer provides free, so that its end would not be seen.
+/// The block is not counted as outstanding, because the sanitizer's free cannot be observed.
 void* __wrap_calloc(std::size_t count, std::size_t size) {
     return GrantsAll(count, size, CALLER) ? __real_calloc(count, size) : nullptr;
 }
@@ -154,7 +154,7 @@ void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
 
 #else
 
-// Where the C library's own functions are found once they have been replaced.
+// The names under which the C library's own functions are available although they are replaced.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -1,4 +1,4 @@
-// Whichever calls of the platform fail, alone or together, the service lives on and answers.
+// Whichever calls of the platform fail, alone or together, the service keeps running and answers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,16 +10,16 @@
 
 namespace {
 
-/// A kind of request: a way through the service.
-struct Road {
+/// A kind of request: what it asks for, and from which device.
+struct RequestKind {
     const char* name;
     const char* uri;
-    /// Member of the answer beside the login status.
+    /// The member that the answer has besides the login status.
     const char* member;
     Model model;
 };
 
-constexpr Road kRoads[] = {
+constexpr RequestKind kRequestKinds[] = {
     {"status, 5G", "/srv/status", "statusData", Model::kFiveGWithTwoSims},
     {"status, 3G", "/srv/status", "statusData", Model::kThreeGWithOneSim},
     {"notification", "/srv/notification", "notificationsList", Model::kFiveGWithTwoSims},
@@ -29,13 +29,14 @@ constexpr Road kRoads[] = {
 
 constexpr std::size_t kCasesPerLoop = 20;
 
-/// What a request without faults is answered, and the calls that are made for it.
+/// The answer to a request without faults, and the calls that the service makes for it.
 struct Healthy {
     std::string body;
     std::map<std::string, int> calls;
 };
 
-/// The fault of @p call among @p faults, by exception or by result; null when there is none.
+/// The fault of @p call among @p faults; null when there is none. With @p thrown, only faults that
+/// throw an exception count, otherwise only those that do not.
 const Fault* FaultIn(const std::vector<Fault>& faults, const std::string& call, bool thrown) {
     const auto found = std::find_if(faults.begin(), faults.end(), [&](const Fault& fault) {
         return fault.call == call && (fault.thrown != Thrown::kNothing) == thrown;
@@ -43,8 +44,8 @@ const Fault* FaultIn(const std::vector<Fault>& faults, const std::string& call, 
     return found == faults.end() ? nullptr : &*found;
 }
 
-/// What is wrong with the answer of @p exchange; empty when nothing is.
-std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
+/// Returns what is wrong with the answer of @p exchange, or nothing.
+std::string FaultOfExchange(const RequestKind& kind, const std::vector<Fault>& faults,
                             const Exchange& exchange) {
     if (FaultIn(faults, "CgiHelper::SendResponse", true) != nullptr) {
         return exchange.body.empty() ? "" : "something was written: " + exchange.body;
@@ -52,7 +53,7 @@ std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
     if (exchange.responses != 1) {
         return std::to_string(exchange.responses) + " responses";
     }
-    // The switch of the web UI is off when it cannot be read and nothing was written.
+    // If the switch of the web UI cannot be read and the call writes nothing, it counts as off.
     const Fault* const webUi = FaultIn(faults, "sys_getWebUICarrierEnabled", false);
     if (webUi != nullptr && webUi->garbage == Garbage::kNone) {
         return exchange.status == 501 && exchange.body == "WebUI feature disabled"
@@ -62,10 +63,10 @@ std::string FaultOfExchange(const Road& road, const std::vector<Fault>& faults,
     if (exchange.status != 200) {
         return "status " + std::to_string(exchange.status);
     }
-    return FaultOfAnswer(exchange.body, road.member);
+    return FaultOfAnswer(exchange.body, kind.member);
 }
 
-/// What is wrong with what the log of @p exchange tells of @p fault; empty when nothing is.
+/// Returns what is wrong with the log lines of @p exchange about @p fault, or nothing.
 std::string FaultOfLog(const Exchange& exchange, const Fault& fault, bool alone) {
     bool failed = false;
     bool answered = false;
@@ -89,45 +90,47 @@ std::string FaultOfLog(const Exchange& exchange, const Fault& fault, bool alone)
     return alone && !exchange.errors.empty() ? "logged: " + exchange.errors.front() : "";
 }
 
-void Check(Report& report, const Road& road, const std::vector<Fault>& faults,
+void Check(Report& report, const RequestKind& kind, const std::vector<Fault>& faults,
            const Exchange& exchange) {
     ++report.cases;
-    const std::string wrong = FaultOfExchange(road, faults, exchange);
+    const std::string wrong = FaultOfExchange(kind, faults, exchange);
     if (!wrong.empty()) {
-        report.Problem(std::string(road.name) + ": " + Describe(faults) + ": " + wrong);
+        report.Problem(std::string(kind.name) + ": " + Describe(faults) + ": " + wrong);
     }
     for (const Fault& fault : faults) {
         const std::string log = FaultOfLog(exchange, fault, faults.size() == 1);
         if (!log.empty()) {
-            report.Problem(std::string(road.name) + ": " + Describe({fault}) + " in " +
+            report.Problem(std::string(kind.name) + ": " + Describe({fault}) + " in " +
                            Describe(faults) + ": " + log);
         }
     }
 }
 
-void CheckMended(Report& report, const Road& road, const std::vector<Fault>& faults,
-                 const std::string& body, const std::string& expected) {
+void CheckLaterAnswer(Report& report, const RequestKind& kind, const std::vector<Fault>& faults,
+                      const std::string& body, const std::string& expected) {
     if (body != expected) {
-        report.Problem(std::string(road.name) + ": " + Describe(faults) + ": afterwards " + body +
+        report.Problem(std::string(kind.name) + ": " + Describe(faults) + ": afterwards " + body +
                        " instead of " + expected);
     }
 }
 
-/// The answer without faults in a process that has served requests before.
-Healthy Settle(Report& report, const Road& road, Device& device) {
-    const std::vector<Exchange> seen = Serve(device, road.uri, {{}, {}, {}});
+/// Serves requests without faults and returns the last one: later requests differ from the first,
+/// because the service reads some values only once.
+Healthy Settle(Report& report, const RequestKind& kind, Device& device) {
+    const std::vector<Exchange> seen = Serve(device, kind.uri, {{}, {}, {}});
     report.Note(seen);
     const Exchange& last = seen.back();
-    const std::string wrong = FaultOfExchange(road, {Fault{}}, last);
+    const std::string wrong = FaultOfExchange(kind, {Fault{}}, last);
     if (seen.size() != 4 || !wrong.empty() || !last.errors.empty() || last.body != seen[2].body) {
-        report.Problem(std::string(road.name) + ": no healthy answer: " + wrong + last.body);
+        report.Problem(std::string(kind.name) + ": wrong answer without faults: " + wrong +
+                       last.body);
     }
     return {last.body, last.calls};
 }
 
 /// Tries each case in a process that has served requests before, followed by a request without
 /// faults.
-void CheckSettled(Report& report, const Road& road, Device& device, const Healthy& healthy,
+void CheckSettled(Report& report, const RequestKind& kind, Device& device, const Healthy& healthy,
                   const std::vector<std::vector<Fault>>& cases) {
     for (std::size_t first = 0; first < cases.size(); first += kCasesPerLoop) {
         const std::size_t end = std::min(first + kCasesPerLoop, cases.size());
@@ -137,25 +140,25 @@ void CheckSettled(Report& report, const Road& road, Device& device, const Health
             plan.emplace_back();
         }
         const std::size_t requests = plan.size();
-        const std::vector<Exchange> seen = Serve(device, road.uri, std::move(plan));
+        const std::vector<Exchange> seen = Serve(device, kind.uri, std::move(plan));
         if (seen.size() != requests + 1) {
-            report.Problem(std::string(road.name) + ": the loop has ended in the cases from " +
+            report.Problem(std::string(kind.name) + ": the loop has ended in the cases from " +
                            Describe(cases[first]));
             return;
         }
         for (std::size_t i = first; i < end; ++i) {
             const std::size_t faulty = 2 + 2 * (i - first);
-            Check(report, road, cases[i], seen[faulty]);
-            CheckMended(report, road, cases[i], seen[faulty + 1].body, healthy.body);
+            Check(report, kind, cases[i], seen[faulty]);
+            CheckLaterAnswer(report, kind, cases[i], seen[faulty + 1].body, healthy.body);
         }
     }
 }
 
-/// Those of @p faults in the first request whose effect lasts as long as the process.
-std::vector<Fault> Lasting(const Road& road, const std::vector<Fault>& faults) {
+/// The faults among @p faults, in the first request, that affect all later requests, too.
+std::vector<Fault> Lasting(const RequestKind& kind, const std::vector<Fault>& faults) {
     std::vector<Fault> lasting;
-    if (road.member == std::string("statusData")) {
-        // Without a subscriber, nobody asks for the group identifier of the SIM.
+    if (kind.member == std::string("statusData")) {
+        // If the subscriber cannot be read, the service does not read the SIM's group identifier.
         const bool noSim = FaultIn(faults, "sys_getSubscriberInfo", false) != nullptr;
         std::copy_if(
             faults.begin(), faults.end(), std::back_inserter(lasting), [&](const Fault& fault) {
@@ -165,79 +168,80 @@ std::vector<Fault> Lasting(const Road& road, const std::vector<Fault>& faults) {
     return lasting;
 }
 
-/// What the process answers from then on when @p faults have hit calls that it makes only once: the
-/// same as on a device whose calls succeed with what the failed calls have left.
-std::string Remembered(const Road& road, const std::vector<Fault>& faults) {
-    Device device(road.model);
+/// The answer to later requests if @p faults have affected calls that the process makes only once:
+/// the same as that for a device whose calls succeed with the values that the failed calls have
+/// left.
+std::string Remembered(const RequestKind& kind, const std::vector<Fault>& faults) {
+    Device device(kind.model);
     for (const Fault& fault : faults) {
         const bool list = fault.call.starts_with("webui_");
         const Garbage zero = list ? Garbage::kNone : Garbage::kZero;
-        // Only a switch takes the value that a failed call has written.
+        // The service uses the value that a failed call has written only if it is a switch.
         const bool written = fault.call.ends_with("Enabled") && fault.garbage != Garbage::kNone;
         device.standing.push_back(
             {fault.call, SuccessOf(fault.call), written ? fault.garbage : zero});
     }
-    return Serve(device, road.uri, {{}, {}, {}}).back().body;
+    return Serve(device, kind.uri, {{}, {}, {}}).back().body;
 }
 
-/// Whether the slot in use is known after @p exchange: it shows one request later.
-bool KnowsSlot(const Road& road, const Exchange& exchange) {
+/// Whether @p exchange has read the active SIM slot, so that the next answer can show it.
+bool KnowsSlot(const RequestKind& kind, const Exchange& exchange) {
     const std::string call = "sys_getActiveSimSlot";
-    return std::string(road.member) != "statusData" || road.model == Model::kThreeGWithOneSim ||
+    return std::string(kind.member) != "statusData" || kind.model == Model::kThreeGWithOneSim ||
            (exchange.calls.count(call) != 0 && exchange.failed.count({call, 1}) == 0);
 }
 
 /// Tries each case in the very first request of a process.
-void CheckFirst(Report& report, const Road& road, const std::string& healthy,
+void CheckFirst(Report& report, const RequestKind& kind, const std::string& healthy,
                 const std::vector<std::vector<Fault>>& cases) {
     for (const std::vector<Fault>& faults : cases) {
         std::string expected = healthy;
-        if (const std::vector<Fault> lasting = Lasting(road, faults); !lasting.empty()) {
+        if (const std::vector<Fault> lasting = Lasting(kind, faults); !lasting.empty()) {
             Report twin;
             InFreshProcess(twin, "twin",
-                           [&](Report& own) { own.texts.push_back(Remembered(road, lasting)); });
+                           [&](Report& own) { own.texts.push_back(Remembered(kind, lasting)); });
             expected = twin.texts.empty() ? "" : twin.texts.front();
         }
-        const std::string wrong = FaultOfAnswer(expected, road.member);
+        const std::string wrong = FaultOfAnswer(expected, kind.member);
         if (!wrong.empty()) {
-            report.Problem(std::string(road.name) + ": " + Describe(faults) +
-                           ": no answer to expect: " + wrong);
+            report.Problem(std::string(kind.name) + ": " + Describe(faults) +
+                           ": the expected answer is wrong: " + wrong);
         }
         InFreshProcess(report, Describe(faults), [&](Report& own) {
-            Device device(road.model);
-            const std::vector<Exchange> seen = Serve(device, road.uri, {faults, {}, {}});
+            Device device(kind.model);
+            const std::vector<Exchange> seen = Serve(device, kind.uri, {faults, {}, {}});
             own.Note(seen);
             if (seen.size() != 4) {
                 own.Problem(Describe(faults) + ": the loop has ended");
                 return;
             }
-            Check(own, road, faults, seen[1]);
-            if (KnowsSlot(road, seen[1])) {
-                CheckMended(own, road, faults, seen[2].body, expected);
+            Check(own, kind, faults, seen[1]);
+            if (KnowsSlot(kind, seen[1])) {
+                CheckLaterAnswer(own, kind, faults, seen[2].body, expected);
             }
-            CheckMended(own, road, faults, seen[3].body, expected);
+            CheckLaterAnswer(own, kind, faults, seen[3].body, expected);
         });
     }
 }
 
 /// The calls that the first request of a process makes.
-std::map<std::string, int> CallsOfFirst(Report& report, const Road& road) {
+std::map<std::string, int> CallsOfFirst(Report& report, const RequestKind& kind) {
     Report trace;
-    InFreshProcess(trace, road.name, [&](Report& own) {
-        Device device(road.model);
-        own.Note(Serve(device, road.uri, {{}}).back());
+    InFreshProcess(trace, kind.name, [&](Report& own) {
+        Device device(kind.model);
+        own.Note(Serve(device, kind.uri, {{}}).back());
     });
     report.Add(trace);
     return trace.calls;
 }
 
-/// The calls that @p road makes in a process that has served requests before.
-Healthy Settled(Report& report, const Road& road) {
+/// The answer and the calls of @p kind in a new process that has served requests before.
+Healthy Settled(Report& report, const RequestKind& kind) {
     Healthy healthy;
     Report trace;
-    InFreshProcess(trace, road.name, [&](Report& own) {
-        Device device(road.model);
-        healthy = Settle(own, road, device);
+    InFreshProcess(trace, kind.name, [&](Report& own) {
+        Device device(kind.model);
+        healthy = Settle(own, kind, device);
         own.calls = healthy.calls;
         if (own.problems == 0) {
             own.texts.push_back(healthy.body);
@@ -251,18 +255,18 @@ Healthy Settled(Report& report, const Road& road) {
 
 /// Runs the cases that @p make builds from the calls of a process that has served requests before.
 template <typename Make>
-void CheckAllSettled(Report& report, const Road& road, Make make) {
-    InFreshProcess(report, road.name, [&](Report& own) {
-        Device device(road.model);
-        const Healthy healthy = Settle(own, road, device);
-        CheckSettled(own, road, device, healthy, make(healthy.calls));
+void CheckAllSettled(Report& report, const RequestKind& kind, Make make) {
+    InFreshProcess(report, kind.name, [&](Report& own) {
+        Device device(kind.model);
+        const Healthy healthy = Settle(own, kind, device);
+        CheckSettled(own, kind, device, healthy, make(healthy.calls));
     });
 }
 
-TEST(FaultMatrix, EachCallFailingAloneInAProcessThatHasSettled) {
+TEST(FaultMatrix, EachCallFailingAloneInALaterRequest) {
     Report report;
-    for (const Road& road : kRoads) {
-        CheckAllSettled(report, road, [](const std::map<std::string, int>& calls) {
+    for (const RequestKind& kind : kRequestKinds) {
+        CheckAllSettled(report, kind, [](const std::map<std::string, int>& calls) {
             return Sampled(Singles(calls), kSampled ? 3 : 1);
         });
     }
@@ -271,8 +275,8 @@ TEST(FaultMatrix, EachCallFailingAloneInAProcessThatHasSettled) {
 
 TEST(FaultMatrix, EachPairOfCallsFailingTogether) {
     Report report;
-    for (const Road& road : {kRoads[0], kRoads[1], kRoads[2]}) {
-        CheckAllSettled(report, road, [](const std::map<std::string, int>& calls) {
+    for (const RequestKind& kind : {kRequestKinds[0], kRequestKinds[1], kRequestKinds[2]}) {
+        CheckAllSettled(report, kind, [](const std::map<std::string, int>& calls) {
             return Pairs(calls, kSampled ? 7 : 1);
         });
     }
@@ -281,37 +285,37 @@ TEST(FaultMatrix, EachPairOfCallsFailingTogether) {
 
 TEST(FaultMatrix, AllCallsFailingAtOnce) {
     Report report;
-    for (const Road& road : kRoads) {
-        CheckAllSettled(report, road, AllAtOnce);
+    for (const RequestKind& kind : kRequestKinds) {
+        CheckAllSettled(report, kind, AllAtOnce);
     }
     Print("all at once", report);
 }
 
-TEST(FaultMatrix, EachCallFailingAtTheFirstRequestOfAProcess) {
+TEST(FaultMatrix, EachCallFailingInTheFirstRequestOfAProcess) {
     Report report;
-    for (const Road& road : {kRoads[0], kRoads[1], kRoads[2]}) {
-        const Healthy healthy = Settled(report, road);
+    for (const RequestKind& kind : {kRequestKinds[0], kRequestKinds[1], kRequestKinds[2]}) {
+        const Healthy healthy = Settled(report, kind);
         std::vector<std::vector<Fault>> cases;
-        for (const auto& [call, times] : CallsOfFirst(report, road)) {
+        for (const auto& [call, times] : CallsOfFirst(report, kind)) {
             const auto settled = healthy.calls.find(call);
             const std::vector<Fault> faults = FaultsOf(call, times);
-            // Calls that later requests make as well are tried in all ways there.
+            // For calls that later requests make as well, another test tries all ways.
             const bool known = settled != healthy.calls.end() && settled->second == times;
             for (std::size_t i = 0;
                  i < (known ? std::min<std::size_t>(2, faults.size()) : faults.size()); ++i) {
                 cases.push_back({faults[i]});
             }
         }
-        CheckFirst(report, road, healthy.body, Sampled(cases, kSampled ? 11 : 1));
+        CheckFirst(report, kind, healthy.body, Sampled(cases, kSampled ? 11 : 1));
     }
     Print("first request", report);
 }
 
-TEST(FaultMatrix, AllCallsFailingAtTheFirstRequestOfAProcess) {
+TEST(FaultMatrix, AllCallsFailingInTheFirstRequestOfAProcess) {
     Report report;
-    for (const Road& road : kRoads) {
-        CheckFirst(report, road, Settled(report, road).body,
-                   Sampled(AllAtOnce(CallsOfFirst(report, road)), kSampled ? 5 : 1));
+    for (const RequestKind& kind : kRequestKinds) {
+        CheckFirst(report, kind, Settled(report, kind).body,
+                   Sampled(AllAtOnce(CallsOfFirst(report, kind)), kSampled ? 5 : 1));
     }
     Print("all at once, first request", report);
 }

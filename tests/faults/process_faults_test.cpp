@@ -1,5 +1,5 @@
-// Whichever calls fail that the process makes at its start, at its end or beside the requests, it
-// does not crash.
+// Whichever calls fail at the start or the end of the process or between requests, the process does
+// not crash.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -33,7 +33,7 @@ int RunMain() {
     return result;
 }
 
-/// The calls that belong to no request.
+/// The calls that are not made for a request.
 std::map<std::string, int> CallsOfProcess(Report& report) {
     Report trace;
     InFreshProcess(trace, "process", [](Report& own) {
@@ -70,7 +70,8 @@ void CheckProcess(Report& report, const Fault& fault, const std::string& healthy
     if (all.failed.empty()) {
         report.Problem(Describe({fault}) + ": not called");
     }
-    // Without the writer no request can be answered; the web server starts another process.
+    // Without the response writer, no request can be answered. The process ends, and the web server
+    // starts another one.
     const std::size_t answers = IsWithoutWriter(fault) ? 0 : 2;
     if (seen.size() != 1 + answers) {
         report.Problem(Describe({fault}) + ": " + std::to_string(seen.size() - 1) + " requests");
@@ -146,7 +147,7 @@ TEST(DeclaredCalls, EachIsMadeByTheServiceOrHasAReasonWhyNot) {
     for (const DeclaredCall& declared : kDeclaredCalls) {
         const std::string call = declared.name;
         names.erase(call);
-        // The call that is made outside of requests, and the object that exists before main.
+        // A call that is made outside of requests, and an object that is made before main.
         const bool seen = report.calls.count(call) != 0 ||
                           call == "watchdog_application_send_keep_alive" ||
                           call == "MaintenanceThread::MaintenanceThread";

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kTextsToKeep = 25;
 
-/// One line per item: what it is, and its text.
+/// Writes a report as text, one line per item: the kind of the item and its value.
 std::string Written(const Report& report) {
     std::string text = "cases " + std::to_string(report.cases) + "\nproblems " +
                        std::to_string(report.problems) + "\n";
@@ -133,7 +133,7 @@ void InFreshProcess(Report& report, const std::string& name,
                     const std::function<bool(int)>& excused) {
     int ends[2] = {-1, -1};
     if (pipe(ends) != 0) {
-        report.Problem("no pipe");
+        report.Problem("cannot make a pipe");
         return;
     }
     (void)std::fflush(nullptr);
@@ -141,7 +141,7 @@ void InFreshProcess(Report& report, const std::string& name,
     if (child < 0) {
         (void)close(ends[0]);
         (void)close(ends[1]);
-        report.Problem(name + ": no process");
+        report.Problem(name + ": cannot start a process");
         return;
     }
     if (child == 0) {

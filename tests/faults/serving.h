@@ -1,4 +1,4 @@
-// Sends requests to the whole service, in this process or in a fresh copy of it.
+// Sends requests to the whole service, in this process or in a new one.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,10 @@
 
 #include "tests/faults/device.h"
 
-/// Serves one request for @p uri with the faults of each element of @p plan. All are served by one
-/// call of @p run, by default the loop of the service. Returns what was seen: [0] before the first
-/// request, [1] during the first and so on; the end of the loop belongs to the last one.
+/// Serves one request for @p uri for each element of @p plan, with the faults in that element. One
+/// call of @p run, by default the loop of the service, serves them all. Returns what was observed:
+/// [0] before the first request, [1] during the first and so on; the last one includes the end of
+/// the loop.
 std::vector<Exchange> Serve(Device& device, const std::string& uri,
                             std::vector<std::vector<Fault>> plan, int (*run)() = nullptr);
 
@@ -18,9 +19,9 @@ std::vector<Exchange> Serve(Device& device, const std::string& uri,
 struct Report {
     long cases = 0;
     long problems = 0;
-    /// The first problems, and other lines for the reader.
+    /// The first problems, or other lines that the test wants to return.
     std::vector<std::string> texts;
-    /// Calls of the platform that were made, and how often at most in one request.
+    /// Calls of the platform that were made, and the greatest number of them in one request.
     std::map<std::string, int> calls;
 
     void Problem(const std::string& text);
@@ -29,16 +30,16 @@ struct Report {
     void Add(const Report& other);
 };
 
-/// Runs @p test in a new process that has not served anything yet, and adds its report to @p
-/// report. It is a problem, too, when the process cannot be started or dies, unless @p excused
+/// Runs @p test in a new process that has not served any request yet, and adds its report to @p
+/// report. It also reports a problem if the process cannot be started or crashes, unless @p excused
 /// returns true for its status.
 void InFreshProcess(Report& report, const std::string& name,
                     const std::function<void(Report&)>& test,
                     const std::function<bool(int)>& excused = nullptr);
 
-/// What is wrong with the answer @p text, which must hold the login status and, unless it is empty,
-/// the member @p member; empty when nothing is wrong.
+/// Returns what is wrong with the answer @p text, or nothing. The answer must have the login status
+/// and, unless @p member is empty, that member.
 std::string FaultOfAnswer(const std::string& text, const std::string& member);
 
-/// Prints how much was tried and makes each problem a failure of the test.
+/// Prints the number of cases and makes the test fail for each problem.
 void Print(const char* what, const Report& report);

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// In a page that the processes share.
+/// In memory that the processes share.
 volatile bool* gInside = nullptr;
 
 void SetInside(bool inside) {
@@ -39,7 +39,7 @@ bool IsInside() {
 
 }  // namespace watched_gettext
 
-// Linked in place of the function of the system library; it does the same.
+// Replaces the function of the C library and calls it.
 char* dgettext(const char* domain, const char* id) noexcept {
     SetInside(true);
     char* const text = dcgettext(domain, id, LC_MESSAGES);

@@ -1,12 +1,13 @@
-// Tells whether another process, which has died, did so in gettext of the C library.
+// Finds out whether another process crashed while it was in the C library's gettext.
 #pragma once
 
 namespace watched_gettext {
 
-/// Prepares the watch. Call it before the processes are started that are watched, one at a time.
+/// Call this before each process that is to be watched is started. Only one process at a time can
+/// be watched.
 void Start();
 
-/// Whether the last process was still looking a text up when it ended.
+/// Whether the process was still in gettext when it ended.
 bool IsInside();
 
 }  // namespace watched_gettext
