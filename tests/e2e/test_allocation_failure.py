@@ -14,7 +14,7 @@ from support.device import Device
 from support.memory import HEALTHY, Memory
 from support.waiting import wait_until
 
-pytestmark = pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
+pytestmark = pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers replace malloc")
 
 
 @pytest.fixture
@@ -49,7 +49,7 @@ def count(responder, memory, uri):
 
 
 @pytest.mark.skipif(
-    paths.CTPP2 == "system", reason="a CTPP2 text without memory for its value is a wild pointer"
+    paths.CTPP2 == "system", reason="CTPP2 follows an invalid pointer if it gets no memory for a text"
 )
 @pytest.mark.parametrize("uri", ["/srv/status", "/srv/notification", "/srv/connect", "/srv/disconnect"])
 @pytest.mark.parametrize("persistently", [False, True])

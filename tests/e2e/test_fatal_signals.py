@@ -15,7 +15,7 @@ from support.waiting import wait_until
 FATAL = [signal.SIGSEGV, signal.SIGABRT, signal.SIGILL]
 LIBC = ctypes.CDLL(None, use_errno=True)
 NOTIFIED = "virtual bool KeepAliveHandler::OnThreadNotify(unsigned int) - END"
-one_other_thread = pytest.mark.skipif("thread" in paths.SANITIZERS, reason="the sanitizer has a thread of its own")
+one_other_thread = pytest.mark.skipif("thread" in paths.SANITIZERS, reason="the sanitizer adds a thread")
 FRAME = re.compile(r"\[KESTAL_CGI\]:\[ERROR\] - 0x[0-9a-f]+ : .+")
 
 
@@ -64,7 +64,7 @@ def test_a_backtrace_is_logged_at_the_usual_level(make_responder):
     assert_backtrace(responder.log.messages(), signal.SIGSEGV)
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks of their own in a handler")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks in signal handlers")
 @pytest.mark.parametrize("signo", FATAL)
 def test_a_fatal_signal_ends_a_busy_service_too(make_responder, signo):
     """The signal may arrive anywhere: in the allocator, while a line is logged, in the keep-alive thread."""
@@ -118,7 +118,7 @@ def test_a_fatal_signal_in_the_keep_alive_thread_does_the_same_after_its_first_r
     assert_backtrace(responder.log.messages(), signo)
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks of their own in a handler")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers take locks in signal handlers")
 @pytest.mark.parametrize("signo", FATAL)
 def test_a_fatal_signal_in_either_thread_ends_a_busy_service(make_responder, signo):
     for number in range(8):

@@ -60,7 +60,7 @@ def count_blocks(work, *libraries, **variables):
     )
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers replace malloc")
 def test_thousands_of_requests_leave_not_one_block_of_memory_behind(work):
     report = count_blocks(work)
     assert report["failures"] == []
@@ -68,7 +68,7 @@ def test_thousands_of_requests_leave_not_one_block_of_memory_behind(work):
     assert report["newBlocks"] == 0
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers bring their own malloc")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers replace malloc")
 def test_a_leak_in_few_requests_is_noticed(work):
     report = count_blocks(work, str(LEAK), KESTAL_LEAK_EVERY="500")
     assert report["errors"] == 0
@@ -76,7 +76,7 @@ def test_a_leak_in_few_requests_is_noticed(work):
     assert report["failures"] == [f"service: holds {report['newBlocks']} more blocks of memory"]
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers keep what has been freed")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers do not reuse freed memory")
 def test_thousands_of_requests_are_answered_and_leave_nothing_behind(work):
     report = soak(work, "--requests", "3000", "--warm-up", "500", "--changes", "0.005")
     assert report["failures"] == []
@@ -89,7 +89,7 @@ def test_thousands_of_requests_are_answered_and_leave_nothing_behind(work):
         assert process["start"]["threads"] == process["end"]["threads"]
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="nothing can be loaded before the sanitizers")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="no library can be preloaded before the sanitizers")
 def test_a_leak_of_300_bytes_per_request_is_noticed(work, leaking):
     report = soak(work, "--requests", "1500", "--warm-up", "300", "--changes", "0.005", **leaking)
     service = report["processes"]["service"]

@@ -23,7 +23,7 @@ CONNECT = {**fastcgi.STATUS, "REQUEST_URI": "/srv/connect"}
 FRAME = re.compile(r"\[KESTAL_CGI\]:\[ERROR\] - 0x[0-9a-f]+ : (?P<file>[^(]+)\((?P<symbol>[^)]*)\) .+")
 
 needs_signals = pytest.mark.skipif(
-    "thread" in paths.SANITIZERS, reason="the thread sanitizer holds a signal back until the call is over"
+    "thread" in paths.SANITIZERS, reason="the thread sanitizer delays signals until the call returns"
 )
 
 

@@ -95,7 +95,7 @@ def test_the_bounds_of_the_unit_are_those_of_the_threat_model():
     assert section("Service").items() >= bounds.items()
 
 
-@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers do not run beside strace")
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers do not work under strace")
 def test_the_allowed_system_calls_are_enough(make_server, work):
     server = make_server()
     trace = work / "trace"

@@ -121,7 +121,7 @@ class AllocationFailure : public testing::Test {
   protected:
     void SetUp() override {
 #ifdef KESTAL_SYSTEM_CTPP2
-        GTEST_SKIP() << "a CTPP2 text without memory for its value is a wild pointer";
+        GTEST_SKIP() << "CTPP2 follows an invalid pointer if it gets no memory for a text";
 #endif
     }
 };
