@@ -62,8 +62,8 @@
 #define KESTAL_END() KESTAL_DEBUG("END")
 #define KESTAL_END_RETURNING(result) KESTAL_DEBUG("END returning %d", (result))
 
-// Lines of a function without the usual " - " behind the signature: "[module]:[level] - signature"
-// and the format, which itself begins with what separates the two, such as " " or "- ".
+// Lines of a function without the usual " - " after the signature: "[module]:[level] - signature"
+// and the format, which itself begins with a separator such as " " or "- ".
 
 /// One line.
 #define KESTAL_LOG_UNSEPARATED(level, format, ...) \

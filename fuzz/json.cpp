@@ -22,8 +22,8 @@ std::size_t CountDigits(std::string_view text) {
     return std::min(text.find_first_not_of("0123456789"), text.size());
 }
 
-/// Whether the whole of @p text is a decimal number: there must be a digit before or behind the
-/// point, and behind the letter of an exponent. Sets @p isInteger when it has neither point nor
+/// Whether the whole of @p text is a decimal number: there must be a digit before or after the
+/// point, and after the letter of an exponent. Sets @p isInteger if it has neither point nor
 /// exponent.
 bool IsNumber(std::string_view text, bool& isInteger) {
     const auto skip = [&](std::string_view characters) {

@@ -29,6 +29,6 @@ void toru_dbg_stop();
 /// Writes one line to the system log, whatever the level of the debug log.
 [[gnu::format(printf, 2, 3)]] void toru_dbg_syslog(int priority, const char* format, ...);
 
-/// Returns the name of a level as it stands in log lines; never null, static storage.
+/// Returns the name of a level as log lines contain it; never null, static storage.
 const char* toru_dbg_get_level_name(int level);
 }

@@ -12,7 +12,7 @@
 
 #include <csignal>
 
-/// SIGTERM, and SIGUSR1, with which libfcgi is told to accept no more requests.
+/// SIGTERM, and SIGUSR1, which makes libfcgi accept no more requests.
 sigset_t MainThreadSignals();
 
 /// Blocks MainThreadSignals() in the calling thread and in all threads that it starts from now on.

@@ -9,8 +9,8 @@
 /// normal end, or the library's status when it could not be started.
 int fastcgi_main_loop();
 
-/// The ServiceApi whose name REQUEST_URI of @p envp contains. The name may stand anywhere behind
-/// the first five characters ("/srv/"), even in the query string.
+/// The ServiceApi whose name REQUEST_URI of @p envp contains. The name may be anywhere after the
+/// first five characters ("/srv/"), even in the query string.
 int get_service_api(FCGX_ParamArray envp);
 
 /// Returns 1 when session cookie, address and user agent of the caller belong to a logged-in web UI

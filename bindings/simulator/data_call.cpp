@@ -19,7 +19,7 @@ constexpr int kDisconnected = 0;
 constexpr int kConnected = 2;
 
 /// Returns the document with @p status as the status of the data call. If the document makes the
-/// status query fail, it is returned unchanged, so that the query goes on failing.
+/// status query fail, it is returned unchanged, so that the query still fails.
 std::string WithStatus(const std::string& path, const std::string& document, int status) {
     const Device device = ReadDevice(path, document);
     if (device.getCellularDataConnectionStatus.error != 0) {

@@ -16,7 +16,7 @@
 namespace CTPP {
 namespace {
 
-/// Per byte: 0 if it is written as it is, 'u' for \u00xx, otherwise the letter behind the
+/// Per byte: 0 if it is written unchanged, 'u' for \u00xx, otherwise the letter after the
 /// backslash.
 constexpr std::array<char, 256> kEscapes = [] {
     std::array<char, 256> escapes{};

@@ -94,7 +94,7 @@ CDT& CDT::Members::Insert(std::size_t index, Key key) {
 
 void CDT::Members::AddSlots(Block& block) noexcept {
     // The free list begins with the slot that was added last, so the slots are added in reverse:
-    // then members that are inserted one after another lie one behind another in memory.
+    // then members that are inserted one after another are in the same order in memory.
     for (auto slot = block.slots.rbegin(); slot != block.slots.rend(); ++slot) {
         slot->next = spare;
         spare = &*slot;

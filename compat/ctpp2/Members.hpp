@@ -32,7 +32,7 @@ class CDT::Members {
     /// nothing changes.
     CDT& FindOrInsert(std::string_view key);
     CDT& FindOrInsert(const LiteralKey& key);
-    /// Inserts a member that comes behind all others.
+    /// Inserts a member whose key comes after all others.
     CDT& InsertLast(const Key& key);
     /// Removes the member and tells whether it was there.
     bool Erase(std::string_view key);

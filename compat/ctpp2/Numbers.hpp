@@ -18,7 +18,7 @@ std::int64_t Truncate(double value);
 
 /// The number that a text stands for. Digits with an optional sign, and the empty text, are an
 /// integer, clamped to its range. Any other text is a real, which is 0 unless the whole text is a
-/// decimal number. A text that goes on behind a complete exponent is neither.
+/// decimal number. A text that has more characters after a complete exponent is neither.
 std::variant<std::monostate, std::int64_t, double> ParseNumber(std::string_view text);
 
 /// Tells whether the text may stand in JSON as a number.

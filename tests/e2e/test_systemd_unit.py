@@ -125,7 +125,7 @@ def test_a_proc_that_contains_only_processes_is_enough(make_server):
     mount = f'{MOUNT_PROCESSES} && [ ! -e /proc/net ] && exec "$@"'
     start_wrapped(server, "unshare", "--mount", "sh", "-c", mount, "sh")
     live(server)
-    # The launcher must also find the service that a killed web server has left behind.
+    # The launcher must also find a service that still runs after its web server was killed.
     stray = server.responder()
     server.process.kill()
     server.process.wait()

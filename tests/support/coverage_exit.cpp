@@ -20,9 +20,9 @@ void End(int /*signo*/) {
 
 }  // namespace
 
-/// Linked in the place of _exit where coverage is measured (--wrap=_exit), because counts are
-/// otherwise written by exit only. A process that ends in this way may have crashed while it held a
-/// lock that writing the counts needs, so it gives up after a second.
+/// Where coverage is measured, the linker replaces _exit by this function (--wrap=_exit), because
+/// otherwise only exit writes the counts. The process may have crashed while it held a lock that
+/// writing the counts needs, so this function gives up after a second.
 void __wrap__exit(int status) {
     if (!gDumping.exchange(true)) {
         gStatus = status;

@@ -1,5 +1,5 @@
-// For tests with lists that do not fit into memory: arrays above a limit, which is usually a
-// gigabyte, are refused however much memory the machine has.
+// For tests with lists that do not fit into memory: allocations of arrays above a limit, usually a
+// gigabyte, fail even if the machine has enough memory.
 #include "tests/support/limited_memory.h"
 
 extern "C" {
@@ -23,7 +23,7 @@ LimitedMemory::~LimitedMemory() {
     limit = kUsualLimit;
 }
 
-/// Linked in the place of calloc (--wrap=calloc).
+/// The linker replaces calloc by this function (--wrap=calloc).
 void* __wrap_calloc(std::size_t count, std::size_t size) {
     return size != 0 && count > limit / size ? nullptr : __real_calloc(count, size);
 }

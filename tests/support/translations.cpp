@@ -26,7 +26,7 @@ void Reset() {
 
 }  // namespace translations
 
-// Linked in place of the function of the system library.
+// Replaces the function of the C library.
 char* dgettext(const char* domain, const char* id) noexcept {
     const auto found = Catalogue().find({domain, id});
     return found == Catalogue().end() ? const_cast<char*>(id) : found->second.data();

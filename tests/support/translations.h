@@ -5,10 +5,10 @@
 
 namespace translations {
 
-/// Translates message id @p id of @p domain as @p text from now on.
+/// From now on, @p text is the translation of the message id @p id of @p domain.
 void Give(const std::string& domain, const std::string& id, const std::string& text);
 
-/// Forgets all translations: every message id stands for itself again.
+/// Removes all translations: the text of each message id is the id itself again.
 void Reset();
 
 }  // namespace translations

@@ -9,7 +9,7 @@ import tree
 
 PAGES = sorted(name for name in tree.files() if name.endswith(".md"))
 FOLDERS = sorted({name.split("/")[0] for name in tree.files() if "/" in name})
-# A path from the root of the tree, anywhere in a text. Behind a slash or a dot it is part of another path.
+# A path from the root of the tree, anywhere in a text. After a slash or a dot it is part of another path.
 PATH = re.compile(rf"(?<![\w/.@-])(?:\./)?((?:{'|'.join(map(re.escape, FOLDERS))})/[\w./*{{}},-]*)")
 # The name of a file, without its folder.
 NAME = re.compile(r"`([\w.*-]+\.(?:cpp|h|hpp|py|js|md|cmake|nft|scd))`")

@@ -14,7 +14,7 @@ std::string Formatted(const nlohmann::ordered_json& value, std::size_t level = 0
                       std::size_t column = 0);
 
 /// The text @p text of the document @p before, changed to that of @p after. Only values that differ
-/// are written anew.
+/// are written again.
 std::string Patched(const std::string& text, const nlohmann::ordered_json& before,
                     const nlohmann::ordered_json& after);
 

@@ -40,8 +40,8 @@ struct Pace {
 };
 
 /// Plays @p scenario on the document at @p path: the document is replaced once for each instant. An
-/// error on the way, such as a document that somebody has just damaged, is reported once, and the
-/// scenario goes on. Returns whether there was no error; being stopped by the clock is not one.
+/// error meanwhile, such as a document that somebody has just damaged, is reported once, and the
+/// scenario continues. Returns whether there was no error; being stopped by the clock is not one.
 bool Play(const Scenario& scenario, const std::string& path, const Pace& pace, Clock& clock,
           Audience& audience);
 

@@ -1,8 +1,8 @@
-"""A scenario that happens one event after the other, whenever it is told to go on.
+"""Plays a scenario event by event; the test starts each event.
 
-kestal-sim tells of an event on its error stream and then makes it happen. Here that stream is a
-pipe that holds one message: while nobody takes it, kestal-sim waits before the next event, however
-late that is. Only the ramps between two events go by the clock.
+kestal-sim reports each event on its error stream before it makes the event's changes. Here that stream
+is a pipe with room for one message: until the test reads it, kestal-sim waits with the next event,
+however late that is. Only the ramps between two events depend on the clock.
 """
 
 import fcntl
@@ -19,7 +19,7 @@ ONE_PAGE = 1
 
 
 class Player:
-    """The first event happens at once."""
+    """A running scenario. Its first event happens at once."""
 
     def __init__(self, scenario, environment):
         # O_DIRECT makes each read return one message.
@@ -35,7 +35,7 @@ class Player:
         os.close(theirs)
 
     def proceed(self):
-        """Takes what was told of the event that has happened, so that the next one happens."""
+        """Reads the message about the last event, so that the next one happens. Returns the message."""
         if not select.select([self.messages], [], [], PATIENCE)[0]:
             raise TimeoutError("nothing more happens")
         return os.read(self.messages, select.PIPE_BUF).decode()

@@ -7,7 +7,7 @@ import subprocess
 
 from support import paths
 
-# The shared file begins with what the test orders and the resulting counts (ORDERS). Behind them is the
+# The shared file begins with the orders of the test and the resulting counts (ORDERS). After them, it has the
 # number of blocks that the service holds (HELD).
 ORDERS = struct.Struct("6i")
 HELD = struct.Struct("q")

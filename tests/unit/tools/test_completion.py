@@ -1,4 +1,4 @@
-"""What bash offers behind the names of the tools."""
+"""What bash offers as completion after the names of the tools."""
 
 import shutil
 import subprocess

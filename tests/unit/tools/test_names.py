@@ -1,4 +1,4 @@
-"""The tools have the commands that the log, the platform and the man pages speak of."""
+"""The tools have the commands that the log, the platform and the man pages name."""
 
 import re
 

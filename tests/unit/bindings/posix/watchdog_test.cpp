@@ -1,4 +1,4 @@
-// The watchdog speaks to the service manager when there is one and to the log otherwise.
+// The watchdog sends its messages to the service manager if there is one, and to the log otherwise.
 #include "platform/watchdog.h"
 
 #include <sys/socket.h>
