@@ -112,4 +112,4 @@ def test_an_attack_from_one_address_leaves_room_for_others(network, make_server,
         for _ in range(20):
             assert web.ask(PORT, "/srv/status", address=targets[1]).status == 200
             assert network.established(0) <= LIMIT
-        wait_until(lambda: attack.tried > tried, "the attack goes on")
+        wait_until(lambda: attack.tried > tried, "the attack continues")

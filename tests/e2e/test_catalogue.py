@@ -33,11 +33,11 @@ def translations(language):
             if keyword == "msgid":
                 pairs.append([text, None])
             elif keyword == "msgstr":
-                assert "fuzzy" not in flags, f"{language}: {pairs[-1][0]} is marked as a guess"
+                assert "fuzzy" not in flags, f"{language}: {pairs[-1][0]} is marked as fuzzy"
                 flags = ""
                 pairs[-1][1] = text
             else:
-                assert keyword is None, f"{language}: what is {keyword}?"
+                assert keyword is None, f"{language}: unknown keyword {keyword}"
                 pairs[-1][0 if pairs[-1][1] is None else 1] += text
     header, *rest = pairs
     assert header[0] == ""

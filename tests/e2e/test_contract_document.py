@@ -94,7 +94,7 @@ def test_the_document_is_well_formed():
         assert needed <= set(node) <= known, (kind, node)
     for _, node in walk(CONTRACT["paths"]):
         if isinstance(node, dict) and "$ref" in node:
-            assert set(node) == {"$ref"}, "outside of schemas, nothing stands beside a reference"
+            assert set(node) == {"$ref"}, "outside of schemas, a reference has no other fields"
     names = [operation["operationId"] for _, _, operation in operations()]
     assert len(names) == len(set(names)) == 6
     tags = {tag["name"] for tag in CONTRACT["tags"]}

@@ -53,9 +53,9 @@ class WebServer:
         os.kill(responder, signal.SIGSTOP)
 
         def die():
-            wait_until(lambda: self.connections() >= len(self.given), "all requests are on their way")
+            wait_until(lambda: self.connections() >= len(self.given), "the service has all requests")
             os.kill(responder, signal.SIGKILL)
-            wait_until(lambda: not processes.is_alive(responder), "the service is gone")
+            wait_until(lambda: not processes.is_alive(responder), "the service has ended")
 
         return self.all_at_once(then=die)
 
@@ -87,12 +87,12 @@ def test_the_web_server_gives_the_errors_of_the_contract_and_no_others(make_serv
 
     # If a request has not reached the service when it dies, the next service answers it. So try again
     # until all requests have reached it.
-    wait_until(lambda: web.all_while_the_service_dies() == {500}, "all requests die with the service")
+    wait_until(lambda: web.all_while_the_service_dies() == {500}, "all requests get 500 when the service dies")
     # The web server may start the next service at any time, and needs the program for that.
     responder = server.responder()
     (server.run / "kestal.cgi").unlink()
     os.kill(responder, signal.SIGKILL)
-    wait_until(lambda: server.ask("/srv/status").status == 503, "the web server knows that it is gone")
+    wait_until(lambda: server.ask("/srv/status").status == 503, "the web server knows that the service has ended")
     assert web.all() == {503}
 
     # The short timeout applies only from here on: before, it would give up a service that is merely slow.

@@ -57,7 +57,7 @@ def test_the_answers_for_a_shipped_device(make_responder, name):
             type(value) is type(expected["statusData"][key])
             for key, value in answer["statusData"].items()
         )
-    assert ask(responder) == stored[-1], "the last stored answer is the lasting one"
+    assert ask(responder) == stored[-1], "later answers are the same as the last stored one"
 
 
 def test_a_sim_that_becomes_active_shows_in_technology_and_signal_one_request_late(make_responder):

@@ -187,7 +187,7 @@ def device_of(script):
 def test_the_device_changes_until_the_script_is_stopped(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
-    (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
+    (player,) = wait_until(lambda: players(device_of(script)), "the scenario plays")
     before = web.ask(script.port, "/srv/status").json()["statusData"]
     wait_until(
         lambda: web.ask(script.port, "/srv/status").json()["statusData"] != before,
@@ -202,9 +202,9 @@ def test_the_device_changes_until_the_script_is_stopped(run):
 def test_the_service_runs_on_when_the_player_dies(run):
     script = run()
     script.wait_for("Ctrl-C stops it.")
-    (player,) = wait_until(lambda: players(device_of(script)), "the device plays")
+    (player,) = wait_until(lambda: players(device_of(script)), "the scenario plays")
     os.kill(player, signal.SIGKILL)
-    wait_until(lambda: not processes.is_alive(player), "the player is gone")
+    wait_until(lambda: not processes.is_alive(player), "the player has ended")
     assert web.ask(script.port, "/srv/status").json()["statusData"]
     script.press_control_c()
     assert script.end() == 0

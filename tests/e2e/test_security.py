@@ -274,15 +274,15 @@ def test_slow_clients_are_dropped(make_server, work):
         for request in begun.values():
             stack.enter_context(begin(server, request))
 
-        def asks_no_second_time():
+        def answers_a_single_request():
             client = stack.enter_context(begin(server, GET.replace(b"status", b"once") + b"\r\n"))
             with contextlib.suppress(ConnectionError):
                 return statuses(client.recv(65536)) == [200]
             return False
 
-        wait_until(asks_no_second_time, "one that asks once is answered")
+        wait_until(answers_a_single_request, "a client that sends a single request is answered")
         wait_until(lambda: is_answered(server, "/srv/other"), "others are answered")
-        wait_until(lambda: established(server) == 0, "the web server has dropped them all")
+        wait_until(lambda: established(server) == 0, "the web server has dropped all slow clients")
     assert server.log.count("/srv/status request received") == 0
 
 
@@ -296,7 +296,7 @@ def test_when_there_are_too_many_clients_others_wait_until_the_slow_ones_are_dro
         slow.append(begin(server, b"GET /srv/sta"))
         return "connection limit reached" in server.server_messages()
 
-    wait_until(too_many, "there are too many")
+    wait_until(too_many, "the web server reports that there are too many")
     with concurrent.futures.ThreadPoolExecutor(1) as pool:
         asked = pool.submit(wait_until, lambda: is_answered(server, "/srv/status"), "another one is answered")
         for client in slow:

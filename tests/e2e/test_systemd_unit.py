@@ -71,7 +71,7 @@ def live(server):
         assert server.ask(target).status == 200
     dead = server.responder()
     os.kill(dead, signal.SIGSEGV)
-    wait_until(lambda: not processes.is_alive(dead), "the service is gone")
+    wait_until(lambda: not processes.is_alive(dead), "the service has ended")
     wait_until(lambda: server.ask("/srv/status").status == 200, "the service is back")
 
 
@@ -104,7 +104,7 @@ def test_the_allowed_system_calls_are_enough(make_server, work):
     server.process.terminate()
     server.process.wait(20)
     end = rf"(?m)^{server.process.pid} +\+\+\+ exited"
-    wait_until(lambda: re.search(end, trace.read_text()), "all is written down")
+    wait_until(lambda: re.search(end, trace.read_text()), "strace has recorded the whole run")
     # When the simulator replaces a device document, it tries to keep the file's owner. That this call is
     # refused proves that the filter is active.
     assert set(re.findall(r"(?m)^\d+ +(\w+)\(", trace.read_text())) == {"fchown"}
@@ -130,5 +130,5 @@ def test_a_proc_that_contains_only_processes_is_enough(make_server):
     server.process.kill()
     server.process.wait()
     server.start()
-    wait_until(lambda: not processes.is_alive(stray), "the stray service has been ended")
+    wait_until(lambda: not processes.is_alive(stray), "the service that was left behind has ended")
     assert server.ask("/srv/status").status == 200

@@ -59,7 +59,7 @@ def test_a_termination_during_a_request_waits_for_its_answer(responder):
         connection.send(whole[:30])
         wait_until(lambda: processes.accepted(responder.pid, responder.socket), "the request is accepted")
         responder.process.send_signal(signal.SIGTERM)
-        wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is held back")
+        wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is pending")
         connection.send(whole[30:])
         assert connection.receive().body.startswith(b'{"loginStatus":0,"statusData":{')
     assert responder.process.wait(20) == 0

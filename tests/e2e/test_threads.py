@@ -77,7 +77,7 @@ def test_requests_keep_alives_and_changes_of_the_device_go_on_side_by_side(make_
         writers = stack.enter_context(Writers(responder.device))
         load = stack.enter_context(Load(responder))
         assert [watchdog.next(), watchdog.next()] == ["WATCHDOG=1", "WATCHDOG=1"]
-        wait_until(all_have_worked, "all have worked")
+        wait_until(all_have_worked, "writers and clients have all worked")
         assert responder.end(signo) == 0
     assert watchdog.waiting()[-1] == "STOPPING=1"
     assert not load.cut_short()

@@ -66,10 +66,10 @@ def may_be_skipped(name, test):
 def check(tests):
     named = REFERENCE.findall(tests)
     assert named
-    assert not REFERENCE.sub("", tests).strip(" ,"), "something else stands among the tests"
+    assert not REFERENCE.sub("", tests).strip(" ,"), "the cell contains something else than tests"
     for file, test in named:
         assert defines(file, test), f"{file} has no {test}"
-    assert not all(may_be_skipped(*each) for each in named), "there are builds in which all of them are skipped"
+    assert not all(may_be_skipped(*each) for each in named), "in some builds, all of these tests are skipped"
 
 
 @pytest.mark.parametrize("row", rows(THREATS), ids=lambda row: row[0][:40])

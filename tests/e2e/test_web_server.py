@@ -170,7 +170,7 @@ def test_only_one_of_two_servers_that_start_at_once_on_one_run_directory_serves(
         server.environment["PATH"] = f"{slow}:{paths.CLEAN_ENVIRONMENT['PATH']}"
     for server in servers:
         server.process = server.launch()
-    wait_until(lambda: any(server.process.poll() is not None for server in servers), "one has given up")
+    wait_until(lambda: any(server.process.poll() is not None for server in servers), "one launcher has given up")
     second, first = sorted(servers, key=lambda server: server.process.poll() is None)
     assert second.process.returncode == 1
     # The launcher either sees the other one, or has waited a second for its lock.
@@ -179,7 +179,7 @@ def test_only_one_of_two_servers_that_start_at_once_on_one_run_directory_serves(
         f"another kestal-server is starting or sweeping in {first.run}\n",
     )
     assert second.process.stderr.read().decode().endswith(messages)
-    wait_until(first.is_up, "the other one serves")
+    wait_until(first.is_up, "the other launcher serves")
     assert first.ask("/srv/status").status == 200
     second.process.stderr.close()
     second.process = None

@@ -37,7 +37,7 @@ class Player:
     def proceed(self):
         """Reads the message about the last event, so that the next one happens. Returns the message."""
         if not select.select([self.messages], [], [], PATIENCE)[0]:
-            raise TimeoutError("nothing more happens")
+            raise TimeoutError("no further event happens")
         return os.read(self.messages, select.PIPE_BUF).decode()
 
     def end(self):

@@ -126,7 +126,7 @@ TEST_F(Sysint, GroupIdentifierComesWithItsLength) {
     EXPECT_EQ(length, 3);
     EXPECT_EQ(gid[0], 2);
     EXPECT_EQ(gid[2], 255);
-    EXPECT_EQ(gid[3], 9) << "nothing is written behind the identifier";
+    EXPECT_EQ(gid[3], 9) << "nothing is written after the identifier";
     EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 1), 6);
     EXPECT_EQ(sys_getSIMCarrierGID(gid.data(), &length, 2), kNotAnswered);
 }

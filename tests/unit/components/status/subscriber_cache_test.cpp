@@ -215,7 +215,7 @@ TEST_F(SubscriberCacheTest, IdentityMayFillItsFieldAndItsLastCharacterCounts) {
     GivenGid(2);
     GivenGid(7);
     EXPECT_EQ(Domestic(), "None");
-    EXPECT_EQ(Domestic(), "None") << "what stands behind the identity does not count";
+    EXPECT_EQ(Domestic(), "None") << "bytes after the terminator do not count";
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 1U);
     EXPECT_EQ(Domestic(), "Domestic");
     EXPECT_EQ(CallCount("sys_getSIMCarrierGID"), 2U);
