@@ -47,7 +47,7 @@
     QUERY(int, getCellularServiceStatus, sys_service_status_e, "status",                           \
           "Registration with the cellular network")                                                \
     QUERY(int, getCellularDataAccountStatus, sys_account_status_e, "status",                       \
-          "What the carrier says of the account")                                                  \
+          "State of the account, as the carrier reports it")                                       \
     QUERY(int, getEnabledRadioTechnologies, int, "technologies",                                   \
           "Radio technologies that the user has enabled, as a bit mask")                           \
     QUERY(int, getSIMStatus, sys_sim_status_e, "status", "State of the SIM in use")                \
@@ -56,7 +56,7 @@
     QUERY(sys_network_sim_lock_t, getNetworkSIMLockStatus, sys_network_sim_lock_t, "",             \
           "Whether the carrier blocks the SIM")                                                    \
     QUERY(int, getSIMNetworkRejectCode, int, "code",                                               \
-          "Code of the network's last reject, 0 without one")                                      \
+          "Code with which the network last rejected the SIM, or 0")                               \
     QUERY(int, getActiveSimSlot, int, "slot", "Number of the slot whose SIM is in use, from 1")    \
     QUERY(int, getNumSims, int, "count", "Number of SIMs")                                         \
     QUERY(sys_all_sim_slots_t, getAllSimSlotsInfo, sys_all_sim_slots_t, "", "All SIM slots")       \
@@ -81,7 +81,8 @@
     QUERY(sys_samba_share_info_t, getSambaShareInfo, sys_samba_share_info_t, "",                   \
           "State of file sharing")                                                                 \
     QUERY(int, getWiFiEnabled, int, "enabled", "Whether Wi-Fi is on")                              \
-    QUERY(unsigned int, getWiFiMaxClients, unsigned int, "count", "How many clients Wi-Fi serves") \
+    QUERY(unsigned int, getWiFiMaxClients, unsigned int, "count",                                  \
+          "Greatest number of Wi-Fi clients")                                                      \
     QUERY(sys_battery_status_t, getBatteryStatus, sys_battery_status_t, "", "State of the battery")
 
 /// Queries whose parameters are the name of a field or an application of the web UI, and a number

@@ -203,7 +203,7 @@ def main(tidy, build, everything):
                 print(done.stdout + done.stderr, end="", flush=True)
             write_down()
     write_down()
-    print(f"clang-tidy: {len(stale)} of {len(entries)} sources looked at, {found} with findings, {failed} failed")
+    print(f"clang-tidy: {len(stale)} of {len(entries)} sources checked, {found} with findings, {failed} failed")
     if failed:
         return 1
     return 3 if found else 0

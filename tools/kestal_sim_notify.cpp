@@ -79,5 +79,5 @@ Command NotifyCommand() {
                         Field("--label", "Message id of the label", "ID"),
                         Field("--title", "Message id of the title", "ID"),
                         Field("--text", "Message id of the text", "ID"),
-                        Field("--inactive", "Add it without the mark that shows it", nullptr)}};
+                        Field("--inactive", "Add it as an inactive notification", nullptr)}};
 }

@@ -97,15 +97,15 @@ void Play(const Arguments& arguments, std::ostream& /*out*/) {
 
 Command PlayCommand() {
     return {.names = {"play"},
-            .description = "Let a scenario happen to the device",
+            .description = "Play a scenario on the device",
             .parameters = {{"SCENARIO",
                             "The scenario's file, or the name of an installed one: commute"}},
             .run = Play,
             .options = {{.name = "--speed",
-                         .description = "How many times as fast as time",
+                         .description = "Play so many times as fast",
                          .value = "N",
                          .preset = "1"},
                         {"--loop", "Begin again at the end, until Ctrl-C"},
-                        {"--quiet", "Tell only what goes wrong"},
-                        {"--check", "Only find out whether it can be played"}}};
+                        {"--quiet", "Print only errors"},
+                        {"--check", "Only check whether it can be played"}}};
 }

@@ -57,7 +57,7 @@ void List(const Arguments& /*arguments*/, std::ostream& out) {
 
 Command SessionCommand() {
     return {.names = {"session"},
-            .description = "Log callers in to the web UI and out",
+            .description = "Manage the sessions of the web UI",
             .commands = {
                 {.names = {"open"},
                  .description = "Open a session and print its cookie",
@@ -76,8 +76,8 @@ Command SessionCommand() {
                               .preset = "600",
                               .range = {{1, std::numeric_limits<std::uint32_t>::max()}}}}},
                 {.names = {"renew"},
-                 .description = "Start the idle time of a session again",
-                 .parameters = {{"COOKIE", "What open printed, or the identifier in it"}},
+                 .description = "Restart the idle time of a session",
+                 .parameters = {{"COOKIE", "Cookie that open printed, or the identifier in it"}},
                  .run = Renew},
                 {.names = {"close"},
                  .description = "End a session, or all",

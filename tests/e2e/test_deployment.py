@@ -251,12 +251,12 @@ def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
 @pytest.mark.parametrize(
     ("name", "value", "message"),
     [
-        ("KESTAL_PORT", "http", "KESTAL_PORT is no number: 'http'"),
-        ("KESTAL_PORT", "-1", "KESTAL_PORT is no number: '-1'"),
+        ("KESTAL_PORT", "http", "KESTAL_PORT is not a number: 'http'"),
+        ("KESTAL_PORT", "-1", "KESTAL_PORT is not a number: '-1'"),
         ("KESTAL_PORT", "0", "KESTAL_PORT must lie between 1 and 65535: '0'"),
         ("KESTAL_PORT", "65536", "KESTAL_PORT must lie between 1 and 65535: '65536'"),
         ("KESTAL_PORT", "00080", "KESTAL_PORT must not begin with 0: '00080'"),
-        ("KESTAL_TIMEOUT", "soon", "KESTAL_TIMEOUT is no number: 'soon'"),
+        ("KESTAL_TIMEOUT", "soon", "KESTAL_TIMEOUT is not a number: 'soon'"),
         ("KESTAL_TIMEOUT", "601", "KESTAL_TIMEOUT must lie between 1 and 600: '601'"),
         ("KESTAL_RESPONDER", "/nowhere/kestal.cgi", "no such program: /nowhere/kestal.cgi"),
         ("KESTAL_RESPONDER", "/tmp", "no such program: /tmp"),

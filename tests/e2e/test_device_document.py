@@ -72,7 +72,7 @@ WRONG = {
     "negative where there is no sign": ("getWiFiMaxClients", -1),
     "a list for a number": ("getGPSStatus", [2]),
     "null": ("getGPSStatus", None),
-    "a failure that is no number": ("getGPSStatus", {"error": "x"}),
+    "a failure that is not a number": ("getGPSStatus", {"error": "x"}),
     "an operator name that is too long": ("getCellularServiceStats", {"networkName": "n" * 65}),
     "a list of something else": ("getConnectedDeviceList", [1]),
 }

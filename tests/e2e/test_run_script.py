@@ -345,7 +345,7 @@ def test_a_port_in_use_is_reported(run):
     ("variable", "value", "message"),
     [
         ("KESTAL_SCENARIO", "nowhere", "the device cannot play nowhere"),
-        ("PORT", "web", "KESTAL_PORT is no number: 'web'"),
+        ("PORT", "web", "KESTAL_PORT is not a number: 'web'"),
         ("KESTAL_DEVICE", "/nowhere.json", "cannot read the device's file /nowhere.json"),
         ("KESTAL_BUILD", "/nowhere", "no such program: /nowhere/service/kestal.cgi"),
     ],

@@ -46,7 +46,7 @@ class PathParser {
 
   private:
     [[noreturn]] void Fail() const {
-        throw std::runtime_error("'" + text + "' is no path, such as " +
+        throw std::runtime_error("'" + text + "' is not a path, such as " +
                                  "sys.getBatteryStatus.chargePercent or " +
                                  "sys.getConnectedDeviceList[0]");
     }

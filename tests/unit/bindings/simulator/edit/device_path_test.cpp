@@ -77,9 +77,10 @@ TEST(DevicePath, InvalidPathsAreRefused) {
     for (const std::string wrong :
          {"", ".", "sys.", ".sys", "sys..a", "sys.[0]", "[0]", "sys[", "sys[]", "sys[a]", "sys[-1]",
           "sys[0", "sys[0]a", "sys[+1]", "sys[99999999999999999999999]"}) {
-        EXPECT_EQ(Complaint(wrong), "'" + wrong +
-                                        "' is no path, such as sys.getBatteryStatus.chargePercent "
-                                        "or sys.getConnectedDeviceList[0]");
+        EXPECT_EQ(Complaint(wrong),
+                  "'" + wrong +
+                      "' is not a path, such as sys.getBatteryStatus.chargePercent "
+                      "or sys.getConnectedDeviceList[0]");
     }
 }
 

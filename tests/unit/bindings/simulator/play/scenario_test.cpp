@@ -366,7 +366,7 @@ TEST(ScenarioOnADevice, ConditionsThatTheDeviceCannotMeetAreRefused) {
                   "{\"error\": N}, found a text");
     EXPECT_EQ(misfit("sys..", "7"),
               place +
-                  "sys..: 'sys..' is no path, such as sys.getBatteryStatus.chargePercent or "
+                  "sys..: 'sys..' is not a path, such as sys.getBatteryStatus.chargePercent or "
                   "sys.getConnectedDeviceList[0]");
 }
 
