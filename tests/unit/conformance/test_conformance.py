@@ -10,6 +10,7 @@ import pytest
 ROOT = pathlib.Path(os.environ["KESTAL_ROOT"])
 CONFORMANCE = os.environ["KESTAL_CONFORMANCE"]
 ON_ALONE = os.environ["KESTAL_CONFORMANCE_ON_ALONE"]
+ON_LIBRARIES = os.environ["KESTAL_CONFORMANCE_ON_LIBRARIES"]
 ON_TEMPLATE = os.environ["KESTAL_CONFORMANCE_ON_TEMPLATE"]
 ON_REPLACED = os.environ["KESTAL_CONFORMANCE_ON_REPLACED"]
 ON_RECORDING = os.environ["KESTAL_CONFORMANCE_ON_RECORDING"]
@@ -170,6 +171,19 @@ def test_every_piece_of_the_template_can_be_replaced(program):
         "CgiHelper::GetInstance() -> null, ",
         "MaintenanceThread::Run() -> 9900, ",
         "watchdog_application_send_keep_alive() -> 9900, ",
+    ):
+        assert answer in done.stdout
+
+
+def test_a_query_comes_from_a_library_of_the_vendor_unless_no_library_has_it(session):
+    arguments, store = session
+    done = run(ON_LIBRARIES, *arguments, **store)
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+    for answer in (
+        "sys_getSMSUnreadCount() -> 0, value 7, ",  # the static library's
+        "sys_getWiFiMaxClients() -> 0, value 31, ",  # the shared one's
+        "sys_getGPSStatus() -> 9900, ",
+        'sys_getUIFieldShowEnabled("sms") -> 9900, ',
     ):
         assert answer in done.stdout
 
