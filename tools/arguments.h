@@ -29,8 +29,9 @@ struct Option {
     /// Name of its value in the help, such as "SECONDS"; null for a switch, which has none.
     const char* value = nullptr;
     const char* preset = "";  ///< the value if the option is not given
-    /// The value if the option is given without one; null if it must be given with a value.
-    const char* bare = nullptr;
+    /// An option with an optional value may be given without one, and then has an empty value. An
+    /// empty text is refused as in an optional parameter.
+    bool isValueOptional = false;
     std::optional<Parameter::Range> range = std::nullopt;
     /// Names of parameters and of earlier options that cannot be given together with this one.
     std::vector<const char*> excludes = {};
@@ -42,7 +43,7 @@ std::optional<std::int64_t> NumberIn(const std::string& text, Parameter::Range r
 /// One argument as the caller has given it.
 struct Argument {
     std::string name;
-    std::string text = {};  ///< empty or the preset if it is not given
+    std::string text = {};  ///< if it is not given, empty or the preset
     bool isGiven = false;
 };
 

@@ -13,9 +13,6 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-/// What --clear removes when it is given without a type.
-constexpr const char* kAll = "all";
-
 binding::NotificationFields Fields(const Arguments& arguments) {
     const auto given = [&](const char* option) {
         const std::string& text = arguments.Value(option);
@@ -36,9 +33,8 @@ void Notify(const Arguments& arguments, std::ostream& out) {
             out << name << "\n";
         }
     } else if (arguments.Given("--clear")) {
-        const std::string& type = arguments.Value("--clear");
         ChangeDocument([&](json& document) {
-            binding::ClearNotifications(document, type == kAll ? "" : type);
+            binding::ClearNotifications(document, arguments.Value("--clear"));
         });
     } else if (arguments.Given("TYPE")) {
         const json notification =
@@ -67,9 +63,9 @@ Command NotifyCommand() {
                             .isOptional = true}},
             .run = Notify,
             .options = {{.name = "--clear",
-                         .description = "Remove the notifications of a type, or all",
+                         .description = "Remove the notifications of TYPE, or all without it",
                          .value = "TYPE",
-                         .bare = kAll,
+                         .isValueOptional = true,
                          .excludes = {"TYPE"}},
                         {.name = "--types",
                          .description = "Print the known types, one a line",

@@ -29,8 +29,10 @@ void Renew(const Arguments& arguments, std::ostream& /*out*/) {
 void Close(const Arguments& arguments, std::ostream& /*out*/) {
     if (arguments.Given("COOKIE")) {
         binding::CloseSession(binding::IdentifierIn(arguments.Value("COOKIE")));
-    } else {
+    } else if (arguments.Given("--all")) {
         binding::CloseAllSessions();
+    } else {
+        throw UsageError("COOKIE or --all is required");
     }
 }
 
@@ -82,9 +84,11 @@ Command SessionCommand() {
                 {.names = {"close"},
                  .description = "End a session, or all",
                  .parameters = {{.name = "COOKIE",
-                                 .description = "What open printed, or the identifier in it; all "
-                                                "sessions end without it",
+                                 .description = "What open printed, or the identifier in it",
                                  .isOptional = true}},
-                 .run = Close},
+                 .run = Close,
+                 .options = {{.name = "--all",
+                              .description = "End all sessions",
+                              .excludes = {"COOKIE"}}}},
                 {.names = {"list"}, .description = "Print who is logged in", .run = List}}};
 }

@@ -50,20 +50,24 @@ void AddParameter(CLI::App& command, const Parameter& parameter) {
     CheckRange(*added, parameter.range);
 }
 
+/// What the parser has for the value of an option that is given without one. No argument of a
+/// process can contain a zero byte, so this is never a value that somebody has given.
+const std::string kNoValue(1, '\0');
+
 void AddOption(CLI::App& command, const Option& option) {
     CLI::Option* added = nullptr;
     if (option.value == nullptr) {
         added = command.add_flag(option.name);
         added->disable_flag_override();
-    } else if (option.bare == nullptr) {
+    } else if (option.isValueOptional) {
         added = command.add_option(option.name);
-        added->type_name(option.value)->default_str(option.preset);
+        // The parser takes the default for the value of an option that is given without one. The
+        // help would show it unless told what to show.
+        added->expected(0, 1)->default_str(kNoValue)->option_text("[" + std::string(option.value) +
+                                                                  "]");
     } else {
         added = command.add_option(option.name);
-        // The parser takes the default for the value of an option that is given without one.
-        added->expected(0, 1)
-            ->type_name("[" + std::string(option.value) + "]")
-            ->default_str(option.bare);
+        added->type_name(option.value)->default_str(option.preset);
     }
     added->description(option.description);
     CheckRange(*added, option.range);
@@ -95,8 +99,11 @@ Arguments Collected(const CLI::App& app, const Command& command) {
     }
     for (const Option& option : command.options) {
         arguments.all.push_back(Found(app, option.name, option.preset));
-        if (option.bare != nullptr) {
-            RefuseEmpty(arguments.all.back());
+        Argument& argument = arguments.all.back();
+        if (argument.text == kNoValue) {
+            argument.text.clear();
+        } else if (option.isValueOptional) {
+            RefuseEmpty(argument);
         }
     }
     return arguments;

@@ -103,7 +103,7 @@ def test_a_session_logs_its_caller_in_until_it_is_closed(responder):
     assert (login_status(cookie), login_status(other)) == (1, 1)
     sim(responder, "session", "close", cookie)
     assert (login_status(cookie), login_status(other)) == (0, 1)
-    sim(responder, "session", "close")
+    sim(responder, "session", "close", "--all")
     assert login_status(other) == 0
 
 
@@ -247,7 +247,7 @@ printf '%s\\n' "${COMPREPLY[@]}"
         (["se"], ["set", "session"]),
         (["session", ""], ["open", "renew", "close", "list", "--help"]),
         (["session", "open", "--u"], ["--user-agent"]),
-        (["session", "close", "--"], ["--help"]),
+        (["session", "close", "--"], ["--all", "--help"]),
         (
             ["set", "sys.getBatteryStatus.charging"],
             ["sys.getBatteryStatus.chargingState", "sys.getBatteryStatus.chargingSource"],

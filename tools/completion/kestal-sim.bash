@@ -67,6 +67,7 @@ _kestal_sim() {
             case $member in
                 '') words='open renew close list --help' ;;
                 open) words='--address --user-agent --idle --help' ;;
+                close) words='--all --help' ;;
                 *) words=--help ;;
             esac
             ;;

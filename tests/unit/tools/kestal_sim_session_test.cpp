@@ -98,10 +98,13 @@ TEST_F(SessionCommand, ClosesTheSessionItIsGivenByCookieOrIdentifier) {
     EXPECT_EQ(again.output, "kestal-sim: no such session\n");
 }
 
-TEST_F(SessionCommand, ClosesAllSessionsWhenItIsGivenNone) {
+TEST_F(SessionCommand, ClosesAllSessionsOnlyWhenItIsTold) {
     const std::string first = Open();
     const std::string second = Open();
-    EXPECT_EQ(Run("close").exitCode, 0);
+    EXPECT_EQ(Run("close").exitCode, 2);
+    EXPECT_TRUE(IsLoggedIn(first));
+    EXPECT_TRUE(IsLoggedIn(second));
+    EXPECT_EQ(Run("close --all").exitCode, 0);
     EXPECT_FALSE(IsLoggedIn(first));
     EXPECT_FALSE(IsLoggedIn(second));
 }
@@ -139,7 +142,7 @@ TEST_F(SessionCommand, ListsLiveSessionsByDigest) {
 
 TEST_F(SessionCommand, RefusesADamagedStore) {
     WriteFile(store, "{");
-    for (const std::string command : {"open", "renew a", "close a", "close", "list"}) {
+    for (const std::string command : {"open", "renew a", "close a", "close --all", "list"}) {
         EXPECT_EQ(Run(command).exitCode, 1) << command;
     }
     EXPECT_EQ(ReadFile(store), "{");
@@ -165,13 +168,14 @@ TEST_F(SessionCommand, ReportsWrongUsage) {
               "kestal-sim: --idle: 'x' is not a number from 1 to 4294967295\n" + hint);
     EXPECT_EQ(Run("open --address localhost").output,
               "kestal-sim: --address: 'localhost' is not an IP address\n" + hint);
+    EXPECT_EQ(Run("close").output, "kestal-sim: COOKIE or --all is required\n" + hint);
     EXPECT_EQ(Run("close ''").output,
               "kestal-sim: COOKIE: expected a value, found nothing\n" + hint);
     for (const std::string wrong :
          {"", "lst", "lst --help", "--user-agent a", "open --idle", "open --idle 0",
           "open --idle x", "open --idle 4294967296",
           "open --user-agent=", "open --address localhost", "open extra", "open --colour red",
-          "renew", "renew a b", "close a b", "close ''", "list all"}) {
+          "renew", "renew a b", "close", "close a b", "close ''", "close a --all", "list all"}) {
         const Outcome outcome = Run(wrong);
         EXPECT_EQ(outcome.exitCode, 2) << wrong;
         EXPECT_THAT(outcome.output, StartsWith("kestal-sim: ")) << wrong;

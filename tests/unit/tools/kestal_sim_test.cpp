@@ -212,6 +212,15 @@ TEST_F(SimCommand, NotifiesAndClears) {
     EXPECT_THAT(Run("notify --types"), HasSubstr("\nsmsReceived\n"));
 }
 
+TEST_F(SimCommand, ClearsATypeThatIsNamedAllLikeAnyOther) {
+    EXPECT_EQ(Run("notify smsReceived"), "0 ");
+    EXPECT_EQ(Run("notify --clear all"), "1 kestal-sim: there is no notification 'all'\n");
+    EXPECT_EQ(Run("notify all --category a --severity info --label b --title c --text d"), "0 ");
+    EXPECT_EQ(Run("notify --clear all"), "0 ");
+    EXPECT_EQ(Run("show msgbus.zelt.ans.notifications[0].id"), "0 \"smsReceived\"\n");
+    EXPECT_THAT(Run("notify --help"), HasSubstr("\n  --clear [TYPE] "));
+}
+
 TEST_F(SimCommand, UsesTheGivenDevice) {
     const std::filesystem::path other = directory / "other.json";
     WriteFile(other, "{\"sys\": {\"getSIMStatus\": 1}}");

@@ -74,7 +74,7 @@ Tool Elaborate() {
                                     {.name = "--drop",
                                      .description = "What to drop",
                                      .value = "WHAT",
-                                     .bare = "all",
+                                     .isValueOptional = true,
                                      .excludes = {"WHAT"}},
                                     {.name = "--loud", .description = "Loud"}}},
                        {.names = {"refuse"},
@@ -113,7 +113,7 @@ TEST(Tool, ACommandOfAGroupTakesOptionalArguments) {
     EXPECT_EQ(shown({}), "WHAT: --times:7 --drop: --loud: none");
     EXPECT_EQ(shown({"a", "--times", "2"}), "WHAT=a --times=2 --drop: --loud: none");
     EXPECT_EQ(shown({"--times=2", "a", "--loud"}), "WHAT=a --times=2 --drop: --loud=true none");
-    EXPECT_EQ(shown({"--drop"}), "WHAT: --times:7 --drop=all --loud: none");
+    EXPECT_EQ(shown({"--drop"}), "WHAT: --times:7 --drop= --loud: none");
     EXPECT_EQ(shown({"--drop", "b"}), "WHAT: --times:7 --drop=b --loud: none");
     EXPECT_EQ(shown({"--drop=b"}), "WHAT: --times:7 --drop=b --loud: none");
 }
