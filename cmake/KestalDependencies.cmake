@@ -19,6 +19,11 @@ target_include_directories(kestal_utf8 SYSTEM INTERFACE ${UTF8_INCLUDE_DIR})
 
 find_program(KESTAL_MSGFMT msgfmt REQUIRED)
 
+# Any python3 builds the product. /usr/bin is searched before PATH, because the tests need pytest, and
+# Debian's package python3-pytest is only for Debian's interpreter.
+find_program(KESTAL_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+find_program(KESTAL_PYTHON python3 REQUIRED)
+
 # Libraries that Debian does not package; compat/ replaces them.
 include(KestalCtpp2)
 find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)

@@ -221,7 +221,7 @@ function(kestal_list_declared_calls name)
     set(script ${PROJECT_SOURCE_DIR}/cmake/declared_calls.py)
     set(list ${CMAKE_CURRENT_BINARY_DIR}/declared_calls.h)
     add_custom_command(OUTPUT ${list}
-        COMMAND /usr/bin/python3 ${script} ${list} ${headers}
+        COMMAND ${KESTAL_PYTHON} ${script} ${list} ${headers}
         DEPENDS ${script} ${headers}
         VERBATIM)
     add_custom_target(${name}_declared_calls DEPENDS ${list})

@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/env python3
 """Writes the list of all calls that the headers of platform/ declare: declared_calls.py OUT HEADER..."""
 
 import pathlib
