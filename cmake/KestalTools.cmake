@@ -5,20 +5,25 @@ add_custom_target(kestal_man_pages ALL)
 # The date in the man pages, in seconds since the epoch. It is fixed, so that the pages do not depend on
 # the day of the build.
 set(KESTAL_MAN_DATE 1767225600)
+# The build writes the version and commit into this file.
+set(KESTAL_VERSION_FILE ${PROJECT_BINARY_DIR}/version/version.txt)
 
 # kestal_add_man_page(NAME): builds docs/man/NAME.1.scd, which tells the version, and installs it.
 function(kestal_add_man_page name)
     set(folder ${PROJECT_BINARY_DIR}/man/man1)
     file(MAKE_DIRECTORY ${folder})
-    set(source ${PROJECT_BINARY_DIR}/man/${name}.1.scd)
-    configure_file(${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd ${source} @ONLY)
+    set(source ${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd)
+    set(script ${PROJECT_SOURCE_DIR}/cmake/write_man_page.cmake)
     add_custom_command(OUTPUT ${folder}/${name}.1
         COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=${KESTAL_MAN_DATE}
-            ${KESTAL_SCDOC} < ${source} > ${folder}/${name}.1
-        DEPENDS ${source}
+            ${CMAKE_COMMAND} -D source=${source} -D temporary=${PROJECT_BINARY_DIR}/man/${name}.1.scd
+                -D page=${folder}/${name}.1 -D version_file=${KESTAL_VERSION_FILE}
+                -D scdoc=${KESTAL_SCDOC} -P ${script}
+        DEPENDS ${source} ${script} ${KESTAL_VERSION_FILE}
         COMMENT "Building the man page ${name}(1)"
         VERBATIM)
     add_custom_target(${name}_man_page DEPENDS ${folder}/${name}.1)
+    add_dependencies(${name}_man_page kestal_version_source)
     add_dependencies(kestal_man_pages ${name}_man_page)
     install(FILES ${folder}/${name}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endfunction()

@@ -1,5 +1,6 @@
 #pragma once
 
 /// Version of this build and, where it was built in its own git repository, the commit that was
-/// checked out: "0.1.0 (0123456789ab)".
+/// checked out: "0.1.0 (0123456789ab)", or "0.1.0 (0123456789ab-dirty)" if tracked files differ
+/// from that commit.
 const char* KestalVersion();

@@ -1,5 +1,7 @@
 """Every program prints its version and the commit that it was built from; both are defined in one place."""
 
+import os
+import pathlib
 import re
 import subprocess
 
@@ -8,7 +10,7 @@ import pytest
 from support import paths
 
 VERSION = re.search(r"project\(kestal VERSION (\S+)", (paths.ROOT / "CMakeLists.txt").read_text())[1]
-TOLD = rf"{re.escape(VERSION)}( \([0-9a-f]{{12}}\))?"
+TOLD = rf"{re.escape(VERSION)}( \([0-9a-f]{{12}}(-dirty)?\))?"
 SCRIPT = paths.ROOT / "version" / "write_version.cmake"
 
 
@@ -42,9 +44,10 @@ def test_the_launcher_prints_the_version_of_the_service():
 
 
 @pytest.mark.parametrize("page", sorted((paths.ROOT / "docs" / "man").iterdir()), ids=lambda path: path.name)
-def test_a_man_page_contains_the_version(page):
+def test_a_man_page_contains_the_version_of_the_build(page):
     built = paths.BUILD / "man" / "man1" / page.name.removesuffix(".scd")
-    assert f'"kestal {VERSION}"' in built.read_text()
+    told = run(paths.SERVICE, "--version").strip().removeprefix("kestal.cgi ")
+    assert f'"kestal {told}"' in built.read_text()
 
 
 @pytest.fixture
@@ -53,6 +56,8 @@ def tree(work):
     folder = work / "tree"
     folder.mkdir()
     git(folder, "init", "-q")
+    (folder / "file").write_text("committed")
+    git(folder, "add", "file")
     commit(folder)
     return folder
 
@@ -66,13 +71,15 @@ def commit(folder):
     git(folder, "commit", "-q", "--allow-empty", "-m", "Something")
 
 
-def write(folder, source, tool="git"):
+def write(folder, source, tool="git", **environment):
     """The version in the source file that the build generates for the tree in the folder."""
     run(
         "cmake", "-D", "version=1.2.3", "-D", f"git={tool}", "-D", f"folder={folder}", "-D", f"source={source}",
-        "-P", SCRIPT,
+        "-D", f"file={source}.txt", "-P", SCRIPT, **environment,
     )
-    return re.search(r'return "(.*)";', source.read_text())[1]
+    version = re.search(r'return "(.*)";', source.read_text())[1]
+    assert pathlib.Path(f"{source}.txt").read_text() == version
+    return version
 
 
 def test_the_version_contains_the_commit_that_is_checked_out(tree, work):
@@ -87,6 +94,33 @@ def test_the_source_changes_with_the_commit_and_only_with_it(tree, work):
     commit(tree)
     git(tree, "commit", "-q", "--amend", "--allow-empty", "-m", "Something else")
     assert write(tree, source) != first and source.stat().st_mtime_ns != written
+
+
+def test_the_version_marks_a_tree_that_differs_from_its_commit(tree, work):
+    source = work / "version.cpp"
+    clean = write(tree, source)
+    (tree / "new").write_text("not part of the project yet")
+    assert write(tree, source) == clean
+    (tree / "file").write_text("changed")
+    assert write(tree, source) == clean.replace(")", "-dirty)")
+    git(tree, "add", "file")
+    assert write(tree, source) == clean.replace(")", "-dirty)")
+    (tree / "file").write_text("committed")
+    git(tree, "add", "file")
+    # Another time of change alone is no difference.
+    os.utime(tree / "file", (0, 0))
+    assert write(tree, source) == clean
+
+
+@pytest.mark.parametrize("variable", ["GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE"])
+def test_variables_that_name_another_repository_are_ignored(tree, work, variable):
+    other = work / "other"
+    other.mkdir()
+    git(other, "init", "-q")
+    git(other, "commit", "-q", "--allow-empty", "-m", "Something else")
+    leads = {"GIT_DIR": other / ".git", "GIT_WORK_TREE": other, "GIT_INDEX_FILE": other / ".git" / "index"}
+    expected = write(tree, work / "version.cpp")
+    assert write(tree, work / "version.cpp", **{variable: str(leads[variable])}) == expected
 
 
 def test_without_its_own_repository_a_build_has_no_commit(tree, work):
