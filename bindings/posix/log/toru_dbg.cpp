@@ -183,7 +183,7 @@ int toru_dbg_start(const char* newProgramName) {
     threshold = ThresholdFromEnvironment();
     Close(destination.exchange(OpenDestination()));
     if (!versionTold.exchange(true)) {
-        BINDING_LOG(TORU_DBG_NOTICE, "%s %s", newProgramName, KestalVersion());
+        BINDING_LOG(TORU_DBG_NOTICE, "%s %s", ProgramName(), KestalVersion());
     }
     binding::CheckSystemLog();
     return 0;

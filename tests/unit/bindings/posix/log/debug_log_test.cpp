@@ -135,6 +135,19 @@ TEST_F(DebugLog, LineHasTimeProgramAndProcess) {
     EXPECT_NEAR(static_cast<double>(timegm(&broken)), static_cast<double>(time(nullptr)), 120);
 }
 
+TEST(DebugLogDeathTest, FirstLineNamesTheProgramEvenIfTheCallerDoesNot) {
+    // The line is written once in a process, so it needs one of its own.
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            (void)unsetenv("KESTAL_LOG");
+            (void)unsetenv("KESTAL_LOG_LEVEL");
+            (void)toru_dbg_start(nullptr);
+            _exit(0);
+        },
+        testing::ExitedWithCode(0), "BINDING.:.NOTICE. - posix_test");
+}
+
 TEST_F(DebugLog, ShowsNoticesAndMoreSevereLinesByDefault) {
     toru_dbg_log("M", TORU_DBG_NOTICE, "shown");
     toru_dbg_log("M", TORU_DBG_INFO, "hidden");
