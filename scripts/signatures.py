@@ -14,7 +14,7 @@ exits with 1 if there is one.
 import re
 import sys
 
-USE = re.compile(r"^[ \t]+KESTAL_SIGNATURE\((?P<text>[^;]*)\);", re.MULTILINE)
+USE = re.compile(r"(?<!#define )\bKESTAL_SIGNATURE\((?P<text>[^;]*)\);")
 TEXT = re.compile(r'(\s*"(?:[^"\\]|\\.)*")+\s*')
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 NAME = re.compile(r"[\w:~]+$")

@@ -101,6 +101,15 @@ def test_a_signature_that_names_another_function_is_reported(tree, work, body, f
     assert finding in done.stderr
 
 
+def test_a_signature_is_checked_wherever_it_stands_in_its_line(tree, work):
+    for line in ('KESTAL_SIGNATURE("void Write()");', 'void Read() { KESTAL_SIGNATURE("void Write()"); }'):
+        (tree / "main.cpp").write_text(f"#define KESTAL_SIGNATURE(text) text\nvoid Read() {{\n{line}\n}}\n")
+        done = run(tree / "scripts" / "lint", "--form", path=play_well_formed(work))
+        assert done.returncode == 1
+        assert done.stderr.count("main.cpp:") == 1
+        assert 'main.cpp:3: "void Write()" stands in void Read()' in done.stderr
+
+
 def test_a_tree_without_git_does_not_pass(tree):
     shutil.rmtree(tree / ".git")
     done = run(tree / "scripts" / "lint", "--form")
