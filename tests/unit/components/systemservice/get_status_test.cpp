@@ -5,7 +5,9 @@
 #include "bindings/recording/recording.h"
 #include "components/systemservice/service_api.h"
 #include "components/systemservice/system_service_component.h"
+#include "platform/sysint.h"
 #include "platform/webui.h"
+#include "tests/support/records.h"
 
 namespace {
 
@@ -44,6 +46,25 @@ TEST(GetStatus, ComponentIsBuiltOnFirstUseOnceAndAskedEveryTimeEvenWhenEverythin
     EXPECT_EQ(recording::CallCount("webui_get_common_configurations"), 0U);
     EXPECT_EQ(recording::CallCount("sys_getBatteryStatus"), 1U);
     EXPECT_TRUE(third.Exists("statusData"));
+}
+
+TEST(GetStatus, GidIsReadOnceForAllComponentsOfTheProcess) {
+    recording::Reset();
+    for (const char* const call :
+         {"sys_getCellularServiceStats", "sys_getCellularDataConnectionStats",
+          "sys_getRadioEnabled", "sys_getCellularServiceStatus",
+          "sys_getCellularDataConnectionStatus", "sys_getSIMCarrierGID"}) {
+        recording::Given(call).Returns(SYS_SUCCESS);
+    }
+    sys_subscriber_info_t subscriber{};
+    SetText(subscriber.identity, "310480123456789");
+    recording::Given("sys_getSubscriberInfo").Writes(subscriber);
+    for (int request = 0; request < 2; ++request) {
+        CTPP::CDT out;
+        SystemServiceComponent().GetStatus(out);
+    }
+    EXPECT_EQ(recording::CallCount("sys_getSubscriberInfo"), 2U);
+    EXPECT_EQ(recording::CallCount("sys_getSIMCarrierGID"), 1U);
 }
 
 }  // namespace
