@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "bindings/simulator/edit/nearest_name.h"
-#include "tools/kestal_sim_commands.h"
+#include "tools/kestal_sim/commands.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
-#include "tools/kestal_sim_commands.h"
-#include "tools/kestal_sim_document.h"
+#include "tools/kestal_sim/commands.h"
+#include "tools/kestal_sim/document.h"
 
 namespace {
 

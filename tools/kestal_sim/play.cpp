@@ -12,8 +12,8 @@
 #include "bindings/simulator/play/player.h"
 #include "bindings/simulator/play/scenario.h"
 #include "bindings/simulator/play/waiting_clock.h"
-#include "tools/kestal_sim_commands.h"
-#include "tools/kestal_sim_document.h"
+#include "tools/kestal_sim/commands.h"
+#include "tools/kestal_sim/document.h"
 
 namespace {
 

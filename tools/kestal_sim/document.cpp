@@ -1,4 +1,4 @@
-#include "tools/kestal_sim_document.h"
+#include "tools/kestal_sim/document.h"
 
 #include <filesystem>
 #include <nlohmann/json.hpp>

@@ -5,7 +5,7 @@
 
 #include "bindings/posix/session/session_login.h"
 #include "bindings/posix/session/session_store.h"
-#include "tools/kestal_sim_commands.h"
+#include "tools/kestal_sim/commands.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/notification_types.h"
-#include "tools/kestal_sim_commands.h"
-#include "tools/kestal_sim_document.h"
+#include "tools/kestal_sim/commands.h"
+#include "tools/kestal_sim/document.h"
 
 namespace {
 
