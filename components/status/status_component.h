@@ -5,7 +5,7 @@
 #include <string>
 
 #include "components/band/band_combination.h"
-#include "components/status/subscriber_cache.h"
+#include "components/status/cellular/subscriber_cache.h"
 #include "framework/answer_tree.h"
 #include "framework/page_component.h"
 #include "framework/page_error.h"

@@ -1,7 +1,7 @@
 // The data set as a whole: which groups it has, in which order they are read, what they share.
 #include <stdexcept>
 
-#include "components/status/subscriber_cache.h"
+#include "components/status/cellular/subscriber_cache.h"
 #include "platform/sysint.h"
 #include "tests/support/translations.h"
 #include "tests/unit/components/status/status_group_test.h"

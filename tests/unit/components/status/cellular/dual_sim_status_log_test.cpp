@@ -1,6 +1,6 @@
 // Which calls the dual-SIM group makes, in which order, and what is logged.
 #include "platform/sysint.h"
-#include "tests/unit/components/status/dual_sim_status_test.h"
+#include "tests/unit/components/status/cellular/dual_sim_status_test.h"
 
 using recording::Failure;
 using recording::Given;

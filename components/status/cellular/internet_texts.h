@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "components/status/subscriber_cache.h"
+#include "components/status/cellular/subscriber_cache.h"
 
 /// @p technology is a sys_technology_e. For 5G, the text depends on @p fiveGType, a sys_5g_type_e;
 /// it is empty for a type that has no text.

@@ -1,4 +1,4 @@
-#include "components/status/internet_texts.h"
+#include "components/status/cellular/internet_texts.h"
 
 #include <gtest/gtest.h>
 

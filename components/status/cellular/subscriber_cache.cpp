@@ -1,8 +1,8 @@
-#include "components/status/subscriber_cache.h"
+#include "components/status/cellular/subscriber_cache.h"
 
 #include <utility>
 
-#include "components/status/sim_carrier_gid.h"
+#include "components/status/cellular/sim_carrier_gid.h"
 #include "framework/log.h"
 #include "platform/fixed_text.h"
 

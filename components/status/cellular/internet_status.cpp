@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "components/band/technology.h"
-#include "components/status/internet_texts.h"
+#include "components/status/cellular/internet_texts.h"
 #include "components/status/status_component.h"
 #include "components/status/status_texts.h"
 #include "framework/log.h"

@@ -1,4 +1,4 @@
-#include "components/status/sim_lock.h"
+#include "components/status/cellular/sim_lock.h"
 
 #include "components/status/status_texts.h"
 #include "framework/log.h"

@@ -1,7 +1,7 @@
 // Which calls the internet group makes, in which order, and what is logged.
 #include <vector>
 
-#include "tests/unit/components/status/internet_status_test.h"
+#include "tests/unit/components/status/cellular/internet_status_test.h"
 
 using recording::Failure;
 using recording::Given;

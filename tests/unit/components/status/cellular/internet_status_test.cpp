@@ -1,5 +1,5 @@
 // What the internet group writes.
-#include "tests/unit/components/status/internet_status_test.h"
+#include "tests/unit/components/status/cellular/internet_status_test.h"
 
 #include <limits>
 #include <map>

@@ -1,5 +1,5 @@
 // The group identifier is read once per SIM, not once per request.
-#include "components/status/subscriber_cache.h"
+#include "components/status/cellular/subscriber_cache.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 
 #include "bindings/recording/recording.h"
-#include "components/status/internet_texts.h"
+#include "components/status/cellular/internet_texts.h"
 #include "platform/sysint.h"
 #include "tests/support/records.h"
 #include "tests/support/transcript.h"

@@ -1,5 +1,5 @@
 // What the dual-SIM group writes.
-#include "tests/unit/components/status/dual_sim_status_test.h"
+#include "tests/unit/components/status/cellular/dual_sim_status_test.h"
 
 #include <limits>
 

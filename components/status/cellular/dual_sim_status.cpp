@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "components/status/sim_lock.h"
+#include "components/status/cellular/sim_lock.h"
 #include "components/status/status_component.h"
 #include "components/status/status_texts.h"
 #include "framework/log.h"

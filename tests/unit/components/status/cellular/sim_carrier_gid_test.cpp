@@ -1,4 +1,4 @@
-#include "components/status/sim_carrier_gid.h"
+#include "components/status/cellular/sim_carrier_gid.h"
 
 #include <gtest/gtest.h>
 
