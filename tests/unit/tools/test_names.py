@@ -87,6 +87,13 @@ def test_the_man_page_describes_each_command(tool):
     assert sorted(described) == sorted(surroundings.commands(tool))
 
 
+def test_the_page_about_device_documents_tells_the_entry_of_each_query():
+    page = (surroundings.ROOT / "docs" / "simulator.md").read_text()
+    section = page.partition("\n### sys\n")[2].partition("\n### ")[0]
+    declared = re.findall(r"(?m)^int sys_(get\w+)\(", (surroundings.ROOT / "platform" / "sysint.h").read_text())
+    assert set(declared) <= set(re.findall(r"`(\w+)`", section))
+
+
 @pytest.mark.parametrize("tool", ["sysintcli", "webui_cli", "msgbus_cli"])
 def test_the_man_page_is_built(tool):
     page = (surroundings.MAN_PAGES / f"{tool}.1").read_text()
