@@ -16,6 +16,7 @@ ON_REPLACED = os.environ["KESTAL_CONFORMANCE_ON_REPLACED"]
 ON_RECORDING = os.environ["KESTAL_CONFORMANCE_ON_RECORDING"]
 ON_WRONG = os.environ["KESTAL_CONFORMANCE_ON_WRONG"]
 SIM = os.environ["KESTAL_SIM"]
+SHORT_DEADLINE = ["--deadline", "1"]
 CALLER = ["--address", "192.0.2.7", "--agent", "A browser"]
 
 # Each fault: the parts that are run, the call that the finding must name, and words of its reason.
@@ -32,7 +33,7 @@ FAULTS = {
     "too-many-slots": (["sysint"], "sys_getAllSimSlotsInfo", "count is 3"),
     "identifier-too-long": (["sysint"], "sys_getSIMCarrierGID", "behind the 256 of its buffer"),
     "identifier-without-length": (["sysint"], "sys_getSIMCarrierGID", "has not written length"),
-    "hang": (["sysint"], "sys_getCellularBand", "has not returned within 2 s"),
+    "hang": (["sysint"], "sys_getCellularBand", "has not returned within 1 s"),
     "crash": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGSEGV"),
     "list-without-count": (["sysint"], "sys_getConnectedDeviceList", "the count that it is given"),
     "list-beyond-room": (["sysint"], "sys_getConnectedDeviceList", "bytes behind"),
@@ -72,7 +73,7 @@ FAULTS = {
     "address-made-up": (["cgi"], "CgiHelper::GetIp", 'returns "0.0.0.0"'),
     "cookie-without-default": (["cgi"], "CgiHelper::GetCookie", 'in place of "none"'),
     "last-cookie": (["cgi"], "CgiHelper::GetCookie", 'returns "second"'),
-    "no-callback": (["maintenance"], "MaintenanceThread::Run", "there are 0 callbacks in 2 s"),
+    "no-callback": (["maintenance"], "MaintenanceThread::Run", "there are 0 callbacks in 3 s"),
     "no-interval": (["maintenance"], "MaintenanceThread::Run", "the second callback comes"),
     "mask-not-inherited": (["maintenance"], "MaintenanceThread::Run", "the signal mask"),
     "end-not-waited-for": (["maintenance"], "MaintenanceThread::Shutdown", "before the callback"),
@@ -83,6 +84,9 @@ FAULTS = {
     "not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two threads"),
     "interrupted": (["sysint", "signals"], "sys_getWiFiEnabled", "answers 4 while signals arrive"),
 }
+
+# These are found when time is up.
+WITH_SHORT_DEADLINE = {"hang", "no-callback"}
 
 
 def run(program, *arguments, device="default", **environment):
@@ -194,12 +198,19 @@ def test_the_wrong_binding_without_a_fault_has_no_findings(session):
     assert (done.returncode, findings(done)) == (0, []), done.stdout
 
 
+def test_a_short_deadline_holds_for_calls_but_not_for_intervals():
+    """The arguments with which the faults of WITH_SHORT_DEADLINE are found."""
+    done = run(ON_WRONG, *SHORT_DEADLINE, "--only", "sysint", "--only", "maintenance")
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+    assert "two callbacks within" in done.stdout
+
+
 @pytest.mark.parametrize("fault", FAULTS)
 def test_the_fault_is_found(fault, session):
     parts, call, reason = FAULTS[fault]
     arguments, store = session
     only = [word for part in parts for word in ("--only", part)]
-    limit = ["--deadline", "2"] if reason.endswith(" 2 s") else []
+    limit = SHORT_DEADLINE if fault in WITH_SHORT_DEADLINE else []
     done = run(ON_WRONG, *limit, *only, *arguments, KESTAL_FAULT=fault, **store)
     assert done.returncode == 1, done.stdout
     found = [line for line in findings(done) if line.startswith(f"FAIL {call}") and reason in line]
