@@ -39,7 +39,8 @@ struct ListContents {
 /// holds.
 ListContents Examine(Probe& probe, const List& list);
 
-/// Reads the list as a caller does, its length first, and returns all of it as one text.
-std::string Read(Probe& probe, const List& list);
+/// Reads the list as a caller does, its length first, and again if it has grown meanwhile. Checks
+/// its records.
+Outcome Read(Probe& probe, const List& list);
 
 }  // namespace conformance

@@ -17,10 +17,22 @@
 
 namespace conformance {
 
-/// A call that can be made repeatedly. Its function makes the call and returns the answer as text.
+/// What a call has answered, as text.
+struct Outcome {
+    /// Whether it has worked, or the code with which it has failed. This stays the same while the
+    /// device works.
+    std::string code;
+    /// What it has delivered. This may be another value each time, such as a signal level.
+    std::string values;
+
+    std::string Text() const { return code + (values.empty() ? "" : ", ") + values; }
+};
+
+/// A call that can be made repeatedly. Its function makes the call and checks everything in the
+/// answer that must be right each time, such as terminators.
 struct Repeatable {
     std::string call;
-    std::function<std::string()> answer;
+    std::function<Outcome()> make;
 };
 
 class Probe {

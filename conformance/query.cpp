@@ -26,17 +26,17 @@ Made Make(Probe& probe, const Query& query, std::byte fill) {
     return made;
 }
 
-/// The code and, if the call has succeeded, the values, as text.
-std::string Answer(const Query& query, const Made& made) {
-    std::string text = std::to_string(made.code);
+/// The code and, if the call has succeeded, the values.
+Outcome OutcomeOf(const Query& query, const Made& made) {
+    Outcome outcome{std::to_string(made.code), ""};
     if (made.code == query.success) {
         for (std::size_t index = 0; index < made.buffers.size(); ++index) {
             const auto bytes = made.buffers[index].Bytes();
             const std::string values = Values(query.results[index].fields(bytes), bytes);
-            text += values.empty() ? "" : ", " + values;
+            outcome.values += (outcome.values.empty() || values.empty() ? "" : ", ") + values;
         }
     }
-    return text;
+    return outcome;
 }
 
 void CheckMemory(Report& report, const Query& query, const Made& made) {
@@ -88,16 +88,20 @@ void CheckThatAllIsWritten(Report& report, const Query& query, const Made& first
 void Examine(Probe& probe, const Query& query) {
     const Made first = Make(probe, query, GuardedBuffer::kFill);
     Report& report = probe.Told();
-    report.Answered(query.call + "(" + query.arguments + ")", Answer(query, first), first.time);
+    report.Answered(query.call + "(" + query.arguments + ")", OutcomeOf(query, first).Text(),
+                    first.time);
     CheckMemory(report, query, first);
     const Made second = Make(probe, query, GuardedBuffer::kOtherFill);
-    report.Answered(query.call + "(" + query.arguments + ") again", Answer(query, second),
+    report.Answered(query.call + "(" + query.arguments + ") again", OutcomeOf(query, second).Text(),
                     second.time);
     CheckMemory(report, query, second);
     CheckThatAllIsWritten(report, query, first, second);
     CheckValues(report, query, second);
     probe.Keep({query.call, [&probe, query] {
-                    return Answer(query, Make(probe, query, GuardedBuffer::kFill));
+                    const Made made = Make(probe, query, GuardedBuffer::kFill);
+                    CheckMemory(probe.Told(), query, made);
+                    CheckValues(probe.Told(), query, made);
+                    return OutcomeOf(query, made);
                 }});
 }
 

@@ -1,6 +1,7 @@
 // Calls that are made by two threads at a time, and while signals arrive.
 #include <pthread.h>
 
+#include <algorithm>
 #include <atomic>
 #include <barrier>
 #include <csignal>
@@ -13,57 +14,98 @@ namespace conformance {
 
 namespace {
 
-using Answers = std::vector<std::string>;
+using Outcomes = std::vector<Outcome>;
 
-/// How often a call is compared again when its answer has changed meanwhile.
+/// Makes a call several times under the circumstances to be examined.
+using Disturbance = std::function<Outcomes(const Repeatable&)>;
+
+/// How often a call is compared whose values differ, because the device may have changed.
 constexpr int kTries = 5;
 
-/// Makes @p call undisturbed, then as @p disturbed makes it, and then undisturbed again. All
-/// answers must be the same. If the two undisturbed answers differ, the device has changed and the
-/// comparison starts again.
-void Compare(Probe& probe, const Repeatable& call, const std::string& circumstances,
-             const std::function<Answers(const Repeatable&)>& disturbed) {
-    Report& report = probe.Told();
-    for (int attempt = 0; attempt < kTries; ++attempt) {
-        const std::string before = call.answer();
-        const auto begun = std::chrono::steady_clock::now();
-        const Answers answers = disturbed(call);
-        const auto time = std::chrono::steady_clock::now() - begun;
-        if (call.answer() != before) {
-            continue;
-        }
-        for (const std::string& answer : answers) {
-            if (answer != before) {
-                std::string reason = "answers " + answer;
-                reason.append(" ").append(circumstances).append(", otherwise ").append(before);
-                report.Fail(call.call, reason);
-                return;
-            }
-        }
-        report.Note(call.call + " " + circumstances + ": " + std::to_string(answers.size()) +
-                    " calls in " + TimeText(time) + ", all alike");
-        return;
+/// Makes the call @p times, undisturbed.
+void MakeAlone(const Repeatable& call, int times, Outcomes& outcomes) {
+    for (int time = 0; time < times; ++time) {
+        outcomes.push_back(call.make());
     }
-    report.Note(call.call + " " + circumstances + ": its answer changes by itself");
 }
 
-Answers FromTwoThreads(const Repeatable& call) {
+/// The first of @p outcomes that differs from @p usual in @p part; null if none does.
+const Outcome* FindOther(const Outcomes& outcomes, const Outcome& usual,
+                         std::string Outcome::*part) {
+    const auto found = std::find_if(outcomes.begin(), outcomes.end(), [&](const Outcome& outcome) {
+        return outcome.*part != usual.*part;
+    });
+    return found == outcomes.end() ? nullptr : &*found;
+}
+
+std::string Difference(const Outcome& other, const std::string& circumstances,
+                       const Outcome& usual) {
+    return "answers " + other.Text() + " " + circumstances + ", otherwise " + usual.Text();
+}
+
+/// Makes @p call undisturbed, then as @p disturbance makes it, and then undisturbed again. All
+/// codes must be the same. Values may change on a device that is in use. They are compared only if
+/// those of the undisturbed calls are the same, and they are wrong only if they differ each time.
+void Compare(Probe& probe, const Repeatable& call, const std::string& circumstances,
+             const Disturbance& disturbance) {
+    Report& report = probe.Told();
+    const std::string what = call.call + " " + circumstances + ": ";
+    std::string difference;
+    int differing = 0;
+    for (int attempt = 0; attempt < kTries; ++attempt) {
+        // As many undisturbed calls as disturbed ones show a value that changes with every call.
+        // The first attempt does without them, because it finds no difference in most cases.
+        const int alone = attempt == 0 ? 1 : 20;
+        Outcomes undisturbed;
+        MakeAlone(call, alone, undisturbed);
+        const auto begun = std::chrono::steady_clock::now();
+        const Outcomes disturbed = disturbance(call);
+        const auto time = std::chrono::steady_clock::now() - begun;
+        MakeAlone(call, alone, undisturbed);
+        const Outcome& usual = undisturbed.front();
+        if (FindOther(undisturbed, usual, &Outcome::code) != nullptr) {
+            continue;
+        }
+        if (const Outcome* other = FindOther(disturbed, usual, &Outcome::code)) {
+            report.Fail(call.call, Difference(*other, circumstances, usual));
+            return;
+        }
+        if (FindOther(undisturbed, usual, &Outcome::values) != nullptr) {
+            continue;
+        }
+        const Outcome* const other = FindOther(disturbed, usual, &Outcome::values);
+        if (other == nullptr) {
+            report.Note(what + std::to_string(disturbed.size()) + " calls in " + TimeText(time) +
+                        ", all alike");
+            return;
+        }
+        difference = Difference(*other, circumstances, usual);
+        ++differing;
+    }
+    if (differing == kTries) {
+        report.Fail(call.call, difference);
+    } else {
+        report.Note(what + "its answer changes by itself");
+    }
+}
+
+Outcomes FromTwoThreads(const Repeatable& call) {
     constexpr int kRounds = 20;
     std::barrier together(2);
-    const auto make = [&](Answers& answers) {
+    const auto make = [&](Outcomes& outcomes) {
         for (int round = 0; round < kRounds; ++round) {
             together.arrive_and_wait();
-            answers.push_back(call.answer());
+            outcomes.push_back(call.make());
         }
     };
-    Answers answers;
-    Answers others;
+    Outcomes outcomes;
+    Outcomes others;
     {
         const std::jthread other(make, std::ref(others));
-        make(answers);
+        make(outcomes);
     }
-    answers.insert(answers.end(), others.begin(), others.end());
-    return answers;
+    outcomes.insert(outcomes.end(), others.begin(), others.end());
+    return outcomes;
 }
 
 std::atomic<int> gSignals = 0;
@@ -89,13 +131,13 @@ class CountedSignal {
     struct sigaction previous {};
 };
 
-Answers UnderSignals(const Repeatable& call) {
+Outcomes UnderSignals(const Repeatable& call) {
     constexpr int kSignals = 10;
     constexpr int kMostCalls = 100'000;
     const CountedSignal counted;
     const pthread_t caller = pthread_self();
     const int before = gSignals;
-    Answers answers;
+    Outcomes outcomes;
     {
         const std::jthread sender([&](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
@@ -105,16 +147,15 @@ Answers UnderSignals(const Repeatable& call) {
             }
         });
         for (int made = 0; gSignals - before < kSignals && made < kMostCalls; ++made) {
-            answers.push_back(call.answer());
+            outcomes.push_back(call.make());
         }
     }
-    return answers;
+    return outcomes;
 }
 
-void CompareAll(Probe& probe, const std::string& circumstances,
-                const std::function<Answers(const Repeatable&)>& disturbed) {
+void CompareAll(Probe& probe, const std::string& circumstances, const Disturbance& disturbance) {
     for (const Repeatable& call : probe.Kept()) {
-        Compare(probe, call, circumstances, disturbed);
+        Compare(probe, call, circumstances, disturbance);
     }
 }
 

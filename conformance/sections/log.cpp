@@ -47,7 +47,7 @@ void ExamineLog(Probe& probe, const Options& /*options*/) {
                     (void)probe.Make("toru_dbg_log", [] {
                         toru_dbg_log(kModule, TORU_DBG_DEBUG, "%s", "at the same time");
                     });
-                    return std::string();
+                    return Outcome();
                 }});
     probe.Tell("toru_dbg_stop", "", toru_dbg_stop, Nothing);
     probe.Tell(

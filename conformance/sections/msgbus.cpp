@@ -85,15 +85,15 @@ void ExamineUnknownChannel(Probe& probe, const std::shared_ptr<MsgbusHandler>& c
 }
 
 /// Reads the notifications as a request of the service does, with a new client.
-std::string ReadNotifications(Probe& probe) {
+Outcome ReadNotifications(Probe& probe) {
     const auto client = std::make_shared<MsgbusHandler>(nullptr);
-    std::string text;
-    (void)probe.Make("MsgbusHandler::Initialize",
-                     [&] { text = std::to_string(client->Initialize()) + ", "; });
-    text += Read(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
-    (void)probe.Make("MsgbusHandler::Uninitialize",
-                     [&] { text += ", " + std::to_string(client->Uninitialize()); });
-    return text;
+    int joined = 0;
+    int left = 0;
+    (void)probe.Make("MsgbusHandler::Initialize", [&] { joined = client->Initialize(); });
+    Outcome outcome = Read(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
+    (void)probe.Make("MsgbusHandler::Uninitialize", [&] { left = client->Uninitialize(); });
+    outcome.code = std::to_string(joined) + ", " + outcome.code + ", " + std::to_string(left);
+    return outcome;
 }
 
 }  // namespace

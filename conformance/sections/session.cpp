@@ -121,7 +121,7 @@ void ExamineLive(Probe& probe, const Caller& caller) {
                     (void)probe.Make("AuthSession::Init", [&] {
                         code = again.Init(caller.session, caller.address, caller.agent, kOnlyAsks);
                     });
-                    return std::to_string(code);
+                    return Outcome{std::to_string(code), ""};
                 }});
 }
 

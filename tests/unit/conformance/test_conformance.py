@@ -82,7 +82,14 @@ FAULTS = {
     "directory-left-out": (["language"], "LanguageSupport::SetTextDomain", "the directory"),
     "domain-not-current": (["language"], "LanguageSupport::SetTextDomain", "the current domain"),
     "not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two threads"),
+    "values-not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two"),
     "interrupted": (["sysint", "signals"], "sys_getWiFiEnabled", "answers 4 while signals arrive"),
+}
+
+# What a right binding may do, however unusual, and the parts that must find nothing in it.
+RIGHTS = {
+    "live-values": ["sysint", "webui", "msgbus", "threads", "signals"],
+    "device-comes-and-goes": ["sysint", "threads", "signals"],
 }
 
 # These are found when time is up.
@@ -198,6 +205,14 @@ def test_the_wrong_binding_without_a_fault_has_no_findings(session):
     assert (done.returncode, findings(done)) == (0, []), done.stdout
 
 
+@pytest.mark.parametrize("right", RIGHTS)
+def test_what_is_unusual_is_not_wrong(right, session):
+    arguments, store = session
+    only = [word for part in RIGHTS[right] for word in ("--only", part)]
+    done = run(ON_WRONG, *only, *arguments, KESTAL_FAULT=right, **store)
+    assert (done.returncode, findings(done)) == (0, []), done.stdout
+
+
 def test_a_short_deadline_holds_for_calls_but_not_for_intervals():
     """The arguments with which the faults of WITH_SHORT_DEADLINE are found."""
     done = run(ON_WRONG, *SHORT_DEADLINE, "--only", "sysint", "--only", "maintenance")
@@ -219,10 +234,10 @@ def test_the_fault_is_found(fault, session):
     assert others == []
 
 
-def test_each_fault_is_tried():
+def test_each_variant_of_the_binding_is_tried():
     sources = "".join(path.read_text() for path in pathlib.Path(__file__).parent.glob("wrong_*"))
     names = "".join(re.findall(r"Has\(([^)]*)\)", sources))
-    assert set(re.findall(r'"([a-z-]+)"', names)) == set(FAULTS)
+    assert set(re.findall(r'"([a-z-]+)"', names)) == {*FAULTS, *RIGHTS}
 
 
 def test_wrong_usage_exits_with_2():

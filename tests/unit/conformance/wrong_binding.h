@@ -1,7 +1,9 @@
-// Functions that the linker puts between kestal-conformance and the simulator (--wrap). They break
-// the promise that the environment variable KESTAL_FAULT names.
+// Functions that the linker puts between kestal-conformance and the simulator (--wrap). The
+// environment variable KESTAL_FAULT names the promise that they break, or something unusual that
+// they do without breaking one.
 #pragma once
 
+#include <atomic>
 #include <cstdlib>
 #include <string_view>
 
@@ -14,10 +16,17 @@
 
 namespace wrong {
 
-/// Whether the promise that @p fault stands for is broken.
+/// Whether @p fault is the chosen one.
 inline bool Has(std::string_view fault) {
     const char* const chosen = std::getenv("KESTAL_FAULT");
     return chosen != nullptr && fault == chosen;
+}
+
+/// 0 or 1, in no order: what a value does that changes with every call.
+inline unsigned int Flicker() {
+    static std::atomic<unsigned int> calls = 0;
+    constexpr unsigned int kOdd = 2654435761U;
+    return (++calls * kOdd >> 16U) & 1U;
 }
 
 }  // namespace wrong

@@ -60,6 +60,10 @@ int WrongGetData(MsgbusHandler* self, const std::string& channel, void* buffer,
             size = room;
         }
         auto* const bytes = static_cast<char*>(buffer);
+        if (Has("live-values")) {
+            bytes[ANS_NOTIFICATION_LIST_RECORDS + offsetof(AnsNotificationRecord, flags)] =
+                static_cast<char>(wrong::Flicker());
+        }
         if (Has("block-counts-too-many")) {
             ++bytes[0];
         }

@@ -70,6 +70,9 @@ int RealService(sys_cellular_service_stats_t* stats) REAL("sys_getCellularServic
 int WrongService(sys_cellular_service_stats_t* stats) WRAPPED("sys_getCellularServiceStats");
 int WrongService(sys_cellular_service_stats_t* stats) {
     const int code = RealService(stats);
+    if (Has("live-values")) {
+        stats->signalBars += static_cast<int>(wrong::Flicker());
+    }
     if (Has("text-not-terminated")) {
         std::memset(stats->networkName, 'x', sizeof(stats->networkName));
     }
@@ -131,7 +134,7 @@ int WrongServiceStatus(int* status) WRAPPED("sys_getCellularServiceStatus");
 int WrongServiceStatus(int* status) {
     static std::atomic<int> inside = 0;
     static std::atomic<int> meetings = 0;
-    if (!Has("not-for-threads")) {
+    if (!Has("not-for-threads") && !Has("values-not-for-threads")) {
         return RealServiceStatus(status);
     }
     // Waits until another thread has entered, so that two threads are in here at the same time.
@@ -144,6 +147,10 @@ int WrongServiceStatus(int* status) {
     }
     const int code = RealServiceStatus(status);
     --inside;
+    if (met && Has("values-not-for-threads")) {
+        *status = SYS_SERVICE_NONE;
+        return code;
+    }
     return met ? 11 : code;
 }
 
@@ -162,8 +169,15 @@ int RealDevices(sys_connected_device_t* devices, unsigned int* count)
 int WrongDevices(sys_connected_device_t* devices, unsigned int* count)
     WRAPPED("sys_getConnectedDeviceList");
 int WrongDevices(sys_connected_device_t* devices, unsigned int* count) {
+    static std::atomic<unsigned int> calls = 0;
     unsigned int needed = 0;
     const int asked = RealDevices(nullptr, &needed);
+    // One more device is there during the third call and then during every 25th.
+    const bool isOneMore = Has("device-comes-and-goes") && ++calls % 25 == 3;
+    if (isOneMore && (devices == nullptr || *count <= needed)) {
+        *count = needed + 1;
+        return SYS_ERROR_BUFFER_NEEDED;
+    }
     if (Has("list-without-count") && devices == nullptr) {
         return asked;
     }
@@ -174,6 +188,11 @@ int WrongDevices(sys_connected_device_t* devices, unsigned int* count) {
             return SYS_SUCCESS;
         }
     }
-    return RealDevices(devices, count);
+    const int code = RealDevices(devices, count);
+    if (isOneMore) {
+        devices[*count] = devices[0];
+        ++*count;
+    }
+    return code;
 }
 }

@@ -31,6 +31,9 @@ int WrongFeatures(webui_feature_t* buffer, int* count) {
         }
         *count += Has("list-of-changing-length") ? ++more : 0;
     } else if (code == WEBUI_SUCCESS) {
+        if (Has("live-values")) {
+            buffer[0].value = static_cast<std::uint8_t>(wrong::Flicker());
+        }
         *count = Has("list-counts-room") ? room : *count;
         *count -= Has("list-counts-one-less") ? 1 : 0;
     } else if (Has("list-too-small-fails")) {
