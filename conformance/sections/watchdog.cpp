@@ -5,6 +5,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -16,7 +17,11 @@ namespace conformance {
 
 namespace {
 
+constexpr const char* kRegister = "watchdog_application_register";
+constexpr const char* kKeepAlive = "watchdog_application_send_keep_alive";
 constexpr const char* kApplication = "kestal-conformance";
+
+using Messages = std::vector<std::string>;
 
 /// Takes the place of the service manager: a socket that NOTIFY_SOCKET names for the lifetime of
 /// the object.
@@ -44,17 +49,16 @@ class ServiceManager {
     ServiceManager(const ServiceManager&) = delete;
     ServiceManager& operator=(const ServiceManager&) = delete;
 
-    /// The messages since the last call; empty when there were none.
-    std::string Heard() const {
-        std::string heard;
+    /// The messages since the last call.
+    Messages Heard() const {
+        Messages heard;
         std::array<char, 1024> datagram{};
         for (;;) {
             const ssize_t size = recv(socket, datagram.data(), datagram.size(), 0);
             if (size < 0) {
                 return heard;
             }
-            heard += std::string(heard.empty() ? "" : " ") +
-                     Quoted({datagram.data(), static_cast<std::size_t>(size)});
+            heard.emplace_back(datagram.data(), static_cast<std::size_t>(size));
         }
     }
 
@@ -62,27 +66,76 @@ class ServiceManager {
     int socket;
 };
 
-void Tell(Probe& probe, const ServiceManager& manager, const std::string& name,
-          const std::string& arguments, const std::function<int()>& call) {
+/// What a call has returned, and what systemd has heard of it.
+struct Spoken {
     int code = 0;
-    probe.Tell(
-        name, arguments, [&] { code = call(); },
-        [&] {
-            const std::string heard = manager.Heard();
-            return std::to_string(code) + ", systemd hears " + (heard.empty() ? "nothing" : heard);
+    Messages messages;
+
+    /// Whether a message has the line @p line.
+    bool Says(const std::string& line) const {
+        return std::any_of(messages.begin(), messages.end(), [&](const std::string& message) {
+            return ("\n" + message + "\n").find("\n" + line + "\n") != std::string::npos;
         });
+    }
+};
+
+Spoken Tell(Probe& probe, const ServiceManager& manager, const std::string& name,
+            const std::string& arguments, const std::function<int()>& call) {
+    Spoken spoken;
+    probe.Tell(
+        name, arguments, [&] { spoken.code = call(); },
+        [&] {
+            spoken.messages = manager.Heard();
+            std::string text = std::to_string(spoken.code) + ", systemd hears";
+            for (const std::string& message : spoken.messages) {
+                text += " " + Quoted(message);
+            }
+            return text + (spoken.messages.empty() ? " nothing" : "");
+        });
+    return spoken;
+}
+
+/// Checks the reports of an application that is registered.
+void Judge(Report& report, const Spoken& registered, const std::vector<Spoken>& reports) {
+    bool isSystemd = !registered.messages.empty();
+    for (const Spoken& alive : reports) {
+        isSystemd = isSystemd || !alive.messages.empty();
+        if (alive.code != 0) {
+            report.Fail(kKeepAlive, "fails with " + std::to_string(alive.code) +
+                                        " for a registered application");
+        }
+    }
+    if (!isSystemd) {
+        report.Note("systemd is not the watchdog of this device, or is not told");
+        return;
+    }
+    if (!registered.Says("READY=1")) {
+        report.Fail(kRegister, "does not say READY=1, but the watchdog is systemd");
+    }
+    for (const Spoken& alive : reports) {
+        if (alive.code == 0 && !alive.Says("WATCHDOG=1")) {
+            report.Fail(kKeepAlive, "does not say WATCHDOG=1, but the watchdog is systemd");
+        }
+    }
 }
 
 }  // namespace
 
 void ExamineWatchdog(Probe& probe, const Options& /*options*/) {
     const ServiceManager manager;
-    Tell(probe, manager, "watchdog_application_register", "register",
-         [] { return watchdog_application_register(kApplication, WATCHDOG_REGISTER); });
-    Tell(probe, manager, "watchdog_application_send_keep_alive", "",
-         [] { return watchdog_application_send_keep_alive(kApplication); });
-    Tell(probe, manager, "watchdog_application_register", "unregister",
-         [] { return watchdog_application_register(kApplication, WATCHDOG_UNREGISTER); });
+    const Spoken registered = Tell(probe, manager, kRegister, "register", [] {
+        return watchdog_application_register(kApplication, WATCHDOG_REGISTER);
+    });
+    std::vector<Spoken> reports;
+    for (int time = 0; time < 2; ++time) {
+        reports.push_back(Tell(probe, manager, kKeepAlive, "",
+                               [] { return watchdog_application_send_keep_alive(kApplication); }));
+    }
+    if (registered.code == 0) {
+        Judge(probe.Told(), registered, reports);
+    }
+    (void)Tell(probe, manager, kRegister, "unregister",
+               [] { return watchdog_application_register(kApplication, WATCHDOG_UNREGISTER); });
 }
 
 }  // namespace conformance

@@ -81,6 +81,9 @@ FAULTS = {
     "code-set-left-out": (["language"], "LanguageSupport::SetTextDomain", "the code set"),
     "directory-left-out": (["language"], "LanguageSupport::SetTextDomain", "the directory"),
     "domain-not-current": (["language"], "LanguageSupport::SetTextDomain", "the current domain"),
+    "ready-not-sent": (["watchdog"], "watchdog_application_register", "does not say READY=1"),
+    "keep-alive-not-sent": (["watchdog"], "watchdog_application_send_k", "does not say WATCHDOG=1"),
+    "keep-alive-fails": (["watchdog"], "watchdog_application_send_k", "fails with 5 for a registered"),
     "not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two threads"),
     "values-not-for-threads": (["sysint", "threads"], "sys_getCellularServiceStatus", "from two"),
     "interrupted": (["sysint", "signals"], "sys_getWiFiEnabled", "answers 4 while signals arrive"),
@@ -90,6 +93,7 @@ FAULTS = {
 RIGHTS = {
     "live-values": ["sysint", "webui", "msgbus", "threads", "signals"],
     "device-comes-and-goes": ["sysint", "threads", "signals"],
+    "own-watchdog": ["watchdog"],
 }
 
 # These are found when time is up.
@@ -133,6 +137,17 @@ def test_the_simulator_has_no_findings(device, session):
     assert (done.returncode, findings(done)) == (0, []), done.stdout
     assert done.stdout.endswith("\nno findings\n")
     assert 'AuthSession::Init(the session given) -> 0, ' in done.stdout
+
+
+def test_systemd_gets_the_messages_of_the_posix_watchdog():
+    done = run(CONFORMANCE, "--only", "watchdog")
+    assert done.returncode == 0, done.stdout
+    lines = [line.rpartition(", ")[0] for line in done.stdout.splitlines()]
+    assert lines[1:4] == [
+        'watchdog_application_register(register) -> 0, systemd hears "READY=1\\x0aSTATUS=kestal-conformance registered"',
+        'watchdog_application_send_keep_alive() -> 0, systemd hears "WATCHDOG=1"',
+        'watchdog_application_send_keep_alive() -> 0, systemd hears "WATCHDOG=1"',
+    ]
 
 
 def test_calls_that_are_left_out_by_default_are_made_on_request(tmp_path):

@@ -1,5 +1,5 @@
-// Faults of the message bus, the sessions, the response writer and the text domain. A member
-// function is wrapped as a function whose first parameter is the object.
+// Faults of the message bus, the sessions, the response writer, the text domain and the watchdog. A
+// member function is wrapped as a function whose first parameter is the object.
 #include <arpa/inet.h>
 #include <cgicc/CgiEnvironment.h>
 #include <libintl.h>
@@ -17,6 +17,7 @@
 #include "platform/msgbus.h"
 #include "platform/notification.h"
 #include "platform/toru_dbg.h"
+#include "platform/watchdog.h"
 #include "tests/unit/conformance/wrong_binding.h"
 
 using wrong::Has;
@@ -28,6 +29,22 @@ const char* RealLevelName(int level) REAL("toru_dbg_get_level_name");
 const char* WrongLevelName(int level) WRAPPED("toru_dbg_get_level_name");
 const char* WrongLevelName(int level) {
     return Has("level-without-name") && level > TORU_DBG_DEBUG ? nullptr : RealLevelName(level);
+}
+
+int RealRegister(const char* name, int flag) REAL("watchdog_application_register");
+int WrongRegister(const char* name, int flag) WRAPPED("watchdog_application_register");
+int WrongRegister(const char* name, int flag) {
+    return Has("ready-not-sent") || Has("own-watchdog") ? 0 : RealRegister(name, flag);
+}
+
+int RealKeepAlive(const char* name) REAL("watchdog_application_send_keep_alive");
+int WrongKeepAlive(const char* name) WRAPPED("watchdog_application_send_keep_alive");
+int WrongKeepAlive(const char* name) {
+    static int reports = 0;
+    if (Has("keep-alive-fails") && ++reports > 1) {
+        return 5;
+    }
+    return Has("keep-alive-not-sent") || Has("own-watchdog") ? 0 : RealKeepAlive(name);
 }
 }
 
