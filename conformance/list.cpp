@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <span>
 
 #include "conformance/guarded_buffer.h"
 
@@ -13,8 +14,8 @@ namespace {
 /// The number of records that a buffer has room for; nothing means that there is no buffer.
 using Room = std::optional<std::int64_t>;
 
-/// A longer list is taken for a mistake, and no memory is allocated for it.
-constexpr std::int64_t kLongest = 10'000'000;
+/// A list that needs more memory is taken for a mistake, and none is allocated for it.
+constexpr std::int64_t kMostMebibytes = 16;
 /// How often a list that changes while it is being examined is examined again.
 constexpr int kTries = 5;
 
@@ -61,6 +62,11 @@ class ListCall {
     bool HasWorked(const Made& made) const { return made.code == list.success; }
     bool NeedsBuffer(const Made& made) const { return made.code == list.bufferNeeded; }
     bool HasFailed(const Made& made) const { return !HasWorked(made) && !NeedsBuffer(made); }
+    bool IsTooLong(const Made& made) const {
+        const auto size = static_cast<std::int64_t>(list.recordSize);
+        return made.count > kMostMebibytes * 1024 * 1024 / size;
+    }
+    bool MayAskForNothing() const { return list.mayAskForNothing; }
 
     void Fail(const std::string& reason) const { probe.Told().Fail(list.call, reason); }
 
@@ -108,14 +114,19 @@ bool TellsCount(const ListCall& call, const Made& first) {
     if (call.HasFailed(first)) {
         return false;
     }
-    if (first.count < 0 || first.count > kLongest) {
-        call.Fail("without a buffer, it says that it has " + std::to_string(first.count) +
-                  " records");
+    const std::string count = std::to_string(first.count);
+    if (first.count < 0 || call.IsTooLong(first)) {
+        call.Fail(
+            "without a buffer, it says that it has " + count + " records" +
+            (first.count < 0 ? "" : ", more than " + std::to_string(kMostMebibytes) + " MiB"));
         return false;
     }
     if (call.HasWorked(first) && first.count > 0) {
-        call.Fail("without a buffer, it succeeds although it has " + std::to_string(first.count) +
-                  " records");
+        call.Fail("without a buffer, it succeeds although it has " + count + " records");
+        return false;
+    }
+    if (call.NeedsBuffer(first) && first.count == 0 && !call.MayAskForNothing()) {
+        call.Fail("without a buffer, it asks for one although it has no records");
         return false;
     }
     return true;
@@ -162,14 +173,19 @@ void CheckRecords(Problems& problems, const List& list, const Look& look) {
     }
 }
 
-void CheckFilled(Problems& problems, const ListCall& call, const Made& made, std::int64_t count,
+/// Whether the call has filled its buffer with @p count records.
+bool CheckFilled(Problems& problems, const ListCall& call, const Made& made, std::int64_t count,
                  const std::string& with) {
     if (!call.HasWorked(made)) {
         problems.push_back("with " + with + ", it returns " + std::to_string(made.code));
-    } else if (made.count != count) {
+        return false;
+    }
+    if (made.count != count) {
         problems.push_back("with " + with + ", it has " + std::to_string(count) +
                            " records and sets the count to " + std::to_string(made.count));
+        return false;
     }
+    return true;
 }
 
 /// What is wrong with the answers in @p look. They may also look wrong because the list has become
@@ -181,21 +197,29 @@ Problems ProblemsOf(const ListCall& call, const List& list, const Look& look) {
         problems.emplace_back(
             "without a buffer, the count that it is given changes what it answers");
     }
-    CheckFilled(problems, call, look.tooLarge, count, "more room than it needs");
+    const bool filled =
+        CheckFilled(problems, call, look.tooLarge, count, "more room than it needs");
     if (!look.exact) {
         return problems;
     }
-    CheckFilled(problems, call, *look.exact, count, "the room that it asked for");
+    const bool filledExactly =
+        CheckFilled(problems, call, *look.exact, count, "the room that it asked for");
     const bool tells = call.NeedsBuffer(*look.tooSmall) && look.tooSmall->count == count;
     if (list.tellsTooSmall ? !tells : call.HasWorked(*look.tooSmall)) {
         problems.push_back("with room for one record less than it has, it returns " +
                            std::to_string(look.tooSmall->code) + " with the count " +
                            std::to_string(look.tooSmall->count));
     }
-    if (call.HasWorked(*look.exact) && call.HasWorked(look.tooLarge)) {
+    if (filled && filledExactly) {
         CheckRecords(problems, list, look);
     }
     return problems;
+}
+
+void CheckWhole(const List& list, std::span<const std::byte> contents) {
+    if (list.check) {
+        list.check(contents);
+    }
 }
 
 /// The values of the first @p count records, which are also checked.
@@ -235,15 +259,15 @@ ListContents Examine(Probe& probe, const List& list) {
         if (!TellsCount(call, first)) {
             // A call that fails without a buffer must not write to a buffer either.
             (void)call.Tell(2, 2);
-            return {first.code, 0, {}};
+            return {first.code, {}};
         }
         const Look look = LookAt(call, first);
         if (look.IsOfOneState()) {
             problems = ProblemsOf(call, list, look);
             if (problems.empty()) {
-                return look.exact
-                           ? ListContents{look.exact->code, look.exact->count, look.exact->bytes}
-                           : ListContents{first.code, 0, {}};
+                const Made& read = look.exact ? *look.exact : first;
+                CheckWhole(list, read.bytes);
+                return {read.code, read.bytes};
             }
             ++wrongLooks;
         }
@@ -258,7 +282,7 @@ ListContents Examine(Probe& probe, const List& list) {
     for (const std::string& problem : problems) {
         call.Fail(problem);
     }
-    return {first.code, 0, {}};
+    return {first.code, {}};
 }
 
 Outcome Read(Probe& probe, const List& list) {
@@ -270,13 +294,20 @@ Outcome Read(Probe& probe, const List& list) {
         if (call.HasFailed(first)) {
             return {std::to_string(first.code), ""};
         }
-        if (!call.NeedsBuffer(first) || first.count <= 0 || first.count > kLongest) {
+        if (first.count < 0 || call.IsTooLong(first)) {
+            return {worked, "too many records"};
+        }
+        if (first.count == 0 || !call.NeedsBuffer(first)) {
+            CheckWhole(list, {});
             return {worked, "no records"};
         }
         const Made filled =
             call.Make(first.count, static_cast<std::int32_t>(first.count), GuardedBuffer::kFill);
         if (call.HasWorked(filled)) {
             const std::int64_t count = std::clamp<std::int64_t>(filled.count, 0, first.count);
+            CheckWhole(
+                list,
+                std::span(filled.bytes).first(static_cast<std::size_t>(count) * list.recordSize));
             return {worked, ReadRecords(call, list, filled, count)};
         }
         code = filled.code;

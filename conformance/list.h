@@ -19,8 +19,12 @@ struct List {
     /// Whether the call must answer a buffer that is too small with bufferNeeded; otherwise any
     /// failure is right.
     bool tellsTooSmall = true;
+    /// Whether callers do as well with a call that asks for a buffer although the list is empty.
+    bool mayAskForNothing = true;
     std::size_t recordSize = 1;
     FieldsOfBytes fields;
+    /// Checks the whole contents each time that they have been read; may be empty.
+    std::function<void(std::span<const std::byte>)> check;
     /// Makes the call. The count has the declared type, which has 32 bits.
     std::function<int(void* buffer, void* count)> make;
     /// Whether two threads may make the call at the same time.
@@ -30,7 +34,6 @@ struct List {
 /// The contents of a list.
 struct ListContents {
     int code = 0;
-    std::int64_t count = 0;
     std::vector<std::byte> bytes;
 };
 

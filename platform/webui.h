@@ -88,9 +88,10 @@ static_assert(sizeof(webui_addr_t) == 20);
 static_assert(offsetof(webui_addr_t, address) == 4);
 
 // A list call takes a buffer of *count records. If the buffer is null or too small, it sets *count
-// to the number of records that there are and returns WEBUI_BUFFER_NEEDED; otherwise it fills the
-// buffer and sets *count to the number of records that it wrote. All calls return WEBUI_SUCCESS or
-// an error code.
+// to the number of records that there are and returns WEBUI_BUFFER_NEEDED, or WEBUI_SUCCESS when
+// there are none; otherwise it fills the buffer and sets *count to the number of records that it
+// wrote. All calls return WEBUI_SUCCESS or an error code. A call that fails with another code than
+// WEBUI_BUFFER_NEEDED writes nothing.
 extern "C" {
 
 /// Device-wide features.

@@ -31,7 +31,14 @@ List Channel(const std::shared_ptr<MsgbusHandler>& client, const std::string& ch
     return list;
 }
 
-void CheckBlock(Report& report, const std::vector<std::byte>& block) {
+/// The count at the beginning of @p block, which is long enough.
+std::int32_t CountIn(std::span<const std::byte> block) {
+    std::int32_t count = 0;
+    std::memcpy(&count, block.data(), sizeof(count));
+    return count;
+}
+
+void CheckBlock(Report& report, std::span<const std::byte> block) {
     const auto fail = [&](const std::string& reason) {
         report.Fail(kGetData, std::string(ANS_NOTIFICATION_CHANNEL) + ": " + reason);
     };
@@ -39,19 +46,16 @@ void CheckBlock(Report& report, const std::vector<std::byte>& block) {
         fail("the block of " + std::to_string(block.size()) + " bytes has no count");
         return;
     }
-    std::int32_t count = 0;
-    std::memcpy(&count, block.data(), sizeof(count));
+    const std::int32_t count = CountIn(block);
     constexpr std::size_t kRecordSize = sizeof(AnsNotificationRecord);
     const std::size_t records = block.size() - ANS_NOTIFICATION_LIST_RECORDS;
-    report.Note(std::string(ANS_NOTIFICATION_CHANNEL) + ": " + std::to_string(count) +
-                " notifications");
     if (count < 0 || records != static_cast<std::size_t>(count) * kRecordSize) {
         fail("the block of " + std::to_string(block.size()) + " bytes is not that of " +
              std::to_string(count) + " records");
         return;
     }
     for (std::int32_t index = 0; index < count; ++index) {
-        const auto record = std::span(block).subspan(
+        const auto record = block.subspan(
             ANS_NOTIFICATION_LIST_RECORDS + static_cast<std::size_t>(index) * kRecordSize,
             kRecordSize);
         for (const Field& field : FieldsInBytes<AnsNotificationRecord>(record)) {
@@ -60,6 +64,12 @@ void CheckBlock(Report& report, const std::vector<std::byte>& block) {
             }
         }
     }
+}
+
+List Notifications(Report& report, const std::shared_ptr<MsgbusHandler>& client) {
+    List list = Channel(client, ANS_NOTIFICATION_CHANNEL);
+    list.check = [&report](std::span<const std::byte> block) { CheckBlock(report, block); };
+    return list;
 }
 
 /// Checks that a client that is not on the bus gets nothing.
@@ -90,7 +100,7 @@ Outcome ReadNotifications(Probe& probe) {
     int joined = 0;
     int left = 0;
     (void)probe.Make("MsgbusHandler::Initialize", [&] { joined = client->Initialize(); });
-    Outcome outcome = Read(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
+    Outcome outcome = Read(probe, Notifications(probe.Told(), client));
     (void)probe.Make("MsgbusHandler::Uninitialize", [&] { left = client->Uninitialize(); });
     outcome.code = std::to_string(joined) + ", " + outcome.code + ", " + std::to_string(left);
     return outcome;
@@ -107,9 +117,10 @@ void ExamineMsgbus(Probe& probe, const Options& /*options*/) {
     const int joined =
         probe.Code("MsgbusHandler::Initialize", "", [&] { return client->Initialize(); });
     if (joined == MSGBUS_SUCCESS) {
-        const ListContents list = Examine(probe, Channel(client, ANS_NOTIFICATION_CHANNEL));
-        if (list.code == MSGBUS_SUCCESS && !list.bytes.empty()) {
-            CheckBlock(probe.Told(), list.bytes);
+        const ListContents list = Examine(probe, Notifications(probe.Told(), client));
+        if (list.bytes.size() >= ANS_NOTIFICATION_LIST_RECORDS) {
+            probe.Told().Note(std::string(ANS_NOTIFICATION_CHANNEL) + ": " +
+                              std::to_string(CountIn(list.bytes)) + " notifications");
         }
         ExamineUnknownChannel(probe, client);
         probe.Keep({kGetData, [&probe] { return ReadNotifications(probe); }});

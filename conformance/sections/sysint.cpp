@@ -113,6 +113,7 @@ List ConnectedDevices() {
     list.success = SYS_SUCCESS;
     list.bufferNeeded = SYS_ERROR_BUFFER_NEEDED;
     list.tellsTooSmall = false;
+    list.mayAskForNothing = false;
     list.recordSize = sizeof(sys_connected_device_t);
     list.fields = FieldsInBytes<sys_connected_device_t>;
     list.make = [](void* buffer, void* count) {

@@ -35,12 +35,14 @@ FAULTS = {
     "identifier-without-length": (["sysint"], "sys_getSIMCarrierGID", "has not written length"),
     "hang": (["sysint"], "sys_getCellularBand", "has not returned within 1 s"),
     "crash": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGSEGV"),
+    "asks-for-no-devices": (["sysint"], "sys_getConnectedDeviceList", "although it has no records"),
     "list-without-count": (["sysint"], "sys_getConnectedDeviceList", "the count that it is given"),
     "list-beyond-room": (["sysint"], "sys_getConnectedDeviceList", "bytes behind"),
     "list-cut-off": (["sysint"], "sys_getConnectedDeviceList", "one record less than it has"),
     "language-not-terminated": (["webui"], "webui_get_i18n_settings", "language is not terminated"),
     "list-success-without-buffer": (["webui"], "webui_get_common_features", "succeeds although"),
     "list-of-changing-length": (["webui"], "webui_get_common_features", "another number"),
+    "list-of-enormous-length": (["webui"], "webui_get_common_features", "more than 16 MiB"),
     "list-counts-room": (["webui"], "webui_get_common_features", "more room than it needs"),
     "list-counts-one-less": (["webui"], "webui_get_common_features", "the room that it asked for"),
     "list-too-small-fails": (["webui"], "webui_get_common_features", "one record less than it has"),
@@ -54,6 +56,8 @@ FAULTS = {
     "bus-keeps-size": (["msgbus"], "MsgbusHandler::GetData", "more room than it needs"),
     "block-counts-too-many": (["msgbus"], "MsgbusHandler::GetData", "is not that of 3 records"),
     "block-without-terminators": (["msgbus"], "MsgbusHandler::GetData", "category is not"),
+    "block-of-no-bytes": (["msgbus"], "MsgbusHandler::GetData", "the block of 0 bytes has no count"),
+    "live-block-torn-later": (["msgbus", "threads"], "MsgbusHandler::GetData", "of 3 records"),
     "block-left-out": (["msgbus"], "MsgbusHandler::GetData", "record 5: byte has not been written"),
     "block-of-unknown-severity": (["msgbus"], "MsgbusHandler::GetData", "severity is 9"),
     "session-for-anybody": (["session"], "AuthSession::Init", "a caller with session"),
@@ -93,6 +97,7 @@ FAULTS = {
 RIGHTS = {
     "live-values": ["sysint", "webui", "msgbus", "threads", "signals"],
     "device-comes-and-goes": ["sysint", "threads", "signals"],
+    "empty-list-needs-buffer": ["webui", "threads"],
     "own-watchdog": ["watchdog"],
 }
 

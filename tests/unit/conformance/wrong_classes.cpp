@@ -4,6 +4,7 @@
 #include <cgicc/CgiEnvironment.h>
 #include <libintl.h>
 
+#include <atomic>
 #include <cstring>
 #include <iostream>
 #include <iterator>
@@ -59,6 +60,10 @@ int WrongGetData(MsgbusHandler* self, const std::string& channel, void* buffer,
     const unsigned int room = size;
     const char first = buffer == nullptr ? '\0' : static_cast<const char*>(buffer)[0];
     const int code = RealGetData(self, channel, buffer, size);
+    if ((code == MSGBUS_SUCCESS || code == MSGBUS_BUFFER_NEEDED) && Has("block-of-no-bytes")) {
+        size = 0;
+        return MSGBUS_SUCCESS;
+    }
     if (code != MSGBUS_SUCCESS && code != MSGBUS_BUFFER_NEEDED) {
         if (Has("bus-answers-all")) {
             size = 0;
@@ -77,11 +82,12 @@ int WrongGetData(MsgbusHandler* self, const std::string& channel, void* buffer,
             size = room;
         }
         auto* const bytes = static_cast<char*>(buffer);
-        if (Has("live-values")) {
+        if (Has("live-values") || Has("live-block-torn-later")) {
             bytes[ANS_NOTIFICATION_LIST_RECORDS + offsetof(AnsNotificationRecord, flags)] =
                 static_cast<char>(wrong::Flicker());
         }
-        if (Has("block-counts-too-many")) {
+        static std::atomic<int> blocks = 0;
+        if (Has("block-counts-too-many") || (Has("live-block-torn-later") && ++blocks > 30)) {
             ++bytes[0];
         }
         if (Has("block-without-terminators")) {

@@ -178,7 +178,11 @@ int WrongDevices(sys_connected_device_t* devices, unsigned int* count) {
         *count = needed + 1;
         return SYS_ERROR_BUFFER_NEEDED;
     }
-    if (Has("list-without-count") && devices == nullptr) {
+    if (Has("asks-for-no-devices")) {
+        *count = 0;
+        return devices == nullptr ? SYS_ERROR_BUFFER_NEEDED : SYS_SUCCESS;
+    }
+    if (Has("list-without-count") && devices == nullptr && *count > 0) {
         return asked;
     }
     if (devices != nullptr && *count < needed) {

@@ -22,9 +22,18 @@ int WrongSettings(webui_i18n_settings_t* settings) {
 int RealFeatures(webui_feature_t* buffer, int* count) REAL("webui_get_common_features");
 int WrongFeatures(webui_feature_t* buffer, int* count) WRAPPED("webui_get_common_features");
 int WrongFeatures(webui_feature_t* buffer, int* count) {
+    constexpr int kEnormous = 500'000;  // 25 million bytes
     static int more = 0;
     const int room = *count;
     const int code = RealFeatures(buffer, count);
+    if (Has("empty-list-needs-buffer")) {
+        *count = 0;
+        return buffer == nullptr ? WEBUI_BUFFER_NEEDED : WEBUI_SUCCESS;
+    }
+    if (Has("list-of-enormous-length") && (buffer == nullptr || room < kEnormous)) {
+        *count = kEnormous;
+        return WEBUI_BUFFER_NEEDED;
+    }
     if (buffer == nullptr) {
         if (Has("list-success-without-buffer")) {
             return WEBUI_SUCCESS;
