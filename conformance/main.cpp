@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
         options.limit = std::chrono::seconds(seconds);
         options.names.insert(options.names.begin(), conformance::kNames.begin(),
                              conformance::kNames.end());
-        conformance::InstallCrashHandler();
+        const conformance::CrashReports reports;
         return conformance::Run(options);
     } catch (const std::exception& error) {
         std::cerr << "kestal-conformance: " << error.what() << "\n";

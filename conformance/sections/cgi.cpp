@@ -9,6 +9,7 @@
 #include <optional>
 #include <sstream>
 
+#include "conformance/object.h"
 #include "conformance/sections/sections.h"
 #include "platform/cgi_helper.h"
 
@@ -213,7 +214,7 @@ void ExamineCgi(Probe& probe, const Options& /*options*/) {
             [&] { return std::string(helper == nullptr ? "null" : "a writer"); });
         return helper;
     };
-    const std::unique_ptr<CgiHelper> writer(get());
+    const auto writer = Own(probe, "CgiHelper", get());
     if (writer == nullptr) {
         for (const char* const call :
              {kSendResponse, "CgiHelper::SetHeader", "CgiHelper::GetIp", "CgiHelper::GetCookie"}) {

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <thread>
 
+#include "conformance/object.h"
 #include "conformance/sections/sections.h"
 #include "platform/maintenance_thread.h"
 
@@ -13,6 +14,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr const char* kInitialize = "MaintenanceThread::Initialize";
+constexpr const char* kSetInterval = "MaintenanceThread::SetInterval";
+constexpr const char* kRun = "MaintenanceThread::Run";
+constexpr const char* kShutdown = "MaintenanceThread::Shutdown";
 constexpr unsigned int kInterval = 1;
 constexpr unsigned int kLongInterval = 86400;
 
@@ -95,17 +100,15 @@ int RunWithMask(MaintenanceThread& thread) {
 }
 
 int Shutdown(Probe& probe, MaintenanceThread& thread) {
-    const int code =
-        probe.Code("MaintenanceThread::Shutdown", "", [&] { return thread.Shutdown(); });
+    const int code = probe.Code(kShutdown, "", [&] { return thread.Shutdown(); });
     if (code != 0) {
-        probe.Told().Fail("MaintenanceThread::Shutdown", "returns " + std::to_string(code));
+        probe.Told().Fail(kShutdown, "returns " + std::to_string(code));
     }
     return code;
 }
 
 void ExamineCallbacks(Probe& probe, Counter& counter, Clock::time_point begun) {
     Report& report = probe.Told();
-    constexpr const char* kRun = "MaintenanceThread::Run";
     // The second callback is due after two intervals; the limit is for what comes on top.
     const std::chrono::seconds patience = 2 * std::chrono::seconds(kInterval) + probe.Limit();
     if (!counter.WaitFor(2, patience)) {
@@ -133,46 +136,57 @@ void ExamineCallbacks(Probe& probe, Counter& counter, Clock::time_point begun) {
 /// Examines one run, which is shut down during a callback.
 void ExamineRun(Probe& probe, MaintenanceThread& thread, Counter& counter) {
     const Clock::time_point begun = Clock::now();
-    const int running =
-        probe.Code("MaintenanceThread::Run", "", [&] { return RunWithMask(thread); });
+    const int running = probe.Code(kRun, "", [&] { return RunWithMask(thread); });
     if (running == 0) {
         ExamineCallbacks(probe, counter, begun);
     }
     counter.End();
     (void)Shutdown(probe, thread);
     if (counter.IsInside()) {
-        probe.Told().Fail("MaintenanceThread::Shutdown", "returns before the callback does");
+        probe.Told().Fail(kShutdown, "returns before the callback does");
     }
+}
+
+void ExamineBase(Probe& probe, MaintenanceThreadCallbackInterface& base) {
+    constexpr const char* kCall = "MaintenanceThreadCallbackInterface::OnThreadNotify";
+    bool answer = true;
+    probe.Tell(
+        kCall, "0", [&] { answer = base.OnThreadNotify(0); },
+        [&] { return std::string(answer ? "true" : "false"); });
+    if (answer) {
+        probe.Told().Fail(kCall, "the base returns true");
+    }
+}
+
+void SetInterval(Probe& probe, MaintenanceThread& thread, unsigned int interval) {
+    probe.Tell(
+        kSetInterval, std::to_string(interval), [&] { thread.SetInterval(interval); },
+        [] { return std::string(); });
 }
 
 }  // namespace
 
 void ExamineMaintenance(Probe& probe, const Options& /*options*/) {
-    MaintenanceThreadCallbackInterface base;
-    bool answer = true;
-    probe.Tell(
-        "MaintenanceThreadCallbackInterface::OnThreadNotify", "0",
-        [&] { answer = base.OnThreadNotify(0); },
-        [&] { return std::string(answer ? "true" : "false"); });
-    if (answer) {
-        probe.Told().Fail("MaintenanceThreadCallbackInterface::OnThreadNotify",
-                          "the base returns true");
+    constexpr const char* kInterface = "MaintenanceThreadCallbackInterface";
+    const auto base = Own(probe, kInterface, new MaintenanceThreadCallbackInterface);
+    ExamineBase(probe, *base);
+    const auto counter = Own(probe, kInterface, new Counter);
+    const auto thread =
+        TellObject<MaintenanceThread>(probe, "MaintenanceThread", std::to_string(kLongInterval),
+                                      counter.get(), kLongInterval, 0U);
+    if (thread == nullptr) {
+        for (const char* const call : {kInitialize, kSetInterval, kRun, kShutdown}) {
+            probe.Skip(call, "there is no thread");
+        }
+        return;
     }
-    Counter counter;
-    std::unique_ptr<MaintenanceThread> thread;
-    probe.Tell(
-        "MaintenanceThread::MaintenanceThread", std::to_string(kLongInterval),
-        [&] { thread = std::make_unique<MaintenanceThread>(&counter, kLongInterval, 0); },
-        [] { return std::string(); });
     (void)Shutdown(probe, *thread);
-    (void)probe.Code("MaintenanceThread::Initialize", "", [&] { return thread->Initialize(); });
-    probe.Tell(
-        "MaintenanceThread::SetInterval", std::to_string(kInterval),
-        [&] { thread->SetInterval(kInterval); }, [] { return std::string(); });
-    ExamineRun(probe, *thread, counter);
+    (void)probe.Code(kInitialize, "", [&] { return thread->Initialize(); });
+    SetInterval(probe, *thread, kInterval);
+    ExamineRun(probe, *thread, *counter);
     // Shutdown must not wait for the end of a long interval.
-    thread->SetInterval(kLongInterval);
-    (void)probe.Code("MaintenanceThread::Run", "", [&] { return thread->Run(); });
+    SetInterval(probe, *thread, kLongInterval);
+    (void)probe.Code(kRun, "", [&] { return thread->Run(); });
     (void)Shutdown(probe, *thread);
     (void)Shutdown(probe, *thread);
 }

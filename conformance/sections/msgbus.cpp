@@ -6,6 +6,7 @@
 
 #include "conformance/guarded_buffer.h"
 #include "conformance/list.h"
+#include "conformance/object.h"
 #include "conformance/sections/sections.h"
 #include "platform/notification.h"
 
@@ -13,6 +14,9 @@ namespace conformance {
 
 namespace {
 
+constexpr const char* kClient = "MsgbusHandler";
+constexpr const char* kInitialize = "MsgbusHandler::Initialize";
+constexpr const char* kUninitialize = "MsgbusHandler::Uninitialize";
 constexpr const char* kGetData = "MsgbusHandler::GetData";
 
 /// The channel as a list of bytes that @p client reads. It is not for two threads, because a client
@@ -96,12 +100,15 @@ void ExamineUnknownChannel(Probe& probe, const std::shared_ptr<MsgbusHandler>& c
 
 /// Reads the notifications as a request of the service does, with a new client.
 Outcome ReadNotifications(Probe& probe) {
-    const auto client = std::make_shared<MsgbusHandler>(nullptr);
+    const auto client = MakeObject<MsgbusHandler>(probe, kClient, nullptr);
+    if (client == nullptr) {
+        return {"no client", ""};
+    }
     int joined = 0;
     int left = 0;
-    (void)probe.Make("MsgbusHandler::Initialize", [&] { joined = client->Initialize(); });
+    (void)probe.Make(kInitialize, [&] { joined = client->Initialize(); });
     Outcome outcome = Read(probe, Notifications(probe.Told(), client));
-    (void)probe.Make("MsgbusHandler::Uninitialize", [&] { left = client->Uninitialize(); });
+    (void)probe.Make(kUninitialize, [&] { left = client->Uninitialize(); });
     outcome.code = std::to_string(joined) + ", " + outcome.code + ", " + std::to_string(left);
     return outcome;
 }
@@ -109,14 +116,16 @@ Outcome ReadNotifications(Probe& probe) {
 }  // namespace
 
 void ExamineMsgbus(Probe& probe, const Options& /*options*/) {
-    std::shared_ptr<MsgbusHandler> client;
-    probe.Tell(
-        "MsgbusHandler::MsgbusHandler", "no callback",
-        [&] { client = std::make_shared<MsgbusHandler>(nullptr); }, [] { return std::string(); });
+    const auto client = TellObject<MsgbusHandler>(probe, kClient, "no callback", nullptr);
+    const auto second = TellObject<MsgbusHandler>(probe, kClient, "no callback", nullptr);
+    if (client == nullptr || second == nullptr) {
+        for (const char* const call : {kInitialize, kGetData, kUninitialize}) {
+            probe.Skip(call, "there is no client");
+        }
+        return;
+    }
     ExamineOutside(probe, *client, "that has not joined");
-    const int joined =
-        probe.Code("MsgbusHandler::Initialize", "", [&] { return client->Initialize(); });
-    if (joined == MSGBUS_SUCCESS) {
+    if (probe.Code(kInitialize, "", [&] { return client->Initialize(); }) == MSGBUS_SUCCESS) {
         const ListContents list = Examine(probe, Notifications(probe.Told(), client));
         if (list.bytes.size() >= ANS_NOTIFICATION_LIST_RECORDS) {
             probe.Told().Note(std::string(ANS_NOTIFICATION_CHANNEL) + ": " +
@@ -125,10 +134,11 @@ void ExamineMsgbus(Probe& probe, const Options& /*options*/) {
         ExamineUnknownChannel(probe, client);
         probe.Keep({kGetData, [&probe] { return ReadNotifications(probe); }});
     }
-    MsgbusHandler second(nullptr);
-    (void)probe.Code("MsgbusHandler::Initialize", "", [&] { return second.Initialize(); });
-    (void)probe.Code("MsgbusHandler::Uninitialize", "", [&] { return second.Uninitialize(); });
-    ExamineOutside(probe, second, "that has left");
+    (void)probe.Code(kInitialize, "", [&] { return second->Initialize(); });
+    for (MsgbusHandler* const leaving : {second.get(), client.get()}) {
+        (void)probe.Code(kUninitialize, "", [&] { return leaving->Uninitialize(); });
+        ExamineOutside(probe, *leaving, "that has left");
+    }
 }
 
 }  // namespace conformance

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "conformance/object.h"
 #include "conformance/sections/sections.h"
 #include "platform/auth_session.h"
 
@@ -11,6 +12,9 @@ namespace conformance {
 
 namespace {
 
+constexpr const char* kSession = "AuthSession";
+constexpr const char* kInit = "AuthSession::Init";
+constexpr const char* kLoggedOn = "AuthSession::LoggedOn";
 constexpr int kOnlyAsks = 2;
 
 struct Caller {
@@ -31,28 +35,30 @@ webui_addr_t AddressOf(const std::string& text) {
 }
 
 int Init(Probe& probe, AuthSession& session, const Caller& caller, const std::string& who) {
-    return probe.Code("AuthSession::Init", who, [&] {
+    return probe.Code(kInit, who, [&] {
         return session.Init(caller.session, caller.address, caller.agent, kOnlyAsks);
     });
 }
 
 /// Checks that a caller without a session is refused, and that no result is written.
-void ExamineRefused(Probe& probe, AuthSession& session, const Caller& caller,
-                    const std::string& who) {
-    if (Init(probe, session, caller, who) == 0) {
-        probe.Told().Fail("AuthSession::Init", "has a session for a caller with " + who);
+void ExamineRefused(Probe& probe, const Caller& caller, const std::string& who) {
+    const auto session = MakeObject<AuthSession>(probe, kSession);
+    if (session == nullptr) {
+        return;
+    }
+    if (Init(probe, *session, caller, who) == 0) {
+        probe.Told().Fail(kInit, "has a session for a caller with " + who);
         return;
     }
     for (const bool preset : {false, true}) {
         bool loggedOn = preset;
-        const int code = probe.Code("AuthSession::LoggedOn", "no session",
-                                    [&] { return session.LoggedOn(loggedOn); });
+        const int code =
+            probe.Code(kLoggedOn, "no session", [&] { return session->LoggedOn(loggedOn); });
         if (code == 0) {
-            probe.Told().Fail("AuthSession::LoggedOn", "succeeds without a session, after " + who);
+            probe.Told().Fail(kLoggedOn, "succeeds without a session, after " + who);
         } else if (loggedOn != preset) {
-            probe.Told().Fail("AuthSession::LoggedOn",
-                              "fails with " + std::to_string(code) +
-                                  ", but has written to its result, after " + who);
+            probe.Told().Fail(kLoggedOn, "fails with " + std::to_string(code) +
+                                             ", but has written to its result, after " + who);
         }
     }
 }
@@ -88,54 +94,69 @@ bool IsLoggedOn(Probe& probe, AuthSession& session) {
     bool loggedOn = false;
     int code = 0;
     probe.Tell(
-        "AuthSession::LoggedOn", "", [&] { code = session.LoggedOn(loggedOn); },
+        kLoggedOn, "", [&] { code = session.LoggedOn(loggedOn); },
         [&] { return std::to_string(code) + (loggedOn ? ", logged on" : ", not logged on"); });
     if (code != 0) {
-        probe.Told().Fail("AuthSession::LoggedOn",
+        probe.Told().Fail(kLoggedOn,
                           "fails with " + std::to_string(code) + " after a successful Init");
     }
     return code == 0 && loggedOn;
 }
 
-void ExamineLive(Probe& probe, const Caller& caller) {
-    AuthSession session;
-    if (Init(probe, session, caller, "the session given") != 0) {
-        probe.Told().Fail("AuthSession::Init", "refuses the session given with --session");
-        return;
+/// Whether the session of @p caller, which is the one given, is accepted.
+bool IsAccepted(Probe& probe, const Caller& caller) {
+    const auto session = MakeObject<AuthSession>(probe, kSession);
+    if (session == nullptr) {
+        return false;
     }
-    if (!IsLoggedOn(probe, session)) {
+    if (Init(probe, *session, caller, "the session given") != 0) {
+        probe.Told().Fail(kInit, "refuses the session given with --session");
+        return false;
+    }
+    if (!IsLoggedOn(probe, *session)) {
         probe.Told().Note("the session given is not logged on");
     }
-    // On the same object, whose last Init was successful: it must not remember that success.
-    ExamineRefused(probe, session, WithOtherAddress(caller), "another address");
-    ExamineRefused(probe, session, WithOtherFamily(caller), "an address of another family");
-    ExamineRefused(probe, session, WithUnknownFamily(caller), "an address of no known family");
-    ExamineRefused(probe, session, WithOtherAgent(caller), "another user agent");
-    ExamineRefused(probe, session, WithOtherSession(caller), "another session identifier");
-    if (Init(probe, session, caller, "the session given") != 0) {
-        probe.Told().Fail("AuthSession::Init", "refuses its session after it has refused others");
+    return true;
+}
+
+Outcome InitAgain(Probe& probe, const Caller& caller) {
+    const auto session = MakeObject<AuthSession>(probe, kSession);
+    if (session == nullptr) {
+        return {"no session", ""};
     }
-    probe.Keep({"AuthSession::Init", [&probe, caller] {
-                    AuthSession again;
-                    int code = 0;
-                    (void)probe.Make("AuthSession::Init", [&] {
-                        code = again.Init(caller.session, caller.address, caller.agent, kOnlyAsks);
-                    });
-                    return Outcome{std::to_string(code), ""};
-                }});
+    int code = 0;
+    (void)probe.Make(kInit, [&] {
+        code = session->Init(caller.session, caller.address, caller.agent, kOnlyAsks);
+    });
+    return {std::to_string(code), ""};
+}
+
+void ExamineLive(Probe& probe, const Caller& caller) {
+    if (!IsAccepted(probe, caller)) {
+        return;
+    }
+    ExamineRefused(probe, WithOtherAddress(caller), "another address");
+    ExamineRefused(probe, WithOtherFamily(caller), "an address of another family");
+    ExamineRefused(probe, WithUnknownFamily(caller), "an address of no known family");
+    ExamineRefused(probe, WithOtherAgent(caller), "another user agent");
+    ExamineRefused(probe, WithOtherSession(caller), "another session identifier");
+    (void)IsAccepted(probe, caller);
+    probe.Keep({kInit, [&probe, caller] { return InitAgain(probe, caller); }});
 }
 
 }  // namespace
 
 void ExamineSession(Probe& probe, const Options& options) {
     const Caller caller{options.session, AddressOf(options.address), options.agent};
-    std::unique_ptr<AuthSession> session;
-    probe.Tell(
-        "AuthSession::AuthSession", "", [&] { session = std::make_unique<AuthSession>(); },
-        [] { return std::string(); });
+    if (TellObject<AuthSession>(probe, kSession, "") == nullptr) {
+        for (const char* const call : {kInit, kLoggedOn}) {
+            probe.Skip(call, "there is no object to ask");
+        }
+        return;
+    }
     for (const char* const identifier : {"", "no such session", "../../etc/passwd"}) {
         const Caller unknown{identifier, caller.address, caller.agent};
-        ExamineRefused(probe, *session, unknown, "session " + Quoted(identifier));
+        ExamineRefused(probe, unknown, "session " + Quoted(identifier));
     }
     if (options.session.empty()) {
         probe.Told().Note("no session is given (--session), so that none is accepted here");

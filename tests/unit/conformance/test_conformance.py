@@ -35,6 +35,11 @@ FAULTS = {
     "identifier-without-length": (["sysint"], "sys_getSIMCarrierGID", "has not written length"),
     "hang": (["sysint"], "sys_getCellularBand", "has not returned within 1 s"),
     "crash": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGSEGV"),
+    "stack-overflow": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGSEGV"),
+    "stack-overflow-in-thread": (["sysint", "threads"], "sys_getCABandWidth", "by SIGSEGV"),
+    "broken-pipe": (["sysint"], "sys_getCABandWidth", "has ended the process by SIGPIPE"),
+    "exits": (["sysint"], "sys_getCABandWidth", "has ended the process by exit"),
+    "exits-quickly": (["sysint"], "sys_getCABandWidth", "has ended the process by exit"),
     "asks-for-no-devices": (["sysint"], "sys_getConnectedDeviceList", "although it has no records"),
     "list-without-count": (["sysint"], "sys_getConnectedDeviceList", "the count that it is given"),
     "list-beyond-room": (["sysint"], "sys_getConnectedDeviceList", "bytes behind"),
@@ -50,6 +55,9 @@ FAULTS = {
     "record-left-out": (["webui"], "webui_get_common_configurations", "record 1: name has not"),
     "failure-with-count": (["webui"], "webui_get_app_features", "has written to its buffer or its"),
     "unknown-name-succeeds": (["webui"], "webui_get_uri_data", "has not written address"),
+    "client-throws": (["msgbus"], "MsgbusHandler::MsgbusHandler", "has left it: no bus"),
+    "second-client-crashes": (["msgbus"], "MsgbusHandler::MsgbusHandler", "the process by SIGSEGV"),
+    "client-end-crashes": (["msgbus"], "MsgbusHandler::~MsgbusHandler", "the process by SIGSEGV"),
     "bus-answers-all": (["msgbus"], "MsgbusHandler::GetData", "a client that has not joined"),
     "bus-failure-with-size": (["msgbus"], "MsgbusHandler::GetData", "written to its buffer or its"),
     "bus-throws": (["msgbus"], "MsgbusHandler::GetData", "an exception has left it: no such"),
@@ -60,6 +68,8 @@ FAULTS = {
     "live-block-torn-later": (["msgbus", "threads"], "MsgbusHandler::GetData", "of 3 records"),
     "block-left-out": (["msgbus"], "MsgbusHandler::GetData", "record 5: byte has not been written"),
     "block-of-unknown-severity": (["msgbus"], "MsgbusHandler::GetData", "severity is 9"),
+    "session-throws": (["session"], "AuthSession::AuthSession", "has left it: no sessions"),
+    "session-end-crashes": (["session"], "AuthSession::~AuthSession", "the process by SIGSEGV"),
     "session-for-anybody": (["session"], "AuthSession::Init", "a caller with session"),
     "session-for-other-address": (["session"], "AuthSession::Init", "with another address"),
     "session-for-other-family": (["session"], "AuthSession::Init", "with an address of another"),
@@ -77,6 +87,8 @@ FAULTS = {
     "address-made-up": (["cgi"], "CgiHelper::GetIp", 'returns "0.0.0.0"'),
     "cookie-without-default": (["cgi"], "CgiHelper::GetCookie", 'in place of "none"'),
     "last-cookie": (["cgi"], "CgiHelper::GetCookie", 'returns "second"'),
+    "thread-throws": (["maintenance"], "MaintenanceThread::MaintenanceThread", "left it: no thread"),
+    "thread-end-hangs": (["maintenance"], "MaintenanceThread::~MaintenanceThread", "within 1 s"),
     "no-callback": (["maintenance"], "MaintenanceThread::Run", "there are 0 callbacks in 3 s"),
     "no-interval": (["maintenance"], "MaintenanceThread::Run", "the second callback comes"),
     "mask-not-inherited": (["maintenance"], "MaintenanceThread::Run", "the signal mask"),
@@ -102,7 +114,7 @@ RIGHTS = {
 }
 
 # These are found when time is up.
-WITH_SHORT_DEADLINE = {"hang", "no-callback"}
+WITH_SHORT_DEADLINE = {"hang", "no-callback", "thread-end-hangs"}
 
 
 def run(program, *arguments, device="default", **environment):

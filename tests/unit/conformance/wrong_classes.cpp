@@ -5,6 +5,7 @@
 #include <libintl.h>
 
 #include <atomic>
+#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <iterator>
@@ -49,7 +50,31 @@ int WrongKeepAlive(const char* name) {
 }
 }
 
-// MsgbusHandler::GetData
+// MsgbusHandler
+#define CLIENT "_ZN13MsgbusHandlerC1EP23MsgbusCallbackInterface"
+void RealClient(MsgbusHandler* self, MsgbusCallbackInterface* callback) REAL(CLIENT);
+void WrongClient(MsgbusHandler* self, MsgbusCallbackInterface* callback) WRAPPED(CLIENT);
+void WrongClient(MsgbusHandler* self, MsgbusCallbackInterface* callback) {
+    static int clients = 0;
+    if (Has("client-throws")) {
+        throw std::runtime_error("no bus");
+    }
+    if (Has("second-client-crashes") && ++clients == 2) {
+        (void)std::raise(SIGSEGV);
+    }
+    RealClient(self, callback);
+}
+
+#define NO_CLIENT "_ZN13MsgbusHandlerD1Ev"
+void RealNoClient(MsgbusHandler* self) REAL(NO_CLIENT);
+void WrongNoClient(MsgbusHandler* self) WRAPPED(NO_CLIENT);
+void WrongNoClient(MsgbusHandler* self) {
+    if (Has("client-end-crashes")) {
+        (void)std::raise(SIGSEGV);
+    }
+    RealNoClient(self);
+}
+
 #define GET_DATA "_ZN13MsgbusHandler7GetDataERK" STRING "PvRj"
 int RealGetData(MsgbusHandler* self, const std::string& channel, void* buffer, unsigned int& size)
     REAL(GET_DATA);
@@ -104,7 +129,27 @@ int WrongGetData(MsgbusHandler* self, const std::string& channel, void* buffer,
     return code;
 }
 
-// AuthSession::Init and LoggedOn
+// AuthSession
+#define SESSION "_ZN11AuthSessionC1Ev"
+void RealSession(AuthSession* self) REAL(SESSION);
+void WrongSession(AuthSession* self) WRAPPED(SESSION);
+void WrongSession(AuthSession* self) {
+    if (Has("session-throws")) {
+        throw std::runtime_error("no sessions");
+    }
+    RealSession(self);
+}
+
+#define NO_SESSION "_ZN11AuthSessionD1Ev"
+void RealNoSession(AuthSession* self) REAL(NO_SESSION);
+void WrongNoSession(AuthSession* self) WRAPPED(NO_SESSION);
+void WrongNoSession(AuthSession* self) {
+    if (Has("session-end-crashes")) {
+        (void)std::raise(SIGSEGV);
+    }
+    RealNoSession(self);
+}
+
 #define INIT "_ZN11AuthSession4InitERK" STRING "12webui_addr_tS7_i"
 int RealInit(AuthSession* self, const std::string& sessionId, webui_addr_t address,
              const std::string& userAgent, int mode) REAL(INIT);

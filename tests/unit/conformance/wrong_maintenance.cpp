@@ -1,9 +1,11 @@
 // Faults of the maintenance thread. A separate thread behaves wrongly in the way that the fault
 // asks for.
 #include <pthread.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
+#include <stdexcept>
 #include <thread>
 
 #include "platform/maintenance_thread.h"
@@ -41,7 +43,20 @@ void WrongConstruct(MaintenanceThread* self, MaintenanceThreadCallbackInterface*
 void WrongConstruct(MaintenanceThread* self, MaintenanceThreadCallbackInterface* callback,
                     unsigned int interval, unsigned int reserved) {
     gCallback = callback;
+    if (Has("thread-throws")) {
+        throw std::runtime_error("no thread");
+    }
     RealConstruct(self, callback, interval, reserved);
+}
+
+#define DESTROY "_ZN17MaintenanceThreadD1Ev"
+void RealDestroy(MaintenanceThread* self) REAL(DESTROY);
+void WrongDestroy(MaintenanceThread* self) WRAPPED(DESTROY);
+void WrongDestroy(MaintenanceThread* self) {
+    while (Has("thread-end-hangs")) {
+        (void)pause();
+    }
+    RealDestroy(self);
 }
 
 #define RUN "_ZN17MaintenanceThread3RunEv"

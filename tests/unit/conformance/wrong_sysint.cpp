@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <thread>
@@ -120,12 +121,39 @@ int WrongBand(int* band) {
     return RealBand(band);
 }
 
-int RealBandwidth(int* bandwidth) REAL("sys_getCABandWidth");
-int WrongBandwidth(int* bandwidth) WRAPPED("sys_getCABandWidth");
-int WrongBandwidth(int* bandwidth) {
+/// Calls itself until the stack is used up.
+// NOLINTNEXTLINE(misc-no-recursion): the recursion is the fault
+int OverflowStack(unsigned int depth) {
+    volatile char frame[1024] = {};
+    frame[depth % sizeof(frame)] = 1;
+    return depth == 0 ? 0 : OverflowStack(depth + 1) + frame[0];
+}
+
+void EndProcess() {
     if (Has("crash")) {
         (void)std::raise(SIGSEGV);
     }
+    if (Has("stack-overflow") || (Has("stack-overflow-in-thread") && gettid() != getpid())) {
+        (void)OverflowStack(1);
+    }
+    if (Has("exits")) {
+        std::exit(0);
+    }
+    if (Has("exits-quickly")) {
+        std::quick_exit(0);
+    }
+    if (Has("broken-pipe")) {
+        int ends[2] = {};
+        (void)pipe(ends);
+        (void)close(ends[0]);
+        (void)write(ends[1], "", 1);
+    }
+}
+
+int RealBandwidth(int* bandwidth) REAL("sys_getCABandWidth");
+int WrongBandwidth(int* bandwidth) WRAPPED("sys_getCABandWidth");
+int WrongBandwidth(int* bandwidth) {
+    EndProcess();
     return RealBandwidth(bandwidth);
 }
 
