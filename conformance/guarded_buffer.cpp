@@ -1,6 +1,9 @@
 #include "conformance/guarded_buffer.h"
 
 #include <algorithm>
+#include <cstdint>
+
+#include "conformance/report.h"
 
 namespace conformance {
 
@@ -12,10 +15,10 @@ std::byte GuardByte(std::size_t index) {
     return static_cast<std::byte>(0xC0 + index % 0x2F);
 }
 
-std::size_t Changed(std::span<const std::byte> guard) {
-    std::size_t changed = 0;
+std::int64_t Changed(std::span<const std::byte> guard) {
+    std::int64_t changed = 0;
     for (std::size_t index = 0; index < guard.size(); ++index) {
-        changed += guard[index] == GuardByte(index) ? 0U : 1U;
+        changed += guard[index] == GuardByte(index) ? 0 : 1;
     }
     return changed;
 }
@@ -47,11 +50,11 @@ bool GuardedBuffer::IsUntouched() const {
 std::string GuardedBuffer::Damage() const {
     const std::span all(memory);
     const std::string size = std::to_string(Bytes().size());
-    if (const std::size_t changed = Changed(all.last(kGuardSize)); changed > 0) {
-        return std::to_string(changed) + " bytes behind the " + size + " of its buffer";
+    if (const std::int64_t changed = Changed(all.last(kGuardSize)); changed > 0) {
+        return Counted(changed, "byte") + " behind the " + size + " of its buffer";
     }
-    if (const std::size_t changed = Changed(all.first(kGuardSize)); changed > 0) {
-        return std::to_string(changed) + " bytes before the " + size + " of its buffer";
+    if (const std::int64_t changed = Changed(all.first(kGuardSize)); changed > 0) {
+        return Counted(changed, "byte") + " before the " + size + " of its buffer";
     }
     return "";
 }

@@ -114,15 +114,15 @@ bool TellsCount(const ListCall& call, const Made& first) {
     if (call.HasFailed(first)) {
         return false;
     }
-    const std::string count = std::to_string(first.count);
+    const std::string count = Counted(first.count, "record");
     if (first.count < 0 || call.IsTooLong(first)) {
         call.Fail(
-            "without a buffer, it says that it has " + count + " records" +
+            "without a buffer, it says that it has " + count +
             (first.count < 0 ? "" : ", more than " + std::to_string(kMostMebibytes) + " MiB"));
         return false;
     }
     if (call.HasWorked(first) && first.count > 0) {
-        call.Fail("without a buffer, it succeeds although it has " + count + " records");
+        call.Fail("without a buffer, it succeeds although it has " + count);
         return false;
     }
     if (call.NeedsBuffer(first) && first.count == 0 && !call.MayAskForNothing()) {
@@ -181,8 +181,8 @@ bool CheckFilled(Problems& problems, const ListCall& call, const Made& made, std
         return false;
     }
     if (made.count != count) {
-        problems.push_back("with " + with + ", it has " + std::to_string(count) +
-                           " records and sets the count to " + std::to_string(made.count));
+        problems.push_back("with " + with + ", it has " + Counted(count, "record") +
+                           " and sets the count to " + std::to_string(made.count));
         return false;
     }
     return true;
@@ -231,7 +231,7 @@ std::string ReadRecords(const ListCall& call, const List& list, const Made& made
         std::memcpy(block.data(), made.bytes.data(), block.size());
         return "bytes with the hash " + std::to_string(std::hash<std::string>()(block));
     }
-    std::string text = std::to_string(count) + " records";
+    std::string text = Counted(count, "record");
     for (std::int64_t index = 0; index < count; ++index) {
         const auto record = RecordIn(made.bytes, list, index);
         const Fields fields = list.fields(record);

@@ -30,9 +30,9 @@ void Report::Fail(const std::string& call, const std::string& reason) {
 
 int Report::Summarize() {
     const std::scoped_lock lock(mutex);
-    Print(std::to_string(calls) + " calls, the slowest " + slowestCall + " with " +
-          TimeText(slowest));
-    Print(findings.empty() ? "no findings" : std::to_string(findings.size()) + " findings");
+    Print(Counted(calls, "call") + ", the slowest " + slowestCall + " with " + TimeText(slowest));
+    Print(findings.empty() ? "no findings"
+                           : Counted(static_cast<std::int64_t>(findings.size()), "finding"));
     return findings.empty() ? 0 : 1;
 }
 
@@ -40,6 +40,10 @@ void Report::Print(const std::string& line) {
     // Flushed, so that the output is complete if the binding ends the process.
     (void)std::printf("%s\n", line.c_str());
     (void)std::fflush(stdout);
+}
+
+std::string Counted(std::int64_t number, const std::string& noun) {
+    return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
 std::string Quoted(const std::string& text) {

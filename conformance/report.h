@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <mutex>
 #include <set>
 #include <string>
@@ -33,6 +34,9 @@ class Report {
     Duration slowest = Duration::zero();
     std::string slowestCall;
 };
+
+/// @p number and @p noun, which gets an s unless it is one: `1 call`, `2 calls`.
+std::string Counted(std::int64_t number, const std::string& noun);
 
 /// @p text in quotation marks, control characters and bytes above ASCII as \xNN.
 std::string Quoted(const std::string& text);

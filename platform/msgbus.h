@@ -29,10 +29,12 @@ class MsgbusHandler {
     /// Copies what was last published on @p channel to @p buffer, which has room for @p size bytes,
     /// sets @p size to the number of bytes copied and returns MSGBUS_SUCCESS. If the buffer is null
     /// or too small, sets @p size to the size that is needed and returns MSGBUS_BUFFER_NEEDED. On
-    /// any other failure, writes nothing and returns another code.
+    /// any other failure, writes nothing and returns another code. It fails for a client that has
+    /// not joined or has left, and on a channel on which nothing has been published.
     int GetData(const std::string& channel, void* buffer, unsigned int& size);
 
-    /// Leaves the bus. Returns MSGBUS_SUCCESS on success.
+    /// Leaves the bus. Returns MSGBUS_SUCCESS on success. Callers also leave when they could not
+    /// join.
     int Uninitialize();
 
   private:

@@ -283,7 +283,8 @@ static_assert(offsetof(GpioCustomSettings, highState) == 128);
 /// Room that callers of sys_getSIMCarrierGID provide, in bytes.
 constexpr std::size_t SYS_SIM_CARRIER_GID_SIZE = 256;
 
-// Every call returns SYS_SUCCESS or an error code and delivers its result through a pointer.
+// Every call returns SYS_SUCCESS or an error code and delivers its result through a pointer. A call
+// that fails leaves its result as it was, because callers preset results with what they use then.
 // Switches are non-zero when on.
 extern "C" {
 
@@ -409,7 +410,8 @@ int sys_getSambaShareInfo(sys_samba_share_info_t* info);
 /// Client devices. If @p devices is null, sets @p count and returns SYS_ERROR_BUFFER_NEEDED, or
 /// SYS_SUCCESS when there are none. If @p devices has room for @p *count records, fills it and sets
 /// @p count to the number of devices. With too little room it fails, so that a caller never takes
-/// some of the devices for all of them.
+/// some of the devices for all of them; it may then return SYS_ERROR_BUFFER_NEEDED and set @p
+/// count.
 int sys_getConnectedDeviceList(sys_connected_device_t* devices, unsigned int* count);
 int sys_getWiFiEnabled(int* enabled);
 int sys_getWiFiMaxClients(unsigned int* count);

@@ -112,9 +112,9 @@ void ExamineCallbacks(Probe& probe, Counter& counter, Clock::time_point begun) {
     // The second callback is due after two intervals; the limit is for what comes on top.
     const std::chrono::seconds patience = 2 * std::chrono::seconds(kInterval) + probe.Limit();
     if (!counter.WaitFor(2, patience)) {
-        report.Fail(kRun, "with an interval of " + std::to_string(kInterval) + " s, there are " +
-                              std::to_string(counter.Callbacks()) + " callbacks in " +
-                              std::to_string(patience.count()) + " s");
+        report.Fail(kRun, "makes " + Counted(counter.Callbacks(), "callback") + " in " +
+                              std::to_string(patience.count()) + " s, with an interval of " +
+                              std::to_string(kInterval) + " s");
         return;
     }
     const auto elapsed = Clock::now() - begun;

@@ -46,16 +46,16 @@ void CheckBlock(Report& report, std::span<const std::byte> block) {
     const auto fail = [&](const std::string& reason) {
         report.Fail(kGetData, std::string(ANS_NOTIFICATION_CHANNEL) + ": " + reason);
     };
+    const std::string size = Counted(static_cast<std::int64_t>(block.size()), "byte");
     if (block.size() < ANS_NOTIFICATION_LIST_RECORDS) {
-        fail("the block of " + std::to_string(block.size()) + " bytes has no count");
+        fail("the block of " + size + " has no count");
         return;
     }
     const std::int32_t count = CountIn(block);
     constexpr std::size_t kRecordSize = sizeof(AnsNotificationRecord);
     const std::size_t records = block.size() - ANS_NOTIFICATION_LIST_RECORDS;
     if (count < 0 || records != static_cast<std::size_t>(count) * kRecordSize) {
-        fail("the block of " + std::to_string(block.size()) + " bytes is not that of " +
-             std::to_string(count) + " records");
+        fail("the block of " + size + " is not that of " + Counted(count, "record"));
         return;
     }
     for (std::int32_t index = 0; index < count; ++index) {
@@ -129,7 +129,7 @@ void ExamineMsgbus(Probe& probe, const Options& /*options*/) {
         const ListContents list = Examine(probe, Notifications(probe.Told(), client));
         if (list.bytes.size() >= ANS_NOTIFICATION_LIST_RECORDS) {
             probe.Told().Note(std::string(ANS_NOTIFICATION_CHANNEL) + ": " +
-                              std::to_string(CountIn(list.bytes)) + " notifications");
+                              Counted(CountIn(list.bytes), "notification"));
         }
         ExamineUnknownChannel(probe, client);
         probe.Keep({kGetData, [&probe] { return ReadNotifications(probe); }});

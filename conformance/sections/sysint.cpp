@@ -168,7 +168,7 @@ void ExamineSysint(Probe& probe, const Options& options) {
     }
     Examine(probe, ManualNetworkSelection());
     Examine(probe, NewRadioBand());
-    for (const int profile : {int{SYS_WIFI_GUEST_2_4_GHZ}, int{SYS_WIFI_GUEST_5_GHZ}, 0, 3}) {
+    for (const int profile : {int{SYS_WIFI_GUEST_2_4_GHZ}, int{SYS_WIFI_GUEST_5_GHZ}}) {
         Examine(probe, GuestProfile(profile));
     }
     (void)Examine(probe, ConnectedDevices());

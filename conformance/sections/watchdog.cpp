@@ -126,10 +126,10 @@ void ExamineWatchdog(Probe& probe, const Options& /*options*/) {
     const Spoken registered = Tell(probe, manager, kRegister, "register", [] {
         return watchdog_application_register(kApplication, WATCHDOG_REGISTER);
     });
-    std::vector<Spoken> reports;
-    for (int time = 0; time < 2; ++time) {
-        reports.push_back(Tell(probe, manager, kKeepAlive, "",
-                               [] { return watchdog_application_send_keep_alive(kApplication); }));
+    std::vector<Spoken> reports(2);
+    for (Spoken& alive : reports) {
+        alive = Tell(probe, manager, kKeepAlive, "",
+                     [] { return watchdog_application_send_keep_alive(kApplication); });
     }
     if (registered.code == 0) {
         Judge(probe.Told(), registered, reports);

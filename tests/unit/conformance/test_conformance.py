@@ -59,6 +59,7 @@ FAULTS = {
     "second-client-crashes": (["msgbus"], "MsgbusHandler::MsgbusHandler", "the process by SIGSEGV"),
     "client-end-crashes": (["msgbus"], "MsgbusHandler::~MsgbusHandler", "the process by SIGSEGV"),
     "bus-answers-all": (["msgbus"], "MsgbusHandler::GetData", "a client that has not joined"),
+    "bus-answers-after-leaving": (["msgbus"], "MsgbusHandler::GetData", "a client that has left"),
     "bus-failure-with-size": (["msgbus"], "MsgbusHandler::GetData", "written to its buffer or its"),
     "bus-throws": (["msgbus"], "MsgbusHandler::GetData", "an exception has left it: no such"),
     "bus-keeps-size": (["msgbus"], "MsgbusHandler::GetData", "more room than it needs"),
@@ -74,8 +75,9 @@ FAULTS = {
     "session-for-other-address": (["session"], "AuthSession::Init", "with another address"),
     "session-for-other-family": (["session"], "AuthSession::Init", "with an address of another"),
     "session-for-other-agent": (["session"], "AuthSession::Init", "with another user agent"),
-    "refusal-with-result": (["session"], "AuthSession::LoggedOn", "but has written to its result"),
-    "logged-on-without-session": (["session"], "AuthSession::LoggedOn", "succeeds without"),
+    "logged-on-fails": (["session"], "AuthSession::LoggedOn", "fails with 7 after a successful"),
+    "logged-on-with-result": (["session"], "AuthSession::LoggedOn", "but has written to its result"),
+    "logged-on-without-result": (["session"], "AuthSession::LoggedOn", "has not written its result"),
     "family-of-short-address": (["cgi"], "GetIPAddressFamily", '"192.0.2" is no address'),
     "failure-with-family": (["cgi"], "GetIPAddressFamily", "but has written to its result"),
     "two-writers": (["cgi"], "CgiHelper::GetInstance", "more than one writer"),
@@ -89,7 +91,7 @@ FAULTS = {
     "last-cookie": (["cgi"], "CgiHelper::GetCookie", 'returns "second"'),
     "thread-throws": (["maintenance"], "MaintenanceThread::MaintenanceThread", "left it: no thread"),
     "thread-end-hangs": (["maintenance"], "MaintenanceThread::~MaintenanceThread", "within 1 s"),
-    "no-callback": (["maintenance"], "MaintenanceThread::Run", "there are 0 callbacks in 3 s"),
+    "no-callback": (["maintenance"], "MaintenanceThread::Run", "makes 0 callbacks in 3 s"),
     "no-interval": (["maintenance"], "MaintenanceThread::Run", "the second callback comes"),
     "mask-not-inherited": (["maintenance"], "MaintenanceThread::Run", "the signal mask"),
     "end-not-waited-for": (["maintenance"], "MaintenanceThread::Shutdown", "before the callback"),
@@ -111,6 +113,10 @@ RIGHTS = {
     "device-comes-and-goes": ["sysint", "threads", "signals"],
     "empty-list-needs-buffer": ["webui", "threads"],
     "own-watchdog": ["watchdog"],
+    # These end the process when they are called as platform/ does not allow.
+    "takes-declared-profiles": ["sysint", "threads"],
+    "takes-declared-families": ["session"],
+    "asked-after-success": ["session"],
 }
 
 # These are found when time is up.
@@ -243,6 +249,16 @@ def test_what_is_unusual_is_not_wrong(right, session):
     only = [word for part in RIGHTS[right] for word in ("--only", part)]
     done = run(ON_WRONG, *only, *arguments, KESTAL_FAULT=right, **store)
     assert (done.returncode, findings(done)) == (0, []), done.stdout
+
+
+def test_a_single_finding_and_a_single_call_are_counted_so():
+    done = run(ON_WRONG, "--only", "language", KESTAL_FAULT="directory-left-out")
+    assert re.search(r"\n1 call, the slowest .*\n1 finding\n$", done.stdout), done.stdout
+
+
+def test_a_session_that_is_refused_is_one_finding():
+    done = run(CONFORMANCE, "--session", "no such session")
+    assert findings(done) == ["FAIL AuthSession::Init: refuses the session given with --session"]
 
 
 def test_a_short_deadline_holds_for_calls_but_not_for_intervals():

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <iterator>
@@ -89,8 +90,12 @@ int WrongGetData(MsgbusHandler* self, const std::string& channel, void* buffer,
         size = 0;
         return MSGBUS_SUCCESS;
     }
+    static std::atomic<bool> hasAnswered = false;
+    if (code == MSGBUS_SUCCESS) {
+        hasAnswered = true;
+    }
     if (code != MSGBUS_SUCCESS && code != MSGBUS_BUFFER_NEEDED) {
-        if (Has("bus-answers-all")) {
+        if (Has("bus-answers-all") || (Has("bus-answers-after-leaving") && hasAnswered)) {
             size = 0;
             return MSGBUS_SUCCESS;
         }
@@ -150,6 +155,8 @@ void WrongNoSession(AuthSession* self) {
     RealNoSession(self);
 }
 
+thread_local bool gHasSession = false;
+
 #define INIT "_ZN11AuthSession4InitERK" STRING "12webui_addr_tS7_i"
 int RealInit(AuthSession* self, const std::string& sessionId, webui_addr_t address,
              const std::string& userAgent, int mode) REAL(INIT);
@@ -159,7 +166,11 @@ int WrongInit(AuthSession* self, const std::string& sessionId, webui_addr_t addr
               const std::string& userAgent, int mode) {
     thread_local webui_addr_t knownAddress{};
     thread_local std::string knownAgent;
+    if (Has("takes-declared-families") && address.family != AF_INET && address.family != AF_INET6) {
+        std::abort();
+    }
     const int code = RealInit(self, sessionId, address, userAgent, mode);
+    gHasSession = code == 0;
     if (code == 0) {
         knownAddress = address;
         knownAgent = userAgent;
@@ -180,11 +191,16 @@ int WrongInit(AuthSession* self, const std::string& sessionId, webui_addr_t addr
 int RealLoggedOn(AuthSession* self, bool& loggedOn) REAL(LOGGED_ON);
 int WrongLoggedOn(AuthSession* self, bool& loggedOn) WRAPPED(LOGGED_ON);
 int WrongLoggedOn(AuthSession* self, bool& loggedOn) {
-    const int code = RealLoggedOn(self, loggedOn);
-    if (code != 0 && Has("refusal-with-result")) {
-        loggedOn = false;
+    if (Has("asked-after-success") && !gHasSession) {
+        std::abort();
     }
-    return Has("logged-on-without-session") ? 0 : code;
+    if (Has("logged-on-with-result")) {
+        loggedOn = !loggedOn;
+    }
+    if (Has("logged-on-fails") || Has("logged-on-with-result")) {
+        return 7;
+    }
+    return Has("logged-on-without-result") ? 0 : RealLoggedOn(self, loggedOn);
 }
 
 // CgiHelper

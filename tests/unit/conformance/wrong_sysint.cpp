@@ -192,6 +192,16 @@ int WrongWifi(int* enabled) {
     return RealWifi(enabled);
 }
 
+int RealGuest(int profile, int* enabled) REAL("sys_getWiFiGuestProfileEnabled");
+int WrongGuest(int profile, int* enabled) WRAPPED("sys_getWiFiGuestProfileEnabled");
+int WrongGuest(int profile, int* enabled) {
+    if (Has("takes-declared-profiles") && profile != SYS_WIFI_GUEST_2_4_GHZ &&
+        profile != SYS_WIFI_GUEST_5_GHZ) {
+        std::abort();
+    }
+    return RealGuest(profile, enabled);
+}
+
 int RealDevices(sys_connected_device_t* devices, unsigned int* count)
     REAL("sys_getConnectedDeviceList");
 int WrongDevices(sys_connected_device_t* devices, unsigned int* count)
