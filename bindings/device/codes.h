@@ -19,6 +19,10 @@ enum Code : int {
     kBindingFailed = 9004,
     /// The MsgbusHandler has not joined the bus.
     kBusNotJoined = 9005,
+    /// What tells the answer was there, and is gone or does not answer any more.
+    kSourceLost = 9006,
+    /// There is nothing with which a data call could be started.
+    kNothingToConnect = 9007,
 };
 
 constexpr int kWebuiCodeBase = WEBUI_SUCCESS;

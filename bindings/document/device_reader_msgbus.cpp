@@ -1,15 +1,13 @@
 // The object "msgbus": what has been published on the channels of the message bus.
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
+#include "bindings/device/notification_types.h"
 #include "bindings/document/device_reader.h"
 #include "platform/notification.h"
 
@@ -26,24 +24,18 @@ void Append(Block& block, const T& value) {
 }
 
 void ReadSeverity(const Node& node, std::uint32_t& severity) {
-    static constexpr std::array<std::pair<std::string_view, ans_severity_e>, 4> kSeverities = {{
-        {"info", ANS_SEVERITY_INFO},
-        {"warning", ANS_SEVERITY_WARNING},
-        {"alert", ANS_SEVERITY_ALERT},
-        {"critical", ANS_SEVERITY_CRITICAL},
-    }};
     if (const auto number = NumberOf<std::uint32_t>(node.Value())) {
         severity = *number;
         return;
     }
     const std::string* const text = node.Text();
     const auto* const found =
-        std::find_if(kSeverities.begin(), kSeverities.end(),
-                     [&](const auto& known) { return text != nullptr && *text == known.first; });
-    if (found == kSeverities.end()) {
+        std::find_if(kSeverityNames.begin(), kSeverityNames.end(),
+                     [&](const char* name) { return text != nullptr && *text == name; });
+    if (found == kSeverityNames.end()) {
         node.Expected("info, warning, alert, critical or an unsigned 32-bit integer");
     }
-    severity = found->second;
+    severity = static_cast<std::uint32_t>(found - kSeverityNames.begin());
 }
 
 AnsNotificationRecord ReadNotification(const Node& node) {

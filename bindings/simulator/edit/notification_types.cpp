@@ -1,72 +1,31 @@
 #include "bindings/simulator/edit/notification_types.h"
 
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "bindings/device/notification_types.h"
 #include "bindings/simulator/edit/nearest_name.h"
 
 namespace binding {
 
 namespace {
 
-struct NotificationType {
-    const char* name;
-    const char* category;
-    const char* severity;
-    const char* title;  ///< part of the message id, like the next one
-    const char* text;
-};
-
-constexpr std::array<NotificationType, 24> kTypes = {{
-    {"dataOff", "data", "info", "data_off", "data_off"},
-    {"data90", "data", "warning", "data_90", "data_90"},
-    {"data100", "data", "alert", "data_100", "data_100"},
-    {"deviceJoinWiFi", "devices", "info", "device_join_wifi", "device_join_wifi"},
-    {"deviceJoinUSB", "devices", "info", "device_join_usb", "device_join_usb"},
-    {"deviceJoinEthernet", "devices", "info", "device_join_ethernet", "device_join_ethernet"},
-    {"deviceLeave", "devices", "info", "device_leave", "device_leave"},
-    {"smsReceived", "messaging", "info", "sms_received", "sms_received"},
-    {"roamingDomestic", "network", "info", "roaming_domestic", "roaming_domestic"},
-    {"roamingInternational", "network", "warning", "roaming_international",
-     "roaming_international"},
-    {"noService", "network", "alert", "no_service", "no_service"},
-    {"uiccLaunchBrowser", "account", "alert", "uicc_launch_browser", "uicc_launch_browser"},
-    {"PCO3", "account", "alert", "pco_3", "pco_3"},
-    {"PCO5", "account", "critical", "pco_5", "pco_5"},
-    {"simPINLocked", "sim", "alert", "sim_pin_locked", "sim_pin_locked"},
-    {"simPUKLocked", "sim", "critical", "sim_puk_locked", "sim_puk_locked"},
-    {"simNonQKT", "sim", "warning", "sim_non_qkt", "sim_non_qkt"},
-    {"softwareUpdate", "software", "warning", "software_update", "software_update"},
-    {"softwareUpdateSuccess", "software", "info", "software_update_success",
-     "software_update_success"},
-    {"softwareUpdateFailure", "software", "alert", "software_update_failure",
-     "software_update_failure"},
-    {"gpioPin1StateChangeToLow", "gpio", "info", "gpio_pin1", "gpio_message"},
-    {"gpioPin1StateChangeToHigh", "gpio", "info", "gpio_pin1", "gpio_message"},
-    {"gpioPin2StateChangeToLow", "gpio", "info", "gpio_pin2", "gpio_message"},
-    {"gpioPin2StateChangeToHigh", "gpio", "info", "gpio_pin2", "gpio_message"},
-}};
-
 /// The default fields of a type; empty for an unknown type.
 NotificationFields Usual(const std::string& type) {
-    const auto* const found =
-        std::find_if(kTypes.begin(), kTypes.end(),
-                     [&](const NotificationType& known) { return known.name == type; });
-    if (found == kTypes.end()) {
+    const NotificationType* const found = FindNotificationType(type);
+    if (found == nullptr) {
         return {};
     }
-    const std::string prefix = "notification_";
     return {.category = found->category,
-            .severity = std::make_shared<nlohmann::ordered_json>(found->severity),
-            .labelId = prefix + "category_" + found->category + "_label",
-            .titleId = prefix + found->title + "_title",
-            .textId = prefix + found->text + "_text"};
+            .severity = std::make_shared<nlohmann::ordered_json>(kSeverityNames[found->severity]),
+            .labelId = found->LabelId(),
+            .titleId = found->TitleId(),
+            .textId = found->TextId()};
 }
 
 void MustBeSeverity(const nlohmann::ordered_json& severity) {
-    const std::vector<std::string> known = {"info", "warning", "alert", "critical"};
+    const std::vector<std::string> known(kSeverityNames.begin(), kSeverityNames.end());
     if (!severity.is_string()) {
         return;
     }
@@ -83,8 +42,7 @@ void MustBeSeverity(const nlohmann::ordered_json& severity) {
 
 std::vector<std::string> NotificationTypeNames() {
     std::vector<std::string> names;
-    names.reserve(kTypes.size());
-    for (const NotificationType& type : kTypes) {
+    for (const NotificationType& type : NotificationTypes()) {
         names.emplace_back(type.name);
     }
     return names;

@@ -1,0 +1,199 @@
+#include "bindings/linux/bus/bus.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "bindings/linux/bus/message.h"
+#include "bindings/linux/log.h"
+
+namespace binding {
+
+namespace {
+
+constexpr const char* kDefaultAddress = "unix:path=/run/dbus/system_bus_socket";
+constexpr const char* kDisconnected = "org.freedesktop.DBus.Error.Disconnected";
+constexpr std::uint64_t kReopenAfter = 1'000'000;
+/// For a bus that has refused a connection, which is not a passing trouble.
+constexpr std::uint64_t kRetryAfter = 60'000'000;
+
+std::string Address() {
+    const char* const address = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return address == nullptr || *address == '\0' ? kDefaultAddress : address;
+}
+
+void Check(int result, const char* what) {
+    if (result < 0) {
+        throw std::system_error(-result, std::generic_category(), what);
+    }
+}
+
+}  // namespace
+
+class Bus::Pending {
+  public:
+    explicit Pending(OnReply newOnReply) : onReply(std::move(newOnReply)) {}
+
+    OnReply onReply;
+    BusSlot slot;
+    EventSource failing;
+};
+
+struct Bus::Callbacks {
+    static int OnLocal(sd_bus_message* message, void* owner, sd_bus_error* /*error*/) {
+        Bus& self = *static_cast<Bus*>(owner);
+        const bool isConnected =
+            sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local", "Connected") > 0;
+        const bool isDisconnected =
+            sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local", "Disconnected") > 0;
+        if (isConnected) {
+            self.SetConnected(true);
+        } else if (isDisconnected) {
+            self.SetConnected(false);
+            // Not from within its own callback.
+            self.reopening.After(self.event, kReopenAfter, kReopenAfter / 4,
+                                 [&self] { self.Open(); });
+        }
+        return 0;
+    }
+
+    static int OnReplyMessage(sd_bus_message* message, void* owner, sd_bus_error* /*error*/) {
+        // The callback may drop the call, so it runs on a copy.
+        const auto onReply = static_cast<Pending*>(owner)->onReply;
+        try {
+            const sd_bus_error* const error = sd_bus_message_get_error(message);
+            if (error != nullptr) {
+                onReply(nlohmann::json::array(), error->name);
+            } else {
+                onReply(Arguments(message), "");
+            }
+        } catch (const std::exception& problem) {
+            LINUX_LOG(TORU_DBG_ERROR, "reply: %s", problem.what());
+        }
+        return 0;
+    }
+};
+
+Bus::Bus(sd_event* newEvent) : event(newEvent) {
+    Open();
+}
+
+Bus::~Bus() = default;
+
+void Bus::Open() {
+    try {
+        sd_bus* opened = nullptr;
+        Check(sd_bus_new(&opened), "sd_bus_new");
+        bus.reset(opened);
+        Check(sd_bus_set_address(opened, Address().c_str()), "address");
+        Check(sd_bus_set_bus_client(opened, 1), "bus client");
+        Check(sd_bus_set_watch_bind(opened, 1), "watch for the socket");
+        Check(sd_bus_set_connected_signal(opened, 1), "connected signal");
+        Check(sd_bus_set_exit_on_disconnect(opened, 0), "exit on disconnect");
+        Check(sd_bus_add_filter(opened, nullptr, Callbacks::OnLocal, this), "filter");
+        Check(sd_bus_start(opened), "connection");
+        Check(sd_bus_attach_event(opened, event, SD_EVENT_PRIORITY_NORMAL), "event loop");
+        problem.clear();
+    } catch (const std::system_error& error) {
+        bus.reset();
+        if (problem != error.what()) {
+            LINUX_LOG(TORU_DBG_ERROR, "system bus: %s", error.what());
+            problem = error.what();
+        }
+        reopening.After(event, kRetryAfter, kRetryAfter / 4, [this] { Open(); });
+    }
+}
+
+void Bus::SetConnected(bool newConnected) {
+    if (connected && !newConnected) {
+        LINUX_LOG(TORU_DBG_ERROR, "system bus: connection lost");
+    }
+    connected = newConnected;
+    const auto told = listeners;
+    for (const auto& listener : told) {
+        if (const auto changed = listener.lock()) {
+            (*changed)(connected);
+        }
+    }
+    std::erase_if(listeners, [](const auto& listener) { return listener.expired(); });
+}
+
+std::shared_ptr<void> Bus::OnConnection(std::function<void(bool)> changed) {
+    const auto listener = std::make_shared<std::function<void(bool)>>(std::move(changed));
+    listeners.push_back(listener);
+    if (connected) {
+        (*listener)(true);
+    }
+    return listener;
+}
+
+Bus::PendingCall Bus::Call(const std::string& destination, const std::string& path,
+                           const std::string& interface, const std::string& member,
+                           const Append& append, OnReply onReply, std::uint64_t timeout) {
+    auto call = std::make_shared<Pending>(std::move(onReply));
+    sd_bus_message* message = nullptr;
+    int result = -ENOTCONN;
+    if (connected) {
+        result = sd_bus_message_new_method_call(bus.get(), &message, destination.c_str(),
+                                                path.c_str(), interface.c_str(), member.c_str());
+    }
+    if (result >= 0 && append) {
+        result = append(message);
+    }
+    if (result >= 0) {
+        sd_bus_slot* slot = nullptr;
+        result = sd_bus_call_async(bus.get(), &slot, message, Callbacks::OnReplyMessage, call.get(),
+                                   timeout);
+        call->slot.reset(slot);
+    }
+    sd_bus_message_unref(message);
+    if (result < 0) {
+        const std::string error = result == -ENOTCONN
+                                      ? kDisconnected
+                                      : std::string("System.Error: ") + std::strerror(-result);
+        call->failing.Defer(event, [pending = call.get(), error] {
+            const OnReply reply = pending->onReply;
+            reply(nlohmann::json::array(), error);
+        });
+    }
+    return call;
+}
+
+void BusMatch::Begin(Bus& bus, const std::string& rule, Bus::OnSignal newOnSignal) {
+    End();
+    onSignal = std::move(newOnSignal);
+    sd_bus_slot* added = nullptr;
+    const int result = bus.AddMatch(&added, rule, OnMessage, this);
+    slot.reset(added);
+    if (result < 0) {
+        LINUX_LOG(TORU_DBG_ERROR, "system bus: %s: %s", rule.c_str(), std::strerror(-result));
+    }
+}
+
+int BusMatch::OnMessage(sd_bus_message* message, void* owner, sd_bus_error* /*error*/) {
+    // The callback may end the match, so it runs on a copy.
+    const Bus::OnSignal onSignal = static_cast<BusMatch*>(owner)->onSignal;
+    try {
+        onSignal(message);
+    } catch (const std::exception& problem) {
+        LINUX_LOG(TORU_DBG_ERROR, "signal: %s", problem.what());
+    }
+    return 0;
+}
+
+int Bus::AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_handler_t onMessage,
+                  void* owner) {
+    return connected
+               ? sd_bus_add_match_async(bus.get(), slot, rule.c_str(), onMessage, nullptr, owner)
+               : -ENOTCONN;
+}
+
+bool IsSilence(const std::string& error) {
+    return error == kNoReply || error == kTimedOut || error == "org.freedesktop.DBus.Error.Timeout";
+}
+
+}  // namespace binding

@@ -1,0 +1,104 @@
+// The connection to the system bus.
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "bindings/linux/event.h"
+
+namespace binding {
+
+struct BusDeleter {
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+};
+
+struct SlotDeleter {
+    void operator()(sd_bus_slot* slot) const { sd_bus_slot_unref(slot); }
+};
+/// A registration with the bus, which ends with this object.
+using BusSlot = std::unique_ptr<sd_bus_slot, SlotDeleter>;
+
+/// One connection to the system bus, which never blocks. While there is no bus, the kernel is asked
+/// to tell when one appears; when the bus goes away, the connection is made anew.
+class Bus {
+  public:
+    /// Appends the arguments of a call; returns a negative errno on failure.
+    using Append = std::function<int(sd_bus_message* message)>;
+    /// Receives the arguments of the reply as a list; or the name and the text of an error, and
+    /// then the list is empty.
+    using OnReply = std::function<void(const nlohmann::json& arguments, const std::string& error)>;
+    using OnSignal = std::function<void(sd_bus_message* message)>;
+
+    /// A call that has been sent. Its reply is not delivered any more when this object has gone.
+    class Pending;
+    using PendingCall = std::shared_ptr<Pending>;
+
+    explicit Bus(sd_event* newEvent);
+    ~Bus();
+    Bus(const Bus&) = delete;
+    Bus& operator=(const Bus&) = delete;
+
+    bool IsConnected() const { return connected; }
+
+    /// Calls @p changed whenever the connection is made or lost, and at once if it stands. Returns
+    /// what ends that when it is destroyed.
+    std::shared_ptr<void> OnConnection(std::function<void(bool connected)> changed);
+
+    /// Calls @p member of @p interface. @p timeout is in microseconds. The reply comes later,
+    /// always; without a connection it is the error "org.freedesktop.DBus.Error.Disconnected".
+    [[nodiscard]] PendingCall Call(const std::string& destination, const std::string& path,
+                                   const std::string& interface, const std::string& member,
+                                   const Append& append, OnReply onReply, std::uint64_t timeout);
+
+  private:
+    struct Callbacks;
+
+    friend class BusMatch;
+
+    int AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_handler_t onMessage,
+                 void* owner);
+    void Open();
+    void SetConnected(bool newConnected);
+
+    sd_event* event;
+    std::unique_ptr<sd_bus, BusDeleter> bus;
+    bool connected = false;
+    EventSource reopening;
+    std::vector<std::weak_ptr<std::function<void(bool)>>> listeners;
+    std::string problem;
+};
+
+/// Receives signals for as long as it and the connection exist.
+class BusMatch {
+  public:
+    BusMatch() = default;
+    ~BusMatch() = default;
+    BusMatch(const BusMatch&) = delete;
+    BusMatch& operator=(const BusMatch&) = delete;
+
+    /// Calls @p newOnSignal for each signal that fits @p rule, a match rule of the bus. Without a
+    /// connection it does nothing.
+    void Begin(Bus& bus, const std::string& rule, Bus::OnSignal newOnSignal);
+    void End() { slot.reset(); }
+
+  private:
+    static int OnMessage(sd_bus_message* message, void* owner, sd_bus_error* error);
+
+    BusSlot slot;
+    Bus::OnSignal onSignal;
+};
+
+/// The error with which sd-bus ends a call that has not been answered in time.
+constexpr const char* kNoReply = "org.freedesktop.DBus.Error.NoReply";
+constexpr const char* kTimedOut = "System.Error.ETIMEDOUT";
+
+/// Whether @p error says that the other side does not answer.
+bool IsSilence(const std::string& error);
+
+}  // namespace binding

@@ -1,0 +1,91 @@
+// What a daemon on the bus tells: a copy of its objects that follows their changes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "bindings/linux/bus/bus.h"
+
+namespace binding {
+
+class BusObjects {
+  public:
+    enum class Presence {
+        unknown,  ///< not known yet
+        absent,   ///< nobody has the name of the daemon
+        reading,  ///< the daemon is there, and its objects are being read
+        present,
+        silent,  ///< the daemon is there and does not answer
+    };
+
+    struct Daemon {
+        std::string service;  ///< its name on the bus
+        /// Object with the interface org.freedesktop.DBus.ObjectManager; empty without one.
+        std::string manager;
+        /// Objects that are read besides: path to interfaces.
+        std::map<std::string, std::vector<std::string>> objects;
+        /// Microseconds after which a daemon that does not answer is silent.
+        std::uint64_t limit = 10'000'000;
+    };
+
+    /// Calls @p newChanged after each change of the presence or the tree. It never blocks.
+    BusObjects(Bus& newBus, Daemon newDaemon, std::function<void()> newChanged);
+    ~BusObjects() = default;
+    BusObjects(const BusObjects&) = delete;
+    BusObjects& operator=(const BusObjects&) = delete;
+
+    Presence GetPresence() const { return presence; }
+
+    /// The objects: path, interface, property. It is empty unless the daemon is present or silent;
+    /// then it is what the daemon has told before.
+    const nlohmann::json& Tree() const { return tree; }
+
+    /// Also reads the @p interfaces of the object @p path and follows them, until the object
+    /// disappears or the daemon does.
+    void Watch(const std::string& path, const std::vector<std::string>& interfaces);
+    void Forget(const std::string& path);
+    bool IsWatched(const std::string& path) const { return watched.count(path) != 0; }
+
+    /// Asks a daemon that is present or silent for a sign of life.
+    void Check();
+
+    const std::string& Service() const { return daemon.service; }
+    Bus& GetBus() { return bus; }
+
+  private:
+    void OnConnection(bool connected);
+    void OnOwner(const std::string& owner);
+    void OnProperties(sd_bus_message* message);
+    void OnInterfaces(sd_bus_message* message, bool added);
+    void ReadAll();
+    void ReadObjects(const std::string& path, const std::vector<std::string>& interfaces);
+    void Ask(const std::string& path, const std::string& interface, const std::string& member,
+             const Bus::Append& append,
+             const std::function<void(const nlohmann::json& arguments)>& onResult);
+    void Answered();
+    void SetPresence(Presence newPresence);
+
+    Bus& bus;
+    Daemon daemon;
+    std::function<void()> changed;
+    Presence presence = Presence::unknown;
+    nlohmann::json tree = nlohmann::json::object();
+    std::map<std::string, std::vector<std::string>> watched;
+    std::string owner;
+
+    std::shared_ptr<void> connection;
+    BusMatch ownerChanges;
+    BusMatch propertyChanges;
+    BusMatch additions;
+    BusMatch removals;
+    std::map<std::uint64_t, Bus::PendingCall> calls;
+    std::uint64_t nextCall = 0;
+    Bus::PendingCall ping;
+};
+
+}  // namespace binding
