@@ -7,41 +7,42 @@
 
 namespace binding {
 
-Source::Source(Board& newBoard, std::string newName) : board(newBoard), name(std::move(newName)) {}
+Source::Source(Board& newOwner, std::string newName)
+    : ownerBoard(newOwner), ownName(std::move(newName)) {}
 
 void Source::Present() {
-    if (state == State::lost) {
-        LINUX_LOG(TORU_DBG_NOTICE, "%s: is back", name.c_str());
+    if (currentState == State::lost) {
+        LINUX_LOG(TORU_DBG_NOTICE, "%s: is back", ownName.c_str());
     }
-    reason.clear();
-    Set(State::present);
+    lossReason.clear();
+    SetState(State::present);
 }
 
 void Source::Absent() {
-    reason.clear();
-    Set(State::absent);
+    lossReason.clear();
+    SetState(State::absent);
 }
 
 void Source::Lost(const std::string& why) {
-    if (state != State::lost) {
-        LINUX_LOG(TORU_DBG_ERROR, "%s: lost: %s", name.c_str(), why.c_str());
+    if (currentState != State::lost) {
+        LINUX_LOG(TORU_DBG_ERROR, "%s: lost: %s", ownName.c_str(), why.c_str());
     }
-    reason = why;
-    Set(State::lost);
+    lossReason = why;
+    SetState(State::lost);
 }
 
 void Source::Changed() {
-    board.Changed();
+    ownerBoard.Changed();
 }
 
-void Source::Set(State newState) {
-    if (state != newState) {
-        state = newState;
-        since = std::chrono::duration_cast<std::chrono::seconds>(
-                    std::chrono::system_clock::now().time_since_epoch())
-                    .count();
+void Source::SetState(State newState) {
+    if (currentState != newState) {
+        currentState = newState;
+        stateSince = std::chrono::duration_cast<std::chrono::seconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
     }
-    board.Changed();
+    ownerBoard.Changed();
 }
 
 const char* StateName(Source::State state) {

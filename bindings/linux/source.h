@@ -21,17 +21,17 @@ class Source {
         lost,  ///< was present, and is gone or does not answer any more; its calls fail
     };
 
-    Source(Board& newBoard, std::string newName);
+    Source(Board& newOwner, std::string newName);
     virtual ~Source() = default;
     Source(const Source&) = delete;
     Source& operator=(const Source&) = delete;
 
-    const std::string& Name() const { return name; }
-    State GetState() const { return state; }
+    const std::string& Name() const { return ownName; }
+    State GetState() const { return currentState; }
     /// Why a lost source is lost.
-    const std::string& Reason() const { return reason; }
+    const std::string& Reason() const { return lossReason; }
     /// When the state began, in seconds since the epoch.
-    std::int64_t Since() const { return since; }
+    std::int64_t Since() const { return stateSince; }
 
     /// Registers with the loop. It must not block, and must lead to a state other than unknown, at
     /// the latest when something that is awaited has not come in time.
@@ -50,7 +50,7 @@ class Source {
     virtual nlohmann::json Said() const = 0;
 
   protected:
-    Board& GetBoard() const { return board; }
+    Board& GetBoard() const { return ownerBoard; }
 
     // Each sets the state and has a new snapshot published. Going and coming back are logged once.
     void Present();
@@ -61,13 +61,13 @@ class Source {
     void Changed();
 
   private:
-    void Set(State newState);
+    void SetState(State newState);
 
-    Board& board;
-    std::string name;
-    State state = State::unknown;
-    std::string reason;
-    std::int64_t since = 0;
+    Board& ownerBoard;
+    std::string ownName;
+    State currentState = State::unknown;
+    std::string lossReason;
+    std::int64_t stateSince = 0;
 };
 
 /// Text of @p state.
