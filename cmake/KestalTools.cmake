@@ -8,8 +8,10 @@ set(KESTAL_MAN_DATE 1767225600)
 # The build writes the version and commit into this file.
 set(KESTAL_VERSION_FILE ${PROJECT_BINARY_DIR}/version/version.txt)
 
-# kestal_add_man_page(NAME): builds docs/man/NAME.1.scd, which tells the version, and installs it.
+# kestal_add_man_page(NAME [NOT_INSTALLED]): builds docs/man/NAME.1.scd, which tells the version, and
+# installs it.
 function(kestal_add_man_page name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "NOT_INSTALLED" "" "")
     set(folder ${PROJECT_BINARY_DIR}/man/man1)
     file(MAKE_DIRECTORY ${folder})
     set(source ${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd)
@@ -25,6 +27,9 @@ function(kestal_add_man_page name)
     add_custom_target(${name}_man_page DEPENDS ${folder}/${name}.1)
     add_dependencies(${name}_man_page kestal_version_source)
     add_dependencies(kestal_man_pages ${name}_man_page)
+    if(arg_NOT_INSTALLED)
+        return()
+    endif()
     install(FILES ${folder}/${name}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endfunction()
 

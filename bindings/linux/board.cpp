@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -153,6 +154,7 @@ void Board::Run() {
     } catch (const std::exception& error) {
         LINUX_LOG(TORU_DBG_ERROR, "the board's thread has ended: %s", error.what());
     }
+    reportServer.reset();
     check.Reset();
     publishing.Reset();
     documentWatch.Reset();
@@ -168,6 +170,7 @@ void Board::Loop() {
     bus = std::make_unique<Bus>(event.get());
     ReadDocument();
     MakeSources();
+    ServeReports();
     while (true) {
         const int result = sd_event_run(event.get(), UINT64_MAX);
         if (result < 0) {
@@ -237,6 +240,21 @@ void Board::ReadDocument() {
         MakeSources();
     }
     Changed();
+}
+
+void Board::ServeReports() {
+    // Only the service gets this path: other programs with this binding would take its place.
+    const char* const path = std::getenv("KESTAL_SOURCES");
+    if (path == nullptr || *path == '\0') {
+        return;
+    }
+    try {
+        reportServer = std::make_unique<ReportServer>(event.get(), path, [this] {
+            return ReportOn(sources).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        });
+    } catch (const std::system_error& error) {
+        LINUX_LOG(TORU_DBG_ERROR, "reports on sources: %s", error.what());
+    }
 }
 
 void Board::MakeSources() {

@@ -20,6 +20,7 @@
 #include "bindings/linux/bus/bus.h"
 #include "bindings/linux/event.h"
 #include "bindings/linux/notification/notifications.h"
+#include "bindings/linux/report_server.h"
 #include "bindings/linux/source.h"
 #include "bindings/linux/traffic.h"
 
@@ -82,6 +83,7 @@ class Board {
     void Run();
     void Loop();
     void ReadDocument();
+    void ServeReports();
     void MakeSources();
     void StartCheck();
     void Publish();
@@ -99,6 +101,7 @@ class Board {
     EventSource documentWatch;
     EventSource notificationEnd;
     std::unique_ptr<Bus> bus;
+    std::unique_ptr<ReportServer> reportServer;
     BoardDocument document;
     bool documentRead = false;
     std::string documentProblem;

@@ -1,0 +1,123 @@
+#include "bindings/linux/report_server.h"
+
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
+
+namespace binding {
+
+namespace {
+
+/// Clients that do not read must not cost more than this.
+constexpr std::size_t kMostClients = 4;
+
+int Listen(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) {
+        errno = ENAMETOOLONG;
+        ThrowSystemError(path);
+    }
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (listener < 0) {
+        ThrowSystemError(path);
+    }
+    // An earlier process that was killed has left its socket behind.
+    (void)unlink(path.c_str());
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    if (fchmod(listener, S_IRUSR | S_IWUSR) != 0 || bind(listener, name, sizeof address) != 0 ||
+        listen(listener, static_cast<int>(kMostClients)) != 0) {
+        const int error = errno;
+        (void)close(listener);
+        errno = error;
+        ThrowSystemError(path);
+    }
+    return listener;
+}
+
+}  // namespace
+
+nlohmann::json ReportOn(const std::vector<std::unique_ptr<Source>>& sources) {
+    nlohmann::json report = nlohmann::json::array();
+    for (const auto& source : sources) {
+        nlohmann::json one = {{"name", source->Name()},
+                              {"state", StateName(source->GetState())},
+                              {"since", source->Since()}};
+        if (source->GetState() == Source::State::lost) {
+            one["reason"] = source->Reason();
+        }
+        one["said"] = source->Said();
+        report.push_back(std::move(one));
+    }
+    return report;
+}
+
+struct ReportServer::Client {
+    explicit Client(int descriptor) : socket(descriptor) {}
+
+    FileDescriptor socket;
+    EventSource writing;
+    std::string report;
+    std::size_t sent = 0;
+};
+
+ReportServer::ReportServer(sd_event* newEvent, std::string newPath, MakeReport newMakeReport)
+    : event(newEvent),
+      path(std::move(newPath)),
+      makeReport(std::move(newMakeReport)),
+      listener(Listen(path)) {
+    connections.WatchDescriptor(event, listener.Number(), EPOLLIN,
+                                [this](std::uint32_t /*events*/) { Accept(); });
+}
+
+ReportServer::~ReportServer() {
+    (void)unlink(path.c_str());
+}
+
+void ReportServer::Accept() {
+    const int descriptor =
+        accept4(listener.Number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (descriptor < 0) {
+        return;
+    }
+    const auto client = std::make_shared<Client>(descriptor);
+    if (clients.size() >= kMostClients) {
+        clients.erase(clients.begin());
+    }
+    clients.push_back(client);
+    client->report = makeReport();
+    client->writing.WatchDescriptor(
+        event, descriptor, EPOLLOUT,
+        [this, weak = std::weak_ptr<Client>(client)](std::uint32_t /*events*/) {
+            if (const auto served = weak.lock()) {
+                Send(served);
+            }
+        });
+}
+
+void ReportServer::Send(const std::shared_ptr<Client>& client) {
+    const std::string_view rest = std::string_view(client->report).substr(client->sent);
+    const ssize_t sent = send(client->socket.Number(), rest.data(), rest.size(), MSG_NOSIGNAL);
+    if (sent < 0 && (errno == EAGAIN || errno == EINTR)) {
+        return;
+    }
+    client->sent += sent < 0 ? rest.size() : static_cast<std::size_t>(sent);
+    if (client->sent >= client->report.size()) {
+        Drop(client);
+    }
+}
+
+void ReportServer::Drop(const std::shared_ptr<Client>& client) {
+    std::erase(clients, client);
+}
+
+}  // namespace binding
