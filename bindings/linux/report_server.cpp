@@ -19,7 +19,11 @@ namespace {
 /// Clients that do not read must not cost more than this.
 constexpr std::size_t kMostClients = 4;
 
-int Listen(const std::string& path) {
+int NewSocket() {
+    return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+}
+
+void Listen(int listener, const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
@@ -27,21 +31,19 @@ int Listen(const std::string& path) {
         ThrowSystemError(path);
     }
     std::copy(path.begin(), path.end(), address.sun_path);
-    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (listener < 0) {
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    const FileDescriptor other(NewSocket());
+    if (connect(other.Number(), name, sizeof address) == 0) {
+        // The socket of the service stays the service's when a tool has the same environment.
+        errno = EADDRINUSE;
         ThrowSystemError(path);
     }
-    // An earlier process that was killed has left its socket behind.
+    // A process that was killed has left its socket behind.
     (void)unlink(path.c_str());
-    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
     if (fchmod(listener, S_IRUSR | S_IWUSR) != 0 || bind(listener, name, sizeof address) != 0 ||
         listen(listener, static_cast<int>(kMostClients)) != 0) {
-        const int error = errno;
-        (void)close(listener);
-        errno = error;
         ThrowSystemError(path);
     }
-    return listener;
 }
 
 }  // namespace
@@ -74,7 +76,8 @@ ReportServer::ReportServer(sd_event* newEvent, std::string newPath, MakeReport n
     : event(newEvent),
       path(std::move(newPath)),
       makeReport(std::move(newMakeReport)),
-      listener(Listen(path)) {
+      listener(NewSocket()) {
+    Listen(listener.Number(), path);
     connections.WatchDescriptor(event, listener.Number(), EPOLLIN,
                                 [this](std::uint32_t /*events*/) { Accept(); });
 }

@@ -3,12 +3,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <future>
 #include <nlohmann/json.hpp>
 
 #include "bindings/device/codes.h"
-#include "bindings/linux/log.h"
+#include "bindings/posix/files/file_io.h"
 #include "tests/support/scratch.h"
 
 namespace {
@@ -243,6 +248,81 @@ TEST_F(BoardOfOneSource, TrafficIsThatOfTheInterfaceOfTheDataCall) {
         board->Changed();
     });
     EXPECT_EQ(board->Newest()->getCellularDataConnectionStats.value.duration, 0U);
+}
+
+class Reports : public BoardOfOneSource {
+  protected:
+    Reports() { environment.Set("KESTAL_SOURCES", path); }
+
+    /// What the board answers on its socket; empty without one.
+    std::string Ask() const {
+        const binding::FileDescriptor connection(socket(AF_UNIX, SOCK_STREAM, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(path.begin(), path.end(), address.sun_path);
+        if (connect(connection.Number(), reinterpret_cast<const sockaddr*>(&address),
+                    sizeof address) != 0) {
+            return "";
+        }
+        std::string answer;
+        std::array<char, 512> part{};
+        ssize_t size = 0;
+        while ((size = read(connection.Number(), part.data(), part.size())) > 0) {
+            answer.append(part.data(), static_cast<std::size_t>(size));
+        }
+        return answer;
+    }
+
+    const std::string path = directory / "sources";
+};
+
+TEST_F(Reports, TellNameStateAndWhatASourceHasSaid) {
+    Begin();
+    OnBoard([] {});
+    const auto present = nlohmann::json::parse(Ask());
+    ASSERT_EQ(present.size(), 1U);
+    EXPECT_EQ(present[0]["name"], "position");
+    EXPECT_EQ(present[0]["state"], "present");
+    EXPECT_EQ(present[0]["said"], SYS_GPS_SEARCHING);
+    EXPECT_GT(present[0]["since"], 1'600'000'000);
+    Publish([this] { source->Set(Source::State::lost); });
+    const auto lost = nlohmann::json::parse(Ask());
+    EXPECT_EQ(lost[0]["state"], "lost");
+    EXPECT_EQ(lost[0]["reason"], "it has gone");
+}
+
+TEST_F(Reports, OnlyTheOwnUserCanAsk) {
+    Begin();
+    OnBoard([] {});
+    const auto permissions = std::filesystem::status(path).permissions();
+    EXPECT_EQ(
+        permissions & (std::filesystem::perms::group_all | std::filesystem::perms::others_all),
+        std::filesystem::perms::none);
+}
+
+TEST_F(Reports, AnotherProgramWithTheSamePathDoesNotTakeThePlaceOfTheService) {
+    Begin();
+    OnBoard([] {});
+    const std::unique_ptr<Board> service = std::move(board);
+    Begin();
+    OnBoard([] {});
+    board.reset();
+    EXPECT_NE(Ask(), "");
+    EXPECT_THAT(Log(), Contains(HasSubstr("Address already in use")));
+}
+
+TEST_F(Reports, SocketThatAKilledServiceLeftBehindIsReplaced) {
+    {
+        const binding::FileDescriptor left(socket(AF_UNIX, SOCK_STREAM, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(path.begin(), path.end(), address.sun_path);
+        ASSERT_EQ(bind(left.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+    }
+    Begin();
+    OnBoard([] {});
+    EXPECT_NE(Ask(), "");
 }
 
 }  // namespace
