@@ -38,9 +38,9 @@ std::vector<std::byte> NoNotifications() {
 
 Device AbsentDevice() {
     Device device;
-#define NAME_ANSWER(Type, name, Meaning, field, description) device.name.named = true;
-    SYSINT_QUERIES(NAME_ANSWER)
-#undef NAME_ANSWER
+#define DEVICE_NAME_ANSWER(Type, name, Meaning, field, description) device.name.named = true;
+    SYSINT_QUERIES(DEVICE_NAME_ANSWER)
+#undef DEVICE_NAME_ANSWER
     for (auto* const carrierSwitch :
          {&device.getWebUICarrierEnabled, &device.getSambaCarrierEnabled,
           &device.getGPSCarrierEnabled, &device.getMTSMSCarrierEnabled,
@@ -57,9 +57,9 @@ Device AbsentDevice() {
     device.getCellular5GBand.named = true;
     device.getConnectedDeviceList.named = true;
     device.getWiFiGuestProfileEnabled.every.named = true;
-#define NAME_ANSWERS(name, Subject, field, description) device.name.named = true;
-    SYSINT_NAMED_QUERIES(NAME_ANSWERS)
-#undef NAME_ANSWERS
+#define DEVICE_NAME_ANSWERS(name, Subject, field, description) device.name.named = true;
+    SYSINT_NAMED_QUERIES(DEVICE_NAME_ANSWERS)
+#undef DEVICE_NAME_ANSWERS
     device.commonFeatures.named = true;
     device.appFeatures.named = true;
     device.commonConfigurations.named = true;

@@ -75,12 +75,6 @@ Board::Board(SourceFactory newFactory)
 }
 
 Board::~Board() {
-    if (thread.get_id() == std::this_thread::get_id()) {
-        // The process exits on the board's own thread, after a crash of it.
-        thread.detach();
-        (void)event.release();
-        return;
-    }
     {
         const std::scoped_lock lock(mutex);
         ending = true;

@@ -59,6 +59,9 @@ class Board {
     int StartDataCall() { return Act(&DataCall::Connect); }
     int StopDataCall() { return Act(&DataCall::Disconnect); }
 
+    /// Whether the calling thread is the board's, which must not destroy it.
+    bool IsOwnThread() const { return thread.get_id() == std::this_thread::get_id(); }
+
     /// Runs @p task on the board's thread.
     void Post(std::function<void()> task);
 

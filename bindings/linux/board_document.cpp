@@ -76,17 +76,18 @@ void Overlay(Device& device, const Device& document) {
     ReplaceCode(device.sdkInitialize, document.sdkInitialize);
     ReplaceCode(device.cellularDataConnect, document.cellularDataConnect);
     ReplaceCode(device.cellularDataDisconnect, document.cellularDataDisconnect);
-#define REPLACE_ANSWER(Type, name, Meaning, field, description) Replace(device.name, document.name);
-    SYSINT_QUERIES(REPLACE_ANSWER)
-#undef REPLACE_ANSWER
+#define DEVICE_REPLACE_ANSWER(Type, name, Meaning, field, description) \
+    Replace(device.name, document.name);
+    SYSINT_QUERIES(DEVICE_REPLACE_ANSWER)
+#undef DEVICE_REPLACE_ANSWER
     Replace(device.getSIMCarrierGID, document.getSIMCarrierGID);
     Replace(device.getModemMnsInfo, document.getModemMnsInfo);
     Replace(device.getCellular5GBand, document.getCellular5GBand);
     Replace(device.getConnectedDeviceList, document.getConnectedDeviceList);
     Replace(device.getWiFiGuestProfileEnabled, document.getWiFiGuestProfileEnabled);
-#define MERGE_ANSWERS(name, Subject, field, description) Merge(device.name, document.name);
-    SYSINT_NAMED_QUERIES(MERGE_ANSWERS)
-#undef MERGE_ANSWERS
+#define DEVICE_MERGE_ANSWERS(name, Subject, field, description) Merge(device.name, document.name);
+    SYSINT_NAMED_QUERIES(DEVICE_MERGE_ANSWERS)
+#undef DEVICE_MERGE_ANSWERS
     Replace(device.commonFeatures, document.commonFeatures);
     Merge(device.appFeatures, document.appFeatures);
     Replace(device.commonConfigurations, document.commonConfigurations);

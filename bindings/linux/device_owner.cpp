@@ -11,10 +11,32 @@
 
 namespace binding {
 
+namespace {
+
+/// Ends the board when the process exits.
+class Owner {
+  public:
+    Owner() = default;
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+
+    ~Owner() {
+        // After a crash of its own thread, the process exits on that thread, in the middle of an
+        // event. Then the board stays as it is.
+        if (board->IsOwnThread()) {
+            (void)board.release();
+        }
+    }
+
+    std::unique_ptr<Board> board = std::make_unique<Board>(MakeSources);
+};
+
+}  // namespace
+
 Board& TheBoard() {
     // Built on first use: static objects of the product may call the platform.
-    static Board board(MakeSources);
-    return board;
+    static Owner owner;
+    return *owner.board;
 }
 
 std::shared_ptr<const Device> NewestDevice() {

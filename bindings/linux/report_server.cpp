@@ -31,6 +31,7 @@ void Listen(int listener, const std::string& path) {
         ThrowSystemError(path);
     }
     std::copy(path.begin(), path.end(), address.sun_path);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how sockets take addresses
     const auto* const name = reinterpret_cast<const sockaddr*>(&address);
     const FileDescriptor other(NewSocket());
     if (connect(other.Number(), name, sizeof address) == 0) {

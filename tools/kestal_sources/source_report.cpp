@@ -48,8 +48,9 @@ std::string ReadAll(const std::string& path) {
     std::copy(path.begin(), path.end(), address.sun_path);
     (void)setsockopt(connection.Descriptor(), SOL_SOCKET, SO_RCVTIMEO, &kAnswerTime,
                      sizeof kAnswerTime);
-    if (connect(connection.Descriptor(), reinterpret_cast<const sockaddr*>(&address),
-                sizeof address) != 0) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how sockets take addresses
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    if (connect(connection.Descriptor(), name, sizeof address) != 0) {
         Fail(path);
     }
     std::string text;

@@ -1,5 +1,7 @@
 #include "bindings/linux/bus/bus.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +26,17 @@ constexpr std::uint64_t kRetryAfter = 60'000'000;
 std::string Address() {
     const char* const address = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
     return address == nullptr || *address == '\0' ? kDefaultAddress : address;
+}
+
+/// Whether there is a socket at @p address, as far as the address tells.
+bool CanConnect(const std::string& address) {
+    const std::string prefix = "unix:path=";
+    if (address.compare(0, prefix.size(), prefix) != 0) {
+        return true;
+    }
+    const std::string path =
+        address.substr(prefix.size(), address.find_first_of(",;") - prefix.size());
+    return access(path.c_str(), F_OK) == 0;
 }
 
 void Check(int result, const char* what) {
@@ -113,6 +126,10 @@ void Bus::SetConnected(bool newConnected) {
         LINUX_LOG(TORU_DBG_ERROR, "system bus: connection lost");
     }
     connected = newConnected;
+    TellListeners();
+}
+
+void Bus::TellListeners() {
     const auto told = listeners;
     for (const auto& listener : told) {
         if (const auto changed = listener.lock()) {
@@ -127,6 +144,13 @@ std::shared_ptr<void> Bus::OnConnection(std::function<void(bool)> changed) {
     listeners.push_back(listener);
     if (connected) {
         (*listener)(true);
+    } else if (!CanConnect(Address())) {
+        // Nobody is to wait for a bus that is not there.
+        absence.Defer(event, [this] {
+            if (!connected) {
+                TellListeners();
+            }
+        });
     }
     return listener;
 }

@@ -46,8 +46,8 @@ class Bus {
 
     bool IsConnected() const { return connected; }
 
-    /// Calls @p changed whenever the connection is made or lost, and at once if it stands. Returns
-    /// what ends that when it is destroyed.
+    /// Calls @p changed whenever the connection is made or lost, at once if it stands, and soon if
+    /// there is no bus to connect to. Returns what ends that when it is destroyed.
     std::shared_ptr<void> OnConnection(std::function<void(bool connected)> changed);
 
     /// Calls @p member of @p interface. @p timeout is in microseconds. The reply comes later,
@@ -65,11 +65,13 @@ class Bus {
                  void* owner);
     void Open();
     void SetConnected(bool newConnected);
+    void TellListeners();
 
     sd_event* event;
     std::unique_ptr<sd_bus, BusDeleter> bus;
     bool connected = false;
     EventSource reopening;
+    EventSource absence;
     std::vector<std::weak_ptr<std::function<void(bool)>>> listeners;
     std::string problem;
 };

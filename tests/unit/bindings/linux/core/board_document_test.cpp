@@ -94,11 +94,11 @@ TEST(BoardDocument, ActionsCanBeMadeToFail) {
 
 TEST(AbsentDevice, EachCallAnswersAndOnlyTheCardTellsThatItIsAbsent) {
     const Device device = binding::AbsentDevice();
-#define EXPECT_NAMED(Type, name, Meaning, field, description) \
-    EXPECT_TRUE(device.name.named) << #name;                  \
+#define DEVICE_EXPECT_NAMED(Type, name, Meaning, field, description) \
+    EXPECT_TRUE(device.name.named) << #name;                         \
     EXPECT_EQ(device.name.error, #name == std::string("getSDCardInfo") ? 2001 : 0) << #name;
-    SYSINT_QUERIES(EXPECT_NAMED)
-#undef EXPECT_NAMED
+    SYSINT_QUERIES(DEVICE_EXPECT_NAMED)
+#undef DEVICE_EXPECT_NAMED
     EXPECT_EQ(device.getBatteryStatus.value.detection, SYS_BATTERY_NOT_PRESENT);
     EXPECT_EQ(device.getWebUICarrierEnabled.value, 1);
 }
