@@ -1,0 +1,112 @@
+#include "bindings/linux/network/client_list.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace binding {
+
+namespace {
+
+using ClientMap = std::map<MacAddress, Client>;
+
+bool Contains(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/// How a client that is seen at @p interface is connected; nothing when it is none of ours.
+std::optional<sys_connection_kind_e> KindAt(const std::string& interface,
+                                            const ClientInterfaces& interfaces) {
+    if (Contains(interfaces.guestWifi, interface)) {
+        return SYS_CONNECTION_GUEST_WIFI;
+    }
+    if (Contains(interfaces.wifi, interface)) {
+        return SYS_CONNECTION_WIFI;
+    }
+    if (Contains(interfaces.ethernet, interface)) {
+        return SYS_CONNECTION_WIRED_A;
+    }
+    if (Contains(interfaces.usb, interface)) {
+        return SYS_CONNECTION_WIRED_B;
+    }
+    return std::nullopt;
+}
+
+void Add(ClientMap& clients, MacAddress mac, sys_connection_kind_e kind) {
+    if (clients.size() < kMostClients) {
+        clients.try_emplace(mac, Client{mac, kind, {}, {}});
+    }
+}
+
+void AddStations(ClientMap& clients, const std::vector<Station>& stations,
+                 sys_connection_kind_e kind) {
+    for (const Station& station : stations) {
+        if (station.authorized) {
+            Add(clients, station.mac, kind);
+        }
+    }
+}
+
+bool IsWired(sys_connection_kind_e kind) {
+    return kind == SYS_CONNECTION_WIRED_A || kind == SYS_CONNECTION_WIRED_B;
+}
+
+void AddAddress(Client& client, const std::string& address) {
+    // People know a client by its IPv4 address; those of IPv6 are many and change.
+    const bool isFirst = client.address.empty();
+    const bool isBetter = client.address.find(':') != std::string::npos &&
+                          address.find(':') == std::string::npos && !address.empty();
+    if (isFirst || isBetter) {
+        client.address = address;
+    }
+}
+
+}  // namespace
+
+std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
+                                std::int64_t now) {
+    ClientMap clients;
+    AddStations(clients, seen.stations, SYS_CONNECTION_WIFI);
+    AddStations(clients, seen.guestStations, SYS_CONNECTION_GUEST_WIFI);
+    for (const Sighting& neighbour : seen.neighbours) {
+        // The bridge as a whole does not tell how a client is connected; its ports do.
+        const auto kind = KindAt(neighbour.interface, interfaces);
+        if (kind && (IsWired(*kind) || !seen.stationsKnown)) {
+            Add(clients, neighbour.mac, *kind);
+        }
+    }
+    for (const Sighting& neighbour : seen.neighbours) {
+        const auto client = clients.find(neighbour.mac);
+        const bool isOurs = neighbour.interface == interfaces.bridge ||
+                            KindAt(neighbour.interface, interfaces).has_value();
+        if (client != clients.end() && isOurs) {
+            AddAddress(client->second, neighbour.address);
+        }
+    }
+    for (const Lease& lease : seen.leases) {
+        const auto client = clients.find(lease.mac);
+        if (client != clients.end() && (lease.expiry == 0 || lease.expiry > now)) {
+            client->second.address = lease.address;
+            client->second.name = lease.name;
+        }
+    }
+    std::vector<Client> list;
+    list.reserve(clients.size());
+    for (auto& [mac, client] : clients) {
+        list.push_back(std::move(client));
+    }
+    return list;
+}
+
+std::vector<sys_connected_device_t> ClientRecords(const std::vector<Client>& clients) {
+    std::vector<sys_connected_device_t> records(clients.size());
+    std::transform(clients.begin(), clients.end(), records.begin(), [](const Client& client) {
+        sys_connected_device_t record{};
+        record.connectionKind = client.kind;
+        return record;
+    });
+    return records;
+}
+
+}  // namespace binding

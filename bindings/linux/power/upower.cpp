@@ -1,0 +1,51 @@
+#include "bindings/linux/power/upower.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "bindings/linux/bus/tree.h"
+
+namespace binding {
+
+namespace {
+
+/// Values of the property State.
+enum UPowerState {
+    kCharging = 1,
+    kDischarging = 2,
+    kEmpty = 3,
+    kFullyCharged = 4,
+    kPendingCharge = 5,
+};
+
+bool IsOnCharger(std::int64_t state) {
+    return state == kCharging || state == kFullyCharged || state == kPendingCharge;
+}
+
+}  // namespace
+
+PowerSupplies ReadUPower(const nlohmann::json& displayDevice, const PowerSupplies& kernel) {
+    const auto present = Boolean(displayDevice, "IsPresent");
+    if (!present) {
+        return kernel;
+    }
+    PowerSupplies supplies;
+    supplies.battery = *present;
+    supplies.source = kernel.source;
+    if (!supplies.battery) {
+        return supplies;
+    }
+    const auto percentage = Real(displayDevice, "Percentage");
+    supplies.percent =
+        percentage ? static_cast<int>(std::clamp(*percentage, 0.0, 100.0)) : kernel.percent;
+    const auto state = Number(displayDevice, "State");
+    supplies.charging = state ? *state == kCharging : kernel.charging;
+    if (state == kDischarging || state == kEmpty) {
+        supplies.source = SYS_CHARGING_SOURCE_NONE;
+    } else if (state && IsOnCharger(*state) && supplies.source == SYS_CHARGING_SOURCE_NONE) {
+        supplies.source = SYS_CHARGING_SOURCE_AC;
+    }
+    return supplies;
+}
+
+}  // namespace binding

@@ -1,0 +1,42 @@
+#include "bindings/linux/update/rauc.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/text.h"
+
+namespace binding {
+
+namespace {
+
+/// Percentage in the property Progress, which is a list of percentage, text and nesting depth.
+std::int32_t Percent(const nlohmann::json& installer) {
+    const nlohmann::json& progress = Member(installer, "Progress");
+    if (!progress.is_array() || progress.empty() || !progress[0].is_number_integer()) {
+        return 0;
+    }
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(progress[0].get<std::int64_t>(), 0, 100));
+}
+
+}  // namespace
+
+UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& installer) {
+    UpdateState state;
+    const std::string problem = Text(installer, "LastError").value_or("");
+    if (Text(installer, "Operation").value_or("idle") != "idle") {
+        state.status = UpdateStatus::installing;
+        state.percent = Percent(installer);
+    } else if (!problem.empty()) {
+        state.status = UpdateStatus::failed;
+        state.problem = Printable(problem, 256);
+    } else if (before.status == UpdateStatus::installing ||
+               before.status == UpdateStatus::installed) {
+        state.status = UpdateStatus::installed;
+        state.percent = 100;
+    }
+    return state;
+}
+
+}  // namespace binding

@@ -1,0 +1,16 @@
+// Updates as RAUC describes them.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "bindings/linux/update/update_state.h"
+
+namespace binding {
+
+/// What follows from RAUC's properties (of de.pengutronix.rauc.Installer) and @p before, the state
+/// that followed from the properties before. RAUC itself does not remember that an installation has
+/// succeeded.
+UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& installer);
+
+}  // namespace binding

@@ -1,0 +1,32 @@
+// The messages of SWUpdate's progress socket.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "bindings/linux/update/update_state.h"
+
+namespace binding {
+
+/// Collects the bytes that SWUpdate sends until a message is whole.
+class SwupdateProgress {
+  public:
+    /// Takes bytes over. Returns whether the state has changed.
+    bool Read(std::span<const std::byte> bytes);
+
+    /// Forgets the begun message, because the connection is a new one. The state stays: SWUpdate
+    /// ends after an update, too.
+    void Restart();
+
+    const UpdateState& State() const { return state; }
+
+  private:
+    void Take(std::span<const std::byte> message);
+
+    std::vector<std::byte> begun;
+    bool greeted = false;
+    UpdateState state;
+};
+
+}  // namespace binding
