@@ -36,6 +36,7 @@ void ReadSettings(const Node& node, Settings& settings) {
     Members members(node);
     Find(members, "bridge", settings.bridge, ReadName);
     Find(members, "ethernet", settings.ethernet, ReadNames);
+    Find(members, "usb", settings.usb, ReadNames);
     Find(members, "wifi", settings.wifi, ReadNames);
     Find(members, "guestWifi", settings.guestWifi, ReadNames);
     Find(members, "hostapdDirectory", settings.hostapdDirectory, ReadName);

@@ -13,6 +13,8 @@ struct Settings {
     /// Network interfaces. The bridge connects Wi-Fi and Ethernet; empty without one.
     std::string bridge = "br0";
     std::vector<std::string> ethernet = {"eth0"};
+    /// Interfaces of networks over USB.
+    std::vector<std::string> usb = {"usb0"};
     /// Interfaces of hostapd, whose control sockets have these names; for the guests' networks, the
     /// first is the one at 2.4 GHz, the second the one at 5 GHz.
     std::vector<std::string> wifi = {"wlan0"};

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "bindings/linux/attribute_file.h"
+#include "bindings/linux/kernel/attribute_file.h"
 
 namespace binding {
 

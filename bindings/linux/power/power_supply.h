@@ -15,6 +15,8 @@ struct PowerSupplies {
     bool charging = false;
     /// The charger that is connected.
     sys_charging_source_e source = SYS_CHARGING_SOURCE_NONE;
+
+    bool operator==(const PowerSupplies&) const = default;
 };
 
 /// Reads the supplies below @p folder. Batteries of peripherals do not count. Of several batteries

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "bindings/linux/attribute_file.h"
+#include "bindings/linux/kernel/attribute_file.h"
 #include "bindings/linux/text.h"
 
 namespace binding {

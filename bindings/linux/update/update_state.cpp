@@ -1,6 +1,9 @@
 #include "bindings/linux/update/update_state.h"
 
 #include <iterator>
+#include <nlohmann/json.hpp>
+
+#include "bindings/linux/source.h"
 
 namespace binding {
 
@@ -27,6 +30,22 @@ InstallStatus InstallStatusOf(const UpdateState& state) {
             break;
     }
     return InstallStatus::none;
+}
+
+void FillUpdate(Device& device, const UpdateState& state) {
+    Tell(device.softwareUpdateStatus, UpdateRecord(state));
+    Tell(device.getFotaInstallStatus, InstallStatusOf(state));
+}
+
+void FailUpdate(Device& device, int code) {
+    FailAll(code, device.softwareUpdateStatus, device.getFotaInstallStatus);
+}
+
+nlohmann::json DescribeUpdate(const UpdateState& state) {
+    return {{"status", static_cast<int>(state.status)},
+            {"percent", state.percent},
+            {"version", state.version},
+            {"problem", state.problem}};
 }
 
 }  // namespace binding

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "bindings/device/device.h"
 #include "platform/webui.h"
 
 namespace binding {
@@ -42,5 +44,12 @@ struct UpdateState {
 webui_software_update_status_t UpdateRecord(const UpdateState& state);
 
 InstallStatus InstallStatusOf(const UpdateState& state);
+
+/// Writes into @p device what its calls about updates answer, or that they fail with @p code.
+void FillUpdate(Device& device, const UpdateState& state);
+void FailUpdate(Device& device, int code);
+
+/// The state, for people.
+nlohmann::json DescribeUpdate(const UpdateState& state);
 
 }  // namespace binding

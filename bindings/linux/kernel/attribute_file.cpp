@@ -1,4 +1,4 @@
-#include "bindings/linux/attribute_file.h"
+#include "bindings/linux/kernel/attribute_file.h"
 
 #include <algorithm>
 #include <array>

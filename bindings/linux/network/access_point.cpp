@@ -1,0 +1,250 @@
+#include "bindings/linux/network/access_point.h"
+
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+namespace binding {
+
+namespace {
+
+constexpr const char* kAttach = "ATTACH";
+constexpr const char* kStatus = "STATUS";
+constexpr const char* kPing = "PING";
+constexpr const char* kFirstStation = "STA-FIRST";
+constexpr const char* kNextStation = "STA-NEXT ";
+/// Of the list of stations.
+constexpr unsigned int kMostRestarts = 8;
+
+/// Opens a socket to which the one at @p path can reply; -1 and errno on failure.
+int Open(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address.sun_path)) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    path.copy(address.sun_path, path.size());
+    const int descriptor = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (descriptor < 0) {
+        return -1;
+    }
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
+    const auto* const target = reinterpret_cast<const sockaddr*>(&address);
+    // Without a name, the kernel gives the socket an abstract one, which leaves no file behind.
+    sockaddr_un own{};
+    own.sun_family = AF_UNIX;
+    const bool isOpen =
+        bind(descriptor, reinterpret_cast<const sockaddr*>(&own), sizeof(own.sun_family)) == 0 &&
+        connect(descriptor, target, sizeof(address)) == 0;
+    // NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast)
+    if (!isOpen) {
+        const int error = errno;
+        (void)close(descriptor);
+        errno = error;
+        return -1;
+    }
+    return descriptor;
+}
+
+}  // namespace
+
+AccessPoint::AccessPoint(sd_event* newEvent, Place newPlace, std::function<void()> newChanged)
+    : event(newEvent),
+      place(std::move(newPlace)),
+      changed(std::move(newChanged)),
+      watch(newEvent, std::filesystem::path(place.folder) / place.interface, [this] {
+          // A socket that appears, and its rights, come in several events.
+          connecting.Defer(event, [this] { Connect(); });
+      }) {
+    connecting.Defer(event, [this] { Connect(); });
+}
+
+std::vector<Station> AccessPoint::Stations() const {
+    std::vector<Station> list;
+    list.reserve(stations.size());
+    for (const auto& [mac, station] : stations) {
+        list.push_back(station);
+    }
+    return list;
+}
+
+void AccessPoint::Check() {
+    if (!socket) {
+        Connect();
+    } else if (commands.empty()) {
+        Ask(kPing);
+    }
+}
+
+void AccessPoint::Connect() {
+    const std::string path = std::filesystem::path(place.folder) / place.interface;
+    const int descriptor = Open(path);
+    if (descriptor < 0) {
+        // A hostapd that was killed leaves its socket behind.
+        const bool isAbsent = errno == ENOENT || errno == ENOTDIR || errno == ECONNREFUSED;
+        const bool wasThere = presence == Presence::present || presence == Presence::lost;
+        Lose(isAbsent && !wasThere ? Presence::absent : Presence::lost,
+             path + ": " + std::strerror(errno));
+        return;
+    }
+    socket.emplace(descriptor);
+    commands.clear();
+    incoming.WatchDescriptor(event, descriptor, EPOLLIN,
+                             [this](std::uint32_t /*events*/) { Receive(); });
+    Ask(kAttach);
+    Ask(kStatus);
+    Ask(kFirstStation);
+}
+
+void AccessPoint::Ask(const std::string& command) {
+    commands.push_back(command);
+    if (commands.size() == 1) {
+        SendNext();
+    }
+}
+
+void AccessPoint::SendNext() {
+    const std::string command = commands.front();
+    if (send(socket->Number(), command.data(), command.size(), MSG_NOSIGNAL) < 0) {
+        // A full queue is that of a hostapd which reads nothing.
+        if (errno == EAGAIN || errno == ENOBUFS) {
+            BecomeSilent();
+        } else {
+            Lose(Presence::lost, "hostapd is gone");
+        }
+        return;
+    }
+    if (command == kFirstStation) {
+        stations.clear();
+    }
+    limit.After(event, place.limit, place.limit / 16, [this] { BecomeSilent(); });
+}
+
+void AccessPoint::Receive() {
+    // Longer than any reply of hostapd.
+    std::array<char, 8192> buffer{};
+    while (socket) {
+        const ssize_t size = recv(socket->Number(), buffer.data(), buffer.size(), 0);
+        if (size < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return;
+        }
+        if (presence == Presence::lost && commands.empty()) {
+            // It answers again. What it has told meanwhile may be lost.
+            Connect();
+            return;
+        }
+        const std::string_view message(buffer.data(), static_cast<std::size_t>(size));
+        if (const auto happened = ParseEvent(message)) {
+            TakeEvent(*happened);
+        } else if (!commands.empty()) {
+            TakeReply(message);
+        }
+    }
+}
+
+void AccessPoint::TakeReply(std::string_view reply) {
+    limit.Reset();
+    const std::string command = commands.front();
+    commands.pop_front();
+    if (command == kAttach && reply != "OK\n") {
+        Lose(Presence::lost, "hostapd refuses to tell of events");
+        return;
+    }
+    if (command == kStatus) {
+        status = ParseStatus(reply, place.interface).value_or(AccessPointStatus());
+    } else if (command == kFirstStation || command.starts_with(kNextStation)) {
+        TakeStation(reply);
+    }
+    if (!commands.empty()) {
+        SendNext();
+        return;
+    }
+    if (command != kPing || presence != Presence::present) {
+        presence = Presence::present;
+        reason.clear();
+        changed();
+    }
+}
+
+void AccessPoint::TakeStation(std::string_view reply) {
+    const std::vector<Station> told = ParseStations(reply);
+    if (told.empty()) {
+        // The list ends with an empty reply. It breaks off when the last station told has left.
+        if (reply.starts_with("FAIL") && restarts < kMostRestarts) {
+            ++restarts;
+            commands.emplace_front(kFirstStation);
+        }
+        return;
+    }
+    restarts = 0;
+    const Station& station = told.front();
+    const bool isNew = stations.insert_or_assign(station.mac, station).second;
+    // hostapd tells each station once; if not, the list would have no end.
+    if (isNew && stations.size() < kMostClients) {
+        commands.push_front(kNextStation + MacText(station.mac));
+    }
+}
+
+void AccessPoint::TakeEvent(const AccessPointEvent& happened) {
+    using Kind = AccessPointEvent::Kind;
+    switch (happened.kind) {
+        case Kind::stationJoined:
+            if (stations.size() < kMostClients) {
+                stations.insert_or_assign(happened.mac, Station{.mac = happened.mac});
+            }
+            break;
+        case Kind::stationLeft:
+            stations.erase(happened.mac);
+            break;
+        case Kind::statusChanged:
+            if (commands.size() < 2) {
+                Ask(kStatus);
+            }
+            return;
+        case Kind::ends:
+            Lose(Presence::lost, "hostapd has ended");
+            return;
+        case Kind::other:
+            return;
+    }
+    if (presence == Presence::present) {
+        changed();
+    }
+}
+
+void AccessPoint::Lose(Presence newPresence, const std::string& why) {
+    incoming.Reset();
+    socket.reset();
+    Forget(newPresence, why);
+}
+
+void AccessPoint::BecomeSilent() {
+    // The socket stays open, because a late answer tells that hostapd is back.
+    Forget(Presence::lost, "hostapd does not answer");
+}
+
+void AccessPoint::Forget(Presence newPresence, const std::string& why) {
+    limit.Reset();
+    commands.clear();
+    stations.clear();
+    status = {};
+    const bool same = presence == newPresence && reason == why;
+    presence = newPresence;
+    reason = why;
+    if (!same) {
+        changed();
+    }
+}
+
+}  // namespace binding

@@ -1,0 +1,40 @@
+// The connected clients.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "bindings/linux/event.h"
+#include "bindings/linux/kernel/path_watch.h"
+#include "bindings/linux/network/client_list.h"
+#include "bindings/linux/network/route_socket.h"
+#include "bindings/linux/source.h"
+
+namespace binding {
+
+class WifiSource;
+
+class ClientsSource : public Source {
+  public:
+    /// Both sources must live as long as this one does.
+    ClientsSource(Board& newBoard, const WifiSource& newWifi, const WifiSource& newGuestWifi);
+
+    void Start() override;
+    void Fill(Device& device) const override;
+    void Fail(Device& device, int code) const override;
+    nlohmann::json Said() const override;
+
+  private:
+    std::vector<Client> Clients() const;
+    void ReadLeases();
+
+    const WifiSource& wifi;
+    const WifiSource& guestWifi;
+    ClientInterfaces interfaces;
+    std::vector<Lease> leases;
+    std::optional<PathWatch> leaseWatch;
+    EventSource reading;
+    std::optional<RouteSocket> routes;
+};
+
+}  // namespace binding

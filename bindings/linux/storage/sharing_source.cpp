@@ -1,0 +1,87 @@
+#include "bindings/linux/storage/sharing_source.h"
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+#include "bindings/linux/board.h"
+#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/text.h"
+
+namespace binding {
+
+namespace {
+
+constexpr const char* kManager = "org.freedesktop.systemd1";
+constexpr const char* kManagerPath = "/org/freedesktop/systemd1";
+constexpr const char* kUnitInterface = "org.freedesktop.systemd1.Unit";
+
+/// The object of the unit @p name; empty when there can be none of this name.
+std::string UnitPath(const std::string& name) {
+    char* encoded = nullptr;
+    if (sd_bus_path_encode("/org/freedesktop/systemd1/unit", name.c_str(), &encoded) < 0) {
+        return "";
+    }
+    const std::unique_ptr<char, decltype(&std::free)> owner(encoded, &std::free);
+    return encoded;
+}
+
+}  // namespace
+
+void SharingSource::Start() {
+    unitPath = UnitPath(GetBoard().GetSettings().sambaUnit);
+    constexpr std::uint64_t kSecond = 1'000'000;
+    manager = std::make_unique<BusObjects>(
+        GetBoard().SystemBus(),
+        BusObjects::Daemon{.service = kManager,
+                           .manager = "",
+                           .objects = {{unitPath, {kUnitInterface}}},
+                           .limit = GetBoard().GetSettings().silenceSeconds * kSecond},
+        [this] { Evaluate(); });
+    Evaluate();
+}
+
+void SharingSource::Evaluate() {
+    using Presence = BusObjects::Presence;
+    const Presence presence = manager ? manager->GetPresence() : Presence::unknown;
+    if (presence == Presence::absent || presence == Presence::unknown) {
+        subscribed = false;
+    } else if (!subscribed) {
+        // The service manager tells of changes only while somebody has asked for them.
+        subscribed = true;
+        subscription = GetBoard().SystemBus().Call(
+            kManager, kManagerPath, "org.freedesktop.systemd1.Manager", "Subscribe", nullptr,
+            [](const nlohmann::json& /*arguments*/, const std::string& /*error*/) {},
+            0);
+    }
+    if (presence == Presence::silent) {
+        Lost("the service manager does not answer");
+    } else if (presence == Presence::absent) {
+        if (GetState() == State::unknown || GetState() == State::absent) {
+            Absent();
+        } else {
+            Lost("the service manager is gone");
+        }
+    } else if (presence == Presence::present) {
+        const nlohmann::json& unit = Member(Member(manager->Tree(), unitPath), kUnitInterface);
+        activeState = Printable(Text(unit, "ActiveState").value_or(""));
+        if (Text(unit, "LoadState").value_or("not-found") == "loaded") {
+            Present();
+        } else {
+            Absent();
+        }
+    }
+}
+
+void SharingSource::Fill(Device& device) const {
+    Tell(device.getSambaEnabled, activeState == "active" || activeState == "reloading");
+}
+
+void SharingSource::Fail(Device& device, int code) const {
+    FailAll(code, device.getSambaEnabled, device.getSambaShareInfo);
+}
+
+nlohmann::json SharingSource::Said() const {
+    return {{"unit", GetBoard().GetSettings().sambaUnit}, {"state", activeState}};
+}
+
+}  // namespace binding

@@ -1,0 +1,64 @@
+#include "bindings/linux/update/rauc_source.h"
+
+#include <nlohmann/json.hpp>
+
+#include "bindings/linux/board.h"
+#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/update/rauc.h"
+
+namespace binding {
+
+namespace {
+
+constexpr const char* kInstaller = "de.pengutronix.rauc.Installer";
+
+}  // namespace
+
+void RaucSource::Start() {
+    constexpr std::uint64_t kSecond = 1'000'000;
+    rauc = std::make_unique<BusObjects>(
+        GetBoard().SystemBus(),
+        BusObjects::Daemon{.service = "de.pengutronix.rauc",
+                           .manager = "",
+                           .objects = {{"/", {kInstaller}}},
+                           .limit = GetBoard().GetSettings().silenceSeconds * kSecond},
+        [this] { Evaluate(); });
+    Evaluate();
+}
+
+void RaucSource::Evaluate() {
+    using Presence = BusObjects::Presence;
+    switch (rauc ? rauc->GetPresence() : Presence::unknown) {
+        case Presence::unknown:
+        case Presence::reading:
+            break;
+        case Presence::absent:
+            if (GetState() == State::unknown || GetState() == State::absent) {
+                Absent();
+            } else {
+                Lost("RAUC is gone");
+            }
+            break;
+        case Presence::silent:
+            Lost("RAUC does not answer");
+            break;
+        case Presence::present:
+            state = NextRaucState(state, Member(Member(rauc->Tree(), "/"), kInstaller));
+            Present();
+            break;
+    }
+}
+
+void RaucSource::Fill(Device& device) const {
+    FillUpdate(device, state);
+}
+
+void RaucSource::Fail(Device& device, int code) const {
+    FailUpdate(device, code);
+}
+
+nlohmann::json RaucSource::Said() const {
+    return DescribeUpdate(state);
+}
+
+}  // namespace binding

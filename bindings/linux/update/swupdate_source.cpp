@@ -1,0 +1,112 @@
+#include "bindings/linux/update/swupdate_source.h"
+
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <system_error>
+
+#include "bindings/linux/board.h"
+#include "bindings/linux/log.h"
+
+namespace binding {
+
+namespace {
+
+/// Connects to the socket at @p path; -1 and errno on failure.
+int Open(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address.sun_path)) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    path.copy(address.sun_path, path.size());
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
+    const auto* const target = reinterpret_cast<const sockaddr*>(&address);
+    if (descriptor >= 0 && connect(descriptor, target, sizeof(address)) != 0) {
+        const int error = errno;
+        (void)close(descriptor);
+        errno = error;
+        return -1;
+    }
+    return descriptor;
+}
+
+}  // namespace
+
+void SwupdateSource::Start() {
+    try {
+        watch.emplace(GetBoard().Event(), GetBoard().GetSettings().updateSocket, [this] {
+            // SWUpdate first makes its socket and then listens to it.
+            connecting.Defer(GetBoard().Event(), [this] { Connect(); });
+        });
+    } catch (const std::system_error& error) {
+        LINUX_LOG(TORU_DBG_NOTICE, "%s: %s", Name().c_str(), error.what());
+    }
+    Connect();
+}
+
+void SwupdateSource::Check() {
+    Connect();
+}
+
+void SwupdateSource::Connect() {
+    if (socket) {
+        return;
+    }
+    const std::string& path = GetBoard().GetSettings().updateSocket;
+    const int descriptor = Open(path);
+    if (descriptor < 0) {
+        Disconnect(path + ": " + std::strerror(errno));
+        return;
+    }
+    socket.emplace(descriptor);
+    progress.Restart();
+    incoming.WatchDescriptor(GetBoard().Event(), descriptor, EPOLLIN,
+                             [this](std::uint32_t /*events*/) { Receive(); });
+    Present();
+}
+
+void SwupdateSource::Receive() {
+    std::array<std::byte, 4096> buffer{};
+    const ssize_t size = recv(socket->Number(), buffer.data(), buffer.size(), 0);
+    if (size > 0) {
+        if (progress.Read(std::span(buffer).first(static_cast<std::size_t>(size)))) {
+            Changed();
+        }
+    } else if (size == 0 || (errno != EAGAIN && errno != EINTR)) {
+        Disconnect("SWUpdate has closed the connection");
+    }
+}
+
+void SwupdateSource::Disconnect(const std::string& why) {
+    incoming.Reset();
+    socket.reset();
+    if (GetState() == State::present) {
+        Lost(why);
+    } else if (GetState() == State::unknown) {
+        Absent();
+    }
+}
+
+void SwupdateSource::Fill(Device& device) const {
+    FillUpdate(device, progress.State());
+}
+
+void SwupdateSource::Fail(Device& device, int code) const {
+    FailUpdate(device, code);
+}
+
+nlohmann::json SwupdateSource::Said() const {
+    return DescribeUpdate(progress.State());
+}
+
+}  // namespace binding
