@@ -96,6 +96,7 @@ void AccessPoint::Connect() {
         return;
     }
     socket.emplace(descriptor);
+    silent = false;
     commands.clear();
     incoming.WatchDescriptor(event, descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
@@ -139,7 +140,7 @@ void AccessPoint::Receive() {
             }
             return;
         }
-        if (presence == Presence::lost && commands.empty()) {
+        if (silent) {
             // It answers again. What it has told meanwhile may be lost.
             Connect();
             return;
@@ -231,6 +232,7 @@ void AccessPoint::Lose(Presence newPresence, const std::string& why) {
 
 void AccessPoint::BecomeSilent() {
     // The socket stays open, because a late answer tells that hostapd is back.
+    silent = true;
     Forget(Presence::lost, "hostapd does not answer");
 }
 

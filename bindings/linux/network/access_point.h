@@ -72,6 +72,8 @@ class AccessPoint {
     unsigned int restarts = 0;
 
     std::optional<FileDescriptor> socket;
+    /// Whether a command was not answered in time over this socket.
+    bool silent = false;
     /// Commands to send; the first has been sent and awaits its reply.
     std::deque<std::string> commands;
     EventSource incoming;

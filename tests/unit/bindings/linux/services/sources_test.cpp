@@ -1,0 +1,353 @@
+// The sources beside the modem, each with its daemon in the test.
+#include "bindings/linux/sources.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "bindings/device/codes.h"
+#include "bindings/linux/board.h"
+#include "tests/support/scratch.h"
+#include "tests/unit/bindings/linux/services/fakes.h"
+
+namespace {
+
+using binding::Device;
+using binding::kSourceLost;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class Services : public SimulatedDevice {
+  protected:
+    Services() {
+        // The machine's own daemons are not those of the test.
+        environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (directory / "bus").string());
+        settings = {{"hostapdDirectory", directory / "run" / "hostapd"},
+                    {"leases", directory / "leases"},
+                    {"ethernet", {"no-port"}},
+                    {"gpsdPort", "1"},
+                    {"powerSupplies", directory / "power"},
+                    {"updateSocket", directory / "run" / "progress"},
+                    {"silenceSeconds", 1},
+                    {"checkSeconds", 1}};
+    }
+
+    void Begin() {
+        Document(nlohmann::json{{"linux", settings}}.dump());
+        board = std::make_unique<binding::Board>(binding::MakeSources);
+        // The first snapshot waits for what the daemons answer.
+        const auto first = std::async(std::launch::async, [this] { return board->Newest(); });
+        while (first.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+            Serve();
+        }
+    }
+
+    void Serve() {
+        for (const auto& serve : daemons) {
+            serve();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+
+    /// Serves the daemons until @p condition holds. Returns false when it has not after ten
+    /// seconds.
+    bool WaitFor(const std::function<bool(const Device&)>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (std::chrono::steady_clock::now() < end) {
+            Serve();
+            if (condition(*board->Newest())) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::unique_ptr<FakeHostapd> Hostapd(const std::string& interface = "wlan0") {
+        auto hostapd = std::make_unique<FakeHostapd>(directory / "run" / "hostapd" / interface);
+        daemons.emplace_back([daemon = hostapd.get()] { daemon->Serve(); });
+        return hostapd;
+    }
+
+    void Use(FakeServer& server) {
+        daemons.emplace_back([&server] { server.Serve(); });
+    }
+
+    /// What the source @p name has told.
+    nlohmann::json Said(const std::string& name) {
+        std::promise<nlohmann::json> said;
+        board->Post([&] {
+            for (const auto& source : board->GetSources()) {
+                if (source->Name() == name) {
+                    said.set_value(source->Said());
+                }
+            }
+        });
+        return said.get_future().get();
+    }
+
+    static std::vector<int> Kinds(const Device& now) {
+        std::vector<int> kinds;
+        for (const auto& client : now.getConnectedDeviceList.value) {
+            kinds.push_back(client.connectionKind);
+        }
+        return kinds;
+    }
+
+    nlohmann::json settings;
+    std::vector<std::function<void()>> daemons;
+    std::unique_ptr<binding::Board> board;
+};
+
+bool WifiIsOn(const Device& now) {
+    return now.getWiFiEnabled.error == 0 && now.getWiFiEnabled.value == 1;
+}
+
+bool WifiIsLost(const Device& now) {
+    return now.getWiFiEnabled.error == kSourceLost;
+}
+
+TEST_F(Services, WithoutAnyDaemonTheHardwareIsAbsentAndNothingIsLogged) {
+    Begin();
+    const auto first = board->Newest();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->getWiFiEnabled.error, 0);
+    EXPECT_EQ(first->getWiFiEnabled.value, 0);
+    EXPECT_EQ(first->getEthernetEnabled.value, 0);
+    EXPECT_EQ(first->getConnectedDeviceList.error, 0);
+    EXPECT_EQ(first->getBatteryStatus.value.detection, SYS_BATTERY_NOT_PRESENT);
+    EXPECT_EQ(first->getGPSStatus.value, SYS_GPS_OFF);
+    EXPECT_EQ(first->getSDCardInfo.error, SYS_ERROR_NO_SD_CARD);
+    EXPECT_EQ(first->getSambaEnabled.error, 0);
+    EXPECT_EQ(first->softwareUpdateStatus.error, 0);
+    EXPECT_THAT(Log(), ElementsAre());
+}
+
+TEST_F(Services, WifiIsWhatHostapdTells) {
+    settings["wifiMaxClients"] = 16;
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455, 0x021122334466};
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_EQ(board->Newest()->getWiFiMaxClients.value, 16U);
+    EXPECT_THAT(Kinds(*board->Newest()), ElementsAre(SYS_CONNECTION_WIFI, SYS_CONNECTION_WIFI));
+    EXPECT_EQ(Said("wifi")["wlan0"]["network"], "Kestal");
+    hostapd->state = "DISABLED";
+    hostapd->Say("AP-DISABLED ");
+    EXPECT_TRUE(WaitFor([](const Device& now) { return now.getWiFiEnabled.value == 0; }));
+}
+
+TEST_F(Services, StationsComeAndGoByEvents) {
+    const auto hostapd = Hostapd();
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    hostapd->Say("AP-STA-CONNECTED 02:11:22:33:44:55");
+    EXPECT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 1; }));
+    hostapd->Say("AP-STA-DISCONNECTED 02:11:22:33:44:55");
+    EXPECT_TRUE(WaitFor([](const Device& now) { return Kinds(now).empty(); }));
+}
+
+TEST_F(Services, ListOfStationsWithoutAnEndIsCut) {
+    const auto hostapd = Hostapd();
+    hostapd->endless = true;
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_EQ(Kinds(*board->Newest()).size(), binding::kMostClients);
+}
+
+TEST_F(Services, GuestsHaveNetworksOfTheirOwn) {
+    settings["guestWifi"] = {"guest24", "guest5"};
+    const auto hostapd = Hostapd();
+    const auto slow = Hostapd("guest24");
+    const auto fast = Hostapd("guest5");
+    hostapd->stations = {0x021122334455};
+    slow->state = "DISABLED";
+    fast->stations = {0x021122334466};
+    Begin();
+    ASSERT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 2; }));
+    EXPECT_THAT(Kinds(*board->Newest()),
+                ElementsAre(SYS_CONNECTION_WIFI, SYS_CONNECTION_GUEST_WIFI));
+    const auto& profiles = board->Newest()->getWiFiGuestProfileEnabled;
+    EXPECT_EQ(profiles.At(SYS_WIFI_GUEST_2_4_GHZ).value, 0);
+    EXPECT_EQ(profiles.At(SYS_WIFI_GUEST_5_GHZ).value, 1);
+}
+
+TEST_F(Services, HostapdThatStartsLaterIsNoticed) {
+    settings["checkSeconds"] = 3600;
+    Begin();
+    EXPECT_EQ(board->Newest()->getWiFiEnabled.value, 0);
+    const auto hostapd = Hostapd();
+    EXPECT_TRUE(WaitFor(WifiIsOn));
+}
+
+TEST_F(Services, HostapdThatEndsIsLostUntilItIsBack) {
+    settings["checkSeconds"] = 3600;
+    auto hostapd = Hostapd();
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    hostapd->Say("CTRL-EVENT-TERMINATING ");
+    ASSERT_TRUE(WaitFor(WifiIsLost));
+    daemons.clear();
+    hostapd.reset();
+    hostapd = Hostapd();
+    EXPECT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("wifi: lost: "), "[LINUX]:[NOTICE] - wifi: is back"));
+}
+
+TEST_F(Services, HostapdThatHangsIsLostUntilItAnswersAgain) {
+    const auto hostapd = Hostapd();
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    hostapd->silent = true;
+    ASSERT_TRUE(WaitFor(WifiIsLost));
+    hostapd->stations = {0x021122334455};
+    hostapd->silent = false;
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_EQ(Kinds(*board->Newest()).size(), 1U) << "who has come meanwhile";
+    EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - wifi: lost: hostapd does not answer",
+                                   "[LINUX]:[NOTICE] - wifi: is back"));
+}
+
+TEST_F(Services, HostapdThatNeverAnswersIsLost) {
+    const auto hostapd = Hostapd();
+    hostapd->silent = true;
+    Begin();
+    EXPECT_TRUE(WaitFor(WifiIsLost));
+}
+
+TEST_F(Services, HostapdThatRefusesToTellOfEventsIsLost) {
+    const auto hostapd = Hostapd();
+    hostapd->attached = "FAIL\n";
+    Begin();
+    EXPECT_TRUE(WaitFor(WifiIsLost));
+}
+
+TEST_F(Services, LeaseNamesAClientAsSoonAsItIsWritten) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455};
+    Begin();
+    ASSERT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 1; }));
+    EXPECT_EQ(Said("clients")[0]["name"], "");
+    // Like dnsmasq, which keeps the file open.
+    std::ofstream leases(directory / "leases");
+    leases << "0 02:11:22:33:44:55 10.0.0.2 phone *\n" << std::flush;
+    EXPECT_TRUE(WaitFor([this](const Device&) { return Said("clients")[0]["name"] == "phone"; }));
+    EXPECT_EQ(Said("clients")[0]["address"], "10.0.0.2");
+}
+
+TEST_F(Services, EthernetIsThePortOfTheKernel) {
+    settings["ethernet"] = {"lo"};
+    Begin();
+    // The loopback interface is switched on in any machine, and always has a carrier then.
+    EXPECT_TRUE(WaitFor([](const Device& now) { return now.getEthernetEnabled.value == 1; }));
+    EXPECT_EQ(board->Newest()->getEthernetLinkStatus.value, 1);
+}
+
+TEST_F(Services, BatteryIsTheKernelsWithoutUPower) {
+    std::filesystem::create_directories(directory / "power" / "BAT0");
+    const auto battery = directory / "power" / "BAT0";
+    WriteFile(battery / "type", "Battery\n");
+    WriteFile(battery / "capacity", "81\n");
+    Begin();
+    EXPECT_EQ(board->Newest()->getBatteryStatus.value.detection, SYS_BATTERY_PRESENT);
+    EXPECT_EQ(board->Newest()->getBatteryStatus.value.chargePercent, 81);
+    // A gauge that does not tell of changes is read again with each check.
+    WriteFile(battery / "capacity", "9\n");
+    EXPECT_TRUE(
+        WaitFor([](const Device& now) { return now.getBatteryStatus.value.chargePercent == 9; }));
+}
+
+class Position : public Services {
+  protected:
+    Position() {
+        Use(gpsd);
+        settings["gpsdPort"] = std::to_string(gpsd.Port());
+        gpsd.greeting = "{\"class\":\"VERSION\"}\r\n";
+    }
+
+    bool WaitForStatus(int status) {
+        return WaitFor([status](const Device& now) {
+            return now.getGPSStatus.error == 0 && now.getGPSStatus.value == status;
+        });
+    }
+
+    bool WaitForLoss() {
+        return WaitFor([](const Device& now) { return now.getGPSStatus.error == kSourceLost; });
+    }
+
+    FakeServer gpsd;
+};
+
+TEST_F(Position, IsWhatGpsdReports) {
+    gpsd.greeting += "{\"class\":\"DEVICES\",\"devices\":[{\"path\":\"/dev/gps0\"}]}\r\n";
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
+    EXPECT_THAT(gpsd.heard, HasSubstr("?WATCH={\"enable\":true,\"json\":true};"));
+    gpsd.Say("{\"class\":\"TPV\",\"device\":\"/dev/gps0\",");
+    gpsd.Say("\"mode\":3}\r\n");
+    EXPECT_TRUE(WaitForStatus(SYS_GPS_GOT_FIX));
+}
+
+TEST_F(Position, IsLostWithGpsdUntilItIsBack) {
+    settings["checkSeconds"] = 3600;
+    gpsd.greeting += "{\"class\":\"DEVICES\",\"devices\":[{\"path\":\"/dev/gps0\"}]}\r\n";
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
+    daemons.clear();
+    gpsd.Drop();
+    ASSERT_TRUE(WaitForLoss());
+    Use(gpsd);
+    EXPECT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
+    EXPECT_EQ(gpsd.connections, 2);
+}
+
+TEST_F(Position, IsLostWhenGpsdHangs) {
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device&) { return gpsd.connections == 1; }));
+    // It takes connections and requests, and answers nothing.
+    gpsd.greeting.clear();
+    EXPECT_TRUE(WaitForLoss());
+    EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: gpsd does not answer"));
+}
+
+TEST_F(Position, IsLostWhenALineHasNoEnd) {
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device&) { return gpsd.connections == 1; }));
+    EXPECT_TRUE(WaitFor([this](const Device& now) {
+        gpsd.Say(std::string(4096, 'x'));
+        return now.getGPSStatus.error == kSourceLost;
+    }));
+    EXPECT_THAT(Log(),
+                ElementsAre("[LINUX]:[ERROR] - position: lost: gpsd sends a line without an end"));
+}
+
+TEST_F(Services, UpdateIsWhatSwupdateReports) {
+    settings["checkSeconds"] = 3600;
+    Begin();
+    EXPECT_EQ(board->Newest()->softwareUpdateStatus.value.status, 0);
+    auto swupdate = std::make_unique<FakeServer>(directory / "run" / "progress");
+    Use(*swupdate);
+    ASSERT_TRUE(WaitFor([&](const Device&) { return swupdate->connections == 1; }));
+    std::string message(2416, '\0');
+    const std::uint32_t failure = 4;
+    std::memcpy(message.data() + 4, &failure, sizeof(failure));
+    swupdate->Say(message);
+    EXPECT_TRUE(
+        WaitFor([](const Device& now) { return now.softwareUpdateStatus.value.status == 9; }));
+    EXPECT_EQ(board->Newest()->getFotaInstallStatus.value, 3);
+    daemons.clear();
+    swupdate.reset();
+    EXPECT_TRUE(WaitFor([](const Device& now) {
+        return now.softwareUpdateStatus.error == kSourceLost &&
+               now.getFotaInstallStatus.error == kSourceLost;
+    }));
+}
+
+}  // namespace
