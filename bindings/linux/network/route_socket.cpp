@@ -60,7 +60,7 @@ void RouteSocket::AskForNext() {
 
 void RouteSocket::Receive() {
     // A part of a list fills a page, and up to 32 KiB where pages are larger.
-    static thread_local std::array<std::byte, 32768> buffer;
+    std::array<std::byte, 32768> buffer{};
     bool isChanged = false;
     while (true) {
         const ssize_t size = ReceiveFromKernel(socket.Number(), buffer.data(), buffer.size());
