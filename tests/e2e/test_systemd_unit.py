@@ -90,7 +90,7 @@ def test_a_start_that_fails_is_tried_again_for_ever():
 
 def test_the_bounds_of_the_unit_are_those_of_the_threat_model():
     (memory, tasks) = re.search(r"(\d+) MiB and (\d+) tasks", DOCUMENT).groups()
-    assert "no memory of it is written to disk when it crashes" in DOCUMENT
+    assert "a crash writes no memory to disk" in DOCUMENT
     bounds = {"MemoryMax": f"{memory}M", "TasksMax": tasks, "LimitCORE": "0"}
     assert section("Service").items() >= bounds.items()
 
