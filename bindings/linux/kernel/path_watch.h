@@ -15,6 +15,7 @@ class PathWatch {
     /// Calls @p newChanged whenever something may have changed at @p newPath, an absolute path.
     /// Throws std::system_error.
     PathWatch(sd_event* newEvent, std::filesystem::path newPath, std::function<void()> newChanged);
+    ~PathWatch() = default;
     PathWatch(const PathWatch&) = delete;
     PathWatch& operator=(const PathWatch&) = delete;
 

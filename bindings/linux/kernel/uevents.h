@@ -18,6 +18,7 @@ class Uevents {
     /// Calls @p newOnEvent after events of @p newSubsystem; once for those that come together.
     /// Throws std::system_error.
     Uevents(sd_event* newEvent, std::string newSubsystem, std::function<void()> newOnEvent);
+    ~Uevents() = default;
     Uevents(const Uevents&) = delete;
     Uevents& operator=(const Uevents&) = delete;
 

@@ -36,6 +36,7 @@ class AccessPoint {
 
     /// Calls @p newChanged after each change. Throws std::system_error.
     AccessPoint(sd_event* newEvent, Place newPlace, std::function<void()> newChanged);
+    ~AccessPoint() = default;
     AccessPoint(const AccessPoint&) = delete;
     AccessPoint& operator=(const AccessPoint&) = delete;
 

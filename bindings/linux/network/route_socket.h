@@ -18,6 +18,7 @@ class RouteSocket {
     /// Calls @p newChanged when the table is complete for the first time, and after each change.
     /// Throws std::system_error.
     RouteSocket(sd_event* newEvent, Scope newScope, std::function<void()> newChanged);
+    ~RouteSocket() = default;
     RouteSocket(const RouteSocket&) = delete;
     RouteSocket& operator=(const RouteSocket&) = delete;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 #include "bindings/linux/board.h"
 #include "platform/sysint.h"
@@ -28,12 +29,18 @@ WifiSource::WifiSource(Board& newBoard, Role newRole)
 void WifiSource::Start() {
     const Settings& settings = GetBoard().GetSettings();
     constexpr std::uint64_t kSecond = 1'000'000;
-    for (const std::string& interface : role == Role::main ? settings.wifi : settings.guestWifi) {
-        networks.push_back(
-            std::make_unique<AccessPoint>(GetBoard().Event(),
-                                          AccessPoint::Place{settings.hostapdDirectory, interface,
-                                                             settings.silenceSeconds * kSecond},
-                                          [this] { Evaluate(); }));
+    try {
+        for (const std::string& interface :
+             role == Role::main ? settings.wifi : settings.guestWifi) {
+            networks.push_back(std::make_unique<AccessPoint>(
+                GetBoard().Event(),
+                AccessPoint::Place{settings.hostapdDirectory, interface,
+                                   settings.silenceSeconds * kSecond},
+                [this] { Evaluate(); }));
+        }
+    } catch (const std::system_error& error) {
+        Lost(error.what());
+        return;
     }
     Evaluate();
 }

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "bindings/linux/board.h"
+#include "bindings/linux/log.h"
 
 namespace binding {
 
@@ -29,18 +30,27 @@ struct AddressDeleter {
     void operator()(addrinfo* address) const { freeaddrinfo(address); }
 };
 
-/// Begins to connect; returns the socket, or -1 and errno.
-int BeginToConnect(const Settings& settings) {
+using Address = std::unique_ptr<addrinfo, AddressDeleter>;
+
+/// The address of gpsd; null when the settings give none. A name would have to be looked up, which
+/// can take long.
+Address AddressOf(const Settings& settings) {
     addrinfo hints{};
-    // A name would have to be looked up, which can take long.
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
     hints.ai_socktype = SOCK_STREAM;
     addrinfo* found = nullptr;
-    if (getaddrinfo(settings.gpsdHost.c_str(), settings.gpsdPort.c_str(), &hints, &found) != 0) {
+    const int result =
+        getaddrinfo(settings.gpsdHost.c_str(), settings.gpsdPort.c_str(), &hints, &found);
+    return Address(result == 0 ? found : nullptr);
+}
+
+/// Begins to connect; returns the socket, or -1 and errno.
+int BeginToConnect(const Settings& settings) {
+    const Address address = AddressOf(settings);
+    if (!address) {
         errno = EINVAL;
         return -1;
     }
-    const std::unique_ptr<addrinfo, AddressDeleter> address(found);
     const int descriptor =
         ::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (descriptor < 0) {
@@ -56,6 +66,15 @@ int BeginToConnect(const Settings& settings) {
 }
 
 }  // namespace
+
+void PositionSource::Start() {
+    const Settings& settings = GetBoard().GetSettings();
+    if (!AddressOf(settings)) {
+        LINUX_LOG(TORU_DBG_ERROR, "%s: gpsdHost \"%s\" and gpsdPort \"%s\" are not numeric",
+                  Name().c_str(), settings.gpsdHost.c_str(), settings.gpsdPort.c_str());
+    }
+    Connect();
+}
 
 void PositionSource::Check() {
     if (connected) {

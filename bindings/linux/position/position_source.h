@@ -16,7 +16,7 @@ class PositionSource : public Source {
   public:
     explicit PositionSource(Board& newBoard) : Source(newBoard, "position") {}
 
-    void Start() override { Connect(); }
+    void Start() override;
     void Check() override;
     void Fill(Device& device) const override;
     void Fail(Device& device, int code) const override;

@@ -1,22 +1,14 @@
 // The sources beside the modem, each with its daemon in the test.
-#include "bindings/linux/sources.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <functional>
-#include <future>
 #include <memory>
-#include <nlohmann/json.hpp>
-#include <thread>
 
 #include "bindings/device/codes.h"
-#include "bindings/linux/board.h"
-#include "tests/support/scratch.h"
-#include "tests/unit/bindings/linux/services/fakes.h"
+#include "bindings/linux/text.h"
+#include "tests/unit/bindings/linux/services/service_test.h"
 
 namespace {
 
@@ -25,86 +17,7 @@ using binding::kSourceLost;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class Services : public SimulatedDevice {
-  protected:
-    Services() {
-        // The machine's own daemons are not those of the test.
-        environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (directory / "bus").string());
-        settings = {{"hostapdDirectory", directory / "run" / "hostapd"},
-                    {"leases", directory / "leases"},
-                    {"ethernet", {"no-port"}},
-                    {"gpsdPort", "1"},
-                    {"powerSupplies", directory / "power"},
-                    {"updateSocket", directory / "run" / "progress"},
-                    {"silenceSeconds", 1},
-                    {"checkSeconds", 1}};
-    }
-
-    void Begin() {
-        Document(nlohmann::json{{"linux", settings}}.dump());
-        board = std::make_unique<binding::Board>(binding::MakeSources);
-        // The first snapshot waits for what the daemons answer.
-        const auto first = std::async(std::launch::async, [this] { return board->Newest(); });
-        while (first.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-            Serve();
-        }
-    }
-
-    void Serve() {
-        for (const auto& serve : daemons) {
-            serve();
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-
-    /// Serves the daemons until @p condition holds. Returns false when it has not after ten
-    /// seconds.
-    bool WaitFor(const std::function<bool(const Device&)>& condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (std::chrono::steady_clock::now() < end) {
-            Serve();
-            if (condition(*board->Newest())) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    std::unique_ptr<FakeHostapd> Hostapd(const std::string& interface = "wlan0") {
-        auto hostapd = std::make_unique<FakeHostapd>(directory / "run" / "hostapd" / interface);
-        daemons.emplace_back([daemon = hostapd.get()] { daemon->Serve(); });
-        return hostapd;
-    }
-
-    void Use(FakeServer& server) {
-        daemons.emplace_back([&server] { server.Serve(); });
-    }
-
-    /// What the source @p name has told.
-    nlohmann::json Said(const std::string& name) {
-        std::promise<nlohmann::json> said;
-        board->Post([&] {
-            for (const auto& source : board->GetSources()) {
-                if (source->Name() == name) {
-                    said.set_value(source->Said());
-                }
-            }
-        });
-        return said.get_future().get();
-    }
-
-    static std::vector<int> Kinds(const Device& now) {
-        std::vector<int> kinds;
-        for (const auto& client : now.getConnectedDeviceList.value) {
-            kinds.push_back(client.connectionKind);
-        }
-        return kinds;
-    }
-
-    nlohmann::json settings;
-    std::vector<std::function<void()>> daemons;
-    std::unique_ptr<binding::Board> board;
-};
+using Services = ServiceTest;
 
 bool WifiIsOn(const Device& now) {
     return now.getWiFiEnabled.error == 0 && now.getWiFiEnabled.value == 1;
@@ -196,6 +109,7 @@ TEST_F(Services, HostapdThatEndsIsLostUntilItIsBack) {
     ASSERT_TRUE(WaitFor(WifiIsLost));
     daemons.clear();
     hostapd.reset();
+    std::filesystem::remove_all(directory / "run");
     hostapd = Hostapd();
     EXPECT_TRUE(WaitFor(WifiIsOn));
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("wifi: lost: "), "[LINUX]:[NOTICE] - wifi: is back"));
@@ -284,6 +198,13 @@ class Position : public Services {
 
     FakeServer gpsd;
 };
+
+TEST_F(Position, NeedsANumericAddress) {
+    settings["gpsdHost"] = "localhost";
+    Begin();
+    EXPECT_EQ(board->Newest()->getGPSStatus.value, SYS_GPS_OFF);
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("position: gpsdHost \"localhost\"")));
+}
 
 TEST_F(Position, IsWhatGpsdReports) {
     gpsd.greeting += "{\"class\":\"DEVICES\",\"devices\":[{\"path\":\"/dev/gps0\"}]}\r\n";
