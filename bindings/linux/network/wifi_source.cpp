@@ -24,7 +24,7 @@ bool Has(const std::vector<std::unique_ptr<AccessPoint>>& networks,
 }  // namespace
 
 WifiSource::WifiSource(Board& newBoard, Role newRole)
-    : Source(newBoard, newRole == Role::main ? "wifi" : "guestWifi"), role(newRole) {}
+    : Source(newBoard, newRole == Role::main ? "wifi" : "guest-wifi"), role(newRole) {}
 
 void WifiSource::Start() {
     const Settings& settings = GetBoard().GetSettings();

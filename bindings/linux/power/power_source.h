@@ -12,7 +12,7 @@ namespace binding {
 
 class PowerSource : public Source {
   public:
-    explicit PowerSource(Board& newBoard) : Source(newBoard, "battery") {}
+    explicit PowerSource(Board& newBoard) : Source(newBoard, "power") {}
 
     void Start() override;
     void Check() override;

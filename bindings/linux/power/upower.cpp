@@ -1,6 +1,7 @@
 #include "bindings/linux/power/upower.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 
 #include "bindings/linux/bus/tree.h"
@@ -11,12 +12,17 @@ namespace {
 
 /// Values of the property State.
 enum UPowerState {
+    kUnknown = 0,
     kCharging = 1,
     kDischarging = 2,
     kEmpty = 3,
     kFullyCharged = 4,
     kPendingCharge = 5,
 };
+
+bool IsUnplugged(std::int64_t state) {
+    return state == kDischarging || state == kEmpty;
+}
 
 bool IsOnCharger(std::int64_t state) {
     return state == kCharging || state == kFullyCharged || state == kPendingCharge;
@@ -38,11 +44,12 @@ PowerSupplies ReadUPower(const nlohmann::json& displayDevice, const PowerSupplie
     const auto percentage = Real(displayDevice, "Percentage");
     supplies.percent =
         percentage ? static_cast<int>(std::clamp(*percentage, 0.0, 100.0)) : kernel.percent;
-    const auto state = Number(displayDevice, "State");
-    supplies.charging = state ? *state == kCharging : kernel.charging;
-    if (state == kDischarging || state == kEmpty) {
+    const auto told = Number(displayDevice, "State");
+    supplies.charging = told ? *told == kCharging : kernel.charging;
+    const std::int64_t state = told.value_or(kUnknown);
+    if (IsUnplugged(state)) {
         supplies.source = SYS_CHARGING_SOURCE_NONE;
-    } else if (state && IsOnCharger(*state) && supplies.source == SYS_CHARGING_SOURCE_NONE) {
+    } else if (IsOnCharger(state) && supplies.source == SYS_CHARGING_SOURCE_NONE) {
         supplies.source = SYS_CHARGING_SOURCE_AC;
     }
     return supplies;

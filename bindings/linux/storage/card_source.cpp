@@ -17,7 +17,7 @@ namespace binding {
 namespace {
 
 /// The table of mounts of a machine with some thousands of them.
-constexpr std::size_t kLargestTable = 1024 * 1024;
+constexpr std::size_t kLargestTable = 1'000'000;
 
 /// All of the file, from its beginning.
 std::string ReadFromStart(int descriptor) {

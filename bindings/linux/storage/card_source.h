@@ -14,7 +14,7 @@ namespace binding {
 
 class CardSource : public Source {
   public:
-    explicit CardSource(Board& newBoard) : Source(newBoard, "memoryCard") {}
+    explicit CardSource(Board& newBoard) : Source(newBoard, "memory-card") {}
 
     void Start() override;
     /// Reads the free space again: nobody tells of its changes.

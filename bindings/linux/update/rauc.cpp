@@ -35,8 +35,25 @@ UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& insta
                before.status == UpdateStatus::installed) {
         state.status = UpdateStatus::installed;
         state.percent = 100;
+        state.version = before.version;
     }
     return state;
+}
+
+std::string LastInstalledVersion(const nlohmann::json& slots) {
+    std::string version;
+    std::string newest;
+    for (const nlohmann::json& slot : slots.is_array() ? slots : nlohmann::json::array()) {
+        const nlohmann::json properties =
+            slot.is_array() && slot.size() == 2 ? slot[1] : nlohmann::json();
+        // Times like 2026-11-22T15:04:31Z are in order as texts.
+        const std::string time = Text(properties, "installed.timestamp").value_or("");
+        if (time > newest) {
+            newest = time;
+            version = Printable(Text(properties, "bundle.version").value_or(""), 255);
+        }
+    }
+    return version;
 }
 
 }  // namespace binding

@@ -13,4 +13,8 @@ namespace binding {
 /// succeeded.
 UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& installer);
 
+/// The version that was installed last; empty when RAUC does not know. @p slots is what RAUC's
+/// GetSlotStatus returns: a list of the slots' names and properties.
+std::string LastInstalledVersion(const nlohmann::json& slots);
+
 }  // namespace binding

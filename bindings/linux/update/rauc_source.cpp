@@ -10,12 +10,12 @@ namespace binding {
 
 namespace {
 
+constexpr std::uint64_t kSecond = 1'000'000;
 constexpr const char* kInstaller = "de.pengutronix.rauc.Installer";
 
 }  // namespace
 
 void RaucSource::Start() {
-    constexpr std::uint64_t kSecond = 1'000'000;
     rauc = std::make_unique<BusObjects>(
         GetBoard().SystemBus(),
         BusObjects::Daemon{.service = "de.pengutronix.rauc",
@@ -44,9 +44,29 @@ void RaucSource::Evaluate() {
             break;
         case Presence::present:
             state = NextRaucState(state, Member(Member(rauc->Tree(), "/"), kInstaller));
+            if (state.status == UpdateStatus::installed) {
+                AskForVersion();
+            } else {
+                slots.reset();
+            }
             Present();
             break;
     }
+}
+
+void RaucSource::AskForVersion() {
+    if (slots) {
+        return;
+    }
+    slots = GetBoard().SystemBus().Call(
+        rauc->Service(), "/", kInstaller, "GetSlotStatus", nullptr,
+        [this](const nlohmann::json& arguments, const std::string& /*error*/) {
+            if (arguments.is_array() && !arguments.empty()) {
+                state.version = LastInstalledVersion(arguments[0]);
+                Changed();
+            }
+        },
+        GetBoard().GetSettings().silenceSeconds * kSecond);
 }
 
 void RaucSource::Fill(Device& device) const {

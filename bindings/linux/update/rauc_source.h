@@ -21,9 +21,11 @@ class RaucSource : public Source {
 
   private:
     void Evaluate();
+    void AskForVersion();
 
     UpdateState state;
     std::unique_ptr<BusObjects> rauc;
+    Bus::PendingCall slots;
 };
 
 }  // namespace binding

@@ -56,6 +56,28 @@ TEST(Rauc, WhoseValuesHaveOtherTypesIsInNoState) {
     }
 }
 
+TEST(Rauc, TellsTheVersionOfTheSlotThatWasInstalledLast) {
+    const auto slot = [](const std::string& name, const std::string& time,
+                         const std::string& version) {
+        return json::array(
+            {name, {{"installed.timestamp", time}, {"bundle.version", version}, {"size", 7}}});
+    };
+    const json slots = json::array({slot("rootfs.0", "2026-11-22T15:04:31Z", "2.1"),
+                                    slot("rootfs.1", "2026-10-01T08:00:00Z", "2.0")});
+    EXPECT_EQ(binding::LastInstalledVersion(slots), "2.1");
+    const json others = json::array({json::array({"rootfs.0", json::object()}), 7, json()});
+    EXPECT_EQ(binding::LastInstalledVersion(others), "");
+    EXPECT_EQ(binding::LastInstalledVersion("none"), "");
+}
+
+TEST(Rauc, KeepsTheVersionWhileTheUpdateIsInstalled) {
+    binding::UpdateState installed;
+    installed.status = UpdateStatus::installed;
+    installed.version = "2.1";
+    EXPECT_EQ(binding::NextRaucState(installed, Installer("idle", "")).version, "2.1");
+    EXPECT_EQ(binding::NextRaucState(installed, Installer("installing", "")).version, "");
+}
+
 TEST(UpdateRecord, HasRoomForLongVersionsOnlyInPart) {
     binding::UpdateState state;
     state.version = std::string(1000, 'v');
