@@ -97,6 +97,7 @@ void AccessPoint::Connect() {
     }
     socket.emplace(descriptor);
     silent = false;
+    restarts = 0;
     commands.clear();
     incoming.WatchDescriptor(event, descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
@@ -188,7 +189,6 @@ void AccessPoint::TakeStation(std::string_view reply) {
         }
         return;
     }
-    restarts = 0;
     const Station& station = told.front();
     const bool isNew = stations.insert_or_assign(station.mac, station).second;
     // hostapd tells each station once; if not, the list would have no end.

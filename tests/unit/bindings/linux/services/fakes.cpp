@@ -99,6 +99,10 @@ std::string FakeHostapd::ReplyTo(std::string_view command) {
     if (command == "STA-FIRST") {
         return NextStation(0);
     }
+    if (command.starts_with("STA-NEXT ") && refusals > 0) {
+        --refusals;
+        return "FAIL\n";
+    }
     if (command.starts_with("STA-NEXT ")) {
         return NextStation(binding::MacIn(command.substr(9)).value_or(0));
     }

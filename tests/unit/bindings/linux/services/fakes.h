@@ -33,6 +33,8 @@ class FakeHostapd {
     std::string state = "ENABLED";
     std::set<binding::MacAddress> stations;
     bool silent = false;
+    /// How often it refuses to go on with the list of stations.
+    int refusals = 0;
     /// Whether the list of stations goes on for ever.
     bool endless = false;
     /// What it answers to ATTACH.

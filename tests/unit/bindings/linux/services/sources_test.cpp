@@ -75,6 +75,24 @@ TEST_F(Services, ListOfStationsWithoutAnEndIsCut) {
     EXPECT_EQ(Kinds(*board->Newest()).size(), binding::kMostClients);
 }
 
+TEST_F(Services, ListOfStationsIsBegunAgainWhenTheLastOneToldHasLeft) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455, 0x021122334466};
+    hostapd->refusals = 1;
+    Begin();
+    EXPECT_EQ(Kinds(*board->Newest()).size(), 2U);
+}
+
+TEST_F(Services, HostapdThatNeverGoesOnWithTheListIsNotAskedForEver) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455, 0x021122334466};
+    hostapd->refusals = 1'000'000;
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_GT(hostapd->refusals, 999'900);
+    EXPECT_EQ(Kinds(*board->Newest()).size(), 1U);
+}
+
 TEST_F(Services, GuestsHaveNetworksOfTheirOwn) {
     settings["guestWifi"] = {"guest24", "guest5"};
     const auto hostapd = Hostapd();
