@@ -11,7 +11,7 @@ constexpr std::size_t kMostLinks = 1024;
 }  // namespace
 
 bool NetworkTable::Apply(const NetworkMessage& message) {
-    return std::visit([this](const auto& kind) { return Take(kind); }, message);
+    return std::visit([this](const auto& kind) { return this->Take(kind); }, message);
 }
 
 void NetworkTable::Clear() {

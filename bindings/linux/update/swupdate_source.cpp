@@ -19,6 +19,9 @@ namespace binding {
 
 namespace {
 
+constexpr std::uint64_t kSecond = 1'000'000;
+constexpr std::uint64_t kFirstRetry = 100'000;
+
 /// Connects to the socket at @p path; -1 and errno on failure.
 int Open(const std::string& path) {
     sockaddr_un address{};
@@ -44,10 +47,8 @@ int Open(const std::string& path) {
 
 void SwupdateSource::Start() {
     try {
-        watch.emplace(GetBoard().Event(), GetBoard().GetSettings().updateSocket, [this] {
-            // SWUpdate first makes its socket and then listens to it.
-            connecting.Defer(GetBoard().Event(), [this] { Connect(); });
-        });
+        watch.emplace(GetBoard().Event(), GetBoard().GetSettings().updateSocket,
+                      [this] { OnSocket(); });
     } catch (const std::system_error& error) {
         LINUX_LOG(TORU_DBG_NOTICE, "%s: %s", Name().c_str(), error.what());
     }
@@ -58,6 +59,20 @@ void SwupdateSource::Check() {
     Connect();
 }
 
+void SwupdateSource::OnSocket() {
+    retryAfter = kFirstRetry;
+    connecting.Defer(GetBoard().Event(), [this] { Connect(); });
+}
+
+void SwupdateSource::TryAgainLater() {
+    // SWUpdate first makes its socket and then listens to it, and nothing tells when it does.
+    const std::uint64_t longest = GetBoard().GetSettings().checkSeconds * kSecond;
+    if (retryAfter != 0 && retryAfter < longest) {
+        connecting.After(GetBoard().Event(), retryAfter, retryAfter / 4, [this] { Connect(); });
+        retryAfter *= 2;
+    }
+}
+
 void SwupdateSource::Connect() {
     if (socket) {
         return;
@@ -65,10 +80,15 @@ void SwupdateSource::Connect() {
     const std::string& path = GetBoard().GetSettings().updateSocket;
     const int descriptor = Open(path);
     if (descriptor < 0) {
+        const bool isRefused = errno == ECONNREFUSED;
         Disconnect(path + ": " + std::strerror(errno));
+        if (isRefused) {
+            TryAgainLater();
+        }
         return;
     }
     socket.emplace(descriptor);
+    retryAfter = 0;
     progress.Restart();
     incoming.WatchDescriptor(GetBoard().Event(), descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });

@@ -1,6 +1,7 @@
 // Software updates by SWUpdate.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -23,7 +24,9 @@ class SwupdateSource : public Source {
     nlohmann::json Said() const override;
 
   private:
+    void OnSocket();
     void Connect();
+    void TryAgainLater();
     void Receive();
     void Disconnect(const std::string& why);
 
@@ -32,6 +35,8 @@ class SwupdateSource : public Source {
     SwupdateProgress progress;
     EventSource incoming;
     EventSource connecting;
+    /// Microseconds to the next attempt.
+    std::uint64_t retryAfter = 0;
 };
 
 }  // namespace binding

@@ -124,8 +124,16 @@ FakeServer::FakeServer() : listener(Listening(Bound(SOCK_STREAM, PortAddress()))
     port = ntohs(address.sin_port);
 }
 
-FakeServer::FakeServer(const std::filesystem::path& path)
-    : listener(Listening(Bound(SOCK_STREAM, FileAddress(path)))), file(path) {}
+FakeServer::FakeServer(const std::filesystem::path& path) : FakeServer(path, Start::later) {
+    Listen();
+}
+
+FakeServer::FakeServer(const std::filesystem::path& path, Start /*start*/)
+    : listener(Bound(SOCK_STREAM, FileAddress(path))), file(path) {}
+
+void FakeServer::Listen() {
+    (void)Listening(listener.Number());
+}
 
 FakeServer::~FakeServer() {
     if (!file.empty()) {

@@ -57,6 +57,12 @@ class FakeServer {
     FakeServer();
     /// Listens at a socket of the file system; makes the folders on the way to it.
     explicit FakeServer(const std::filesystem::path& path);
+
+    /// A socket at which nobody listens until Listen is called.
+    enum class Start { later };
+    FakeServer(const std::filesystem::path& path, Start start);
+    void Listen();
+
     ~FakeServer();
     FakeServer(const FakeServer&) = delete;
     FakeServer& operator=(const FakeServer&) = delete;

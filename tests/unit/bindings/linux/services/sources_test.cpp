@@ -267,6 +267,19 @@ TEST_F(Position, IsLostWhenALineHasNoEnd) {
                 ElementsAre("[LINUX]:[ERROR] - position: lost: gpsd sends a line without an end"));
 }
 
+TEST_F(Services, SwupdateThatListensLaterThanItMakesItsSocketIsNoticed) {
+    settings["checkSeconds"] = 3600;
+    Begin();
+    FakeServer swupdate(directory / "run" / "progress", FakeServer::Start::later);
+    Use(swupdate);
+    // The board sees the socket before somebody listens.
+    for (int turns = 0; turns < 100; ++turns) {
+        (void)Said("swupdate");
+    }
+    swupdate.Listen();
+    EXPECT_TRUE(WaitFor([&](const Device&) { return swupdate.connections == 1; }));
+}
+
 TEST_F(Services, UpdateIsWhatSwupdateReports) {
     settings["checkSeconds"] = 3600;
     Begin();
