@@ -1,10 +1,10 @@
 #include "bindings/linux/update/swupdate_progress.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string_view>
 
 #include "bindings/linux/text.h"
 #include "platform/fixed_text.h"
@@ -35,7 +35,7 @@ struct Greeting {
     std::uint32_t version;
     char word[4];
 };
-constexpr std::string_view kGreetingWord("ACK", 4);
+constexpr std::array<char, 4> kGreetingWord = {'A', 'C', 'K', '\0'};
 
 /// Values of Message::status.
 enum Status : std::uint32_t {
