@@ -6,6 +6,7 @@
 #include <span>
 
 #include "bindings/device/notification_types.h"
+#include "bindings/linux/update/update_state.h"
 #include "platform/notification.h"
 
 namespace binding {
@@ -38,6 +39,12 @@ bool HasUsed(const Device& device, const Settings& settings, std::uint64_t perce
                                stats.value.bytesReceived2 + stats.value.bytesTransmitted2;
     // Multiplying could overflow.
     return used / percent >= settings.planBytes / 100 && used != 0;
+}
+
+bool HasUpdate(const Device& device, UpdateStatus status) {
+    const auto& update = device.softwareUpdateStatus;
+    return update.named && update.error == 0 &&
+           update.value.status == static_cast<std::int32_t>(status);
 }
 
 /// A type of notification, and the state of the device that calls for it.
@@ -89,6 +96,19 @@ constexpr std::array kRules = {
     Rule{"smsReceived",
          [](const Device& device, const Settings&) {
              return device.getSMSUnreadCount.error == 0 && device.getSMSUnreadCount.value > 0;
+         }},
+    Rule{"softwareUpdate",
+         [](const Device& device, const Settings&) {
+             return HasUpdate(device, UpdateStatus::downloading) ||
+                    HasUpdate(device, UpdateStatus::installing);
+         }},
+    Rule{"softwareUpdateSuccess",
+         [](const Device& device, const Settings&) {
+             return HasUpdate(device, UpdateStatus::installed);
+         }},
+    Rule{"softwareUpdateFailure",
+         [](const Device& device, const Settings&) {
+             return HasUpdate(device, UpdateStatus::failed);
          }},
 };
 

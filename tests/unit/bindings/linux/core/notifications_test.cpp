@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,18 @@ TEST(Notifications, UnreadMessages) {
     Device device = Registered();
     Tell(device.getSMSUnreadCount, 1);
     EXPECT_THAT(Published(device), ElementsAre("smsReceived"));
+}
+
+TEST(Notifications, UpdateUnderWayInstalledAndFailed) {
+    Device device = Registered();
+    auto& status = device.softwareUpdateStatus.value.status;
+    for (const auto& [state, type] : std::map<int, std::string>{{4, "softwareUpdate"},
+                                                                {7, "softwareUpdate"},
+                                                                {8, "softwareUpdateSuccess"},
+                                                                {9, "softwareUpdateFailure"}}) {
+        status = state;
+        EXPECT_THAT(Published(device), ElementsAre(type)) << state;
+    }
 }
 
 TEST(Notifications, CallsThatFailCallForNothing) {
