@@ -1,0 +1,81 @@
+#include "bindings/linux/modem/data_action.h"
+
+#include <utility>
+
+namespace binding {
+
+DataAction::Wait DataAction::WaitsFor() const {
+    if (kind == Kind::none) {
+        return Wait::nothing;
+    }
+    if (sent != Kind::none) {
+        return Wait::answer;
+    }
+    return managerHasBegun ? Wait::manager : Wait::sign;
+}
+
+DataAction::Kind DataAction::Ask(Kind newKind, bool byManager) {
+    if (newKind == kind) {
+        return Kind::none;
+    }
+    kind = newKind;
+    managerHasBegun = false;
+    EndIfReached();
+    const bool waits = sent != Kind::none && (byManager || kind == Kind::connect);
+    if (kind == Kind::none || kind == sent || waits) {
+        return Kind::none;
+    }
+    sent = kind;
+    return kind;
+}
+
+DataAction::Kind DataAction::Answered(bool failed) {
+    const Kind answered = std::exchange(sent, Kind::none);
+    if (kind != Kind::none && kind != answered) {
+        sent = kind;
+        return kind;
+    }
+    if (failed) {
+        kind = Kind::none;
+    }
+    EndIfReached();
+    return Kind::none;
+}
+
+void DataAction::Update(sys_data_connection_status_e newStatus, bool isManagerActive) {
+    status = newStatus;
+    managerActive = isManagerActive;
+    EndIfReached();
+}
+
+sys_data_connection_status_e DataAction::Status() const {
+    switch (kind) {
+        case Kind::connect:
+            return SYS_DATA_CONNECTION_CONNECTING;
+        case Kind::disconnect:
+            return SYS_DATA_CONNECTION_DISCONNECTING;
+        case Kind::none:
+            break;
+    }
+    return status;
+}
+
+void DataAction::EndIfReached() {
+    const bool isAnswered = sent == Kind::none;
+    if (kind == Kind::connect) {
+        const bool isConnected =
+            status == SYS_DATA_CONNECTION_CONNECTED || status == SYS_DATA_CONNECTION_DORMANT;
+        const bool hasManagerGivenUp = isAnswered && managerHasBegun && !managerActive;
+        managerHasBegun = managerHasBegun || managerActive;
+        // While a disconnection is still under way, the modem tells what was before.
+        if ((isConnected && sent != Kind::disconnect) || hasManagerGivenUp) {
+            kind = Kind::none;
+        }
+    } else if (kind == Kind::disconnect) {
+        if (status == SYS_DATA_CONNECTION_READY && !managerActive && isAnswered) {
+            kind = Kind::none;
+        }
+    }
+}
+
+}  // namespace binding

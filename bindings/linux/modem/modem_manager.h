@@ -1,0 +1,20 @@
+// Names on ModemManager's bus interface.
+#pragma once
+
+namespace binding {
+
+constexpr const char* kModemManager = "org.freedesktop.ModemManager1";
+constexpr const char* kModemManagerPath = "/org/freedesktop/ModemManager1";
+constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
+constexpr const char* kModem3gppInterface = "org.freedesktop.ModemManager1.Modem.Modem3gpp";
+constexpr const char* kSignalInterface = "org.freedesktop.ModemManager1.Modem.Signal";
+constexpr const char* kSimpleInterface = "org.freedesktop.ModemManager1.Modem.Simple";
+constexpr const char* kMessagingInterface = "org.freedesktop.ModemManager1.Modem.Messaging";
+constexpr const char* kSimInterface = "org.freedesktop.ModemManager1.Sim";
+constexpr const char* kBearerInterface = "org.freedesktop.ModemManager1.Bearer";
+constexpr const char* kSmsInterface = "org.freedesktop.ModemManager1.Sms";
+
+/// Path that stands for no object.
+constexpr const char* kNoObject = "/";
+
+}  // namespace binding

@@ -1,0 +1,189 @@
+#include "bindings/linux/modem/data_action.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using binding::DataAction;
+using Kind = DataAction::Kind;
+using Wait = DataAction::Wait;
+
+constexpr bool kByModem = false;
+constexpr bool kByManager = true;
+constexpr bool kNoManager = false;
+constexpr bool kActive = true;
+constexpr bool kIdle = false;
+constexpr bool kFailed = true;
+constexpr bool kDone = false;
+
+DataAction Connected() {
+    DataAction action;
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kNoManager);
+    return action;
+}
+
+TEST(DataAction, WithoutActionTheStatusIsThatOfTheModem) {
+    DataAction action;
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+    action.Update(SYS_DATA_CONNECTION_DORMANT, kNoManager);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DORMANT);
+    EXPECT_EQ(action.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, AConnectionIsShownFromTheBeginningToTheEnd) {
+    DataAction action;
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::connect);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    EXPECT_EQ(action.WaitsFor(), Wait::answer);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    EXPECT_EQ(action.WaitsFor(), Wait::sign);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kNoManager);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTED);
+    EXPECT_EQ(action.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, ADisconnectionIsShownFromTheBeginningToTheEnd) {
+    DataAction action = Connected();
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByModem), Kind::disconnect);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    action.Update(SYS_DATA_CONNECTION_READY, kNoManager);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, WhatIsReachedAlreadyIsNotSent) {
+    DataAction connected = Connected();
+    EXPECT_EQ(connected.Ask(Kind::connect, kByModem), Kind::none);
+    EXPECT_EQ(connected.WaitsFor(), Wait::nothing);
+    DataAction ready;
+    EXPECT_EQ(ready.Ask(Kind::disconnect, kByModem), Kind::none);
+    EXPECT_EQ(ready.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, AConnectionThatSomebodyElseMakesCanBeEnded) {
+    DataAction action;
+    action.Update(SYS_DATA_CONNECTION_CONNECTING, kNoManager);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByModem), Kind::disconnect);
+}
+
+TEST(DataAction, ASecondActionOfTheSameKindJoinsTheFirst) {
+    DataAction action;
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::connect);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::none);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+}
+
+TEST(DataAction, AFailureEndsTheAction) {
+    DataAction action;
+    action.Ask(Kind::connect, kByModem);
+    EXPECT_EQ(action.Answered(kFailed), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::connect);
+}
+
+TEST(DataAction, ADisconnectionReplacesTheConnectionAtOnce) {
+    DataAction action;
+    action.Ask(Kind::connect, kByModem);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByModem), Kind::disconnect);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, AConnectionWaitsForTheAnswerToTheDisconnection) {
+    DataAction action = Connected();
+    action.Ask(Kind::disconnect, kByModem);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    action.Update(SYS_DATA_CONNECTION_DISCONNECTING, kNoManager);
+    action.Update(SYS_DATA_CONNECTION_READY, kNoManager);
+    EXPECT_EQ(action.Answered(kDone), Kind::connect);
+    EXPECT_EQ(action.WaitsFor(), Wait::answer);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kNoManager);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTED);
+}
+
+TEST(DataAction, AFailedDisconnectionDoesNotEndTheConnectionThatWaitsForIt) {
+    DataAction action = Connected();
+    action.Ask(Kind::disconnect, kByModem);
+    action.Ask(Kind::connect, kByModem);
+    EXPECT_EQ(action.Answered(kFailed), Kind::connect);
+}
+
+TEST(DataAction, OfManyActionsTheLastOneCounts) {
+    DataAction action;
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::connect);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByModem), Kind::disconnect);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::none);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByModem), Kind::none);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, ADisconnectionWaitsUntilNetworkManagerHasSaidWhatItHasBegun) {
+    DataAction action;
+    EXPECT_EQ(action.Ask(Kind::connect, kByManager), Kind::connect);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByManager), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    EXPECT_EQ(action.WaitsFor(), Wait::answer);
+    EXPECT_EQ(action.Answered(kDone), Kind::disconnect);
+    EXPECT_EQ(action.Answered(kDone), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, NetworkManagerAnswersBeforeItBegins) {
+    DataAction action;
+    action.Ask(Kind::connect, kByModem);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.WaitsFor(), Wait::sign);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    EXPECT_EQ(action.WaitsFor(), Wait::manager);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
+    EXPECT_EQ(action.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, ANetworkManagerThatGivesUpEndsTheAction) {
+    DataAction action;
+    action.Ask(Kind::connect, kByModem);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, ADisconnectionLastsUntilNetworkManagerHasEnded) {
+    DataAction action;
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
+    action.Ask(Kind::disconnect, kByModem);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, WhatTakesTooLongIsGivenUp) {
+    DataAction action;
+    action.Ask(Kind::connect, kByModem);
+    action.Answered(kDone);
+    action.GiveUp();
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+    EXPECT_EQ(action.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, AnActionDoesNotOutliveTheModem) {
+    DataAction action = Connected();
+    action.Ask(Kind::disconnect, kByModem);
+    action.Ask(Kind::connect, kByModem);
+    action.Forget();
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+    EXPECT_EQ(action.Ask(Kind::connect, kByModem), Kind::connect);
+}
+
+}  // namespace
