@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "bindings/linux/modem/messages_source.h"
+#include "bindings/linux/modem/modem_source.h"
 #include "bindings/linux/network/clients_source.h"
 #include "bindings/linux/network/ethernet_source.h"
 #include "bindings/linux/network/wifi_source.h"
@@ -17,6 +19,12 @@ namespace binding {
 
 namespace {
 
+void AddModem(Board& board, Sources& sources) {
+    auto messages = std::make_unique<MessagesSource>(board);
+    sources.push_back(std::make_unique<ModemSource>(board, *messages));
+    sources.push_back(std::move(messages));
+}
+
 void AddNetwork(Board& board, Sources& sources) {
     auto wifi = std::make_unique<WifiSource>(board, WifiSource::Role::main);
     auto guestWifi = std::make_unique<WifiSource>(board, WifiSource::Role::guest);
@@ -30,6 +38,7 @@ void AddNetwork(Board& board, Sources& sources) {
 
 Sources MakeSources(Board& board) {
     Sources sources;
+    AddModem(board, sources);
     AddNetwork(board, sources);
     sources.push_back(std::make_unique<PowerSource>(board));
     sources.push_back(std::make_unique<PositionSource>(board));

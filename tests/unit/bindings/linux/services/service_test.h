@@ -23,6 +23,7 @@ class ServiceTest : public SimulatedDevice {
     ServiceTest() {
         // The machine's own daemons are not those of the test.
         environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (directory / "bus").string());
+        environment.Set("STATE_DIRECTORY", directory);
         settings = {{"hostapdDirectory", directory / "run" / "hostapd"},
                     {"leases", directory / "leases"},
                     {"ethernet", {"no-port"}},

@@ -1,0 +1,169 @@
+#include "bindings/linux/modem/data_connection.h"
+
+#include <utility>
+
+#include "bindings/device/codes.h"
+#include "bindings/linux/log.h"
+#include "bindings/linux/modem/modem_manager.h"
+#include "bindings/linux/modem/tables/modem_numbers.h"
+
+namespace binding {
+
+namespace {
+
+constexpr std::uint64_t kSecond = 1'000'000;
+
+/// A network may need three minutes to answer a modem.
+constexpr std::uint64_t kNetworkLimit = 190 * kSecond;
+constexpr std::uint64_t kSignLimit = 10 * kSecond;
+
+// NMActiveConnectionState.
+constexpr std::int64_t kActivating = 1;
+constexpr std::int64_t kActivated = 2;
+
+}  // namespace
+
+DataConnection::DataConnection(Board& newBoard, std::function<void()> newChanged)
+    : board(newBoard),
+      changed(std::move(newChanged)),
+      manager(newBoard.SystemBus(), newBoard.GetSettings().profile,
+              newBoard.GetSettings().silenceSeconds * kSecond, [this] {
+                  Refresh();
+                  changed();
+              }) {}
+
+void DataConnection::Update(const Modem* newModem) {
+    if (newModem == nullptr || (modem && modem->path != newModem->path)) {
+        action.Forget();
+        call.reset();
+    }
+    modem = newModem == nullptr ? std::nullopt : std::optional(*newModem);
+    Refresh();
+}
+
+void DataConnection::Refresh() {
+    const std::int64_t activation = manager.ActiveState().value_or(0);
+    const auto status = modem ? modem->dataConnectionStatus : std::nullopt;
+    action.Update(status.value_or(SYS_DATA_CONNECTION_READY),
+                  activation == kActivating || activation == kActivated);
+    if (status == SYS_DATA_CONNECTION_CONNECTED &&
+        action.UnderWay() != DataAction::Kind::disconnect) {
+        stoppedByUser = false;
+    }
+    SetLimit();
+}
+
+bool DataConnection::IsEnabled() const {
+    return !stoppedByUser && manager.IsWwanEnabled().value_or(true);
+}
+
+int DataConnection::Readiness() const {
+    return modem && modem->simStatus == SYS_SIM_READY ? static_cast<int>(SYS_SUCCESS)
+                                                      : static_cast<int>(kNothingToConnect);
+}
+
+void DataConnection::Ask(DataAction::Kind kind) {
+    // What was there when the action was accepted may have gone.
+    if (!modem) {
+        return;
+    }
+    stoppedByUser = kind == DataAction::Kind::disconnect;
+    Send(action.Ask(kind, manager.HasProfile()));
+    SetLimit();
+    changed();
+}
+
+void DataConnection::Send(DataAction::Kind kind) {
+    if (kind == DataAction::Kind::connect) {
+        SendConnect();
+    } else if (kind == DataAction::Kind::disconnect) {
+        SendDisconnect();
+    }
+}
+
+void DataConnection::SendConnect() {
+    if (manager.HasProfile()) {
+        call = manager.Activate(
+            [this](const std::string& error) { OnAnswer(DataAction::Kind::connect, error); });
+        return;
+    }
+    if (modem->state.value_or(kModemStateUnknown) >= kModemEnabled) {
+        SendSimpleConnect();
+        return;
+    }
+    call = board.SystemBus().Call(
+        kModemManager, modem->path, kModemInterface, "Enable",
+        [](sd_bus_message* message) { return sd_bus_message_append(message, "b", 1); },
+        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
+            if (error.empty() && action.UnderWay() == DataAction::Kind::connect) {
+                SendSimpleConnect();
+            } else {
+                OnAnswer(DataAction::Kind::connect, error);
+            }
+        },
+        kNetworkLimit);
+}
+
+void DataConnection::SendSimpleConnect() {
+    const Settings& settings = board.GetSettings();
+    call = board.SystemBus().Call(
+        kModemManager, modem->path, kSimpleInterface, "Connect",
+        [apn = settings.apn, roaming = settings.roamingAllowed ? 1 : 0](sd_bus_message* message) {
+            constexpr const char* kRoaming = "allow-roaming";
+            return apn.empty() ? sd_bus_message_append(message, "a{sv}", 1, kRoaming, "b", roaming)
+                               : sd_bus_message_append(message, "a{sv}", 2, kRoaming, "b", roaming,
+                                                       "apn", "s", apn.c_str());
+        },
+        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
+            OnAnswer(DataAction::Kind::connect, error);
+        },
+        kNetworkLimit);
+}
+
+void DataConnection::SendDisconnect() {
+    if (manager.HasConnection()) {
+        call = manager.Deactivate(
+            [this](const std::string& error) { OnAnswer(DataAction::Kind::disconnect, error); });
+        return;
+    }
+    call = board.SystemBus().Call(
+        kModemManager, modem->path, kSimpleInterface, "Disconnect",
+        // The path of no bearer stands for all bearers.
+        [](sd_bus_message* message) { return sd_bus_message_append(message, "o", kNoObject); },
+        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
+            OnAnswer(DataAction::Kind::disconnect, error);
+        },
+        kNetworkLimit);
+}
+
+void DataConnection::OnAnswer(DataAction::Kind kind, const std::string& error) {
+    call.reset();
+    if (!error.empty()) {
+        LINUX_LOG(TORU_DBG_ERROR, "data connection: not %s: %s",
+                  kind == DataAction::Kind::connect ? "connected" : "disconnected", error.c_str());
+    }
+    Send(action.Answered(!error.empty()));
+    SetLimit();
+    changed();
+}
+
+void DataConnection::SetLimit() {
+    const DataAction::Wait wait = action.WaitsFor();
+    if (wait == limited) {
+        return;
+    }
+    limited = wait;
+    // A call has its own limit.
+    if (wait == DataAction::Wait::nothing || wait == DataAction::Wait::answer) {
+        limit.Reset();
+        return;
+    }
+    limit.After(board.Event(), wait == DataAction::Wait::sign ? kSignLimit : kNetworkLimit, kSecond,
+                [this] {
+                    action.GiveUp();
+                    SetLimit();
+                    changed();
+                });
+}
+
+}  // namespace binding

@@ -1,0 +1,64 @@
+// Starting and ending the data connection, as the user asks for it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "bindings/linux/board.h"
+#include "bindings/linux/bus/bus.h"
+#include "bindings/linux/event.h"
+#include "bindings/linux/modem/data_action.h"
+#include "bindings/linux/modem/modem.h"
+#include "bindings/linux/modem/network_manager.h"
+
+namespace binding {
+
+/// NetworkManager connects where it has a profile for the modem, because it would fight with
+/// anybody else who does; ModemManager itself connects otherwise. A method that hangs blocks
+/// nobody: it has a limit, and the next action does not wait for it (see DataAction).
+class DataConnection final : public DataCall {
+  public:
+    /// Calls @p newChanged when the status may have changed for another reason than the modem.
+    DataConnection(Board& newBoard, std::function<void()> newChanged);
+
+    /// Follows a modem; null for none.
+    void Update(const Modem* newModem);
+
+    /// State of the connection with the action under way.
+    sys_data_connection_status_e Status() const { return action.Status(); }
+
+    /// Whether the user wants data: after a disconnection, not until the next connection.
+    bool IsEnabled() const;
+
+    const NetworkManager& Manager() const { return manager; }
+    void Check() { manager.Check(); }
+
+    // DataCall.
+    int Readiness() const override;
+    void Connect() override { Ask(DataAction::Kind::connect); }
+    void Disconnect() override { Ask(DataAction::Kind::disconnect); }
+
+  private:
+    void Ask(DataAction::Kind kind);
+    void Refresh();
+    void Send(DataAction::Kind kind);
+    void SendConnect();
+    void SendSimpleConnect();
+    void SendDisconnect();
+    void OnAnswer(DataAction::Kind kind, const std::string& error);
+    void SetLimit();
+
+    Board& board;
+    std::function<void()> changed;
+    std::optional<Modem> modem;
+    DataAction action;
+    DataAction::Wait limited = DataAction::Wait::nothing;
+    EventSource limit;
+    Bus::PendingCall call;
+    bool stoppedByUser = false;
+    NetworkManager manager;
+};
+
+}  // namespace binding

@@ -1,0 +1,190 @@
+#include "bindings/linux/modem/network_manager.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/modem/modem_manager.h"
+#include "bindings/linux/modem/tree_lists.h"
+
+namespace binding {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* kService = "org.freedesktop.NetworkManager";
+constexpr const char* kPath = "/org/freedesktop/NetworkManager";
+constexpr const char* kSettingsPath = "/org/freedesktop/NetworkManager/Settings";
+constexpr const char* kManagerInterface = "org.freedesktop.NetworkManager";
+constexpr const char* kSettingsInterface = "org.freedesktop.NetworkManager.Settings";
+constexpr const char* kProfileInterface = "org.freedesktop.NetworkManager.Settings.Connection";
+constexpr const char* kActiveInterface = "org.freedesktop.NetworkManager.Connection.Active";
+constexpr const char* kDeviceInterface = "org.freedesktop.NetworkManager.Device";
+
+/// Type of the profiles of modems, also of those for LTE and 5G.
+constexpr const char* kGsm = "gsm";
+
+/// Microseconds. NetworkManager answers before it connects.
+constexpr std::uint64_t kLimit = 30'000'000;
+
+}  // namespace
+
+NetworkManager::NetworkManager(Bus& newBus, std::string newProfile, std::uint64_t limit,
+                               std::function<void()> newChanged)
+    : bus(newBus),
+      wantedProfile(std::move(newProfile)),
+      changed(std::move(newChanged)),
+      objects(newBus,
+              {kService,
+               "",
+               {{kPath, {kManagerInterface}}, {kSettingsPath, {kSettingsInterface}}},
+               limit},
+              [this] { OnChange(); }) {}
+
+bool NetworkManager::IsReading() const {
+    const auto presence = objects.GetPresence();
+    return presence == BusObjects::Presence::unknown || presence == BusObjects::Presence::reading ||
+           !questions.empty();
+}
+
+void NetworkManager::OnChange() {
+    if (objects.GetPresence() != BusObjects::Presence::present) {
+        profiles.clear();
+        questions.clear();
+        begun.clear();
+    } else {
+        ReadProfiles(Texts(Member(Member(objects.Tree(), kSettingsPath), kSettingsInterface),
+                           "Connections"));
+        FollowActive();
+    }
+    changed();
+}
+
+void NetworkManager::ReadProfiles(const std::vector<std::string>& paths) {
+    const auto isGone = [&paths](const auto& entry) {
+        return std::find(paths.begin(), paths.end(), entry.first) == paths.end();
+    };
+    std::erase_if(profiles, isGone);
+    std::erase_if(questions, isGone);
+    for (const std::string& path : paths) {
+        if (profiles.count(path) != 0 || questions.count(path) != 0) {
+            continue;
+        }
+        questions[path] = bus.Call(
+            kService, path, kProfileInterface, "GetSettings", nullptr,
+            [this, path](const json& arguments, const std::string& /*error*/) {
+                const auto kept = questions.extract(path);
+                const json settings =
+                    arguments.is_array() && !arguments.empty() ? arguments.front() : json();
+                const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
+                profiles[path] = isGsm ? settings : json();
+                changed();
+            },
+            kLimit);
+    }
+}
+
+void NetworkManager::FollowActive() {
+    std::map<std::string, std::string> wanted;
+    for (const std::string& path : ActiveConnections()) {
+        wanted[path] = kActiveInterface;
+        if (path == begun) {
+            begun.clear();
+        }
+    }
+    const json& active = Member(Member(objects.Tree(), ActiveConnection()), kActiveInterface);
+    for (const std::string& device : Texts(active, "Devices")) {
+        wanted[device] = kDeviceInterface;
+    }
+    followed.Follow(objects, wanted);
+}
+
+std::string NetworkManager::ProfilePath() const {
+    for (const auto& [path, settings] : profiles) {
+        if (settings.is_object() && (wantedProfile.empty() ||
+                                     Text(Member(settings, "connection"), "id") == wantedProfile)) {
+            return path;
+        }
+    }
+    return "";
+}
+
+std::optional<bool> NetworkManager::IsWwanEnabled() const {
+    const json& properties = Member(Member(objects.Tree(), kPath), kManagerInterface);
+    const auto bySoftware = Boolean(properties, "WwanEnabled");
+    const auto byHardware = Boolean(properties, "WwanHardwareEnabled");
+    if (!bySoftware && !byHardware) {
+        return std::nullopt;
+    }
+    return bySoftware.value_or(true) && byHardware.value_or(true);
+}
+
+bool NetworkManager::IsNetworkChosen() const {
+    const auto profile = profiles.find(ProfilePath());
+    return profile != profiles.end() &&
+           NonEmptyText(Member(profile->second, "gsm"), "network-id").has_value();
+}
+
+std::vector<std::string> NetworkManager::ActiveConnections() const {
+    return Texts(Member(Member(objects.Tree(), kPath), kManagerInterface), "ActiveConnections");
+}
+
+std::string NetworkManager::ActiveConnection() const {
+    const std::string profile = ProfilePath();
+    for (const std::string& path : ActiveConnections()) {
+        const json& active = Member(Member(objects.Tree(), path), kActiveInterface);
+        if (!profile.empty() && Text(active, "Connection") == profile) {
+            return path;
+        }
+    }
+    return "";
+}
+
+std::optional<std::int64_t> NetworkManager::ActiveState() const {
+    return Number(Member(Member(objects.Tree(), ActiveConnection()), kActiveInterface), "State");
+}
+
+std::string NetworkManager::Interface() const {
+    const json& active = Member(Member(objects.Tree(), ActiveConnection()), kActiveInterface);
+    for (const std::string& device : Texts(active, "Devices")) {
+        const json& properties = Member(Member(objects.Tree(), device), kDeviceInterface);
+        if (const auto interface = NonEmptyText(properties, "IpInterface")) {
+            return *interface;
+        }
+    }
+    return "";
+}
+
+Bus::PendingCall NetworkManager::Activate(OnDone onDone) {
+    return bus.Call(
+        kService, kPath, kManagerInterface, "ActivateConnection",
+        [profile = ProfilePath()](sd_bus_message* message) {
+            return sd_bus_message_append(message, "ooo", profile.c_str(), kNoObject, kNoObject);
+        },
+        [this, onDone = std::move(onDone)](const json& arguments, const std::string& error) {
+            const bool isPath =
+                arguments.is_array() && !arguments.empty() && arguments.front().is_string();
+            begun = isPath ? arguments.front().get<std::string>() : "";
+            FollowActive();
+            onDone(error);
+        },
+        kLimit);
+}
+
+Bus::PendingCall NetworkManager::Deactivate(OnDone onDone) {
+    const std::string listed = ActiveConnection();
+    const std::string active = listed.empty() ? std::exchange(begun, "") : listed;
+    return bus.Call(
+        kService, kPath, kManagerInterface, "DeactivateConnection",
+        [active = ActiveConnection()](sd_bus_message* message) {
+            return sd_bus_message_append(message, "o", active.empty() ? kNoObject : active.c_str());
+        },
+        [onDone = std::move(onDone)](const json& /*arguments*/, const std::string& error) {
+            onDone(error);
+        },
+        kLimit);
+}
+
+}  // namespace binding
