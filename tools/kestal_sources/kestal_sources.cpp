@@ -1,5 +1,6 @@
 // kestal-sources: shows what each source of a Linux board tells the service.
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "tools/json_output.h"
