@@ -75,6 +75,21 @@ def test_a_web_server_that_was_there_before_is_left_alone(machine, work):
     assert not [call for call in calls if call.startswith("systemctl")]
 
 
+def test_daemons_of_the_lab_are_not_started_as_services(machine, work):
+    status, _, calls = machine("lab", missing=["gpsd"], systemd=work)
+    assert status == 0
+    assert calls == [
+        "apt-get update -q",
+        "systemctl mask -q gpsd.service",
+        "systemctl mask -q gpsd.socket",
+        "apt-get install -q -y --no-install-recommends gpsd",
+        "systemctl unmask -q gpsd.service",
+        "systemctl unmask -q gpsd.socket",
+        "systemctl disable -q gpsd.service",
+        "systemctl disable -q gpsd.socket",
+    ]
+
+
 def test_running_needs_no_package_of_the_tests(machine):
     assert machine("run", missing=["libgtest-dev", "python3-pytest"]) == (0, "", [])
     status, _, calls = machine("test", missing=["libgtest-dev", "python3-pytest"])
@@ -101,4 +116,4 @@ def test_a_user_who_cannot_install_is_told_what_is_missing(machine):
 
 
 def test_another_argument_is_refused(machine):
-    assert machine("all") == (2, "usage: scripts/setup [run | test | coverage | bench | cross | fresh]\n", [])
+    assert machine("all") == (2, "usage: scripts/setup [run | lab | test | coverage | bench | cross | fresh]\n", [])

@@ -1,0 +1,117 @@
+"""The whole lab: all daemons of a board in one folder."""
+
+import contextlib
+
+from lab.access_point import AccessPoint
+from lab.bus import Authority, Bus
+from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
+from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
+from lab.position import Position
+from lab.power import Power
+from lab.service import Service
+from lab.sharing import Sharing
+from lab.update import Update
+from lab.usb_modem import ScanningModemManager, UsbModem
+
+
+class Lab:
+    """Daemons start when a test asks for them, and end in the opposite order."""
+
+    def __init__(self, folder, missing):
+        """`missing(text)` is called, and does not return, when a daemon is not installed."""
+        self.folder = folder
+        self.missing = missing
+        self.ends = contextlib.ExitStack()
+        self.bus = Bus(folder)
+        self.authority = Authority(folder, self.bus)
+        self.modem = self.modem_manager = None
+        self.power = Power(folder, self.bus)
+        self.sharing = Sharing(folder, self.bus)
+        self.update = Update(folder, self.bus)
+        self.network = self.wifi = self.guests = self.position = self.service = None
+        #: Path of the modem at ModemManager.
+        self.path = None
+
+    def start(self, *daemons):
+        """Starts all at once, and waits for them in their order."""
+        for daemon in daemons:
+            if not daemon.is_installed():
+                self.missing(f"{daemon.program} is not installed")
+            self.ends.callback(daemon.stop)
+            daemon.launch()
+        for daemon in daemons:
+            daemon.wait()
+
+    def start_bus(self):
+        if not self.bus.is_running():
+            self.start(self.bus)
+
+    def start_modem(self, enabled=True, on_usb=False):
+        """ModemManager is told of the modem, or finds it on USB and knows a network interface of it, too."""
+        self.start_bus()
+        if on_usb:
+            self.modem = UsbModem(self.folder)
+            self.modem_manager = ScanningModemManager(self.folder, self.bus, self.modem)
+        else:
+            self.modem = Modem(self.folder)
+            self.modem_manager = ModemManager(self.folder, self.bus)
+        self.start(self.modem, self.authority)
+        self.start(self.modem_manager)
+        self.add_modem(enabled)
+
+    def add_modem(self, enabled=True):
+        """Makes the modem known to a ModemManager that has just been started."""
+        self.path = self.modem_manager.add(self.modem)
+        self.modem_manager.wait_until_known(self.path)
+        if enabled and self.modem_manager.state(self.path) == STATE_DISABLED:
+            self.modem_manager.enable(self.path)
+
+    def start_power(self):
+        self.start_bus()
+        self.start(self.power)
+
+    def start_sharing(self):
+        self.start_bus()
+        self.start(self.sharing)
+
+    def start_update(self):
+        """Needs root."""
+        self.start_bus()
+        self.start(self.update)
+
+    def start_network(self):
+        """Bridge, Ethernet and two access points; needs root."""
+        self.network = Network(self.folder)
+        self.ends.callback(self.network.close)
+        self.wifi = AccessPoint(self.folder, self.network, WIFI, "Lab Box")
+        self.guests = AccessPoint(self.folder, self.network, GUESTS, "Lab Guests")
+        self.start(self.wifi, self.guests)
+
+    def start_position(self):
+        self.position = Position(self.folder, self.network and self.network.namespace)
+        self.ends.callback(self.position.release)
+        self.start(self.position)
+
+    def settings(self):
+        """The object "linux" of the service's document."""
+        settings = {"apn": "internet", "silenceSeconds": 1, "checkSeconds": 1}
+        if self.network:
+            settings |= {
+                "bridge": BRIDGE,
+                "ethernet": [ETHERNET],
+                "wifi": [WIFI],
+                "guestWifi": [GUESTS],
+                "hostapdDirectory": str(self.wifi.directory),
+                "leases": str(self.network.leases),
+            }
+        if self.position:
+            settings |= {"gpsdHost": "127.0.0.1", "gpsdPort": str(self.position.port)}
+        return settings
+
+    def start_service(self, page=False):
+        self.service = Service(self, page)
+        self.ends.callback(self.service.close)
+        self.service.start()
+
+    def close(self):
+        self.ends.close()

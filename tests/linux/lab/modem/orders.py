@@ -1,0 +1,61 @@
+"""The orders that people and tests give to the emulated modem."""
+
+from lab.modem.sim_card import SimCard
+
+HELP = """\
+signal 0..31|99                    strength as in +CSQ
+register home|roaming|searching|denied|idle|unknown
+operator NAME CODE                 for instance: operator "Lab Net" 00101
+technology lte|hspa|hsdpa|umts|gsm
+sms FROM TEXT                      a message arrives
+drop                               the network ends the data connection
+traffic SENT RECEIVED              bytes of the data connection
+refuse CODE|nothing                data connections are refused with a +CME ERROR
+sim out|in|locked|blocked          a card is taken out or put in: open, asking for the PIN 1234, or the PUK
+"""
+
+
+def obey(modem, words):
+    """Carries an order out; returns "ok" or what is wrong."""
+    name, *arguments = words
+    try:
+        if name not in ORDERS:
+            return f"error: no such order: {name}"
+        ORDERS[name](modem, *arguments)
+    except (TypeError, ValueError) as error:
+        return f"error: {error}"
+    return "ok"
+
+
+def _sim(modem, state):
+    if state == "out":
+        modem.take_sim()
+        return
+    sim = SimCard()
+    if state in ("locked", "blocked"):
+        sim.lock()
+        sim.pin_tries = 3 if state == "locked" else 0
+    elif state != "in":
+        raise ValueError("one of out, in, locked, blocked")
+    modem.insert_sim(sim)
+
+
+def _traffic(modem, sent, received):
+    modem.traffic = (int(sent), int(received))
+
+
+def _refuse(modem, code):
+    modem.dial_error = None if code == "nothing" else int(code)
+
+
+ORDERS = {
+    "signal": lambda modem, value: modem.change_signal(int(value)),
+    "register": lambda modem, value: modem.register(value),
+    "operator": lambda modem, name, code: modem.change_operator(name, code),
+    "technology": lambda modem, value: modem.change_technology(value),
+    "sms": lambda modem, sender, text: modem.receive(sender, text),
+    "drop": lambda modem: modem.drop(),
+    "traffic": _traffic,
+    "refuse": _refuse,
+    "sim": _sim,
+}

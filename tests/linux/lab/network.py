@@ -1,0 +1,72 @@
+"""The network of the board: a bridge with Ethernet and Wi-Fi, and the phones and computers on it."""
+
+import subprocess
+import time
+
+from support import paths
+from support.namespaces import Namespace
+
+BRIDGE = "br0"
+ETHERNET = "eth0"
+CABLE = "cable"
+WIFI = "wlan0"
+GUESTS = "guest0"
+MODEM = "wwan0"
+ADDRESS = "192.168.8.1"
+
+
+class Network:
+    """Interfaces in a namespace of their own; needs root."""
+
+    def __init__(self, folder):
+        self.namespace = Namespace()
+        self.leases = folder / "leases"
+        self.leases.touch()
+        self.run("ip", "link", "add", BRIDGE, "type", "bridge")
+        for name, other in ((ETHERNET, CABLE), (WIFI, "air"), (GUESTS, "guestair")):
+            self.run("ip", "link", "add", name, "type", "veth", "peer", "name", other)
+            self.run("ip", "link", "set", name, "master", BRIDGE, "up")
+        self.run("ip", "address", "add", f"{ADDRESS}/24", "dev", BRIDGE)
+        self.run("ip", "link", "set", BRIDGE, "up")
+        self.run("ip", "link", "add", MODEM, "type", "veth", "peer", "name", "tower")
+        for other in ("air", "guestair", MODEM, "tower"):
+            self.run("ip", "link", "set", other, "up")
+
+    def run(self, *command):
+        self.namespace.run(*command)
+
+    def plug(self):
+        """The cable of the Ethernet port is put in."""
+        self.run("ip", "link", "set", CABLE, "up")
+
+    def unplug(self):
+        self.run("ip", "link", "set", CABLE, "down")
+
+    def lease(self, mac, address, name="*", seconds=3600):
+        """Writes a lease as dnsmasq does: the whole file anew, with the new one at its end."""
+        kept = [line for line in self.leases.read_text().splitlines() if line.split()[1] != mac]
+        kept.append(f"{int(time.time()) + seconds} {mac} {address} {name} 01:{mac}")
+        self.leases.write_text("\n".join(kept) + "\n")
+        self.run("ip", "neigh", "replace", address, "lladdr", mac, "dev", BRIDGE, "nud", "reachable")
+
+    def forget(self, mac):
+        lines = self.leases.read_text().splitlines()
+        gone = [line.split()[2] for line in lines if line.split()[1] == mac]
+        self.leases.write_text("".join(line + "\n" for line in lines if line.split()[1] != mac))
+        for address in gone:
+            self.run("ip", "neigh", "del", address, "dev", BRIDGE)
+
+    def attach(self, mac, interface=ETHERNET):
+        """The bridge has seen this address on one of its ports."""
+        self.run("bridge", "fdb", "replace", mac, "dev", interface, "master")
+
+    def detach(self, mac, interface=ETHERNET):
+        self.run("bridge", "fdb", "del", mac, "dev", interface, "master")
+
+    def capture(self, *command):
+        with self.namespace.entered():
+            return subprocess.run(command, check=True, timeout=30, env=paths.CLEAN_ENVIRONMENT,
+                                  capture_output=True, text=True).stdout
+
+    def close(self):
+        self.namespace.close()

@@ -1,0 +1,132 @@
+"""The lab itself: that its daemons are the real ones, and tell what is done to them."""
+
+import json
+import subprocess
+
+import pytest
+
+from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_FAILED, STATE_REGISTERED
+from lab.sharing import UNIT
+from lab.update import INSTALLER
+from support import processes
+from support.namespaces import may_be_made
+from support.waiting import wait_until
+
+needs_root = pytest.mark.skipif(not may_be_made(), reason="network namespaces need root")
+
+
+def modem_manager_says(lab):
+    run = subprocess.run(["mmcli", "--output-json", "-m", lab.path], capture_output=True, check=True, timeout=20,
+                         env={**lab.modem_manager.environment})
+    return json.loads(run.stdout)["modem"]
+
+
+def test_a_modem_registers_connects_and_receives_a_message(lab):
+    lab.start_modem()
+    wait_until(lambda: lab.modem_manager.property(lab.path, MODEM, "SignalQuality")[0] == 80, "there is a signal")
+    said = modem_manager_says(lab)
+    assert said["3gpp"]["registration-state"] == "home"
+    assert said["3gpp"]["operator-name"] == "Lab Net" and said["3gpp"]["operator-code"] == "00101"
+    assert said["generic"]["access-technologies"] == ["lte"]
+    sim = lab.modem_manager.property(lab.path, MODEM, "Sim")
+    assert lab.modem_manager.property(sim, "org.freedesktop.ModemManager1.Sim", "Imsi") == "001010123456789"
+
+    lab.modem.order("sms", "+15550123", "Hello, world")
+    messages = f"{MODEM}.Messaging"
+    wait_until(lambda: lab.modem_manager.property(lab.path, messages, "Messages"), "the message has arrived")
+    message = lab.modem_manager.property(lab.path, messages, "Messages")[0]
+    assert lab.modem_manager.property(message, "org.freedesktop.ModemManager1.Sms", "Text") == "Hello, world"
+
+    lab.modem_manager.connect(lab.path)
+    assert lab.modem_manager.state(lab.path) == STATE_CONNECTED
+    lab.modem_manager.disconnect(lab.path)
+    assert lab.modem_manager.state(lab.path) == STATE_REGISTERED
+
+
+def test_a_modem_on_usb_has_a_network_interface_and_notices_that_the_network_has_ended_the_connection(lab):
+    lab.start_modem(on_usb=True)
+    bearer = lab.modem_manager.connect(lab.path)
+    assert lab.modem_manager.property(bearer, "org.freedesktop.ModemManager1.Bearer", "Interface") == "wwan0"
+    lab.modem.order("drop")
+    lab.modem_manager.wait_for(lab.path, MODEM, "State", STATE_REGISTERED)
+
+
+def test_the_modem_comes_back_under_another_path_when_the_sim_is_taken_out(lab):
+    lab.start_modem()
+    lab.modem.order("sim", "out")
+    path = lab.modem_manager.appeared(lab.path)
+    lab.modem_manager.wait_for(path, MODEM, "State", STATE_FAILED)
+    assert lab.modem_manager.property(path, MODEM, "StateFailedReason") == 2
+
+
+def test_the_network_changes_under_a_modem(lab):
+    lab.start_modem()
+    lab.modem.order("register", "roaming")
+    network = f"{MODEM}.Modem3gpp"
+    lab.modem_manager.wait_for(lab.path, network, "RegistrationState", 5)
+    lab.modem.order("operator", "Other Net", "26299")
+    lab.modem_manager.wait_for(lab.path, network, "OperatorName", "Other Net")
+    lab.modem.order("register", "denied")
+    lab.modem_manager.wait_for(lab.path, network, "RegistrationState", 3)
+    lab.modem.order("signal", "9")
+    lab.modem.order("register", "home")
+    lab.modem_manager.wait_for(lab.path, network, "RegistrationState", 1)
+
+
+def test_the_battery_tells_each_change_at_once(lab):
+    lab.start_power()
+    lab.power.battery(9, "charging")
+    path = "/org/freedesktop/UPower/devices/DisplayDevice"
+    assert lab.power.property(path, "org.freedesktop.UPower.Device", "Percentage") == 9
+
+
+@needs_root
+def test_a_phone_joins_an_access_point_and_gets_an_address(lab):
+    lab.start_network()
+    lab.wifi.join("02:00:00:00:00:01")
+    lab.network.lease("02:00:00:00:00:01", "192.168.8.23", "phone")
+    assert lab.wifi.stations() == ["02:00:00:00:00:01"]
+    assert lab.guests.stations() == []
+    assert "02:00:00:00:00:01" in lab.network.capture("ip", "neigh", "show", "dev", "br0")
+    lab.wifi.leave("02:00:00:00:00:01")
+    assert lab.wifi.stations() == []
+
+
+def test_a_receiver_finds_its_position(lab):
+    lab.start_position()
+    with lab.position.watch() as reports:
+        lab.position.find()
+        wait_until(lambda: next(reports)["mode"] == 3, "gpsd tells a fix in three dimensions", 10)
+
+
+@needs_root
+def test_an_update_is_installed_and_another_is_refused(lab):
+    lab.start_update()
+    good, bad = lab.update.bundle(), lab.update.bundle("Another Box")
+    lab.update.hold()
+    lab.update.install(good)
+    lab.update.wait_for("/", INSTALLER, "Operation", "installing")
+    lab.update.let_go()
+    lab.update.wait_until_idle()
+    assert lab.update.property("/", INSTALLER, "LastError") == ""
+    lab.update.install(bad)
+    wait_until(lambda: "Compatible mismatch" in lab.update.property("/", INSTALLER, "LastError"), "it is refused", 10)
+
+
+def test_the_file_server_starts_and_stops(lab):
+    lab.start_sharing()
+    lab.sharing.share()
+    assert lab.sharing.property(UNIT, "org.freedesktop.systemd1.Unit", "ActiveState") == "active"
+
+
+def test_daemons_hang_die_and_come_back(lab):
+    lab.start_power()
+    lab.power.hang()
+    wait_until(lambda: processes.field(lab.power.pid, "State").startswith("T"), "the daemon is stopped")
+    lab.power.resume()
+    lab.power.battery(50)
+    lab.power.kill()
+    assert not lab.bus.has(lab.power.service)
+    lab.power.start()
+    lab.close()
+    assert processes.mentioning(str(lab.folder)) == []
