@@ -1,0 +1,52 @@
+"""scripts/lab, as people use it."""
+
+import os
+import re
+import signal
+import subprocess
+
+import pytest
+
+from lab.service import SERVICE
+from support import paths, processes, web
+from support.waiting import wait_until
+
+SCRIPT = paths.ROOT / "scripts" / "lab"
+
+
+@pytest.fixture
+def running(work):
+    """The script, started on the finished build, in a folder for temporary files of its own."""
+    environment = {**paths.CLEAN_ENVIRONMENT, "TMPDIR": str(work), "KESTAL_BUILD": str(paths.BUILD),
+                   "KESTAL_SERVICE": str(SERVICE)}
+    with (work / "script.output").open("wb") as output:
+        process = subprocess.Popen([str(SCRIPT)], env=environment, stdout=output, stderr=output, start_new_session=True)
+    yield process, environment
+    process.send_signal(signal.SIGTERM)
+    process.wait(30)
+
+
+def test_it_starts_everything_obeys_and_leaves_nothing(running, work):
+    process, environment = running
+    said = work / "script.output"
+
+    def started():
+        assert process.poll() is None, said.read_text()
+        return "Ctrl-C stops it." in said.read_text()
+
+    def order(*words):
+        run = subprocess.run([str(SCRIPT), *words], env=environment, capture_output=True, text=True, timeout=30)
+        return run.returncode, run.stdout + run.stderr
+
+    wait_until(started, "the lab has started")
+    port = int(re.search(r"http://127\.0\.0\.1:(\d+)/", said.read_text())[1])
+    assert b"<html" in web.ask(port, "/").body
+    assert web.ask(port, "/srv/status").status == 200
+    assert order("battery", "9") == (0, "")
+    assert order("signal", "12") == (0, "")
+    assert order("signal", "100")[0] == 1
+
+    process.send_signal(signal.SIGINT)
+    assert process.wait(30) == 0
+    assert processes.mentioning(str(work)) == []
+    assert [name for name in os.listdir(work) if name != said.name] == []
