@@ -11,16 +11,20 @@ Source::Source(Board& newOwner, std::string newName)
     : ownerBoard(newOwner), ownName(std::move(newName)) {}
 
 void Source::Present() {
+    Found(State::present);
+}
+
+void Source::Absent() {
+    // A daemon may come back before its hardware does.
+    Found(State::absent);
+}
+
+void Source::Found(State newState) {
     if (currentState == State::lost) {
         LINUX_LOG(TORU_DBG_NOTICE, "%s: is back", ownName.c_str());
     }
     lossReason.clear();
-    SetState(State::present);
-}
-
-void Source::Absent() {
-    lossReason.clear();
-    SetState(State::absent);
+    SetState(newState);
 }
 
 void Source::Lost(const std::string& why) {

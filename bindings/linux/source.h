@@ -61,6 +61,7 @@ class Source {
     void Changed();
 
   private:
+    void Found(State newState);
     void SetState(State newState);
 
     Board& ownerBoard;

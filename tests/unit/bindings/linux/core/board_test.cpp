@@ -154,6 +154,16 @@ TEST_F(BoardOfOneSource, LostSourceFailsItsCallsUntilItIsBackAndEachIsLoggedOnce
                                    "[LINUX]:[NOTICE] - position: is back"));
 }
 
+TEST_F(BoardOfOneSource, LostSourceIsLoggedToBeBackAlsoWhenItsHardwareIsAbsentThen) {
+    Begin();
+    Publish([this] { source->Set(Source::State::lost); });
+    Publish([this] { source->Set(Source::State::absent); });
+    EXPECT_EQ(GpsStatus().error, 0);
+    Publish([this] { source->Set(Source::State::present); });
+    EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: it has gone",
+                                   "[LINUX]:[NOTICE] - position: is back"));
+}
+
 TEST_F(BoardOfOneSource, SourceThatDoesNotTellWhetherItIsThereDelaysOnlyTheFirstAnswer) {
     Begin(Source::State::unknown);
     // What the document says is answered, although the source is not known.
