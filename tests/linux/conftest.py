@@ -37,5 +37,10 @@ def work():
 @pytest.fixture
 def lab(work):
     made = Lab(work, pytest.skip)
-    yield made
-    made.close()
+    try:
+        yield made
+        if made.service is not None:
+            repeated = {text: count for text, count in made.service.said().items() if count > 1}
+            assert not repeated, "the service has logged a thing more than once"
+    finally:
+        made.close()

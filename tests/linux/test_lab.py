@@ -5,7 +5,7 @@ import subprocess
 
 import pytest
 
-from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_FAILED, STATE_REGISTERED
+from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
 from lab.sharing import UNIT
 from lab.update import INSTALLER
 from support import processes
@@ -41,22 +41,6 @@ def test_a_modem_registers_connects_and_receives_a_message(lab):
     assert lab.modem_manager.state(lab.path) == STATE_CONNECTED
     lab.modem_manager.disconnect(lab.path)
     assert lab.modem_manager.state(lab.path) == STATE_REGISTERED
-
-
-def test_a_modem_on_usb_has_a_network_interface_and_notices_that_the_network_has_ended_the_connection(lab):
-    lab.start_modem(on_usb=True)
-    bearer = lab.modem_manager.connect(lab.path)
-    assert lab.modem_manager.property(bearer, "org.freedesktop.ModemManager1.Bearer", "Interface") == "wwan0"
-    lab.modem.order("drop")
-    lab.modem_manager.wait_for(lab.path, MODEM, "State", STATE_REGISTERED)
-
-
-def test_the_modem_comes_back_under_another_path_when_the_sim_is_taken_out(lab):
-    lab.start_modem()
-    lab.modem.order("sim", "out")
-    path = lab.modem_manager.appeared(lab.path)
-    lab.modem_manager.wait_for(path, MODEM, "State", STATE_FAILED)
-    assert lab.modem_manager.property(path, MODEM, "StateFailedReason") == 2
 
 
 def test_the_network_changes_under_a_modem(lab):

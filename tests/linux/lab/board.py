@@ -46,7 +46,7 @@ class Lab:
         if not self.bus.is_running():
             self.start(self.bus)
 
-    def start_modem(self, enabled=True, on_usb=False):
+    def start_modem(self, sim="in", on_usb=False):
         """ModemManager is told of the modem, or finds it on USB and knows a network interface of it, too."""
         self.start_bus()
         if on_usb:
@@ -56,14 +56,15 @@ class Lab:
             self.modem = Modem(self.folder)
             self.modem_manager = ModemManager(self.folder, self.bus)
         self.start(self.modem, self.authority)
+        self.modem.order("sim", sim)
         self.start(self.modem_manager)
-        self.add_modem(enabled)
+        self.add_modem()
 
-    def add_modem(self, enabled=True):
+    def add_modem(self):
         """Makes the modem known to a ModemManager that has just been started."""
         self.path = self.modem_manager.add(self.modem)
         self.modem_manager.wait_until_known(self.path)
-        if enabled and self.modem_manager.state(self.path) == STATE_DISABLED:
+        if self.modem_manager.state(self.path) == STATE_DISABLED:
             self.modem_manager.enable(self.path)
 
     def start_power(self):

@@ -23,14 +23,17 @@ class Network:
         self.leases = folder / "leases"
         self.leases.touch()
         self.run("ip", "link", "add", BRIDGE, "type", "bridge")
-        for name, other in ((ETHERNET, CABLE), (WIFI, "air"), (GUESTS, "guestair")):
+        for name, other in ((ETHERNET, CABLE), (WIFI, "air"), (GUESTS, "guestair"), (MODEM, "tower")):
+            # Nobody is at the other end, so it must not speak by itself.
             self.run("ip", "link", "add", name, "type", "veth", "peer", "name", other)
-            self.run("ip", "link", "set", name, "master", BRIDGE, "up")
+            self.run("ip", "link", "set", other, "addrgenmode", "none")
+            self.run("ip", "link", "set", name, "up")
+            if name != MODEM:
+                self.run("ip", "link", "set", name, "master", BRIDGE)
+            if name != ETHERNET:
+                self.run("ip", "link", "set", other, "up")
         self.run("ip", "address", "add", f"{ADDRESS}/24", "dev", BRIDGE)
         self.run("ip", "link", "set", BRIDGE, "up")
-        self.run("ip", "link", "add", MODEM, "type", "veth", "peer", "name", "tower")
-        for other in ("air", "guestair", MODEM, "tower"):
-            self.run("ip", "link", "set", other, "up")
 
     def run(self, *command):
         self.namespace.run(*command)
@@ -58,7 +61,7 @@ class Network:
 
     def attach(self, mac, interface=ETHERNET):
         """The bridge has seen this address on one of its ports."""
-        self.run("bridge", "fdb", "replace", mac, "dev", interface, "master")
+        self.run("bridge", "fdb", "replace", mac, "dev", interface, "master", "dynamic")
 
     def detach(self, mac, interface=ETHERNET):
         self.run("bridge", "fdb", "del", mac, "dev", interface, "master")

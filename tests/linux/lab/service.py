@@ -1,12 +1,19 @@
 """The service, built for a Linux board, on the daemons of the lab and behind the web server."""
 
+import collections
 import json
 import os
 import pathlib
+import re
 import shlex
 
 from support import paths
+from support.logs import times
 from support.server import Server
+from support.waiting import wait_until
+
+# Seconds until an answer has to show what a daemon has told, on a machine that does much else.
+DEADLINE = 15.0
 
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", paths.BUILD / "tests" / "linux" / "programs" / "kestal.cgi"))
 
@@ -47,5 +54,42 @@ class Service(Server):
     def write(self):
         self.device.write(json.dumps({**self.answers, "linux": self.settings}, indent=2).encode())
 
-    def notifications(self):
-        return self.ask("/srv/notification").json()["notificationsList"]
+    def shows(self, *without, **values):
+        """Waits until the status has these values, and none of the keys in `without`."""
+        shown = {}
+
+        def holds():
+            nonlocal shown
+            shown = self.status()
+            return values.items() <= shown.items() and not set(without) & set(shown)
+
+        try:
+            wait_until(holds, "the status has changed", DEADLINE)
+        except AssertionError:
+            raise AssertionError(f"{ {key: shown.get(key) for key in (*without, *values)} }, not {values}") from None
+
+    def notifies(self, *types):
+        """Waits until the notifications are these, in any order."""
+        shown = []
+
+        def holds():
+            nonlocal shown
+            shown = [each["id"] for each in self.ask("/srv/notification").json()["notificationsList"]]
+            return sorted(shown) == sorted(types)
+
+        try:
+            wait_until(holds, "the notifications have changed", DEADLINE)
+        except AssertionError:
+            raise AssertionError(f"{shown}, not {types}") from None
+
+    def act(self, name):
+        assert self.ask(f"/srv/{name}").json() == {"loginStatus": 0}
+
+    def said(self):
+        """What the binding has logged, how often."""
+        counts = collections.Counter()
+        for message in self.log.messages():
+            match = re.match(r"\[LINUX\]:\[(?!DEBUG)\w+\] - (.*)", message)
+            if match:
+                counts[match[1]] += times(message)
+        return counts

@@ -1,0 +1,137 @@
+"""The modem's neighbours on a board: what they tell, and what the service answers then."""
+
+import pytest
+
+from support.namespaces import may_be_made
+
+needs_root = pytest.mark.skipif(not may_be_made(), reason="networks and mounts need root")
+
+# Values of StatusBarSoftwareUpdateStatus.
+INSTALLING, INSTALLED, FAILED = 7, 8, 9
+
+PHONE, GUEST, COMPUTER = "02:00:00:00:00:01", "02:00:00:00:00:02", "02:00:00:00:00:03"
+
+
+@pytest.fixture
+def network(lab):
+    """A board with Wi-Fi and Ethernet that nobody is connected to."""
+    lab.start_network()
+    lab.start_service()
+    lab.service.shows(statusBarWiFiEnabled=1, statusBarGuestWifiEnabled=1, statusBarClientListSize="0",
+                      statusBarEthernetPortEnabled="enabled")
+    lab.service.notifies()
+    return lab
+
+
+@needs_root
+def test_a_phone_joins_the_wifi_and_leaves(network):
+    network.wifi.join(PHONE)
+    network.network.lease(PHONE, "192.168.8.23", "phone")
+    network.service.shows(statusBarWiFiClientListSize="1", statusBarClientListSize="1")
+    network.service.notifies("deviceJoinWiFi")
+    network.guests.join(GUEST)
+    network.service.shows(statusBarGuestClientListSize="1", statusBarClientListSize="2")
+    network.wifi.leave(PHONE)
+    network.service.shows(statusBarWiFiClientListSize="0", statusBarClientListSize="1")
+    network.service.notifies("deviceJoinWiFi", "deviceLeave")
+
+
+@needs_root
+def test_a_computer_is_plugged_in(network):
+    network.network.plug()
+    network.service.shows(statusBarEthernetPortEnabled="connected")
+    network.network.attach(COMPUTER)
+    network.network.lease(COMPUTER, "192.168.8.24", "computer")
+    network.service.shows(statusBarClientListSize="1", statusBarWiFiClientListSize="0")
+    network.service.notifies("deviceJoinEthernet")
+    network.network.unplug()
+    network.service.shows(statusBarEthernetPortEnabled="enabled")
+
+
+@needs_root
+def test_the_access_point_is_killed_and_comes_back(network):
+    network.wifi.kill()
+    network.service.shows("statusBarWiFiEnabled")
+    network.wifi.start()
+    network.service.shows(statusBarWiFiEnabled=1)
+    said = network.service.said()
+    assert said["wifi: lost: hostapd is gone"] == 1
+    assert said["wifi: is back"] == 1
+
+
+@needs_root
+def test_the_access_point_hangs(network):
+    network.wifi.hang()
+    network.service.shows("statusBarWiFiEnabled")
+    network.wifi.resume()
+    network.service.shows(statusBarWiFiEnabled=1)
+    assert network.service.said()["wifi: is back"] == 1
+
+
+def test_the_battery_falls_to_nine_percent(lab):
+    lab.start_power()
+    lab.start_service()
+    lab.service.shows(statusBarBatteryDetection="Present", statusBarBatteryPercent="80",
+                      statusBarBatteryChargingState="false")
+    lab.power.battery(9)
+    lab.service.shows(statusBarBatteryPercent="9")
+    lab.power.battery(10, "charging")
+    lab.service.shows(statusBarBatteryPercent="10", statusBarBatteryChargingState="true")
+    lab.power.remove_battery()
+    lab.service.shows(statusBarBatteryDetection="Notpresent")
+
+
+def test_the_battery_is_silent_while_its_daemon_is_gone(lab):
+    lab.start_power()
+    lab.start_service()
+    lab.service.shows(statusBarBatteryPercent="80")
+    lab.power.kill()
+    lab.service.shows("statusBarBatteryPercent")
+    lab.power.start()
+    lab.service.shows(statusBarBatteryPercent="80")
+    said = lab.service.said()
+    assert said["power: lost: UPower is gone"] == 1
+    assert said["power: is back"] == 1
+
+
+def test_the_position_is_found_and_lost(lab):
+    lab.start_position()
+    lab.start_service()
+    lab.service.shows(statusBarGpsStatus="Searching")
+    lab.position.find()
+    lab.service.shows(statusBarGpsStatus="GotFix")
+    lab.position.lose()
+    lab.service.shows(statusBarGpsStatus="Searching")
+
+
+@needs_root
+def test_an_update_installs_and_another_fails(lab):
+    lab.start_update()
+    lab.start_service()
+    lab.update.hold()
+    lab.update.install(lab.update.bundle())
+    lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLING)
+    lab.update.let_go()
+    lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLED)
+    lab.update.install(lab.update.bundle("Another Box"))
+    lab.service.shows(StatusBarSoftwareUpdateStatus=FAILED)
+
+
+def test_everything_goes_when_the_bus_goes_and_comes_back(lab):
+    lab.start_power()
+    lab.start_service()
+    lab.service.shows(statusBarBatteryPercent="80")
+    lab.bus.kill()
+    lab.service.shows("statusBarBatteryPercent")
+    lab.power.kill()
+    lab.bus.start()
+    lab.power.start()
+    lab.service.shows(statusBarBatteryPercent="80")
+
+
+def test_a_board_without_any_daemon_answers(lab):
+    lab.start_service()
+    lab.service.shows(statusBarBatteryDetection="Notpresent", statusBarWiFiEnabled=0, statusBarGpsStatus="GpsOff",
+                      statusBarConnectionState="No Service")
+    lab.service.notifies()
+    assert lab.service.said() == {}
