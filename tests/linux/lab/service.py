@@ -40,10 +40,11 @@ class Service(Server):
         # /sys shows the interfaces of the network that it was mounted in.
         start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0"']
         enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start] if network else []
-        script.write_text(
-            f"#!/bin/sh\nDBUS_SYSTEM_BUS_ADDRESS={shlex.quote(self.lab.bus.address)}\n"
-            f"export DBUS_SYSTEM_BUS_ADDRESS\nexec {shlex.join([*enter, str(SERVICE)])}\n"
-        )
+        state = self.work / "state"
+        state.mkdir(exist_ok=True)
+        variables = {"DBUS_SYSTEM_BUS_ADDRESS": self.lab.bus.address, "STATE_DIRECTORY": str(state)}
+        settings = "".join(f"export {name}={shlex.quote(value)}\n" for name, value in variables.items())
+        script.write_text(f"#!/bin/sh\n{settings}exec {shlex.join([*enter, str(SERVICE)])}\n")
         script.chmod(0o755)
         return script
 
