@@ -10,6 +10,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
 import pytest
 
 from lab.board import Lab
+from support import sanitizers
 
 
 @pytest.hookimpl(hookwrapper=True)
@@ -28,6 +29,7 @@ def work():
     """A folder for one test. Its name is short, because the length of a socket's path is limited."""
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-lab-"))
     yield folder
+    sanitizers.check(folder)
     if "KESTAL_KEEP" in os.environ:
         print(f"kept: {folder}")
     else:

@@ -1,8 +1,11 @@
 """The modem's neighbours on a board: what they tell, and what the service answers then."""
 
+import shutil
+
 import pytest
 
 from support.namespaces import may_be_made
+from support.waiting import wait_until
 
 needs_root = pytest.mark.skipif(not may_be_made(), reason="networks and mounts need root")
 
@@ -46,6 +49,22 @@ def test_a_computer_is_plugged_in(network):
     network.service.notifies("deviceJoinEthernet")
     network.network.unplug()
     network.service.shows(statusBarEthernetPortEnabled="enabled")
+
+
+@needs_root
+def test_a_computer_gets_its_address_from_the_board(network):
+    if shutil.which("busybox") is None:
+        pytest.skip("busybox is not installed")
+    network.start_leases()
+    network.network.plug()
+    network.network.ask_for_address("study")
+    network.service.shows(statusBarClientListSize="1", statusBarWiFiClientListSize="0")
+    network.service.notifies("deviceJoinEthernet")
+
+    def named():
+        return [(client["name"], client["address"][:10]) for client in network.service.told("clients")]
+
+    wait_until(lambda: named() == [("study", "192.168.8.")], "the name of the computer is known", 10)
 
 
 @needs_root

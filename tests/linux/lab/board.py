@@ -4,6 +4,7 @@ import contextlib
 
 from lab.access_point import AccessPoint
 from lab.bus import Authority, Bus
+from lab.leases import Leases
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
 from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
 from lab.position import Position
@@ -28,7 +29,7 @@ class Lab:
         self.power = Power(folder, self.bus)
         self.sharing = Sharing(folder, self.bus)
         self.update = Update(folder, self.bus)
-        self.network = self.wifi = self.guests = self.position = self.service = None
+        self.network = self.leases = self.wifi = self.guests = self.position = self.service = None
         #: Path of the modem at ModemManager.
         self.path = None
 
@@ -87,6 +88,11 @@ class Lab:
         self.wifi = AccessPoint(self.folder, self.network, WIFI, "Lab Box")
         self.guests = AccessPoint(self.folder, self.network, GUESTS, "Lab Guests")
         self.start(self.wifi, self.guests)
+
+    def start_leases(self):
+        """dnsmasq, which writes the leases of the network from then on."""
+        self.leases = Leases(self.folder, self.network)
+        self.start(self.leases)
 
     def start_position(self):
         self.position = Position(self.folder, self.network and self.network.namespace)

@@ -1,5 +1,6 @@
 """The network of the board: a bridge with Ethernet and Wi-Fi, and the phones and computers on it."""
 
+import os
 import subprocess
 import time
 
@@ -22,16 +23,21 @@ class Network:
         self.namespace = Namespace()
         self.leases = folder / "leases"
         self.leases.touch()
+        #: A machine of its own at the other end of the cable.
+        self.computer = Namespace()
         self.run("ip", "link", "add", BRIDGE, "type", "bridge")
-        for name, other in ((ETHERNET, CABLE), (WIFI, "air"), (GUESTS, "guestair"), (MODEM, "tower")):
+        self.run("ip", "link", "add", ETHERNET, "type", "veth", "peer", "name", CABLE,
+                 "netns", f"/proc/{os.getpid()}/fd/{self.computer.file}")
+        self.computer.run("ip", "link", "set", CABLE, "addrgenmode", "none")
+        self.run("ip", "link", "set", ETHERNET, "master", BRIDGE, "up")
+        for name, other in ((WIFI, "air"), (GUESTS, "guestair"), (MODEM, "tower")):
             # Nobody is at the other end, so it must not speak by itself.
             self.run("ip", "link", "add", name, "type", "veth", "peer", "name", other)
             self.run("ip", "link", "set", other, "addrgenmode", "none")
             self.run("ip", "link", "set", name, "up")
             if name != MODEM:
                 self.run("ip", "link", "set", name, "master", BRIDGE)
-            if name != ETHERNET:
-                self.run("ip", "link", "set", other, "up")
+            self.run("ip", "link", "set", other, "up")
         self.run("ip", "address", "add", f"{ADDRESS}/24", "dev", BRIDGE)
         self.run("ip", "link", "set", BRIDGE, "up")
 
@@ -40,10 +46,19 @@ class Network:
 
     def plug(self):
         """The cable of the Ethernet port is put in."""
-        self.run("ip", "link", "set", CABLE, "up")
+        self.computer.run("ip", "link", "set", CABLE, "up")
 
     def unplug(self):
-        self.run("ip", "link", "set", CABLE, "down")
+        self.computer.run("ip", "link", "set", CABLE, "down")
+
+    def ask_for_address(self, name):
+        """The computer asks by DHCP, until it gets an answer."""
+        with self.computer.entered():
+            subprocess.run(
+                ["busybox", "udhcpc", "-i", CABLE, "-f", "-q", "-n", "-t", "20", "-T", "1", "-s", "/bin/true",
+                 "-x", f"hostname:{name}"],
+                check=True, timeout=40, env=paths.CLEAN_ENVIRONMENT, capture_output=True,
+            )
 
     def lease(self, mac, address, name="*", seconds=3600):
         """Writes a lease as dnsmasq does: the whole file anew, with the new one at its end."""
@@ -73,3 +88,4 @@ class Network:
 
     def close(self):
         self.namespace.close()
+        self.computer.close()

@@ -6,6 +6,7 @@ import os
 import pathlib
 import re
 import shlex
+import socket
 
 from support import paths
 from support.logs import times
@@ -85,6 +86,13 @@ class Service(Server):
 
     def act(self, name):
         assert self.ask(f"/srv/{name}").json() == {"loginStatus": 0}
+
+    def told(self, source):
+        """What a source has told the service, as kestal-sources shows it."""
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
+            connection.connect(str(self.sources))
+            report = json.loads(connection.makefile().read())
+        return next(each["said"] for each in report if each["name"] == source)
 
     def said(self):
         """What the binding has logged, how often."""
