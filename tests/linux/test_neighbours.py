@@ -20,8 +20,8 @@ def network(lab):
     """A board with Wi-Fi and Ethernet that nobody is connected to."""
     lab.start_network()
     lab.start_service()
-    lab.service.shows(statusBarWiFiEnabled=1, statusBarGuestWifiEnabled=1, statusBarClientListSize="0",
-                      statusBarEthernetPortEnabled="enabled")
+    lab.service.shows(statusBarWiFiEnabled=1, statusBarGuestWifiEnabled=1, statusBarMaxWiFiClientListSize="64",
+                      statusBarClientListSize="0", statusBarEthernetPortEnabled="enabled")
     lab.service.notifies()
     return lab
 

@@ -5,6 +5,10 @@ import socket
 from lab.daemon import Daemon
 
 
+# As a board with one radio allows.
+MOST_STATIONS = 64
+
+
 class AccessPoint(Daemon):
     """One network name, so one process."""
 
@@ -24,7 +28,7 @@ class AccessPoint(Daemon):
         configuration = self.folder / f"{self.name}.conf"
         configuration.write_text(
             f"interface={self.interface}\ndriver=none\nctrl_interface={self.directory}\n"
-            f"ssid={self.ssid}\nhw_mode=g\nchannel=6\nauth_algs=1\nmax_num_sta=8\n"
+            f"ssid={self.ssid}\nhw_mode=g\nchannel=6\nauth_algs=1\nmax_num_sta={MOST_STATIONS}\n"
         )
         # A process that was killed leaves its socket behind, which would look ready.
         self.control.unlink(missing_ok=True)

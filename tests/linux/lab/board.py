@@ -2,7 +2,7 @@
 
 import contextlib
 
-from lab.access_point import AccessPoint
+from lab.access_point import MOST_STATIONS, AccessPoint
 from lab.bus import Authority, Bus
 from lab.leases import Leases
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
@@ -108,6 +108,7 @@ class Lab:
                 "ethernet": [ETHERNET],
                 "wifi": [WIFI],
                 "guestWifi": [GUESTS],
+                "wifiMaxClients": MOST_STATIONS,
                 "hostapdDirectory": str(self.wifi.directory),
                 "leases": str(self.network.leases),
             }

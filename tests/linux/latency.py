@@ -1,0 +1,98 @@
+#!/usr/bin/python3
+"""Measures how long after a daemon's own word the answer of the service shows it; needs root.
+
+usage: tests/linux/latency.py [REPETITIONS]     50 unless told
+
+It polls, so that each figure is too long by the time of one request at most.
+"""
+
+import os
+import pathlib
+import statistics
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE), str(HERE.parent / "e2e")]
+
+from lab.board import Lab
+from lab.modem_manager import MODEM
+
+NETWORK = f"{MODEM}.Modem3gpp"
+TOO_LATE = 30.0
+
+
+def changes(lab):
+    """For each source: its name, a key of the status, and two states to go to and fro between. A state is
+    the value that is to be shown, and a function that returns when the daemon has told it."""
+
+    def registered(state, number):
+        def change():
+            lab.modem.order("register", state)
+            lab.modem_manager.wait_for(lab.path, NETWORK, "RegistrationState", number)
+
+        return change
+
+    def located(send, found):
+        def change():
+            with lab.position.watch() as reports:
+                send()
+                while (next(reports)["mode"] == 3) != found:
+                    pass
+
+        return change
+
+    phones = []
+
+    def join():
+        # Each time another one: hostapd keeps one that has left for a while.
+        phones.append(f"02:00:00:00:00:{len(phones):02x}")
+        lab.wifi.join(phones[-1])
+
+    yield "modem", "statusBarConnectionState", ("No Service", registered("denied", 3)), ("Ready", registered("home", 1))
+    yield ("battery", "statusBarBatteryPercent", ("9", lambda: lab.power.battery(9)),
+           ("80", lambda: lab.power.battery(80)))
+    yield "Wi-Fi", "statusBarWiFiClientListSize", ("1", join), ("0", lambda: lab.wifi.leave(phones[-1]))
+    yield ("Ethernet", "statusBarEthernetPortEnabled", ("connected", lab.network.plug),
+           ("enabled", lab.network.unplug))
+    yield "position", "statusBarGpsStatus", ("GotFix", located(lab.position.find, True)), (
+        "Searching", located(lab.position.lose, False))
+
+
+def measure(lab, key, states, repetitions):
+    """Milliseconds of each change."""
+    taken = []
+    for number in range(repetitions):
+        value, change = states[number % 2]
+        change()
+        begin = time.monotonic()
+        while lab.service.status().get(key) != value:
+            if time.monotonic() - begin > TOO_LATE:
+                sys.exit(f"{key} does not become {value}")
+        taken.append(1000 * (time.monotonic() - begin))
+    return taken
+
+
+def main():
+    repetitions = int(sys.argv[1]) if len(sys.argv) > 1 else 50
+    with tempfile.TemporaryDirectory(prefix="kestal-lab-") as folder:
+        lab = Lab(pathlib.Path(folder), sys.exit)
+        try:
+            lab.start_modem()
+            lab.start_power()
+            lab.start_network()
+            lab.start_position()
+            lab.start_service()
+            lab.service.shows(statusBarConnectionState="Ready", statusBarBatteryPercent="80",
+                              statusBarWiFiClientListSize="0", statusBarGpsStatus="Searching")
+            print(f"load {os.getloadavg()[0]:.1f} on {os.cpu_count()} processors, {repetitions} changes each")
+            print("source      median ms   worst ms")
+            for name, key, *states in changes(lab):
+                taken = measure(lab, key, states, repetitions)
+                print(f"{name:10} {statistics.median(taken):10.1f} {max(taken):10.1f}", flush=True)
+        finally:
+            lab.close()
+
+
+main()
