@@ -120,3 +120,28 @@ def test_a_message_arrives(board):
     board.modem.order("sms", "+15550123", "Hello")
     board.service.shows(statusBarSmsUnreadCount="1")
     board.service.notifies("smsReceived")
+
+
+def test_the_modem_hangs_while_somebody_connects(board):
+    board.modem.hang()
+    board.service.act("connect")
+    # The answer comes although no command of the modem does.
+    board.service.shows(statusBarConnectionState="Connecting")
+    board.modem.resume()
+    board.service.shows(statusBarConnectionState="Connected")
+
+
+def test_somebody_disconnects_while_the_modem_still_connects(board):
+    board.modem.hang()
+    board.service.act("connect")
+    board.service.shows(statusBarConnectionState="Connecting")
+    board.service.act("disconnect")
+    board.modem.resume()
+    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
+    board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+
+
+def test_an_operator_may_have_any_name(board):
+    name = "'><script>alert(1)</script>"
+    board.modem.order("operator", name, "26299")
+    board.service.shows(statusBarNetwork=name)
