@@ -113,6 +113,18 @@ def test_the_battery_is_silent_while_its_daemon_is_gone(lab):
     assert said["power: is back"] == 1
 
 
+def test_what_the_document_says_stands_in_place_of_a_daemon(lab):
+    lab.start_power()
+    lab.start_service()
+    lab.service.shows(statusBarBatteryPercent="80")
+    lab.service.answers = {"sys": {"getBatteryStatus": {"error": 5}}}
+    lab.service.write()
+    lab.service.shows("statusBarBatteryPercent")
+    lab.service.answers = {}
+    lab.service.write()
+    lab.service.shows(statusBarBatteryPercent="80")
+
+
 def test_the_position_is_found_and_lost(lab):
     lab.start_position()
     lab.start_service()

@@ -28,7 +28,6 @@ class Service(Server):
         #: What the document says in place of the daemons.
         self.answers = {}
         self.environment["KESTAL_RESPONDER"] = str(self._responder())
-
         self.sources = self.work / "sources"
         self.environment["KESTAL_SOURCES"] = str(self.sources)
         if page:
@@ -38,9 +37,11 @@ class Service(Server):
         """The web server hands few variables on, and is in another network than the board."""
         script = self.work / "responder"
         network = self.lab.network and self.lab.network.namespace
-        # /sys shows the interfaces of the network that it was mounted in.
-        start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0"']
-        enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start] if network else []
+        enter = []
+        if network:
+            # /sys shows the interfaces of the network that it was mounted in.
+            start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0"']
+            enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start]
         state = self.work / "state"
         state.mkdir(exist_ok=True)
         variables = {"DBUS_SYSTEM_BUS_ADDRESS": self.lab.bus.address, "STATE_DIRECTORY": str(state)}
