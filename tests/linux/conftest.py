@@ -46,3 +46,14 @@ def lab(work):
             assert not repeated, "the service has logged a thing more than once"
     finally:
         made.close()
+
+
+@pytest.fixture
+def board(lab):
+    """A board whose modem is registered and whose service says so."""
+    lab.start_modem()
+    lab.start_service()
+    lab.service.shows(statusBarSimStatus="Ready", statusBarNetwork="Lab Net", statusBarNetworkID="00101",
+                      statusBarTechnology="LTE", statusBarSignalBars="5", statusBarConnectionState="Ready")
+    lab.service.notifies()
+    return lab

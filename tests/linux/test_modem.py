@@ -1,22 +1,13 @@
 """The modem: what happens to it, and what the service answers then."""
 
-import pytest
+import subprocess
 
-from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
+from lab.modem_manager import MODEM
+from support import paths
 
 # What only the modem tells.
 TOLD_BY_MODEM = ("statusBarSimStatus", "statusBarNetwork", "statusBarSignalBars", "statusBarConnectionState")
-
-
-@pytest.fixture
-def board(lab):
-    """A board whose modem is registered and whose service says so."""
-    lab.start_modem()
-    lab.start_service()
-    lab.service.shows(statusBarSimStatus="Ready", statusBarNetwork="Lab Net", statusBarNetworkID="00101",
-                      statusBarTechnology="LTE", statusBarSignalBars="5", statusBarConnectionState="Ready")
-    lab.service.notifies()
-    return lab
+MESSAGES = paths.BUILD / "tools" / "kestal-messages"
 
 
 def test_the_sim_is_taken_out(board):
@@ -56,34 +47,6 @@ def test_the_modem_is_in_another_network(board):
     board.service.notifies("roamingInternational")
 
 
-def test_somebody_connects_and_disconnects_on_the_page(board):
-    board.service.act("connect")
-    board.service.shows(statusBarConnectionState="Connected")
-    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_CONNECTED)
-    board.service.act("disconnect")
-    board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
-    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
-    board.service.notifies("dataOff")
-
-
-def test_the_network_refuses_the_data_connection(board):
-    board.modem.order("refuse", 33)
-    board.service.act("connect")
-    board.service.shows(statusBarConnectionState="Ready")
-    board.modem.order("refuse", "nothing")
-    board.service.act("connect")
-    board.service.shows(statusBarConnectionState="Connected")
-
-
-def test_the_network_ends_the_data_connection(lab):
-    lab.start_modem(on_usb=True)
-    lab.start_service()
-    lab.modem_manager.connect(lab.path)
-    lab.service.shows(statusBarConnectionState="Connected")
-    lab.modem.order("drop")
-    lab.service.shows(statusBarConnectionState="Ready")
-
-
 def test_the_sim_asks_for_its_pin(lab):
     lab.start_modem(sim="locked")
     lab.start_service()
@@ -120,25 +83,11 @@ def test_a_message_arrives(board):
     board.modem.order("sms", "+15550123", "Hello")
     board.service.shows(statusBarSmsUnreadCount="1")
     board.service.notifies("smsReceived")
-
-
-def test_the_modem_hangs_while_somebody_connects(board):
-    board.modem.hang()
-    board.service.act("connect")
-    # The answer comes although no command of the modem does.
-    board.service.shows(statusBarConnectionState="Connecting")
-    board.modem.resume()
-    board.service.shows(statusBarConnectionState="Connected")
-
-
-def test_somebody_disconnects_while_the_modem_still_connects(board):
-    board.modem.hang()
-    board.service.act("connect")
-    board.service.shows(statusBarConnectionState="Connecting")
-    board.service.act("disconnect")
-    board.modem.resume()
-    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
-    board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    environment = {**board.service.environment, "STATE_DIRECTORY": str(board.folder / "state")}
+    shown = subprocess.run([MESSAGES, "read", "unread"], env=environment, capture_output=True, check=True, timeout=20)
+    assert b"Hello" in shown.stdout
+    board.service.shows(statusBarSmsUnreadCount="0")
+    board.service.notifies()
 
 
 def test_an_operator_may_have_any_name(board):

@@ -1,0 +1,50 @@
+"""The data connection: who starts and ends it, and what the service answers then."""
+
+from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
+
+
+def test_somebody_connects_and_disconnects_on_the_page(board):
+    board.service.act("connect")
+    board.service.shows(statusBarConnectionState="Connected")
+    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_CONNECTED)
+    board.service.act("disconnect")
+    board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
+    board.service.notifies("dataOff")
+
+
+def test_the_network_refuses_the_data_connection(board):
+    board.modem.order("refuse", 33)
+    board.service.act("connect")
+    board.service.shows(statusBarConnectionState="Ready")
+    board.modem.order("refuse", "nothing")
+    board.service.act("connect")
+    board.service.shows(statusBarConnectionState="Connected")
+
+
+def test_the_network_ends_the_data_connection(lab):
+    lab.start_modem(on_usb=True)
+    lab.start_service()
+    lab.modem_manager.connect(lab.path)
+    lab.service.shows(statusBarConnectionState="Connected")
+    lab.modem.order("drop")
+    lab.service.shows(statusBarConnectionState="Ready")
+
+
+def test_the_modem_hangs_while_somebody_connects(board):
+    board.modem.hang()
+    board.service.act("connect")
+    # The answer comes although no command of the modem does.
+    board.service.shows(statusBarConnectionState="Connecting")
+    board.modem.resume()
+    board.service.shows(statusBarConnectionState="Connected")
+
+
+def test_somebody_disconnects_while_the_modem_still_connects(board):
+    board.modem.hang()
+    board.service.act("connect")
+    board.service.shows(statusBarConnectionState="Connecting")
+    board.service.act("disconnect")
+    board.modem.resume()
+    board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
+    board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
