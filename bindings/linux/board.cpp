@@ -62,6 +62,7 @@ Board::Board(SourceFactory newFactory)
     : factory(std::move(newFactory)),
       event(NewEvent()),
       wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      published(std::make_shared<const Device>(AbsentDevice())),
       readiness(kNothingToConnect) {
     if (wakeUpDescriptor < 0) {
         ThrowSystemError("event loop: eventfd");
@@ -91,8 +92,8 @@ std::shared_ptr<const Device> Board::Newest() {
         // The next request does not wait, whatever is missing.
         settled = true;
     }
-    if (published && traffic.Update(std::chrono::steady_clock::now())) {
-        auto& answer = published->getCellularDataConnectionStats;
+    if (traffic.Update(std::chrono::steady_clock::now())) {
+        const auto& answer = published->getCellularDataConnectionStats;
         if (answer.error == 0 && !document.device.getCellularDataConnectionStats.named) {
             auto fresh = std::make_shared<Device>(*published);
             fresh->getCellularDataConnectionStats.value = traffic.Stats();
@@ -147,6 +148,7 @@ void Board::Run() {
         Loop();
     } catch (const std::exception& error) {
         LINUX_LOG(TORU_DBG_ERROR, "the board's thread has ended: %s", error.what());
+        GiveUp();
     }
     reportServer.reset();
     check.Reset();
@@ -156,6 +158,17 @@ void Board::Run() {
     sources.clear();
     bus.reset();
     wakeUp.Reset();
+}
+
+void Board::GiveUp() {
+    readiness = kNothingToConnect;
+    Device device = AbsentDevice();
+    for (const auto& source : sources) {
+        source->Fail(device, kSourceLost);
+    }
+    const std::scoped_lock lock(mutex);
+    Overlay(device, document.device);
+    published = std::make_shared<const Device>(std::move(device));
 }
 
 void Board::Loop() {
@@ -269,10 +282,15 @@ void Board::MakeSources() {
 
 void Board::StartCheck() {
     check.After(event.get(), document.settings.checkSeconds * kSecond, kSecond, [this] {
-        for (const auto& source : sources) {
-            source->Check();
-        }
+        // First, so that a source that throws does not end the checks.
         StartCheck();
+        for (const auto& source : sources) {
+            try {
+                source->Check();
+            } catch (const std::exception& error) {
+                LINUX_LOG(TORU_DBG_ERROR, "%s: check: %s", source->Name().c_str(), error.what());
+            }
+        }
     });
 }
 
@@ -295,8 +313,8 @@ void Board::Publish() {
     }
     Overlay(device, document.device);
     if (document.device.channels.count(ANS_NOTIFICATION_CHANNEL) == 0) {
-        AwaitNotificationEnd(
-            notifications.Publish(device, document.settings, std::chrono::steady_clock::now()));
+        AwaitNotificationEnd(notifications.Publish(
+            device, document.settings, std::chrono::steady_clock::now(), AllKnown(sources)));
     }
     published = std::make_shared<const Device>(std::move(device));
     if (!settled && AllKnown(sources)) {

@@ -84,6 +84,7 @@ class Board {
 
   private:
     void Run();
+    void GiveUp();
     void Loop();
     void ReadDocument();
     void ServeReports();

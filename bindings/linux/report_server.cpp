@@ -18,6 +18,7 @@ namespace {
 
 /// Clients that do not read must not cost more than this.
 constexpr std::size_t kMostClients = 4;
+constexpr std::uint64_t kSecond = 1'000'000;
 
 int NewSocket() {
     return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
@@ -79,18 +80,26 @@ ReportServer::ReportServer(sd_event* newEvent, std::string newPath, MakeReport n
       makeReport(std::move(newMakeReport)),
       listener(NewSocket()) {
     Listen(listener.Number(), path);
-    connections.WatchDescriptor(event, listener.Number(), EPOLLIN,
-                                [this](std::uint32_t /*events*/) { Accept(); });
+    AwaitClients();
 }
 
 ReportServer::~ReportServer() {
     (void)unlink(path.c_str());
 }
 
+void ReportServer::AwaitClients() {
+    connections.WatchDescriptor(event, listener.Number(), EPOLLIN,
+                                [this](std::uint32_t /*events*/) { Accept(); });
+}
+
 void ReportServer::Accept() {
     const int descriptor =
+        // cppcheck-suppress nullPointer ; nobody asks for the address of the client
         accept4(listener.Number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
     if (descriptor < 0) {
+        // Without a free descriptor, the client goes on waiting, and the loop must not turn
+        // meanwhile.
+        connections.After(event, kSecond, kSecond, [this] { AwaitClients(); });
         return;
     }
     const auto client = std::make_shared<Client>(descriptor);

@@ -33,6 +33,7 @@ class ReportServer {
   private:
     struct Client;
 
+    void AwaitClients();
     void Accept();
     void Send(const std::shared_ptr<Client>& client);
     void Drop(const std::shared_ptr<Client>& client);

@@ -22,6 +22,15 @@ void ReadNames(const Node& node, std::vector<std::string>& names) {
     }
 }
 
+void ReadSeconds(const Node& node, std::uint32_t& seconds) {
+    constexpr std::uint32_t kMost = 86400;
+    const auto number = NumberOf<std::uint32_t>(node.Value());
+    if (!number || *number < 1 || *number > kMost) {
+        node.Expected("a number of seconds from 1 to 86400");
+    }
+    seconds = *number;
+}
+
 template <typename Value>
 void Find(Members& members, const char* name, Value& value,
           void (*read)(const Node& node, Value& value)) {
@@ -53,10 +62,10 @@ void ReadSettings(const Node& node, Settings& settings) {
     Find(members, "updateSocket", settings.updateSocket, ReadName);
     members.Field("planBytes", settings.planBytes);
     Find(members, "mutedNotifications", settings.mutedNotifications, ReadNames);
-    members.Field("clientNotificationSeconds", settings.clientNotificationSeconds)
-        .Field("checkSeconds", settings.checkSeconds)
-        .Field("silenceSeconds", settings.silenceSeconds)
-        .RejectOthers();
+    Find(members, "clientNotificationSeconds", settings.clientNotificationSeconds, ReadSeconds);
+    Find(members, "checkSeconds", settings.checkSeconds, ReadSeconds);
+    Find(members, "silenceSeconds", settings.silenceSeconds, ReadSeconds);
+    members.RejectOthers();
 }
 
 }  // namespace binding

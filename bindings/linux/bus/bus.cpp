@@ -132,8 +132,13 @@ void Bus::SetConnected(bool newConnected) {
 void Bus::TellListeners() {
     const auto told = listeners;
     for (const auto& listener : told) {
-        if (const auto changed = listener.lock()) {
-            (*changed)(connected);
+        const auto changed = listener.lock();
+        try {
+            if (changed) {
+                (*changed)(connected);
+            }
+        } catch (const std::exception& error) {
+            LINUX_LOG(TORU_DBG_ERROR, "system bus: %s", error.what());
         }
     }
     std::erase_if(listeners, [](const auto& listener) { return listener.expired(); });

@@ -14,6 +14,7 @@ using nlohmann::json;
 
 constexpr const char* kBusName = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
+constexpr const char* kNameHasNoOwner = "org.freedesktop.DBus.Error.NameHasNoOwner";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kObjectManager = "org.freedesktop.DBus.ObjectManager";
 
@@ -64,15 +65,20 @@ void BusObjects::OnConnection(bool connected) {
     ownerChanges.Begin(
         bus, SignalRule(kBusName, kBusName, "NameOwnerChanged") + ",arg0='" + daemon.service + "'",
         [this](sd_bus_message* message) { OnOwner(TextAt(Arguments(message), 2)); });
+    AskForOwner();
+}
+
+void BusObjects::AskForOwner() {
     const Bus::Append service = [this](sd_bus_message* message) {
         return sd_bus_message_append(message, "s", daemon.service.c_str());
     };
     const std::uint64_t number = nextCall++;
     calls[number] = bus.Call(
         kBusName, kBusPath, kBusName, "GetNameOwner", service,
-        [this, number](const json& arguments, const std::string& /*error*/) {
+        [this, number](const json& arguments, const std::string& error) {
             const auto kept = calls.extract(number);
-            // An error says that nobody has the name.
+            // Any other error leaves it open whether somebody has the name.
+            isOwnerKnown = error.empty() || error == kNameHasNoOwner;
             OnOwner(TextAt(arguments, 0));
         },
         daemon.limit);
@@ -232,6 +238,10 @@ void BusObjects::Forget(const std::string& path) {
 }
 
 void BusObjects::Check() {
+    if (!isOwnerKnown && bus.IsConnected()) {
+        AskForOwner();
+        return;
+    }
     if (owner.empty() || ping) {
         return;
     }

@@ -59,7 +59,8 @@ class BusObjects {
 
   private:
     void OnConnection(bool connected);
-    void OnOwner(const std::string& owner);
+    void AskForOwner();
+    void OnOwner(const std::string& newOwner);
     void OnProperties(sd_bus_message* message);
     void OnInterfaces(sd_bus_message* message, bool added);
     void ReadAll();
@@ -77,6 +78,7 @@ class BusObjects {
     nlohmann::json tree = nlohmann::json::object();
     std::map<std::string, std::vector<std::string>> watched;
     std::string owner;
+    bool isOwnerKnown = true;
 
     std::shared_ptr<void> connection;
     BusMatch ownerChanges;

@@ -26,6 +26,9 @@ Path NextOnTheWay(const Path& folder, const Path& path) {
     return next;
 }
 
+/// Rounds in which folders that appear meanwhile are looked for.
+constexpr int kMostRounds = 8;
+
 bool IsFolder(const Path& path) {
     std::error_code error;
     return std::filesystem::is_directory(path, error);
@@ -40,6 +43,8 @@ PathWatch::PathWatch(sd_event* newEvent, Path newPath, std::function<void()> new
 
 void PathWatch::WatchNearest() {
     folder = path.parent_path();
+    // A folder may be there and yet not be watched, for want of rights or of watches.
+    int rounds = 0;
     while (true) {
         try {
             const std::uint32_t contents = folder == path.parent_path() ? kContents : 0;
@@ -54,7 +59,7 @@ void PathWatch::WatchNearest() {
         }
         // The next folder may have appeared before this one was watched.
         const Path next = NextOnTheWay(folder, path);
-        if (next == path || !IsFolder(next)) {
+        if (next == path || !IsFolder(next) || ++rounds == kMostRounds) {
             return;
         }
         folder = path.parent_path();

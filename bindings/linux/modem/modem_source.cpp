@@ -99,7 +99,8 @@ void ModemSource::RefreshModem() {
         return;
     }
     const json& object = Member(objects.Tree(), path);
-    const json& messaging = Member(object, kMessagingInterface);
+    // A copy, because following other objects changes the tree.
+    const json messaging = Member(object, kMessagingInterface);
     const std::vector<std::string> sms = MessagePaths(messaging);
     FollowObjects(Member(object, kModemInterface), sms);
     cellQuery.Update(objects.Tree(), path);

@@ -98,12 +98,11 @@ void AccessPoint::Connect() {
     socket.emplace(descriptor);
     silent = false;
     restarts = 0;
-    commands.clear();
     incoming.WatchDescriptor(event, descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
-    Ask(kAttach);
-    Ask(kStatus);
-    Ask(kFirstStation);
+    // All at once, because sending may end the conversation.
+    commands = {kAttach, kStatus, kFirstStation};
+    SendNext();
 }
 
 void AccessPoint::Ask(const std::string& command) {

@@ -65,8 +65,13 @@ void RouteSocket::Receive() {
     while (true) {
         const ssize_t size = ReceiveFromKernel(socket.Number(), buffer.data(), buffer.size());
         if (size == kMessagesLost) {
-            // What got lost cannot be told, so all is listed again.
-            AskForAll();
+            // What got lost cannot be told, so all is listed again. The kernel refuses a second
+            // list while it tells one.
+            if (lists.empty()) {
+                AskForAll();
+            } else {
+                again = true;
+            }
             continue;
         }
         if (size < 0) {
@@ -91,7 +96,10 @@ bool RouteSocket::Take(const NetworkMessage& message) {
     listed.Apply(message);
     if (std::holds_alternative<ListComplete>(message)) {
         lists.pop_front();
-        if (lists.empty()) {
+        if (lists.empty() && again) {
+            again = false;
+            AskForAll();
+        } else if (lists.empty()) {
             table = std::move(listed);
             complete = true;
             isChanged = true;

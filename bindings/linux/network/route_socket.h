@@ -48,6 +48,7 @@ class RouteSocket {
     /// What is still to be listed: the kernel answers one request for a list at a time.
     std::deque<List> lists;
     bool complete = false;
+    bool again = false;  ///< whether all is to be listed once more
     EventSource incoming;
 };
 

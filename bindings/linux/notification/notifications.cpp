@@ -161,8 +161,10 @@ std::vector<std::string_view> NotificationsOf(const Device& device, const Settin
 }
 
 std::optional<Notifications::Time> Notifications::Publish(Device& device, const Settings& settings,
-                                                          Time now) {
-    NoteClients(device, settings, now);
+                                                          Time now, bool isComplete) {
+    if (isComplete) {
+        NoteClients(device, settings, now);
+    }
     std::erase_if(events, [now](const Event& event) { return event.until <= now; });
     std::vector<std::string_view> types = NotificationsOf(device, settings);
     std::optional<Time> next;

@@ -24,9 +24,11 @@ class Notifications {
   public:
     using Time = std::chrono::steady_clock::time_point;
 
-    /// Publishes the list on the channel of @p device, whose answers are complete, unless the
-    /// device already has a list that is not empty. Returns when the list changes by itself.
-    std::optional<Time> Publish(Device& device, const Settings& settings, Time now);
+    /// Publishes the list on the channel of @p device, whose other answers are complete. Returns
+    /// when the list changes by itself. Clients are counted only if @p isComplete, that is, if all
+    /// sources have told what there is.
+    std::optional<Time> Publish(Device& device, const Settings& settings, Time now,
+                                bool isComplete);
 
   private:
     struct Event {

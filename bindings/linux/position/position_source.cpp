@@ -150,6 +150,10 @@ void PositionSource::Send(const char* request) {
 }
 
 void PositionSource::ExpectAnswer() {
+    // An answer that is overdue stays overdue when something else is asked.
+    if (limit.IsArmed()) {
+        return;
+    }
     const std::uint64_t patience = GetBoard().GetSettings().silenceSeconds * kSecond;
     limit.After(GetBoard().Event(), patience, patience / 16,
                 [this] { Disconnect("gpsd does not answer"); });

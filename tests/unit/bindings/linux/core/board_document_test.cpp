@@ -59,6 +59,11 @@ TEST(BoardDocument, WhatIsWrongIsToldWithItsLine) {
     EXPECT_EQ(ProblemOf("{\n\"sys\": {\"getGPSStatus\": \"x\"}}"),
               "device.json:2: sys.getGPSStatus: expected a 32-bit integer or {\"error\": N}, found "
               "a text");
+    for (const std::string name : {"checkSeconds", "silenceSeconds", "clientNotificationSeconds"}) {
+        EXPECT_EQ(ProblemOf("{\"linux\": {\"" + name + "\": 0}}"),
+                  "device.json:1: linux." + name +
+                      ": expected a number of seconds from 1 to 86400, found 0");
+    }
     EXPECT_THAT(ProblemOf("{\"linux\": {\"wify\": []}}"), ::testing::HasSubstr("wify"));
     EXPECT_THAT(ProblemOf("[]"), ::testing::HasSubstr("expected an object"));
 }

@@ -48,7 +48,7 @@ std::vector<AnsNotificationRecord> Records(const Device& device) {
 
 std::vector<std::string> Published(Device device, const Settings& settings = {}) {
     binding::Notifications notifications;
-    (void)notifications.Publish(device, settings, kStart);
+    (void)notifications.Publish(device, settings, kStart, true);
     std::vector<std::string> types;
     for (const AnsNotificationRecord& record : Records(device)) {
         types.emplace_back(record.id);
@@ -161,7 +161,7 @@ TEST(Notifications, RecordHasSeverityAndMessageIdsOfItsType) {
     Device device = Registered();
     Tell(device.getSIMStatus, SYS_SIM_PUK_LOCKED);
     binding::Notifications notifications;
-    (void)notifications.Publish(device, {}, kStart);
+    (void)notifications.Publish(device, {}, kStart, true);
     const auto records = Records(device);
     ASSERT_EQ(records.size(), 1U);
     EXPECT_STREQ(records[0].category, "sim");
@@ -182,7 +182,7 @@ class ClientNotifications : public ::testing::Test {
             record.connectionKind = client < wifi ? SYS_CONNECTION_WIFI : SYS_CONNECTION_WIRED_A;
             device.getConnectedDeviceList.value.push_back(record);
         }
-        end = notifications.Publish(device, {}, kStart + at);
+        end = notifications.Publish(device, {}, kStart + at, true);
         std::vector<std::string> types;
         for (const AnsNotificationRecord& record : Records(device)) {
             types.emplace_back(record.id);
@@ -197,6 +197,14 @@ class ClientNotifications : public ::testing::Test {
 TEST_F(ClientNotifications, ClientsThatWereThereAtTheStartHaveNotJoined) {
     EXPECT_THAT(After(seconds(0), 2, 1), IsEmpty());
     EXPECT_EQ(end, std::nullopt);
+}
+
+TEST_F(ClientNotifications, ClientsAreNotCountedBeforeAllSourcesHaveTold) {
+    Device device = Registered();
+    (void)notifications.Publish(device, {}, kStart, false);
+    EXPECT_THAT(After(seconds(1), 2, 1), IsEmpty());
+    (void)notifications.Publish(device, {}, kStart + seconds(2), false);
+    EXPECT_THAT(After(seconds(3), 2, 1), IsEmpty());
 }
 
 TEST_F(ClientNotifications, ClientThatJoinsIsShownForAMinute) {
