@@ -1,13 +1,12 @@
 #include "bindings/linux/absent_device.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
-#include <cstring>
-#include <string_view>
 #include <vector>
 
 #include "bindings/linux/source.h"
+#include "bindings/linux/text.h"
+#include "bindings/linux/text_field.h"
 #include "platform/notification.h"
 #include "platform/sysint_queries.h"
 
@@ -20,10 +19,9 @@ constexpr int kDefaultWatchdogInterval = 60;
 /// A third of the time after which the service manager thinks that the service hangs.
 int WatchdogInterval() {
     const char* const text = std::getenv("WATCHDOG_USEC");
-    const std::string_view digits = text == nullptr ? "" : text;
-    std::uint64_t microseconds = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), microseconds);
-    if (result.ec != std::errc() || microseconds == 0) {
+    const std::uint64_t microseconds =
+        NumberIn<std::uint64_t>(text == nullptr ? "" : text).value_or(0);
+    if (microseconds == 0) {
         return kDefaultWatchdogInterval;
     }
     constexpr std::uint64_t kThirdOfASecond = 3'000'000;
@@ -67,7 +65,7 @@ Device AbsentDevice() {
     device.uriData.named = true;
     device.externalUriData.named = true;
     device.i18nSettings.named = true;
-    std::strcpy(device.i18nSettings.value.language, "en_US");
+    PutText(device.i18nSettings.value.language, "en_US");
     device.softwareUpdateStatus.named = true;
     device.softwareInstallationDuration.named = true;
     device.softwareUpdateCustomMsgs.named = true;

@@ -3,7 +3,6 @@
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 #include <utility>
+
+#include "bindings/linux/kernel/unix_socket.h"
 
 namespace binding {
 
@@ -20,29 +21,22 @@ namespace {
 constexpr std::size_t kMostClients = 4;
 constexpr std::uint64_t kSecond = 1'000'000;
 
-int NewSocket() {
-    return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-}
-
 void Listen(int listener, const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
-        errno = ENAMETOOLONG;
+    const auto address = SocketAddress(path);
+    if (!address) {
         ThrowSystemError(path);
     }
-    std::copy(path.begin(), path.end(), address.sun_path);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how sockets take addresses
-    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
-    const FileDescriptor other(NewSocket());
-    if (connect(other.Number(), name, sizeof address) == 0) {
+    const FileDescriptor other(ConnectToSocket(path, SOCK_STREAM));
+    if (other.Number() >= 0) {
         // The socket of the service stays the service's when a tool has the same environment.
         errno = EADDRINUSE;
         ThrowSystemError(path);
     }
     // A process that was killed has left its socket behind.
     (void)unlink(path.c_str());
-    if (fchmod(listener, S_IRUSR | S_IWUSR) != 0 || bind(listener, name, sizeof address) != 0 ||
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
+    const auto* const name = reinterpret_cast<const sockaddr*>(&*address);
+    if (fchmod(listener, S_IRUSR | S_IWUSR) != 0 || bind(listener, name, sizeof *address) != 0 ||
         listen(listener, static_cast<int>(kMostClients)) != 0) {
         ThrowSystemError(path);
     }
@@ -78,7 +72,7 @@ ReportServer::ReportServer(sd_event* newEvent, std::string newPath, MakeReport n
     : event(newEvent),
       path(std::move(newPath)),
       makeReport(std::move(newMakeReport)),
-      listener(NewSocket()) {
+      listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
     Listen(listener.Number(), path);
     AwaitClients();
 }

@@ -1,12 +1,7 @@
 #include "bindings/linux/traffic.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <array>
-#include <charconv>
-
-#include "bindings/posix/files/file_io.h"
+#include "bindings/linux/kernel/attribute_file.h"
+#include "bindings/linux/text.h"
 
 namespace binding {
 
@@ -16,10 +11,9 @@ constexpr const char* kClassNet = "/sys/class/net";
 constexpr std::chrono::seconds kInterval{1};
 
 bool ReadCounter(const std::string& path, std::uint64_t& counter) {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<char, 32> text{};
-    const ssize_t size = file.Number() < 0 ? -1 : read(file.Number(), text.data(), text.size());
-    return size > 0 && std::from_chars(text.data(), text.data() + size, counter).ec == std::errc();
+    const auto number = NumberIn<std::uint64_t>(ReadAttribute(path).value_or(""));
+    counter = number.value_or(0);
+    return number.has_value();
 }
 
 /// Bytes since @p before; a counter that is smaller than before has begun anew.

@@ -1,6 +1,5 @@
 // kestal-messages: shows the messages that the modem of a Linux board has received, and remembers
 // which of them have been read.
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
@@ -13,21 +12,12 @@
 
 namespace {
 
-std::string& SocketPath() {
-    static std::string path = [] {
-        const char* const named = std::getenv("KESTAL_SOURCES");
-        return std::string(named == nullptr || *named == '\0' ? "/run/kestal/sources" : named);
-    }();
-    return path;
-}
-
 void List(const Arguments& /*arguments*/, std::ostream& out) {
-    WriteMessageList(out, MessagesIn(ReadReport(SocketPath())));
+    WriteMessageList(out, MessagesIn(ReadReport()));
 }
 
 void Read(const Arguments& arguments, std::ostream& out) {
-    const auto messages =
-        MessagesNamed(MessagesIn(ReadReport(SocketPath())), arguments.Value("message"));
+    const auto messages = MessagesNamed(MessagesIn(ReadReport()), arguments.Value("message"));
     std::vector<std::string> keys;
     for (const ReceivedMessage& message : messages) {
         WriteMessage(out, message);
@@ -52,11 +42,7 @@ Tool MessagesTool() {
                                           .description = "Its id in the list, or unread for all "
                                                          "that have not been read"}},
                           .run = Read}},
-            .settings = {{.option = {.name = "--socket",
-                                     .description = "Where the service tells it (KESTAL_SOURCES, "
-                                                    "or else /run/kestal/sources)",
-                                     .value = "PATH"},
-                          .apply = [](const std::string& path) { SocketPath() = path; }}}};
+            .settings = {SocketSetting()}};
 }
 
 }  // namespace

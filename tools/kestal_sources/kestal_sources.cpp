@@ -1,5 +1,4 @@
 // kestal-sources: shows what each source of a Linux board tells the service.
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -9,20 +8,12 @@
 
 namespace {
 
-std::string& SocketPath() {
-    static std::string path = [] {
-        const char* const named = std::getenv("KESTAL_SOURCES");
-        return std::string(named == nullptr || *named == '\0' ? "/run/kestal/sources" : named);
-    }();
-    return path;
-}
-
 void List(const Arguments& /*arguments*/, std::ostream& out) {
-    WriteSources(out, ReadReport(SocketPath()));
+    WriteSources(out, ReadReport());
 }
 
 void Show(const Arguments& arguments, std::ostream& out) {
-    WriteJson(out, SourceNamed(ReadReport(SocketPath()), arguments.Value("source")));
+    WriteJson(out, SourceNamed(ReadReport(), arguments.Value("source")));
 }
 
 Tool SourcesTool() {
@@ -36,11 +27,7 @@ Tool SourcesTool() {
                           .description = "Shows what a source has told",
                           .parameters = {{.name = "source", .description = "Name of the source"}},
                           .run = Show}},
-            .settings = {{.option = {.name = "--socket",
-                                     .description = "Where the service tells it (KESTAL_SOURCES, "
-                                                    "or else /run/kestal/sources)",
-                                     .value = "PATH"},
-                          .apply = [](const std::string& path) { SocketPath() = path; }}}};
+            .settings = {SocketSetting()}};
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <iomanip>
@@ -18,6 +19,14 @@
 namespace {
 
 constexpr timeval kAnswerTime{.tv_sec = 5, .tv_usec = 0};
+
+std::string& SocketPath() {
+    static std::string path = [] {
+        const char* const named = std::getenv("KESTAL_SOURCES");
+        return std::string(named == nullptr || *named == '\0' ? "/run/kestal/sources" : named);
+    }();
+    return path;
+}
 
 [[noreturn]] void Fail(const std::string& path) {
     throw std::runtime_error(path + ": " + std::strerror(errno) + " (does the service run?)");
@@ -88,6 +97,18 @@ std::int64_t SinceOf(const Json& source) {
 }
 
 }  // namespace
+
+Setting SocketSetting() {
+    return {.option = {.name = "--socket",
+                       .description = "Where the service tells it (KESTAL_SOURCES, or else "
+                                      "/run/kestal/sources)",
+                       .value = "PATH"},
+            .apply = [](const std::string& path) { SocketPath() = path; }};
+}
+
+Json ReadReport() {
+    return ReadReport(SocketPath());
+}
 
 Json ReadReport(const std::string& path) {
     Json report = Json::parse(ReadAll(path), nullptr, false);

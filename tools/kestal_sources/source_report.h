@@ -5,6 +5,14 @@
 #include <string>
 
 #include "tools/json_output.h"
+#include "tools/tool.h"
+
+/// The option --socket of tools that ask the service.
+Setting SocketSetting();
+
+/// Asks the service that listens where the option --socket says, or KESTAL_SOURCES, or else at
+/// /run/kestal/sources.
+Json ReadReport();
 
 /// Asks the service that listens at @p path. Throws std::runtime_error when there is none, or when
 /// it does not answer with a report within some seconds.

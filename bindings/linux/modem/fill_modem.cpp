@@ -2,8 +2,8 @@
 #include <iterator>
 
 #include "bindings/linux/modem/modem.h"
-#include "bindings/linux/modem/text_field.h"
 #include "bindings/linux/source.h"
+#include "bindings/linux/text_field.h"
 
 namespace binding {
 

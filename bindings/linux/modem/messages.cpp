@@ -1,14 +1,12 @@
 #include "bindings/linux/modem/messages.h"
 
-#include <sha2.h>
-
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 
 #include "bindings/linux/bus/tree.h"
 #include "bindings/linux/modem/modem_manager.h"
 #include "bindings/linux/modem/tree_lists.h"
+#include "bindings/posix/session/session_store.h"
 
 namespace binding {
 
@@ -27,13 +25,9 @@ constexpr std::int64_t kSubmit = 2;
 constexpr std::int64_t kCdmaDeliver = 32;
 
 std::string KeyOf(const json& sms) {
-    const std::string text = json::array({Member(sms, "Number"), Member(sms, "Timestamp"),
-                                          Member(sms, "Text"), Member(sms, "Data")})
-                                 .dump(-1, ' ', true, json::error_handler_t::replace);
-    std::array<char, SHA256_DIGEST_STRING_LENGTH> digest{};
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): text as bytes
-    SHA256Data(reinterpret_cast<const std::uint8_t*>(text.data()), text.size(), digest.data());
-    return digest.data();
+    return DigestOf(json::array({Member(sms, "Number"), Member(sms, "Timestamp"),
+                                 Member(sms, "Text"), Member(sms, "Data")})
+                        .dump(-1, ' ', true, json::error_handler_t::replace));
 }
 
 bool IsReceived(const json& sms) {

@@ -2,14 +2,14 @@
 
 #include <sys/epoll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <utility>
+
+#include "bindings/linux/kernel/unix_socket.h"
 
 namespace binding {
 
@@ -22,37 +22,6 @@ constexpr const char* kFirstStation = "STA-FIRST";
 constexpr const char* kNextStation = "STA-NEXT ";
 /// Of the list of stations.
 constexpr unsigned int kMostRestarts = 8;
-
-/// Opens a socket to which the one at @p path can reply; -1 and errno on failure.
-int Open(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof(address.sun_path)) {
-        errno = ENAMETOOLONG;
-        return -1;
-    }
-    path.copy(address.sun_path, path.size());
-    const int descriptor = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (descriptor < 0) {
-        return -1;
-    }
-    // NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
-    const auto* const target = reinterpret_cast<const sockaddr*>(&address);
-    // Without a name, the kernel gives the socket an abstract one, which leaves no file behind.
-    sockaddr_un own{};
-    own.sun_family = AF_UNIX;
-    const bool isOpen =
-        bind(descriptor, reinterpret_cast<const sockaddr*>(&own), sizeof(own.sun_family)) == 0 &&
-        connect(descriptor, target, sizeof(address)) == 0;
-    // NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast)
-    if (!isOpen) {
-        const int error = errno;
-        (void)close(descriptor);
-        errno = error;
-        return -1;
-    }
-    return descriptor;
-}
 
 }  // namespace
 
@@ -86,7 +55,7 @@ void AccessPoint::Check() {
 
 void AccessPoint::Connect() {
     const std::string path = std::filesystem::path(place.folder) / place.interface;
-    const int descriptor = Open(path);
+    const int descriptor = ConnectToSocket(path, SOCK_DGRAM);
     if (descriptor < 0) {
         // A hostapd that was killed leaves its socket behind.
         const bool isAbsent = errno == ENOENT || errno == ENOTDIR || errno == ECONNREFUSED;

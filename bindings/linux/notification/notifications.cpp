@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <span>
 
 #include "bindings/device/notification_types.h"
+#include "bindings/linux/text_field.h"
 #include "bindings/linux/update/update_state.h"
 #include "platform/notification.h"
 
@@ -122,18 +122,13 @@ ClientCounts Count(const std::vector<sys_connected_device_t>& clients) {
     return counts;
 }
 
-void CopyText(const std::string& text, std::span<char> field) {
-    const std::size_t size = std::min(text.size(), field.size() - 1);
-    std::copy_n(text.begin(), size, field.begin());
-}
-
 AnsNotificationRecord RecordOf(const NotificationType& type) {
     AnsNotificationRecord record{};
-    CopyText(type.category, record.category);
-    CopyText(type.name, record.id);
-    CopyText(type.LabelId(), record.labelId);
-    CopyText(type.TitleId(), record.titleId);
-    CopyText(type.TextId(), record.textId);
+    PutText(record.category, type.category);
+    PutText(record.id, type.name);
+    PutText(record.labelId, type.LabelId());
+    PutText(record.titleId, type.TitleId());
+    PutText(record.textId, type.TextId());
     record.severity = type.severity;
     record.flags = ANS_NOTIFICATION_ACTIVE;
     return record;

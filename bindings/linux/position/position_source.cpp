@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "bindings/linux/board.h"
+#include "bindings/linux/kernel/unix_socket.h"
 #include "bindings/linux/log.h"
 
 namespace binding {
@@ -57,10 +58,7 @@ int BeginToConnect(const Settings& settings) {
         return -1;
     }
     if (connect(descriptor, address->ai_addr, address->ai_addrlen) != 0 && errno != EINPROGRESS) {
-        const int error = errno;
-        (void)close(descriptor);
-        errno = error;
-        return -1;
+        return CloseAfterFailure(descriptor);
     }
     return descriptor;
 }

@@ -2,8 +2,6 @@
 
 #include <sys/epoll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -13,6 +11,7 @@
 #include <system_error>
 
 #include "bindings/linux/board.h"
+#include "bindings/linux/kernel/unix_socket.h"
 #include "bindings/linux/log.h"
 
 namespace binding {
@@ -21,27 +20,6 @@ namespace {
 
 constexpr std::uint64_t kSecond = 1'000'000;
 constexpr std::uint64_t kFirstRetry = 100'000;
-
-/// Connects to the socket at @p path; -1 and errno on failure.
-int Open(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof(address.sun_path)) {
-        errno = ENAMETOOLONG;
-        return -1;
-    }
-    path.copy(address.sun_path, path.size());
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as sockets want it
-    const auto* const target = reinterpret_cast<const sockaddr*>(&address);
-    if (descriptor >= 0 && connect(descriptor, target, sizeof(address)) != 0) {
-        const int error = errno;
-        (void)close(descriptor);
-        errno = error;
-        return -1;
-    }
-    return descriptor;
-}
 
 }  // namespace
 
@@ -78,7 +56,7 @@ void SwupdateSource::Connect() {
         return;
     }
     const std::string& path = GetBoard().GetSettings().updateSocket;
-    const int descriptor = Open(path);
+    const int descriptor = ConnectToSocket(path, SOCK_STREAM);
     if (descriptor < 0) {
         const bool isRefused = errno == ECONNREFUSED;
         Disconnect(path + ": " + std::strerror(errno));

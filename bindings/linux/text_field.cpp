@@ -1,4 +1,4 @@
-#include "bindings/linux/modem/text_field.h"
+#include "bindings/linux/text_field.h"
 
 #include <utf8.h>
 
