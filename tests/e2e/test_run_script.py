@@ -23,7 +23,7 @@ RUN = paths.ROOT / "scripts" / "run"
 class Run:
     """scripts/run on a terminal of its own."""
 
-    def __init__(self, work, **environment):
+    def __init__(self, work, *options, **environment):
         self.temporary = work / "tmp"
         self.temporary.mkdir()
         self.claim = Port()
@@ -32,7 +32,7 @@ class Run:
         terminal, theirs = pty.openpty()
         self.terminal = terminal
         self.process = subprocess.Popen(
-            [str(RUN)],
+            [str(RUN), *options],
             stdin=theirs,
             stdout=theirs,
             stderr=theirs,
@@ -94,8 +94,8 @@ class Run:
 def run(work):
     runs = []
 
-    def start(**environment):
-        runs.append(Run(work, **environment))
+    def start(*options, **environment):
+        runs.append(Run(work, *options, **environment))
         return runs[-1]
 
     yield start
@@ -337,7 +337,7 @@ def test_a_port_in_use_is_reported(run):
         script = run(PORT=str(other.getsockname()[1]))
         assert script.end() != 0
     assert "Address already in use" in script.output
-    assert "PORT=... chooses another" in script.output
+    assert "--port chooses another" in script.output
     assert script.left_behind() == ([], [])
 
 
@@ -355,6 +355,103 @@ def test_invalid_settings_are_reported(run, variable, value, message):
     assert script.end() != 0
     assert message in script.output
     assert script.left_behind() == ([], [])
+
+
+def test_options_choose_device_scenario_and_page(run, work):
+    (work / "page").mkdir()
+    (work / "page" / "index.html").write_text("my own page")
+    script = run("--device", "roaming", "--scenario=battery", "--page", "page")
+    script.wait_for("Ctrl-C stops it.")
+    assert web.ask(script.port, "/").body == b"my own page"
+    assert web.ask(script.port, "/srv/status").json()["statusData"]["statusBarRoaming"] != "NotRoaming"
+    assert players(device_of(script))
+    assert f"What it does by itself: {paths.SCENARIOS}/battery.json" in script.output
+    # The named device is a copy, so that what happens to it does not change the shipped one.
+    assert device_of(script).startswith(str(script.temporary))
+
+
+def test_an_option_says_that_it_takes_the_place_of_a_variable(run):
+    script = run("--scenario", "none", KESTAL_SCENARIO="gentle")
+    script.wait_for("Ctrl-C stops it.")
+    assert "scripts/run: --scenario none takes the place of KESTAL_SCENARIO=gentle\n" in script.output
+    assert "What it does by itself: none" in script.output
+
+
+def test_the_environment_of_web_server_and_service_is_kept(run, work):
+    (work / "page").mkdir()
+    (work / "page" / "index.html").write_text("a page of the environment")
+    script = run(KESTAL_DOCUMENT_ROOT="page", KESTAL_RUN_DIRECTORY=str(work / "mine"), KESTAL_ADDRESS="127.0.0.2")
+    script.wait_for("Ctrl-C stops it.")
+    assert f"\n  http://127.0.0.2:{script.port}/\n" in script.output
+    assert web.ask(script.port, "/", address="127.0.0.2").body == b"a page of the environment"
+    assert (work / "mine" / "server.pid").exists()
+    script.press_control_c()
+    assert script.end() == 0
+    assert not (work / "mine" / "server.pid").exists()
+
+
+def test_help_lists_the_options_and_starts_nothing(run):
+    script = run("--help", PATH="/nowhere:/usr/bin:/bin")
+    assert script.end() == 0
+    assert "usage: scripts/run [OPTION]..." in script.output
+    for option in ("--port", "--device", "--scenario", "--page", "--origin", "--help"):
+        assert f"\n  {option} " in script.output
+
+
+@pytest.mark.parametrize(
+    ("options", "message"),
+    [
+        (["--prot", "1"], "unknown option --prot; --help tells what there is"),
+        (["roaming"], "unknown argument roaming"),
+        (["--port"], "--port needs a value"),
+        (["--origin", "http://localhost:5173/page"], "not an origin"),
+        (["--origin", 'http://a"b'], "not an origin"),
+        (["--origin", "localhost:5173"], "not an origin"),
+    ],
+)
+def test_wrong_options_are_refused(run, options, message):
+    script = run(*options)
+    assert script.end() == 2
+    assert message in script.output
+    assert script.left_behind() == ([], [])
+
+
+def test_a_page_of_the_origin_that_was_named_may_call_and_read_and_no_other(run):
+    script = run("--origin", "http://localhost:5173", "--scenario", "none")
+    script.wait_for("Ctrl-C stops it.")
+    browser = [("User-Agent", "Mozilla/5.0"), ("Sec-Fetch-Site", "same-site")]
+
+    def ask(target, origin, **arguments):
+        return web.ask(script.port, target, [*browser, ("Origin", origin)], **arguments)
+
+    for target in ("/srv/status", "/srv/connect"):
+        answer = ask(target, "http://localhost:5173")
+        assert answer.status == 200
+        assert answer.headers["access-control-allow-origin"] == "http://localhost:5173"
+        assert answer.headers["access-control-allow-credentials"] == "true"
+        assert answer.headers["vary"] == "Origin"
+    for origin in ("http://localhost:5174", "http://localhost:51730", "https://localhost:5173", "null", ""):
+        assert ask("/srv/connect", origin).status == 403
+        assert "access-control-allow-origin" not in ask("/srv/status", origin).headers
+    # What is refused to everybody is refused to this page, too.
+    assert ask("/srv/connect", "http://localhost:5173", method="POST", body=b"x").status == 403
+    assert ask("/srv/connect", "http://localhost:5173", method="DELETE").status == 403
+
+
+def test_the_printed_link_logs_the_browser_in_that_opens_it(run):
+    script = run()
+    script.wait_for("Ctrl-C stops it.")
+    link = re.search(rf"^  http://127\.0\.0\.1:{script.port}(/sign-in/[0-9a-f]{{32}})$", script.output, re.MULTILINE)[1]
+    browser = ("User-Agent", 'a browser\'s "name"; $(false)')
+    answer = web.ask(script.port, link, [browser])
+    assert (answer.status, answer.headers["location"]) == (303, "/")
+    cookie = ("Cookie", answer.headers["set-cookie"].partition(";")[0])
+    assert web.ask(script.port, "/srv/status", [browser, cookie]).json()["loginStatus"] == 1
+    assert web.ask(script.port, "/srv/status", [("User-Agent", "another"), cookie]).json()["loginStatus"] == 0
+    for wrong in ("/sign-in/", "/sign-in/" + "0" * 32, link + "/x"):
+        answer = web.ask(script.port, wrong, [browser])
+        assert (answer.status, "set-cookie" in answer.headers) == (404, False)
+    assert web.ask(script.port, link, [browser, ("Content-Length", "0")], method="POST").status == 405
 
 
 def test_a_web_server_that_dies_ends_it_with_an_error(run):
