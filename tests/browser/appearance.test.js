@@ -197,7 +197,7 @@ async function letTrafficPass(server, page, answers) {
         const wave = Math.sin(i / 6) + Math.sin(i / 2.3) / 2;
         received += Math.round(3_000_000 * (1.6 + wave) * (i % 17 === 0 ? 2 : 1));
         sent += Math.round(500_000 * (1.7 - wave));
-        server.set({
+        await server.set({
             getCellularDataConnectionStats: {
                 ...stats,
                 bytesReceived1: received,

@@ -24,7 +24,9 @@ test("a server that goes away and comes back", async (t) => {
     await shows(page, "#trouble", "What you see is from");
     await shows(page, "#connection .network", "Orvane");
     assert.match(await page.getByRole("status").innerText(), GONE);
-    server.set({ getSMSUnreadCount: 9 });
+    const document = server.document();
+    document.sys.getSMSUnreadCount = 9;
+    server.write(document);
     await server.restart();
     await isWell(page);
     await shows(page, "#sms .headline", "9 unread messages");
@@ -67,7 +69,7 @@ test("a service that dies is started again, and the page continues", async (t) =
     const server = await serve(t);
     const page = await visit(t, server);
     await server.killService();
-    server.set({ getSMSUnreadCount: 8 });
+    await server.set({ getSMSUnreadCount: 8 });
     await shows(page, "#sms .headline", "8 unread messages");
     await isWell(page);
 });
@@ -93,7 +95,7 @@ for (const [cause, answer] of [
         await shows(page, "#trouble", "The web interface is not available.");
         // The page cannot distinguish these two causes.
         await shows(page, "#trouble", /carrier has switched it off.*device does not answer/);
-        server.set({ getWebUICarrierEnabled: 1 });
+        await server.set({ getWebUICarrierEnabled: 1 });
         await isWell(page);
         await shows(page, "#connection .network", "Orvane");
     });

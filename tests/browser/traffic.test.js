@@ -120,7 +120,7 @@ test("the scale ends at 1, 2 or 5 times a power of ten", () => {
 /** Lets the device's counter grow by so many bytes, and the page send one request. */
 async function count(server, page, bytes) {
     const stats = server.document().sys.getCellularDataConnectionStats;
-    server.set({
+    await server.set({
         getCellularDataConnectionStats: { ...stats, bytesReceived1: stats.bytesReceived1 + bytes },
     });
     await answers(page, () => page.clock.runFor(PERIOD));
@@ -162,7 +162,7 @@ test("counters that begin again leave a gap and no rate below zero", async (t) =
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
     await countForAWhile(server, page);
-    server.set({
+    await server.set({
         getCellularDataConnectionStats: {
             duration: 1,
             bytesReceived1: 1000,
@@ -187,7 +187,7 @@ test("without a connection there is no rate, even if the device's counters rise"
     await stopClock(page);
     await countForAWhile(server, page);
     await shows(page, "#traffic .received .speed", "5 MB/s");
-    server.set({ getCellularDataConnectionStatus: 0 });
+    await server.set({ getCellularDataConnectionStatus: 0 });
     for (let i = 0; i < 6; i += 1) {
         await count(server, page, 15_000_000);
         assert.equal(await page.locator("#connection .state").innerText(), "Not connected");
@@ -197,7 +197,7 @@ test("without a connection there is no rate, even if the device's counters rise"
             "Traffic of the last five minutes",
         );
     }
-    server.set({ getCellularDataConnectionStatus: 2 });
+    await server.set({ getCellularDataConnectionStatus: 2 });
     await answers(page, () => page.clock.runFor(PERIOD));
     await countForAWhile(server, page);
     await shows(page, "#traffic .received .speed", "5 MB/s");

@@ -1,6 +1,7 @@
 """scripts/run as a user runs it: one command starts it, Ctrl-C ends it, and nothing is left behind."""
 
 import fcntl
+import json
 import os
 import pty
 import re
@@ -452,6 +453,68 @@ def test_the_printed_link_logs_the_browser_in_that_opens_it(run):
         answer = web.ask(script.port, wrong, [browser])
         assert (answer.status, "set-cookie" in answer.headers) == (404, False)
     assert web.ask(script.port, link, [browser, ("Content-Length", "0")], method="POST").status == 405
+
+
+JSON = ("Content-Type", "application/json")
+
+
+def control(script, request, headers=(JSON,), **arguments):
+    return web.ask(script.port, "/control", headers, method="POST", body=request.encode(), **arguments)
+
+
+def test_commands_over_http_change_the_device_and_answer_like_a_shell(run):
+    script = run("--control", "--scenario", "none")
+    script.wait_for("Ctrl-C stops it.")
+
+    def command(*words):
+        answer = control(script, json.dumps({"command": words}))
+        assert (answer.status, answer.headers["content-type"]) == (200, "application/json")
+        return answer.json()
+
+    done = {"exitCode": 0, "output": "", "error": ""}
+    assert command("set", "sys.getBatteryStatus.chargePercent", 9) == done
+    assert web.ask(script.port, "/srv/status").json()["statusData"]["statusBarBatteryPercent"] == "9"
+    assert command("set", "sys.getCellularServiceStats.networkName", 'a "name" $(false)') == done
+    assert web.ask(script.port, "/srv/status").json()["statusData"]["statusBarNetwork"] == 'a "name" $(false)'
+    assert command("show", "sys.getBatteryStatus.chargePercent") == {**done, "output": "9\n"}
+    cookie = command("session", "open", "--user-agent", "a test")["output"].strip()
+    headers = [("User-Agent", "a test"), ("Cookie", cookie)]
+    assert web.ask(script.port, "/srv/status", headers).json()["loginStatus"] == 1
+
+    wrong = command("set", "sys.getBatteryStatus.chargePercnt", 9)
+    assert wrong["exitCode"] == 1 and "did you mean sys.getBatteryStatus.chargePercent?" in wrong["error"]
+    assert command("sett")["exitCode"] == 2
+    assert command("control")["exitCode"] == 2
+    for request in (" ", "[]", "{}", '{"command": []}', '{"command": "show"}', '{"command": ["show"], "more": 1}', "{"):
+        refused = control(script, request).json()
+        assert refused["exitCode"] == 1 and refused["error"].startswith("kestal-sim: the request"), request
+    assert control(script, " " * 1_200_000).status == 413
+
+
+def test_commands_over_http_are_accepted_only_from_this_machine_and_its_own_pages(run):
+    script = run("--control", "--scenario", "none", KESTAL_ADDRESS="0.0.0.0")
+    script.wait_for("Ctrl-C stops it.")
+    clear = '{"command": ["notify", "--clear", "all"]}'
+    assert control(script, clear, [JSON, ("Origin", f"http://127.0.0.1:{script.port}")]).status == 200
+    for headers in (
+        [JSON, ("Origin", "http://localhost:5173")],
+        [JSON, ("Host", "rebound.example.com")],
+        [("Content-Type", "text/plain")],
+        [],
+    ):
+        assert control(script, clear, headers).status == 403, headers
+    assert web.ask(script.port, "/control", [JSON]).status == 403
+    own = subprocess.run(["hostname", "-I"], capture_output=True, text=True, check=True).stdout.split()
+    for address in own:
+        if "." in address and not address.startswith("127."):
+            assert control(script, clear, address=address).status == 403
+
+
+def test_commands_over_http_are_off_unless_asked_for(run):
+    script = run("--scenario", "none")
+    script.wait_for("Ctrl-C stops it.")
+    assert control(script, '{"command": ["notify", "--clear", "all"]}').status == 403
+    assert web.ask(script.port, "/control").status == 404
 
 
 def test_a_web_server_that_dies_ends_it_with_an_error(run):

@@ -16,3 +16,6 @@ Command SessionCommand();
 
 /// play: scenarios.
 Command PlayCommand();
+
+/// control: one of the commands of @p tool, as a JSON object.
+Command ControlCommand(Tool tool);

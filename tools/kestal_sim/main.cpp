@@ -53,5 +53,7 @@ Tool SimTool() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return RunTool(SimTool(), argc, argv);
+    Tool tool = SimTool();
+    tool.commands.push_back(ControlCommand(SimTool()));
+    return RunTool(tool, argc, argv);
 }

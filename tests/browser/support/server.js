@@ -62,11 +62,28 @@ export class Server {
         renameSync(`${this.#file}.next`, this.#file);
     }
 
+    /** Gives a command of kestal-sim to the running server; returns what it prints. */
+    async control(...command) {
+        const answer = await fetch(`${this.origin}/control`, {
+            method: "POST",
+            headers: { "Content-Type": "application/json" },
+            body: JSON.stringify({ command }),
+        });
+        if (!answer.ok) {
+            throw new Error(`/control answers ${answer.status}`);
+        }
+        const { exitCode, output, error } = await answer.json();
+        if (exitCode !== 0) {
+            throw new Error(error);
+        }
+        return output.trim();
+    }
+
     /** Changes what sys_ calls answer. */
-    set(calls) {
-        const document = this.document();
-        Object.assign(document.sys, calls);
-        this.write(document);
+    async set(calls) {
+        for (const [call, answer] of Object.entries(calls)) {
+            await this.control("set", `sys.${call}`, answer);
+        }
     }
 
     stop() {
@@ -106,7 +123,8 @@ export class Server {
 
     /** Logs a browser in; returns the cookie's value. */
     async openSession(agent) {
-        return (await this.#order("open_session", { agent })).replace(/^torusess=/, "");
+        const cookie = await this.control("session", "open", "--user-agent", agent);
+        return cookie.replace(/^torusess=/, "");
     }
 
     async close() {

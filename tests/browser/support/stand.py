@@ -15,7 +15,7 @@ import tempfile
 E2E = pathlib.Path(__file__).resolve().parents[2] / "e2e"
 sys.path.insert(0, str(E2E))
 
-from support import paths, sessions  # noqa: E402
+from support import paths  # noqa: E402
 from support.server import Server  # noqa: E402
 
 from player import Player  # noqa: E402
@@ -25,7 +25,20 @@ class Stand:
     def __init__(self, work):
         self.server = Server(work)
         self.player = None
-        self.server.environment["KESTAL_DOCUMENT_ROOT"] = str(paths.ROOT / "demo")
+        # As scripts/run --control does it.
+        configuration = work / "lighttpd.conf"
+        configuration.write_text(
+            "include env.KESTAL_DEPLOYED_CONFIGURATION\n"
+            'server.modules += ( "mod_alias", "mod_cgi" )\n'
+            + (paths.ROOT / "scripts" / "control.conf").read_text()
+        )
+        self.server.environment |= {
+            "KESTAL_DOCUMENT_ROOT": str(paths.ROOT / "demo"),
+            "KESTAL_CONFIGURATION": str(configuration),
+            "KESTAL_DEPLOYED_CONFIGURATION": str(paths.ROOT / "deploy" / "lighttpd.conf"),
+            "KESTAL_CONTROL_PROGRAM": str(paths.ROOT / "scripts" / "control.sh"),
+            "KESTAL_SIM": str(paths.SIM),
+        }
         # Use the texts and locales of the build, if it has any.
         for name, folder in (("KESTAL_LOCALEDIR", "catalogue"), ("LOCPATH", "locales")):
             if (paths.BUILD / folder).is_dir():
@@ -52,9 +65,6 @@ class Stand:
 
     def resume_service(self):
         os.kill(self.server.responder(), signal.SIGCONT)
-
-    def open_session(self, agent):
-        return sessions.open_session(self.server, "127.0.0.1", agent)
 
     def play(self, scenario):
         self.player = Player(scenario, self.server.environment)
