@@ -1,11 +1,11 @@
 """Measures each operation through lighttpd, and for comparison simpler responders and a static file."""
 
 import json
-import pathlib
 import socket
 import subprocess
 import time
 
+import measuring
 from support import fastcgi, paths, processes
 from support.responder import Responder
 from support.server import Server
@@ -30,7 +30,6 @@ OPERATIONS = [
     ("connect", "/srv/connect", 0),
 ]
 CONNECTIONS = [1, 8, 32]
-REPORT = pathlib.Path(__file__).with_name("report.lua")
 # Variables that the service must not inherit: as on a device, it uses its own defaults, so that it
 # writes no debug lines.
 NOT_ON_A_DEVICE = ("KESTAL_LOG_LEVEL",)
@@ -38,20 +37,6 @@ NOT_ON_A_DEVICE = ("KESTAL_LOG_LEVEL",)
 
 def as_on_a_device(environment):
     return {name: value for name, value in environment.items() if name not in NOT_ON_A_DEVICE}
-
-
-def processor_time(pid):
-    """Returns the processor time of all threads of a process in nanoseconds."""
-    tasks = pathlib.Path(f"/proc/{pid}/task").iterdir()
-    return sum(int((task / "schedstat").read_text().split()[0]) for task in tasks)
-
-
-def memory(pid):
-    """Proportional set size in KiB."""
-    for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
-        if line.startswith("Pss:"):
-            return int(line.split()[1])
-    raise AssertionError("no Pss")
 
 
 class Subject:
@@ -73,25 +58,7 @@ class Subject:
         self.pid = children[0]
 
     def load(self, target, connections, seconds):
-        """Sends requests without pause; returns their number, rate, latencies and processor time per request."""
-        before = processor_time(self.pid)
-        command = ["wrk", "-t1", f"-c{connections}", f"-d{seconds}", "-s", str(REPORT)]
-        output = subprocess.run(
-            [*command, f"http://127.0.0.1:{self.server.port}{target}"],
-            check=True,
-            capture_output=True,
-            text=True,
-        ).stdout
-        report = json.loads(output.splitlines()[-1])
-        assert report["errors"] == 0, report
-        requests = report["requests"]
-        return {
-            "requests": requests,
-            "requestsPerSecond": requests * 1e6 / report["microseconds"],
-            "p50": report["p50"],
-            "p99": report["p99"],
-            "processor": (processor_time(self.pid) - before) / 1000 / requests,
-        }
+        return measuring.send(self.pid, self.server.port, target, connections, seconds)
 
 
 class Row:
@@ -127,7 +94,7 @@ class Row:
             self.samples.setdefault(str(connections), {}).setdefault(kind, []).append(sample)
 
     def result(self):
-        memories = {kind: memory(subject.pid) for kind, (subject, _) in self.subjects.items()}
+        memories = {kind: measuring.memory(subject.pid) for kind, (subject, _) in self.subjects.items()}
         del memories["file"]
         return {"name": self.name, "bytes": self.bytes, "samples": self.samples, "memory": memories}
 
@@ -143,11 +110,11 @@ def growth(row, requests):
     for kind in ("service", "floor"):
         subject, target = row.subjects[kind]
         subject.load(target, 8, 1)
-        result[kind] = {"before": memory(subject.pid)}
+        result[kind] = {"before": measuring.memory(subject.pid)}
         answered = 0
         while answered < requests:
             answered += subject.load(target, 8, 10)["requests"]
-        result[kind] |= {"after": memory(subject.pid), "requests": answered}
+        result[kind] |= {"after": measuring.memory(subject.pid), "requests": answered}
     return result
 
 

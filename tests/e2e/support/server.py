@@ -65,7 +65,7 @@ class Server:
         loops = self.log.text().count(IN_LOOP)
         self.process = self.launch()
         wait_until(self.is_up, "the web server has started")
-        if self.environment["KESTAL_LOG_LEVEL"] == "7":
+        if self.environment.get("KESTAL_LOG_LEVEL") == "7":
             self.log.wait_for(IN_LOOP, loops + 1)
         else:
             assert self.ask("/srv/status").status == 200

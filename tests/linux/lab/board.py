@@ -116,10 +116,14 @@ class Lab:
             settings |= {"gpsdHost": "127.0.0.1", "gpsdPort": str(self.position.port)}
         return settings
 
-    def start_service(self, page=False):
+    def make_service(self, page=False):
+        """The service, not started yet, so that its document and environment can be changed."""
         self.service = Service(self, page)
         self.ends.callback(self.service.close)
-        self.service.start()
+        return self.service
+
+    def start_service(self, page=False):
+        self.make_service(page).start()
 
     def close(self):
         self.ends.close()

@@ -21,7 +21,9 @@ class Network:
 
     def __init__(self, folder):
         self.namespace = Namespace()
-        self.leases = folder / "leases"
+        # In a folder of its own, as on a board: what else happens in it wakes the service up.
+        self.leases = folder / "leases" / "dnsmasq.leases"
+        self.leases.parent.mkdir()
         self.leases.touch()
         #: A machine of its own at the other end of the cable.
         self.computer = Namespace()

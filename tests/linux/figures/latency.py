@@ -1,25 +1,14 @@
-#!/usr/bin/python3
-"""Measures how long after a daemon's own word the answer of the service shows it; needs root.
+"""How long after a daemon's own word the answer shows it. The answer is asked for again and again, so that
+each figure is too long by the time of one request at most."""
 
-usage: tests/linux/latency.py [REPETITIONS]     50 unless told
-
-It polls, so that each figure is too long by the time of one request at most.
-"""
-
-import os
-import pathlib
 import statistics
 import sys
-import tempfile
 import time
 
-HERE = pathlib.Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parent / "e2e")]
+from figures.boards import whole
 
-from lab.board import Lab
-from lab.modem_manager import MODEM
-
-NETWORK = f"{MODEM}.Modem3gpp"
+MODEM_NETWORK = "org.freedesktop.ModemManager1.Modem.Modem3gpp"
+REPETITIONS = 50
 TOO_LATE = 30.0
 
 
@@ -30,7 +19,7 @@ def changes(lab):
     def registered(state, number):
         def change():
             lab.modem.order("register", state)
-            lab.modem_manager.wait_for(lab.path, NETWORK, "RegistrationState", number)
+            lab.modem_manager.wait_for(lab.path, MODEM_NETWORK, "RegistrationState", number)
 
         return change
 
@@ -60,10 +49,10 @@ def changes(lab):
         "Searching", located(lab.position.lose, False))
 
 
-def measure(lab, key, states, repetitions):
+def measure(lab, key, states):
     """Milliseconds of each change."""
     taken = []
-    for number in range(repetitions):
+    for number in range(REPETITIONS):
         value, change = states[number % 2]
         change()
         begin = time.monotonic()
@@ -74,25 +63,10 @@ def measure(lab, key, states, repetitions):
     return taken
 
 
-def main():
-    repetitions = int(sys.argv[1]) if len(sys.argv) > 1 else 50
-    with tempfile.TemporaryDirectory(prefix="kestal-lab-") as folder:
-        lab = Lab(pathlib.Path(folder), sys.exit)
-        try:
-            lab.start_modem()
-            lab.start_power()
-            lab.start_network()
-            lab.start_position()
-            lab.start_service()
-            lab.service.shows(statusBarConnectionState="Ready", statusBarBatteryPercent="80",
-                              statusBarWiFiClientListSize="0", statusBarGpsStatus="Searching")
-            print(f"load {os.getloadavg()[0]:.1f} on {os.cpu_count()} processors, {repetitions} changes each")
-            print("source      median ms   worst ms")
-            for name, key, *states in changes(lab):
-                taken = measure(lab, key, states, repetitions)
-                print(f"{name:10} {statistics.median(taken):10.1f} {max(taken):10.1f}", flush=True)
-        finally:
-            lab.close()
-
-
-main()
+def show():
+    with whole() as lab:
+        print(f"{REPETITIONS} changes each")
+        print("source      median ms   worst ms")
+        for name, key, *states in changes(lab):
+            taken = measure(lab, key, states)
+            print(f"{name:10} {statistics.median(taken):10.1f} {max(taken):10.1f}", flush=True)
