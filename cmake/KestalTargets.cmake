@@ -63,6 +63,30 @@ if(KESTAL_TESTS AND NOT KESTAL_SANITIZE AND NOT KESTAL_COVERAGE AND NOT CMAKE_CR
     set(KESTAL_TWINS ON)
 endif()
 
+# kestal_unify(TARGET): lets the compiler read sources of TARGET together, so that it reads the headers that
+# they share, and instantiates their templates, once. This is for sanitized twins only: elsewhere, each source
+# is compiled on its own, which shows an include that is missing.
+function(kestal_unify target)
+    get_target_property(sources ${target} SOURCES)
+    list(FILTER sources INCLUDE REGEX "^[^$]*\\.cpp$")
+    list(TRANSFORM sources PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
+    list(LENGTH sources count)
+    if(count LESS 2)
+        return()
+    endif()
+    execute_process(
+        COMMAND ${KESTAL_PYTHON} ${PROJECT_SOURCE_DIR}/scripts/together.py 12 ${sources}
+        OUTPUT_VARIABLE groups
+        OUTPUT_STRIP_TRAILING_WHITESPACE
+        COMMAND_ERROR_IS_FATAL ANY)
+    foreach(source group IN ZIP_LISTS sources groups)
+        set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${target}_${group})
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    # Names of one source may hide those of another, and types of an included file may have local parts.
+    target_compile_options(${target} PRIVATE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endfunction()
+
 # Links LIBRARIES to the sanitized twin NAME_san: each library's own twin if it has one.
 function(kestal_link_twin name)
     foreach(library ${ARGN})
@@ -73,12 +97,14 @@ function(kestal_link_twin name)
     endforeach()
 endfunction()
 
-# kestal_add_library(NAME [OBJECT] SOURCES ... [INCLUDES dir...] [LINKS library...] [DEFINITIONS ...])
+# kestal_add_library(NAME [OBJECT] [LINKED_IN_PART] SOURCES ... [INCLUDES dir...] [LINKS library...]
+#                    [DEFINITIONS ...])
 #
 # With OBJECT, all of its object files are linked, and their functions take precedence over functions of
-# the same name in other libraries.
+# the same name in other libraries. With LINKED_IN_PART, some programs link only some of its object files
+# and lack what others need, so that the twin has the same object files.
 function(kestal_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "" "SOURCES;INCLUDES;LINKS;DEFINITIONS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT;LINKED_IN_PART" "" "SOURCES;INCLUDES;LINKS;DEFINITIONS")
     set(kind STATIC)
     if(arg_OBJECT)
         set(kind OBJECT)
@@ -93,6 +119,9 @@ function(kestal_add_library name)
         target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
         target_link_libraries(${name}_san PUBLIC kestal_options kestal_options_san)
         kestal_link_twin(${name} ${arg_LINKS})
+        if(NOT arg_LINKED_IN_PART)
+            kestal_unify(${name}_san)
+        endif()
     endif()
 endfunction()
 
@@ -111,11 +140,21 @@ function(kestal_add_precompiled name)
     endforeach()
 endfunction()
 
-# kestal_use_precompiled(TARGET NAME): compiles TARGET and its twin with the precompiled headers NAME, if
-# this build has them.
+# kestal_use_precompiled(TARGET NAME [WORD]): compiles TARGET and its twin with the precompiled headers
+# NAME, if this build has them. With WORD, only the sources that contain it: for others, loading the
+# headers takes longer than all the rest.
 function(kestal_use_precompiled target name)
     if(NOT TARGET ${name})
         return()
+    endif()
+    if(ARGC GREATER 2)
+        get_target_property(sources ${target} SOURCES)
+        foreach(source ${sources})
+            file(STRINGS ${source} lines REGEX ${ARGV2} LIMIT_COUNT 1)
+            if(NOT lines)
+                set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+            endif()
+        endforeach()
     endif()
     target_precompile_headers(${target} REUSE_FROM ${name})
     if(TARGET ${target}_san)
@@ -205,6 +244,7 @@ function(kestal_add_unit_test name)
             GTest::gmock GTest::gtest_main)
         kestal_link_test(${name}_san ON ${arg_LINKS})
         target_compile_definitions(${name}_san PRIVATE ${arg_DEFINITIONS})
+        kestal_unify(${name}_san)
         kestal_add_suites(${name}_san "unit;sanitized")
     endif()
     if(NOT arg_COMPILED_ONCE)

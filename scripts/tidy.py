@@ -20,9 +20,11 @@ import shlex
 import subprocess
 import sys
 
+import together
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # With larger groups, one processor would work alone at the end.
-GROUP = 12
+GROUP = 24
 FINDING = re.compile(r"(?m)^\S.*: (warning|error): .* \[[\w.,+-]+\]$")
 
 
@@ -63,6 +65,12 @@ def included_headers(build):
     return headers
 
 
+def settings(source):
+    """The names of the .clang-tidy files above a source."""
+    above = [folder / ".clang-tidy" for folder in pathlib.Path(source).parents if folder.is_relative_to(ROOT)]
+    return tuple(str(file) for file in above if file.exists())
+
+
 def state(source, entry, headers, version):
     """Returns a digest of everything that clang-tidy's findings depend on, or None if the headers are not
     known."""
@@ -70,8 +78,7 @@ def state(source, entry, headers, version):
     used = headers.get(arguments[arguments.index("-o") + 1])
     if used is None:
         return None
-    above = [folder / ".clang-tidy" for folder in pathlib.Path(source).parents if folder.is_relative_to(ROOT)]
-    files = {source, *used, *(str(file) for file in above if file.exists())}
+    files = {source, *used, *settings(source)}
     parts = [version, entry["command"], *(f"{file} {digest(file)}" for file in sorted(files))]
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
@@ -95,11 +102,11 @@ def arguments(entry):
 
 
 def groups(stale, entries):
-    """Groups the sources of each folder that have the same compile command, the largest group first."""
+    """Groups sources that have the same settings and the same compile command, the largest group first."""
     alike = collections.defaultdict(list)
     for source in sorted(stale):
-        alike[os.path.dirname(source), tuple(arguments(entries[source]))].append(source)
-    parts = [found[i : i + GROUP] for found in alike.values() for i in range(0, len(found), GROUP)]
+        alike[settings(source), tuple(arguments(entries[source]))].append(source)
+    parts = [part for found in alike.values() for part in together.groups(found, GROUP)]
     return sorted(parts, key=lambda part: sum(map(os.path.getsize, part)), reverse=True)
 
 
@@ -123,16 +130,17 @@ class Tidy:
         )
 
     def run_group(self, sources):
-        place = pathlib.Path(sources[0]).parent.relative_to(ROOT)
+        place = pathlib.Path(os.path.commonpath(map(os.path.dirname, sources))).relative_to(ROOT)
         folder = self.folder / "groups" / place
         folder.mkdir(parents=True, exist_ok=True)
         # clang-tidy takes its settings from the folders above a source. The settings in the root also apply
-        # to the combined source, so they need not be copied.
+        # to the combined source, so they need not be copied. Settings that are the same for all sources are
+        # above their common folder, too.
         for each in (place, *place.parents)[:-1]:
-            settings = ROOT / each / ".clang-tidy"
+            original = ROOT / each / ".clang-tidy"
             copy = self.folder / "groups" / each / ".clang-tidy"
-            if settings.exists():
-                copy.write_text(settings.read_text())
+            if original.exists():
+                copy.write_text(original.read_text())
             else:
                 copy.unlink(missing_ok=True)
         # The analyzer checks the sources that a file includes only if the file's name begins like this.

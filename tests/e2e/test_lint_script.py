@@ -16,7 +16,7 @@ def tree(work):
     """A source tree of two files that git tracks."""
     tree = work / "tree"
     (tree / "scripts").mkdir(parents=True)
-    for name in ("lint", "signatures.py", "tidy.py"):
+    for name in ("lint", "signatures.py", "tidy.py", "together.py"):
         shutil.copy(paths.ROOT / "scripts" / name, tree / "scripts")
     (tree / "main.cpp").write_text("int main() { return 0; }\n")
     (tree / "script").write_text("#!/bin/sh\necho fine\n")
@@ -220,6 +220,61 @@ def test_a_finding_that_only_the_whole_group_has_does_not_count(tidy, tree, work
     (tree / "a.cpp").write_text("bad\n")
     assert tidy() == (0, ["a.cpp b.cpp", "a.cpp", "b.cpp"])
     assert tidy() == (0, [])
+
+
+def test_sources_that_define_the_same_name_are_checked_apart(tidy, tree):
+    for name in ("a", "b"):
+        (tree / f"{name}.cpp").write_text("namespace {\nconst int kLimit = 1;\n}\n")
+    code, looked_at = tidy()
+    assert (code, sorted(looked_at)) == (0, ["a.cpp", "b.cpp"])
+
+
+def test_sources_of_several_folders_are_checked_together(tidy, tree, build):
+    commands = build / "compile_commands.json"
+    commands.write_text(commands.read_text().replace("/b.cpp", "/sub/b.cpp"))
+    (tree / "sub").mkdir()
+    (tree / "b.cpp").rename(tree / "sub" / "b.cpp")
+    assert tidy() == (0, ["a.cpp b.cpp"])
+
+
+def test_sources_of_several_folders_with_other_settings_are_checked_apart(tidy, tree, build):
+    test_sources_of_several_folders_are_checked_together(tidy, tree, build)
+    (tree / "sub" / ".clang-tidy").write_text("Checks: played\n")
+    (tree / "a.cpp").write_text("int a;\n")
+    code, looked_at = tidy()
+    assert (code, sorted(looked_at)) == (0, ["a.cpp", "b.cpp"])
+
+
+@pytest.mark.parametrize(
+    ("first", "second", "alone"),
+    [
+        ("int Sum(int left, int right) {", "    return Sum(1, 2);", True),
+        ("std::map<int, std::function<void(int)>> kSteps = {", "int kSteps;", True),
+        ("template <class T>\nT Get(const T& from) {", "int Get();", True),
+        ("class Test : public Base {", "struct Test;", True),
+        ("enum Answer {\n    kYes,\n};", "int kYes;", True),
+        ("#define ROOM 12", "#define ROOM 13", True),
+        ("using nlohmann::json;", "using json = nlohmann::ordered_json;", True),
+        ("using nlohmann::json;", "using nlohmann::json;", False),
+        ("int Sum();", "// Sum", False),
+        ("int sum = 1;  // limit", "int limit;", False),
+        ("void Device::Read() {\n    int count = 1;\n}", "int Read, count;", False),
+        ("TEST(Sum, IsOne) {", "TEST(Sum, IsTwo) {", False),
+        ("namespace binding {", "namespace binding {", False),
+    ],
+)
+def test_a_source_that_mentions_a_name_of_another_source_is_read_apart(work, first, second, alone):
+    for name, text in (("a", first), ("b", second)):
+        (work / f"{name}.cpp").write_text(f"{text}\n")
+    done = run(paths.ROOT / "scripts" / "together.py", "9", work / "a.cpp", work / "b.cpp")
+    assert done.stdout == ("0;1\n" if alone else "0;0\n")
+
+
+def test_a_name_that_the_header_of_a_source_declares_does_not_count(work):
+    (work / "a.h").write_text("int Sum();\n")
+    for name in ("a", "b"):
+        (work / f"{name}.cpp").write_text("int Sum() {\n}\n")
+    assert run(paths.ROOT / "scripts" / "together.py", "9", work / "a.cpp", work / "b.cpp").stdout == "0;0\n"
 
 
 def test_a_group_of_sources_is_checked_with_the_settings_of_its_folder(tidy, tree, build, work):
