@@ -24,7 +24,6 @@ namespace binding {
 
 namespace {
 
-constexpr std::chrono::milliseconds kFirstAnswer{950};
 constexpr std::uint64_t kSecond = 1'000'000;
 
 /// All signals are for the threads of the product, but for those that a thread raises by its own
@@ -58,12 +57,11 @@ bool AllKnown(const Sources& sources) {
 
 }  // namespace
 
-Board::Board(SourceFactory newFactory)
+Board::Board(SourceFactory newFactory, std::chrono::microseconds newRenewalLimit)
     : factory(std::move(newFactory)),
+      renewalLimit(newRenewalLimit),
       event(NewEvent()),
-      wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      published(std::make_shared<const Device>(AbsentDevice())),
-      readiness(kNothingToConnect) {
+      wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (wakeUpDescriptor < 0) {
         ThrowSystemError("event loop: eventfd");
     }
@@ -76,50 +74,21 @@ Board::Board(SourceFactory newFactory)
 }
 
 Board::~Board() {
-    {
-        const std::scoped_lock lock(mutex);
-        ending = true;
-    }
-    (void)eventfd_write(wakeUpDescriptor, 1);
+    ending = true;
+    WakeUp();
     thread.join();
     (void)close(wakeUpDescriptor);
 }
 
-std::shared_ptr<const Device> Board::Newest() {
-    std::unique_lock lock(mutex);
-    if (!settled) {
-        firstPublished.wait_for(lock, kFirstAnswer, [this] { return settled; });
-        // The next request does not wait, whatever is missing.
-        settled = true;
-    }
-    if (traffic.Update(std::chrono::steady_clock::now())) {
-        const auto& answer = published->getCellularDataConnectionStats;
-        if (answer.error == 0 && !document.device.getCellularDataConnectionStats.named) {
-            auto fresh = std::make_shared<Device>(*published);
-            fresh->getCellularDataConnectionStats.value = traffic.Stats();
-            published = std::move(fresh);
-        }
-    }
-    return published;
-}
-
-int Board::Act(void (DataCall::*action)()) {
-    const int code = readiness;
+int Board::Ask(DataRequest request) {
+    const int code = snapshots.Ask(request);
     if (code == SYS_SUCCESS) {
-        Post([this, action] {
-            if (dataCall != nullptr) {
-                (dataCall->*action)();
-            }
-        });
+        WakeUp();
     }
     return code;
 }
 
-void Board::Post(std::function<void()> task) {
-    {
-        const std::scoped_lock lock(mutex);
-        tasks.push_back(std::move(task));
-    }
+void Board::WakeUp() {
     (void)eventfd_write(wakeUpDescriptor, 1);
 }
 
@@ -134,13 +103,9 @@ void Board::SetDataCall(DataCall* newDataCall) {
     Changed();
 }
 
-void Board::SetTraffic(const std::optional<TrafficMeter::Connection>& connection) {
-    const std::scoped_lock lock(mutex);
-    if (connection) {
-        traffic.Begin(*connection);
-    } else {
-        traffic.End();
-    }
+void Board::SetTraffic(const std::optional<TrafficMeter::Connection>& newConnection) {
+    connection = newConnection;
+    Changed();
 }
 
 void Board::Run() {
@@ -155,51 +120,56 @@ void Board::Run() {
     publishing.Reset();
     documentWatch.Reset();
     notificationEnd.Reset();
+    renewal.Reset();
     sources.clear();
     bus.reset();
     wakeUp.Reset();
 }
 
 void Board::GiveUp() {
-    readiness = kNothingToConnect;
     Device device = AbsentDevice();
     for (const auto& source : sources) {
         source->Fail(device, kSourceLost);
     }
-    const std::scoped_lock lock(mutex);
-    Overlay(device, document.device);
-    published = std::make_shared<const Device>(std::move(device));
+    snapshots.Publish(std::move(device), {.document = document.device,
+                                          .outlook = {kNothingToConnect},
+                                          .connection = std::nullopt,
+                                          .isComplete = true,
+                                          .finish = {}});
 }
 
 void Board::Loop() {
     wakeUp.WatchDescriptor(event.get(), wakeUpDescriptor, EPOLLIN,
-                           [this](std::uint32_t /*events*/) { RunTasks(); });
+                           [this](std::uint32_t /*events*/) {
+                               eventfd_t count = 0;
+                               (void)eventfd_read(wakeUpDescriptor, &count);
+                               MakeRequest();
+                           });
     bus = std::make_unique<Bus>(event.get());
     ReadDocument();
     MakeSources();
     ServeReports();
-    while (true) {
+    do {
         const int result = sd_event_run(event.get(), UINT64_MAX);
         if (result < 0) {
             throw std::system_error(-result, std::generic_category(), "event loop");
         }
-        const std::scoped_lock lock(mutex);
-        if (ending) {
-            return;
-        }
-    }
+    } while (!ending);
 }
 
-void Board::RunTasks() {
-    eventfd_t count = 0;
-    (void)eventfd_read(wakeUpDescriptor, &count);
-    std::vector<std::function<void()>> run;
-    {
-        const std::scoped_lock lock(mutex);
-        run.swap(tasks);
+void Board::MakeRequest() {
+    if (renewal.IsArmed()) {
+        // What could make the request is not known yet.
+        return;
     }
-    for (const auto& task : run) {
-        task();
+    const auto request = snapshots.TakeRequest();
+    if (!request) {
+        return;
+    }
+    // First, so that the status is put right also if the request throws.
+    Changed();
+    if (dataCall != nullptr) {
+        dataCall->Make(*request);
     }
 }
 
@@ -239,12 +209,9 @@ void Board::ReadDocument() {
     documentProblem.clear();
     documentRead = true;
     const bool restarts = !sources.empty() && !(read.settings == document.settings);
-    {
-        const std::scoped_lock lock(mutex);
-        document = std::move(read);
-    }
+    document = std::move(read);
     if (restarts) {
-        MakeSources();
+        RenewSources();
     }
     Changed();
 }
@@ -264,17 +231,22 @@ void Board::ServeReports() {
     }
 }
 
+void Board::RenewSources() {
+    // Further changes do not make the wait longer.
+    if (!renewal.IsArmed()) {
+        renewal.After(event.get(), static_cast<std::uint64_t>(renewalLimit.count()), 0,
+                      [this] { Publish(); });
+    }
+    MakeSources();
+}
+
 void Board::MakeSources() {
     SetTraffic(std::nullopt);
     dataCall = nullptr;
     sources.clear();
     sources = factory(*this);
     for (const auto& source : sources) {
-        try {
-            source->Start();
-        } catch (const std::exception& error) {
-            LINUX_LOG(TORU_DBG_ERROR, "%s: not started: %s", source->Name().c_str(), error.what());
-        }
+        source->Begin();
     }
     StartCheck();
     Changed();
@@ -295,6 +267,11 @@ void Board::StartCheck() {
 }
 
 void Board::Publish() {
+    const bool isComplete = AllKnown(sources);
+    if (renewal.IsArmed() && !isComplete) {
+        return;
+    }
+    renewal.Reset();
     Device device = AbsentDevice();
     for (const auto& source : sources) {
         if (source->GetState() == Source::State::present) {
@@ -303,24 +280,21 @@ void Board::Publish() {
             source->Fail(device, kSourceLost);
         }
     }
-    readiness = dataCall == nullptr ? static_cast<int>(kNothingToConnect) : dataCall->Readiness();
-    const std::scoped_lock lock(mutex);
-    if (traffic.IsActive()) {
-        traffic.Update(std::chrono::steady_clock::now());
-        if (device.getCellularDataConnectionStats.error == 0) {
-            device.getCellularDataConnectionStats.value = traffic.Stats();
+    const auto addNotifications = [&](Device& whole) {
+        if (document.device.channels.count(ANS_NOTIFICATION_CHANNEL) == 0) {
+            AwaitNotificationEnd(notifications.Publish(
+                whole, document.settings, std::chrono::steady_clock::now(), isComplete));
         }
-    }
-    Overlay(device, document.device);
-    if (document.device.channels.count(ANS_NOTIFICATION_CHANNEL) == 0) {
-        AwaitNotificationEnd(notifications.Publish(
-            device, document.settings, std::chrono::steady_clock::now(), AllKnown(sources)));
-    }
-    published = std::make_shared<const Device>(std::move(device));
-    if (!settled && AllKnown(sources)) {
-        settled = true;
-        firstPublished.notify_all();
-    }
+    };
+    snapshots.Publish(
+        std::move(device),
+        {.document = document.device,
+         .outlook = dataCall == nullptr ? DataOutlook{kNothingToConnect} : dataCall->Outlook(),
+         .connection = connection,
+         .isComplete = isComplete,
+         .finish = addNotifications});
+    // One that has waited for the sources.
+    MakeRequest();
 }
 
 void Board::AwaitNotificationEnd(const std::optional<Notifications::Time>& end) {

@@ -6,10 +6,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -21,19 +19,18 @@
 #include "bindings/linux/event.h"
 #include "bindings/linux/notification/notifications.h"
 #include "bindings/linux/report_server.h"
+#include "bindings/linux/snapshots.h"
 #include "bindings/linux/source.h"
 #include "bindings/linux/traffic.h"
 
 namespace binding {
 
-/// What can start and end the data call. Both are called on the board's thread, and return at once.
+/// What can start and end the data call. All is called on the board's thread, and returns at once.
 class DataCall {
   public:
     virtual ~DataCall() = default;
-    /// SYS_SUCCESS, or the code with which a call fails because there is nothing to connect.
-    virtual int Readiness() const = 0;
-    virtual void Connect() = 0;
-    virtual void Disconnect() = 0;
+    virtual DataOutlook Outlook() const = 0;
+    virtual void Make(DataRequest request) = 0;
 };
 
 using Sources = std::vector<std::unique_ptr<Source>>;
@@ -42,8 +39,13 @@ using SourceFactory = std::function<Sources(Board&)>;
 
 class Board {
   public:
+    /// For how long, after a change of the settings, what the sources before have told stands while
+    /// not all new ones have said whether they are there.
+    static constexpr std::chrono::microseconds kRenewalLimit{1'000'000};
+
     /// Starts the thread.
-    explicit Board(SourceFactory newFactory);
+    explicit Board(SourceFactory newFactory,
+                   std::chrono::microseconds newRenewalLimit = kRenewalLimit);
     ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
@@ -52,18 +54,15 @@ class Board {
 
     /// The newest snapshot. The first one is waited for, until each source has said whether it is
     /// there, but for a second at most.
-    std::shared_ptr<const Device> Newest();
+    std::shared_ptr<const Device> Newest() { return snapshots.Newest(); }
 
-    /// Hands an action over to the board's thread. Return SYS_SUCCESS, or the code with which the
-    /// action fails because nothing can be connected.
-    int StartDataCall() { return Act(&DataCall::Connect); }
-    int StopDataCall() { return Act(&DataCall::Disconnect); }
+    /// Hand a request over to the board's thread. Return SYS_SUCCESS, or the code with which the
+    /// request fails because nothing can be connected.
+    int StartDataCall() { return Ask(DataRequest::connect); }
+    int StopDataCall() { return Ask(DataRequest::disconnect); }
 
     /// Whether the calling thread is the board's, which must not destroy it.
     bool IsOwnThread() const { return thread.get_id() == std::this_thread::get_id(); }
-
-    /// Runs @p task on the board's thread.
-    void Post(std::function<void()> task);
 
     // For the board's thread.
 
@@ -78,24 +77,28 @@ class Board {
     /// Says what the data call is started and ended with; null for nothing.
     void SetDataCall(DataCall* newDataCall);
 
-    /// Says which interface carries the data call, or that there is none. Its counters are read
-    /// when a request asks for them.
-    void SetTraffic(const std::optional<TrafficMeter::Connection>& connection);
+    /// Says which interface carries the data call, or that there is none. The next snapshot has its
+    /// counters, which are read again when a request asks for that snapshot.
+    void SetTraffic(const std::optional<TrafficMeter::Connection>& newConnection);
 
   private:
+    int Ask(DataRequest request);
+    void WakeUp();
+
     void Run();
     void GiveUp();
     void Loop();
     void ReadDocument();
     void ServeReports();
     void MakeSources();
+    void RenewSources();
     void StartCheck();
     void Publish();
     void AwaitNotificationEnd(const std::optional<Notifications::Time>& end);
-    void RunTasks();
-    int Act(void (DataCall::*action)());
+    void MakeRequest();
 
     SourceFactory factory;
+    std::chrono::microseconds renewalLimit;
 
     // Of the board's thread.
     EventPointer event;
@@ -104,6 +107,8 @@ class Board {
     EventSource check;
     EventSource documentWatch;
     EventSource notificationEnd;
+    /// Armed while the snapshot of the sources before stands.
+    EventSource renewal;
     std::unique_ptr<Bus> bus;
     std::unique_ptr<ReportServer> reportServer;
     BoardDocument document;
@@ -111,19 +116,13 @@ class Board {
     std::string documentProblem;
     Sources sources;
     DataCall* dataCall = nullptr;
+    std::optional<TrafficMeter::Connection> connection;
     Notifications notifications;
 
     // Shared.
     int wakeUpDescriptor = -1;
-    std::mutex mutex;
-    std::condition_variable firstPublished;
-    bool settled = false;
-    bool ending = false;
-    std::vector<std::function<void()>> tasks;
-    std::shared_ptr<const Device> published;
-    TrafficMeter traffic;
-    /// SYS_SUCCESS while a data call can be started.
-    std::atomic<int> readiness;
+    std::atomic<bool> ending = false;
+    Snapshots snapshots;
 
     std::thread thread;
 };

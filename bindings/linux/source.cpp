@@ -1,5 +1,6 @@
 #include "bindings/linux/source.h"
 
+#include <exception>
 #include <utility>
 
 #include "bindings/linux/board.h"
@@ -9,6 +10,14 @@ namespace binding {
 
 Source::Source(Board& newOwner, std::string newName)
     : ownerBoard(newOwner), ownName(std::move(newName)) {}
+
+void Source::Begin() {
+    try {
+        Start();
+    } catch (const std::exception& error) {
+        Lost(std::string("not started: ") + error.what());
+    }
+}
 
 void Source::Present() {
     Found(State::present);

@@ -33,6 +33,9 @@ class Source {
     /// When the state began, in seconds since the epoch.
     std::int64_t Since() const { return stateSince; }
 
+    /// Starts the source. One that cannot be started is lost.
+    void Begin();
+
     /// Registers with the loop. It must not block, and must lead to a state other than unknown, at
     /// the latest when something that is awaited has not come in time.
     virtual void Start() = 0;

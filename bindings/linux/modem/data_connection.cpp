@@ -57,16 +57,28 @@ bool DataConnection::IsEnabled() const {
     return !stoppedByUser && manager.IsWwanEnabled().value_or(true);
 }
 
-int DataConnection::Readiness() const {
-    return modem && modem->simStatus == SYS_SIM_READY ? static_cast<int>(SYS_SUCCESS)
-                                                      : static_cast<int>(kNothingToConnect);
+DataOutlook DataConnection::Outlook() const {
+    const bool isReady = modem && modem->simStatus == SYS_SIM_READY;
+    return {
+        .readiness = isReady ? static_cast<int>(SYS_SUCCESS) : static_cast<int>(kNothingToConnect),
+        .afterConnect = StatusAfter(DataAction::Kind::connect),
+        .afterDisconnect = StatusAfter(DataAction::Kind::disconnect)};
 }
 
-void DataConnection::Ask(DataAction::Kind kind) {
-    // What was there when the action was accepted may have gone.
+sys_data_connection_status_e DataConnection::StatusAfter(DataAction::Kind kind) const {
+    DataAction asked = action;
+    asked.Ask(kind, manager.HasProfile());
+    return asked.Status();
+}
+
+void DataConnection::Make(DataRequest request) {
+    // What was there when the request was accepted may have gone.
     if (!modem) {
+        LINUX_LOG(TORU_DBG_NOTICE, "data connection: the modem has gone before it could be asked");
         return;
     }
+    const DataAction::Kind kind =
+        request == DataRequest::connect ? DataAction::Kind::connect : DataAction::Kind::disconnect;
     stoppedByUser = kind == DataAction::Kind::disconnect;
     Send(action.Ask(kind, manager.HasProfile()));
     SetLimit();

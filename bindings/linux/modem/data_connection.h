@@ -36,12 +36,11 @@ class DataConnection final : public DataCall {
     void Check() { manager.Check(); }
 
     // DataCall.
-    int Readiness() const override;
-    void Connect() override { Ask(DataAction::Kind::connect); }
-    void Disconnect() override { Ask(DataAction::Kind::disconnect); }
+    DataOutlook Outlook() const override;
+    void Make(DataRequest request) override;
 
   private:
-    void Ask(DataAction::Kind kind);
+    sys_data_connection_status_e StatusAfter(DataAction::Kind kind) const;
     void Refresh();
     void Send(DataAction::Kind kind);
     void SendConnect();

@@ -167,7 +167,10 @@ void ModemSource::Fill(Device& device) const {
     if (!modem) {
         return;
     }
-    FillModem(*modem, device);
+    Modem shown = *modem;
+    // An action may have begun since the modem was read.
+    shown.dataConnectionStatus = connection.Status();
+    FillModem(shown, device);
     Tell(device.getCellularDataEnabled, connection.IsEnabled() ? 1 : 0);
     device.getModemMnsInfo.value.selected = connection.Manager().IsNetworkChosen() ? 1 : 0;
 }

@@ -1,6 +1,7 @@
 // The board publishes what its sources tell, and no request waits for a source.
 #include "bindings/linux/board.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -9,12 +10,16 @@
 
 #include <algorithm>
 #include <array>
-#include <future>
+#include <chrono>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <thread>
+#include <utility>
 
 #include "bindings/device/codes.h"
 #include "bindings/posix/files/file_io.h"
 #include "tests/support/scratch.h"
+#include "tests/unit/bindings/linux/board_tasks.h"
 
 namespace {
 
@@ -24,6 +29,7 @@ using binding::Source;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 /// A source whose state the test sets, as a daemon would.
 class TestSource : public Source {
@@ -31,6 +37,9 @@ class TestSource : public Source {
     explicit TestSource(Board& owner) : Source(owner, "position") {}
 
     void Start() override {
+        if (!problem.empty()) {
+            throw std::runtime_error(std::exchange(problem, ""));
+        }
         if (startsAs != State::unknown) {
             Set(startsAs);
         }
@@ -60,6 +69,8 @@ class TestSource : public Source {
     }
 
     inline static State startsAs = State::present;
+    /// Why it cannot be started, once.
+    inline static std::string problem;
     int status = SYS_GPS_SEARCHING;
 };
 
@@ -67,50 +78,50 @@ class BoardOfOneSource : public SimulatedDevice {
   protected:
     BoardOfOneSource() { Document("{}"); }
 
-    void Begin(Source::State startsAs = Source::State::present) {
+    void Begin(Source::State startsAs = Source::State::present,
+               std::chrono::microseconds renewalLimit = std::chrono::hours(1)) {
         TestSource::startsAs = startsAs;
-        board = std::make_unique<Board>([this](Board& owner) {
-            binding::Sources sources;
-            auto made = std::make_unique<TestSource>(owner);
-            source = made.get();
-            ++madeCount;
-            sources.push_back(std::move(made));
-            return sources;
-        });
+        tasks = std::make_shared<BoardTasks>();
+        board = std::make_unique<Board>(
+            [this, joined = tasks](Board& owner) {
+                joined->Join(owner.Event());
+                binding::Sources sources;
+                auto made = std::make_unique<TestSource>(owner);
+                source = made.get();
+                ++madeCount;
+                sources.push_back(std::move(made));
+                return sources;
+            },
+            renewalLimit);
     }
 
     /// Runs @p task on the board's thread.
-    void OnBoard(const std::function<void()>& task) {
-        std::promise<void> done;
-        board->Post([&] {
-            task();
-            done.set_value();
-        });
-        done.get_future().wait();
-    }
+    void OnBoard(const std::function<void()>& task) { tasks->Run(task); }
 
-    /// Runs @p task, which changes what is told, and waits for the snapshot that has it.
-    void Publish(const std::function<void()>& task) {
-        const auto before = board->Newest();
-        OnBoard(task);
-        while (board->Newest() == before) {
+    /// Waits until a snapshot fulfils @p condition; fails after ten seconds.
+    void Await(const std::function<bool(const Device&)>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition(*board->Newest())) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << "nothing has come";
             std::this_thread::yield();
         }
     }
 
-    binding::Answer<int> GpsStatus() { return board->Newest()->getGPSStatus; }
-
-    /// Waits until the answer has the value @p status.
-    bool WaitFor(int status) {
-        for (int tries = 0; tries < 1000; ++tries) {
-            if (GpsStatus().value == status) {
-                return true;
-            }
-            OnBoard([] {});
-        }
-        return false;
+    void AwaitStatus(int status) {
+        Await([status](const Device& now) {
+            return now.getGPSStatus.error == 0 && now.getGPSStatus.value == status;
+        });
     }
 
+    /// Puts the source into @p state, and waits until the answer has the code @p error.
+    void Put(Source::State state, int error) {
+        OnBoard([&] { source->Set(state); });
+        Await([error](const Device& now) { return now.getGPSStatus.error == error; });
+    }
+
+    binding::Answer<int> GpsStatus() { return board->Newest()->getGPSStatus; }
+
+    std::shared_ptr<BoardTasks> tasks;
     std::unique_ptr<Board> board;
     TestSource* source = nullptr;
     std::atomic<int> madeCount = 0;
@@ -124,9 +135,9 @@ TEST_F(BoardOfOneSource, FirstSnapshotHasWhatTheSourceTells) {
 TEST_F(BoardOfOneSource, ChangeIsPublishedAsANewSnapshotAndAnOldOneStays) {
     Begin();
     const auto before = board->Newest();
-    Publish([this] { source->Say(SYS_GPS_GOT_FIX); });
+    OnBoard([this] { source->Say(SYS_GPS_GOT_FIX); });
+    AwaitStatus(SYS_GPS_GOT_FIX);
     EXPECT_EQ(before->getGPSStatus.value, SYS_GPS_SEARCHING);
-    EXPECT_EQ(GpsStatus().value, SYS_GPS_GOT_FIX);
 }
 
 TEST_F(BoardOfOneSource, WithoutAChangeTheSnapshotIsTheSame) {
@@ -143,12 +154,10 @@ TEST_F(BoardOfOneSource, AbsentSourceAnswersLikeADeviceWithoutThisHardware) {
 TEST_F(BoardOfOneSource, LostSourceFailsItsCallsUntilItIsBackAndEachIsLoggedOnce) {
     Begin();
     for (int again = 0; again < 3; ++again) {
-        Publish([this] { source->Set(Source::State::lost); });
-        EXPECT_EQ(GpsStatus().error, binding::kSourceLost);
+        Put(Source::State::lost, binding::kSourceLost);
     }
     for (int again = 0; again < 3; ++again) {
-        Publish([this] { source->Set(Source::State::present); });
-        EXPECT_EQ(GpsStatus().error, 0);
+        Put(Source::State::present, 0);
     }
     EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: it has gone",
                                    "[LINUX]:[NOTICE] - position: is back"));
@@ -156,10 +165,9 @@ TEST_F(BoardOfOneSource, LostSourceFailsItsCallsUntilItIsBackAndEachIsLoggedOnce
 
 TEST_F(BoardOfOneSource, LostSourceIsLoggedToBeBackAlsoWhenItsHardwareIsAbsentThen) {
     Begin();
-    Publish([this] { source->Set(Source::State::lost); });
-    Publish([this] { source->Set(Source::State::absent); });
-    EXPECT_EQ(GpsStatus().error, 0);
-    Publish([this] { source->Set(Source::State::present); });
+    Put(Source::State::lost, binding::kSourceLost);
+    Put(Source::State::absent, 0);
+    Put(Source::State::present, 0);
     EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: it has gone",
                                    "[LINUX]:[NOTICE] - position: is back"));
 }
@@ -176,16 +184,16 @@ TEST_F(BoardOfOneSource, SourceThatDoesNotTellWhetherItIsThereDelaysOnlyTheFirst
 TEST_F(BoardOfOneSource, ChangeOfTheDocumentIsNoticed) {
     Begin();
     Document("{\"sys\": {\"getGPSStatus\": 7}}");
-    EXPECT_TRUE(WaitFor(7));
+    AwaitStatus(7);
     Document("{}");
-    EXPECT_TRUE(WaitFor(SYS_GPS_SEARCHING));
+    AwaitStatus(SYS_GPS_SEARCHING);
     EXPECT_EQ(madeCount, 1);
 }
 
 TEST_F(BoardOfOneSource, DamagedDocumentIsLoggedOnceAndTheLastGoodOneStays) {
     Document("{\"sys\": {\"getGPSStatus\": 7}}");
     Begin();
-    ASSERT_TRUE(WaitFor(7));
+    AwaitStatus(7);
     for (int again = 0; again < 2; ++again) {
         Document("{");
         while (Log().empty()) {
@@ -200,11 +208,49 @@ TEST_F(BoardOfOneSource, OtherSettingsStartTheSourcesAnew) {
     Begin();
     (void)board->Newest();
     Document("{\"linux\": {\"apn\": \"internet\"}, \"sys\": {\"getSMSUnreadCount\": 2}}");
-    while (board->Newest()->getSMSUnreadCount.value != 2) {
-        OnBoard([] {});
-    }
+    Await([](const Device& now) { return now.getSMSUnreadCount.value == 2; });
     EXPECT_EQ(madeCount, 2);
     EXPECT_EQ(GpsStatus().value, SYS_GPS_SEARCHING);
+}
+
+/// Documents with other settings, which also show that they are in force.
+class NewSettings : public BoardOfOneSource {
+  protected:
+    /// Changes the settings; the new source does not tell yet whether it is there.
+    void Renew() {
+        OnBoard([] { TestSource::startsAs = Source::State::unknown; });
+        Document("{\"linux\": {\"apn\": \"internet\"}, \"sys\": {\"getSMSUnreadCount\": 2}}");
+        while (madeCount < 2) {
+            OnBoard([] {});
+        }
+        // The loop has turns for whatever it would do now.
+        for (int turn = 0; turn < 100; ++turn) {
+            OnBoard([] {});
+        }
+    }
+
+    static bool AreInForce(const Device& device) { return device.getSMSUnreadCount.value == 2; }
+};
+
+TEST_F(NewSettings, LeaveTheSnapshotUntilAllNewSourcesAreKnown) {
+    Begin();
+    const auto before = board->Newest();
+    Renew();
+    EXPECT_EQ(board->Newest(), before);
+    OnBoard([this] {
+        source->Set(Source::State::present);
+        source->Say(SYS_GPS_GOT_FIX);
+    });
+    Await(AreInForce);
+    EXPECT_EQ(GpsStatus().value, SYS_GPS_GOT_FIX);
+}
+
+TEST_F(NewSettings, DoNotWaitLongForSourcesThatDoNotTell) {
+    Begin(Source::State::present, std::chrono::microseconds(1));
+    (void)board->Newest();
+    Renew();
+    Await(AreInForce);
+    EXPECT_EQ(GpsStatus().value, SYS_GPS_OFF);
 }
 
 TEST_F(BoardOfOneSource, WithoutADocumentTheSourcesAnswer) {
@@ -214,50 +260,149 @@ TEST_F(BoardOfOneSource, WithoutADocumentTheSourcesAnswer) {
     EXPECT_THAT(Log(), Contains(HasSubstr("No such file or directory (no document)")));
 }
 
-/// A data call that remembers what it was told to do.
+/// A data call that remembers what it was asked for, and does what is asked for at once.
 class TestDataCall : public binding::DataCall {
   public:
-    int Readiness() const override { return SYS_SUCCESS; }
-    void Connect() override { actions.emplace_back("connect"); }
-    void Disconnect() override { actions.emplace_back("disconnect"); }
+    binding::DataOutlook Outlook() const override {
+        return {.readiness = SYS_SUCCESS,
+                .afterConnect = SYS_DATA_CONNECTION_CONNECTING,
+                .afterDisconnect = SYS_DATA_CONNECTION_READY};
+    }
+    void Make(binding::DataRequest request) override { requests.push_back(request); }
 
-    std::vector<std::string> actions;
+    std::vector<binding::DataRequest> requests;
 };
 
-TEST_F(BoardOfOneSource, ActionsAreHandedOverInTheirOrder) {
-    Begin();
+class DataRequests : public NewSettings {
+  protected:
+    using Request = binding::DataRequest;
+
+    void SetUp() override {
+        Begin();
+        OnBoard([this] { board->SetDataCall(&call); });
+        // A request is accepted from then on.
+        while (board->StartDataCall() != SYS_SUCCESS) {
+            std::this_thread::yield();
+        }
+        AwaitRequests(1);
+        OnBoard([this] { call.requests.clear(); });
+    }
+
+    // The board uses the call until it ends.
+    void TearDown() override { board.reset(); }
+
+    /// Waits until the call has got @p count requests, and the status is that of the call again.
+    void AwaitRequests(std::size_t count) {
+        std::size_t made = 0;
+        while (made < count) {
+            OnBoard([&] { made = call.requests.size(); });
+        }
+        Await([](const Device& now) {
+            return now.getCellularDataConnectionStatus.value == SYS_DATA_CONNECTION_READY;
+        });
+    }
+
+    int Status() { return board->Newest()->getCellularDataConnectionStatus.value; }
+
     TestDataCall call;
-    Publish([&] { board->SetDataCall(&call); });
-    EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
-    EXPECT_EQ(board->StopDataCall(), SYS_SUCCESS);
-    EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
-    OnBoard([] {});
-    EXPECT_THAT(call.actions, ElementsAre("connect", "disconnect", "connect"));
+};
+
+TEST_F(DataRequests, StatusTellsARequestFromTheMomentItIsAccepted) {
+    int before = 0;
+    int after = 0;
+    // The board's thread does nothing else meanwhile.
+    OnBoard([&] {
+        before = Status();
+        EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
+        after = Status();
+    });
+    EXPECT_EQ(before, SYS_DATA_CONNECTION_READY);
+    EXPECT_EQ(after, SYS_DATA_CONNECTION_CONNECTING);
+    AwaitRequests(1);
+    EXPECT_THAT(call.requests, ElementsAre(Request::connect));
 }
 
-TEST_F(BoardOfOneSource, ActionsFailWithoutAnythingToConnect) {
+TEST_F(DataRequests, ARequestReplacesOneThatTheThreadHasNotTakenYet) {
+    int status = 0;
+    OnBoard([&] {
+        for (int again = 0; again < 1000; ++again) {
+            EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
+        }
+        EXPECT_EQ(board->StopDataCall(), SYS_SUCCESS);
+        status = Status();
+    });
+    EXPECT_EQ(status, SYS_DATA_CONNECTION_READY);
+    AwaitRequests(1);
+    EXPECT_THAT(call.requests, ElementsAre(Request::disconnect));
+}
+
+TEST_F(DataRequests, ARequestWaitsForTheSourcesOfNewSettings) {
+    Renew();
+    EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
+    // The thread has been woken up by the request before.
+    OnBoard([] {});
+    OnBoard([this] {
+        EXPECT_THAT(call.requests, IsEmpty());
+        board->SetDataCall(&call);
+        source->Set(Source::State::present);
+    });
+    AwaitRequests(1);
+}
+
+TEST_F(BoardOfOneSource, RequestsFailWithoutAnythingToConnect) {
     Begin();
     EXPECT_EQ(board->StartDataCall(), binding::kNothingToConnect);
     EXPECT_EQ(board->StopDataCall(), binding::kNothingToConnect);
 }
 
-TEST_F(BoardOfOneSource, TrafficIsThatOfTheInterfaceOfTheDataCall) {
+/// How long the data call lasts, as @p device tells.
+std::uint64_t Duration(const Device& device) {
+    return device.getCellularDataConnectionStats.value.duration;
+}
+
+TEST_F(BoardOfOneSource, TrafficIsThatOfTheDataCallOfTheSameSnapshot) {
     Begin();
-    Publish([this] {
+    std::shared_ptr<const Device> meanwhile = board->Newest();
+    OnBoard([&] {
         board->SetTraffic(binding::TrafficMeter::Connection{
             .interface = "lo",
             .since = std::chrono::steady_clock::now() - std::chrono::seconds(90),
             .atBegin = {}});
-        board->Changed();
+        source->Say(SYS_GPS_GOT_FIX);
+        meanwhile = board->Newest();
     });
-    const auto& stats = board->Newest()->getCellularDataConnectionStats;
-    EXPECT_EQ(stats.error, 0);
-    EXPECT_GE(stats.value.duration, 90U);
-    Publish([this] {
+    EXPECT_EQ(Duration(*meanwhile), 0U);
+    AwaitStatus(SYS_GPS_GOT_FIX);
+    EXPECT_GE(Duration(*board->Newest()), 90U);
+    OnBoard([&] {
         board->SetTraffic(std::nullopt);
-        board->Changed();
+        source->Say(SYS_GPS_SEARCHING);
+        meanwhile = board->Newest();
     });
-    EXPECT_EQ(board->Newest()->getCellularDataConnectionStats.value.duration, 0U);
+    EXPECT_GE(Duration(*meanwhile), 90U);
+    AwaitStatus(SYS_GPS_SEARCHING);
+    EXPECT_EQ(Duration(*board->Newest()), 0U);
+}
+
+TEST_F(BoardOfOneSource, SourceThatCannotBeStartedIsLost) {
+    TestSource::problem = "no descriptor";
+    Begin();
+    EXPECT_EQ(GpsStatus().error, binding::kSourceLost);
+    EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: not started: no descriptor"));
+}
+
+TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFail) {
+    Document("{\"sys\": {\"getSMSUnreadCount\": 2}}");
+    Begin();
+    AwaitStatus(SYS_GPS_SEARCHING);
+    OnBoard([this] {
+        const binding::FileDescriptor other(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        ASSERT_GE(dup3(other.Number(), sd_event_get_fd(board->Event()), O_CLOEXEC), 0);
+    });
+    Await([](const Device& now) { return now.getGPSStatus.error == binding::kSourceLost; });
+    EXPECT_EQ(board->Newest()->getSMSUnreadCount.value, 2);
+    EXPECT_EQ(board->StartDataCall(), binding::kNothingToConnect);
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has ended: ")));
 }
 
 class Reports : public BoardOfOneSource {
@@ -295,7 +440,7 @@ TEST_F(Reports, TellNameStateAndWhatASourceHasSaid) {
     EXPECT_EQ(present[0]["state"], "present");
     EXPECT_EQ(present[0]["said"], SYS_GPS_SEARCHING);
     EXPECT_GT(present[0]["since"], 1'600'000'000);
-    Publish([this] { source->Set(Source::State::lost); });
+    OnBoard([this] { source->Set(Source::State::lost); });
     const auto lost = nlohmann::json::parse(Ask());
     EXPECT_EQ(lost[0]["state"], "lost");
     EXPECT_EQ(lost[0]["reason"], "it has gone");

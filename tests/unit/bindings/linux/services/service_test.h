@@ -16,6 +16,7 @@
 #include "bindings/linux/board.h"
 #include "bindings/linux/sources.h"
 #include "tests/support/scratch.h"
+#include "tests/unit/bindings/linux/board_tasks.h"
 #include "tests/unit/bindings/linux/services/fakes.h"
 
 class ServiceTest : public SimulatedDevice {
@@ -36,7 +37,10 @@ class ServiceTest : public SimulatedDevice {
 
     void Begin() {
         Document(nlohmann::json{{"linux", settings}}.dump());
-        board = std::make_unique<binding::Board>(binding::MakeSources);
+        board = std::make_unique<binding::Board>([this](binding::Board& owner) {
+            tasks.Join(owner.Event());
+            return binding::MakeSources(owner);
+        });
         // The first snapshot waits for what the daemons answer.
         const auto first = std::async(std::launch::async, [this] { return board->Newest(); });
         while (first.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
@@ -76,15 +80,15 @@ class ServiceTest : public SimulatedDevice {
 
     /// What the source @p name has told.
     nlohmann::json Said(const std::string& name) {
-        std::promise<nlohmann::json> said;
-        board->Post([&] {
+        nlohmann::json said;
+        tasks.Run([&] {
             for (const auto& source : board->GetSources()) {
                 if (source->Name() == name) {
-                    said.set_value(source->Said());
+                    said = source->Said();
                 }
             }
         });
-        return said.get_future().get();
+        return said;
     }
 
     static std::vector<int> Kinds(const binding::Device& now) {
@@ -97,5 +101,6 @@ class ServiceTest : public SimulatedDevice {
 
     nlohmann::json settings;
     std::vector<std::function<void()>> daemons;
+    BoardTasks tasks;
     std::unique_ptr<binding::Board> board;
 };

@@ -1,0 +1,84 @@
+// What the requests see of the board: its newest snapshot. All of it is for any thread, under one
+// lock that nobody holds for long.
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "bindings/device/device.h"
+#include "bindings/linux/traffic.h"
+
+namespace binding {
+
+enum class DataRequest { connect, disconnect };
+
+/// What requests for the data call meet, as of a snapshot.
+struct DataOutlook {
+    /// SYS_SUCCESS, or the code with which a request fails because there is nothing to connect.
+    int readiness;
+    /// The status that is told from the moment at which a request has been accepted.
+    sys_data_connection_status_e afterConnect = SYS_DATA_CONNECTION_CONNECTING;
+    sys_data_connection_status_e afterDisconnect = SYS_DATA_CONNECTION_DISCONNECTING;
+
+    sys_data_connection_status_e After(DataRequest request) const {
+        return request == DataRequest::connect ? afterConnect : afterDisconnect;
+    }
+};
+
+class Snapshots {
+  public:
+    Snapshots();
+
+    // For requests.
+
+    /// The newest snapshot. The first one is waited for, but for a second at most.
+    std::shared_ptr<const Device> Newest();
+
+    /// Accepts a request for the data call and lets the newest snapshot tell so, or returns the
+    /// code with which it fails. It replaces one that has not been taken yet: what has been asked
+    /// for last counts, and there is never more than one.
+    int Ask(DataRequest request);
+
+    // For the board's thread.
+
+    std::optional<DataRequest> TakeRequest();
+
+    struct Publication {
+        /// What the owner says in place of the sources.
+        const Device& document;
+        DataOutlook outlook;
+        /// The interface whose counters are those of the data call.
+        std::optional<TrafficMeter::Connection> connection;
+        /// Whether the device is whole, so that nobody needs to wait for more.
+        bool isComplete;
+        /// Adds to the device what follows from the rest of it.
+        std::function<void(Device& device)> finish;
+    };
+
+    /// Publishes @p device, which has what the sources tell.
+    void Publish(Device device, const Publication& publication);
+
+  private:
+    /// Which answers of the published snapshot are those of sources.
+    struct Told {
+        bool traffic = false;
+        bool dataStatus = false;
+        bool slots = false;
+    };
+
+    void ShowDataStatus(Device& device, DataRequest request) const;
+
+    std::mutex mutex;
+    std::condition_variable settling;
+    bool settled = false;
+    std::shared_ptr<const Device> published;
+    Told told;
+    DataOutlook outlook;
+    std::optional<DataRequest> waiting;
+    TrafficMeter traffic;
+};
+
+}  // namespace binding
