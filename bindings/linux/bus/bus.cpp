@@ -58,18 +58,10 @@ class Bus::Pending {
 
 struct Bus::Callbacks {
     static int OnLocal(sd_bus_message* message, void* owner, sd_bus_error* /*error*/) {
-        Bus& self = *static_cast<Bus*>(owner);
-        const bool isConnected =
-            sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local", "Connected") > 0;
-        const bool isDisconnected =
-            sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local", "Disconnected") > 0;
-        if (isConnected) {
-            self.SetConnected(true);
-        } else if (isDisconnected) {
-            self.SetConnected(false);
-            // Not from within its own callback.
-            self.reopening.After(self.event, kReopenAfter, kReopenAfter / 4,
-                                 [&self] { self.Open(); });
+        try {
+            static_cast<Bus*>(owner)->OnLocal(message);
+        } catch (const std::exception& problem) {
+            LINUX_LOG(TORU_DBG_ERROR, "system bus: %s", problem.what());
         }
         return 0;
     }
@@ -118,6 +110,18 @@ void Bus::Open() {
             problem = error.what();
         }
         reopening.After(event, kRetryAfter, kRetryAfter / 4, [this] { Open(); });
+    }
+}
+
+void Bus::OnLocal(sd_bus_message* message) {
+    constexpr const char* kLocal = "org.freedesktop.DBus.Local";
+    if (sd_bus_message_is_signal(message, kLocal, "Connected") > 0) {
+        SetConnected(true);
+    } else if (sd_bus_message_is_signal(message, kLocal, "Disconnected") > 0) {
+        // The connection is made anew, but not from within its own callback. This comes first, so
+        // that it happens whatever the listeners do.
+        reopening.After(event, kReopenAfter, kReopenAfter / 4, [this] { Open(); });
+        SetConnected(false);
     }
 }
 

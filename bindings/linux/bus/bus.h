@@ -64,6 +64,7 @@ class Bus {
     int AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_handler_t onMessage,
                  void* owner);
     void Open();
+    void OnLocal(sd_bus_message* message);
     void SetConnected(bool newConnected);
     void TellListeners();
 
