@@ -6,6 +6,7 @@
 
 #include "bindings/device/device.h"
 #include "bindings/document/answer_reader.h"
+#include "platform/notification.h"
 
 namespace binding {
 
@@ -20,5 +21,9 @@ Device CompileDevice(const nlohmann::ordered_json& document);
 void ReadSys(const Node& node, Device& device);
 void ReadWebui(const Node& node, Device& device);
 void ReadMsgbus(const Node& node, Device& device);
+
+/// Reads an element of a list of notifications. What it does not name stays as it is in @p record,
+/// but for the flags.
+void ReadNotification(const Node& node, AnsNotificationRecord& record);
 
 }  // namespace binding

@@ -38,31 +38,14 @@ void ReadSeverity(const Node& node, std::uint32_t& severity) {
     severity = static_cast<std::uint32_t>(found - kSeverityNames.begin());
 }
 
-AnsNotificationRecord ReadNotification(const Node& node) {
-    AnsNotificationRecord record{};
-    bool active = true;
-    Members members(node);
-    members.Field("id", record.id).Field("category", record.category);
-    if (const auto severity = members.Find("severity")) {
-        ReadSeverity(*severity, record.severity);
-    }
-    members.Field("labelId", record.labelId)
-        .Field("titleId", record.titleId)
-        .Field("textId", record.textId)
-        .Field("active", active)
-        .RejectOthers();
-    if (active) {
-        record.flags = ANS_NOTIFICATION_ACTIVE;
-    }
-    return record;
-}
-
 Block ReadNotifications(const Node& list) {
     const std::size_t count = list.Size();
     Block block;
     Append(block, static_cast<std::int32_t>(count));
     for (std::size_t index = 0; index < count; ++index) {
-        Append(block, ReadNotification(list.Element(index)));
+        AnsNotificationRecord record{};
+        ReadNotification(list.Element(index), record);
+        Append(block, record);
     }
     return block;
 }
@@ -102,6 +85,24 @@ void ReadChannel(const Node& node, Block& block) {
 }
 
 }  // namespace
+
+void ReadNotification(const Node& node, AnsNotificationRecord& record) {
+    bool active = true;
+    Members members(node);
+    members.Field("id", record.id).Field("category", record.category);
+    if (const auto severity = members.Find("severity")) {
+        ReadSeverity(*severity, record.severity);
+    }
+    members.Field("labelId", record.labelId)
+        .Field("titleId", record.titleId)
+        .Field("textId", record.textId)
+        .Field("active", active)
+        .RejectOthers();
+    record.flags = 0;
+    if (active) {
+        record.flags = ANS_NOTIFICATION_ACTIVE;
+    }
+}
 
 void ReadMsgbus(const Node& node, Device& device) {
     ReadNamedAnswers(node, device.channels, ReadChannel);

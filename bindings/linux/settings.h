@@ -6,8 +6,15 @@
 #include <vector>
 
 #include "bindings/document/node.h"
+#include "platform/notification.h"
 
 namespace binding {
+
+struct AddedNotification {
+    AnsNotificationRecord record{};
+
+    bool operator==(const AddedNotification& other) const;
+};
 
 struct Settings {
     /// Network interfaces. The bridge connects Wi-Fi and Ethernet; empty without one.
@@ -41,8 +48,10 @@ struct Settings {
 
     /// Bytes of the tariff; 0 without a limit.
     std::uint64_t planBytes = 0;
-    /// Types of notifications that are not shown.
+    /// Types of notifications that are not shown when the state calls for them.
     std::vector<std::string> mutedNotifications;
+    /// Notifications that the owner shows besides those that the state calls for.
+    std::vector<AddedNotification> addedNotifications;
     /// Seconds for which a notification about a client that came or left is shown.
     std::uint32_t clientNotificationSeconds = 60;
 

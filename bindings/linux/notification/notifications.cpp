@@ -5,7 +5,7 @@
 #include <span>
 
 #include "bindings/device/notification_types.h"
-#include "bindings/linux/text_field.h"
+#include "bindings/linux/notification/notification_record.h"
 #include "bindings/linux/update/update_state.h"
 #include "platform/notification.h"
 
@@ -122,16 +122,17 @@ ClientCounts Count(const std::vector<sys_connected_device_t>& clients) {
     return counts;
 }
 
-AnsNotificationRecord RecordOf(const NotificationType& type) {
-    AnsNotificationRecord record{};
-    PutText(record.category, type.category);
-    PutText(record.id, type.name);
-    PutText(record.labelId, type.LabelId());
-    PutText(record.titleId, type.TitleId());
-    PutText(record.textId, type.TextId());
-    record.severity = type.severity;
-    record.flags = ANS_NOTIFICATION_ACTIVE;
-    return record;
+bool IsMuted(const Settings& settings, std::string_view type) {
+    const auto& muted = settings.mutedNotifications;
+    return std::find(muted.begin(), muted.end(), type) != muted.end();
+}
+
+/// Whether the owner has a notification of the type @p type, which stands in place of the other.
+bool IsAdded(const Settings& settings, std::string_view type) {
+    const auto& all = settings.addedNotifications;
+    return std::any_of(all.begin(), all.end(), [type](const AddedNotification& added) {
+        return type == static_cast<const char*>(added.record.id);
+    });
 }
 
 std::vector<std::byte> BlockOf(const std::vector<AnsNotificationRecord>& records) {
@@ -169,11 +170,13 @@ std::optional<Notifications::Time> Notifications::Publish(Device& device, const 
     }
     std::vector<AnsNotificationRecord> records;
     for (const std::string_view name : types) {
-        const auto& muted = settings.mutedNotifications;
         const NotificationType* const type = FindNotificationType(name);
-        if (type != nullptr && std::find(muted.begin(), muted.end(), name) == muted.end()) {
-            records.push_back(RecordOf(*type));
+        if (type != nullptr && !IsMuted(settings, name) && !IsAdded(settings, name)) {
+            records.push_back(NotificationRecordOf(*type));
         }
+    }
+    for (const AddedNotification& added : settings.addedNotifications) {
+        records.push_back(added.record);
     }
     auto& channel = device.channels[ANS_NOTIFICATION_CHANNEL];
     channel.named = true;

@@ -8,6 +8,7 @@
 
 #include "bindings/linux/absent_device.h"
 #include "bindings/linux/source.h"
+#include "platform/notification.h"
 
 namespace {
 
@@ -66,6 +67,105 @@ TEST(BoardDocument, WhatIsWrongIsToldWithItsLine) {
     }
     EXPECT_THAT(ProblemOf("{\"linux\": {\"wify\": []}}"), ::testing::HasSubstr("wify"));
     EXPECT_THAT(ProblemOf("[]"), ::testing::HasSubstr("expected an object"));
+}
+
+/// What the reader says of the value @p value of the setting @p name; empty if it accepts it.
+std::string Setting(const std::string& name, const std::string& value) {
+    const std::string problem = ProblemOf("{\n\"linux\": {\"" + name + "\": " + value + "}}");
+    const std::string place = "device.json:2: linux.";
+    EXPECT_EQ(problem.substr(0, place.size()), problem.empty() ? "" : place);
+    return problem.empty() ? "" : problem.substr(place.size());
+}
+
+TEST(BoardDocument, InterfacesHaveNamesThatTheKernelAllows) {
+    const std::string expected = "expected a name of at most 15 bytes without slashes, found ";
+    for (const std::string name : {"", "/etc/shadow", "../eth0", "..", "a-name-of-16-cha"}) {
+        const std::string text = "\"" + name + "\"";
+        EXPECT_EQ(Setting("wifi", "[\"wlan0\", " + text + "]"), "wifi[1]: " + expected + text);
+    }
+    EXPECT_EQ(Setting("bridge", "\"a/b\""), "bridge: " + expected + "\"a/b\"");
+    EXPECT_EQ(Setting("bridge", "\"\""), "");
+    EXPECT_EQ(Setting("bridge", "7"), "bridge: expected a text, found 7");
+}
+
+TEST(BoardDocument, MemoryCardIsAnEntryOfAFolder) {
+    EXPECT_EQ(Setting("memoryCard", "\"../../etc\""),
+              "memoryCard: expected a name of at most 255 bytes without slashes, found "
+              "\"../../etc\"");
+    EXPECT_EQ(Setting("memoryCard", "\"\""), "");
+    EXPECT_EQ(Setting("memoryCard", "\"mmcblk1\""), "");
+}
+
+TEST(BoardDocument, PathsAreAbsolute) {
+    for (const std::string name : {"hostapdDirectory", "leases", "powerSupplies", "updateSocket"}) {
+        for (const std::string path : {"", "/", "leases", "/run/"}) {
+            const std::string text = "\"" + path + "\"";
+            EXPECT_EQ(Setting(name, text), name + ": expected an absolute path, found " + text);
+        }
+        EXPECT_NE(Setting(name, "\"/" + std::string(5000, 'a') + "\""), "");
+    }
+}
+
+TEST(BoardDocument, TextsHaveNoControlCharacters) {
+    for (const std::string character : {"\\u0000", "\\n", "\\u001b", "\\u007f"}) {
+        EXPECT_EQ(Setting("apn", "\"a" + character + "b\""),
+                  "apn: expected a text without control characters, found such");
+    }
+    EXPECT_EQ(Setting("apn", "\"caf\u00e9\""), "");
+}
+
+TEST(BoardDocument, ListsAreBounded) {
+    std::string names = "\"a\"";
+    for (int count = 1; count < 32; ++count) {
+        names += ", \"a\"";
+    }
+    EXPECT_EQ(Setting("wifi", "[" + names + "]"), "");
+    EXPECT_EQ(Setting("wifi", "[" + names + ", \"a\"]"),
+              "wifi: expected a list of at most 32, found one of 33");
+}
+
+TEST(BoardDocument, AccessPointServesAsManyClientsAsHostapdCan) {
+    EXPECT_EQ(Setting("wifiMaxClients", "2007"), "");
+    EXPECT_EQ(Setting("wifiMaxClients", "4294967295"),
+              "wifiMaxClients: expected a number from 0 to 2007, found 4294967295");
+}
+
+TEST(BoardDocument, NotificationsThatAreMutedMustExist) {
+    EXPECT_EQ(Setting("mutedNotifications", "[\"smsReceived\"]"), "");
+    EXPECT_EQ(Setting("mutedNotifications", "[\"smsRecieved\"]"),
+              "mutedNotifications[0]: expected a type of notification, found \"smsRecieved\"");
+}
+
+TEST(BoardDocument, NotificationsCanBeAdded) {
+    const BoardDocument document = Read(
+        "{\"linux\": {\"addedNotifications\": ["
+        "{\"id\": \"simNonQKT\", \"severity\": \"critical\"},"
+        "{\"id\": \"shop\", \"category\": \"account\", \"active\": false}]}}");
+    const auto& added = document.settings.addedNotifications;
+    ASSERT_EQ(added.size(), 2U);
+    // What is not said of a type that is known is as usual.
+    EXPECT_STREQ(added[0].record.category, "sim");
+    EXPECT_STREQ(added[0].record.titleId, "notification_sim_non_qkt_title");
+    EXPECT_EQ(added[0].record.severity, ANS_SEVERITY_CRITICAL);
+    EXPECT_EQ(added[0].record.flags, ANS_NOTIFICATION_ACTIVE);
+    EXPECT_STREQ(added[1].record.id, "shop");
+    EXPECT_STREQ(added[1].record.titleId, "");
+    EXPECT_EQ(added[1].record.flags, 0U);
+    EXPECT_FALSE(document.settings == binding::Settings());
+}
+
+TEST(BoardDocument, WrongAddedNotificationsAreToldWithTheirPlace) {
+    EXPECT_EQ(Setting("addedNotifications", "{}"),
+              "addedNotifications: expected a list, found an object");
+    EXPECT_EQ(Setting("addedNotifications", "[{\"category\": \"sim\"}]"),
+              "addedNotifications[0]: expected a notification with an \"id\", found none");
+    EXPECT_EQ(Setting("addedNotifications", "[{\"id\": \"\"}]"),
+              "addedNotifications[0]: expected a notification with an \"id\", found none");
+    EXPECT_EQ(Setting("addedNotifications", "[{\"id\": \"a\", \"severity\": \"loud\"}]"),
+              "addedNotifications[0].severity: expected info, warning, alert, critical or an "
+              "unsigned 32-bit integer, found a text");
+    EXPECT_NE(Setting("addedNotifications", "[{\"id\": \"a\", \"txtId\": \"b\"}]"), "");
+    EXPECT_NE(Setting("addedNotifications", "[{\"id\": \"" + std::string(30, 'a') + "\"}]"), "");
 }
 
 TEST(BoardDocument, AnAnswerStandsInPlaceOfTheSources) {

@@ -157,6 +157,27 @@ TEST(Notifications, MutedTypesAreNotPublished) {
     EXPECT_THAT(Published(device, settings), IsEmpty());
 }
 
+/// Settings of an owner who has added a notification of the type @p type.
+Settings WithAdded(const std::string& type) {
+    Settings settings;
+    binding::AddedNotification& added = settings.addedNotifications.emplace_back();
+    type.copy(added.record.id, sizeof added.record.id - 1);
+    return settings;
+}
+
+TEST(Notifications, AddedOnesFollowThoseThatTheStateCallsFor) {
+    Device device = Registered();
+    EXPECT_THAT(Published(device, WithAdded("shop")), ElementsAre("shop"));
+    Tell(device.getSMSUnreadCount, 1);
+    EXPECT_THAT(Published(device, WithAdded("shop")), ElementsAre("smsReceived", "shop"));
+}
+
+TEST(Notifications, AddedOneStandsInPlaceOfThatOfTheSameType) {
+    Device device = Registered();
+    Tell(device.getSMSUnreadCount, 1);
+    EXPECT_THAT(Published(device, WithAdded("smsReceived")), ElementsAre("smsReceived"));
+}
+
 TEST(Notifications, RecordHasSeverityAndMessageIdsOfItsType) {
     Device device = Registered();
     Tell(device.getSIMStatus, SYS_SIM_PUK_LOCKED);
