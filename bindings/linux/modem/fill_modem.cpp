@@ -105,6 +105,7 @@ void FillSim(const Modem& modem, Device& device) {
 
 void FillDataCall(const Modem& modem, Device& device) {
     TellIfTold(device.getCellularDataConnectionStatus, modem.dataConnectionStatus);
+    TellIfTold(device.getCellularDataAccountStatus, modem.accountStatus);
     sys_cellular_data_connection_stats_t stats{};
     if (modem.bearerStats) {
         stats.duration = modem.bearerStats->seconds;
@@ -130,7 +131,7 @@ void FailModem(Device& device, int code) {
             device.get5GBandWidth, device.getSIMStatus, device.getNetworkSIMLockStatus,
             device.getSubscriberInfo, device.getSIMCarrierGID.every, device.getActiveSimSlot,
             device.getNumSims, device.getAllSimSlotsInfo, device.getCellularDataConnectionStatus,
-            device.getCellularDataConnectionStats);
+            device.getCellularDataConnectionStats, device.getCellularDataAccountStatus);
 }
 
 }  // namespace binding

@@ -60,6 +60,7 @@ struct Modem {
     int activeSlot = 1;
     std::vector<SimSlot> slots;
 
+    std::optional<int> accountStatus;  ///< sys_account_status_e
     std::optional<sys_data_connection_status_e> dataConnectionStatus;
     std::optional<std::string> interface;  ///< network interface of the connected bearer
     std::optional<BearerStats> bearerStats;

@@ -7,6 +7,7 @@
 #include "bindings/linux/modem/modem.h"
 #include "bindings/linux/modem/modem_manager.h"
 #include "bindings/linux/modem/read_parts.h"
+#include "bindings/linux/modem/tables/account_status.h"
 #include "bindings/linux/modem/tables/modem_numbers.h"
 #include "bindings/linux/modem/tables/registration.h"
 #include "bindings/linux/modem/tables/reject_code.h"
@@ -67,6 +68,7 @@ long PathNumber(const std::string& path) {
 void ReadNetwork(const json& network, const json& sim, Modem& modem) {
     const auto registration = Number(network, "RegistrationState");
     modem.serviceStatus = ServiceStatusOf(modem.state, registration);
+    modem.accountStatus = AccountStatusOf(Member(network, "Pco"), modem.imsi.value_or(""));
     const json& rejection = Member(network, "NetworkRejection");
     const auto cause = Number(rejection, "error");
     if (cause && *cause > 0 && *cause <= UINT8_MAX) {

@@ -41,6 +41,12 @@ bool HasUsed(const Device& device, const Settings& settings, std::uint64_t perce
     return used / percent >= settings.planBytes / 100 && used != 0;
 }
 
+/// Whether the account is in the state @p status, on a device whose carrier tells of accounts.
+/// Others may use the same numbers for something else.
+bool HasAccount(const Device& device, sys_account_status_e status) {
+    return Is(device.getPCOCarrierEnabled, 1) && Is(device.getCellularDataAccountStatus, status);
+}
+
 bool HasUpdate(const Device& device, UpdateStatus status) {
     const auto& update = device.softwareUpdateStatus;
     return update.named && update.error == 0 &&
@@ -85,14 +91,10 @@ constexpr std::array kRules = {
          [](const Device& device, const Settings& settings) {
              return HasUsed(device, settings, 90) && !HasUsed(device, settings, 100);
          }},
-    Rule{"PCO3",
-         [](const Device& device, const Settings&) {
-             return Is(device.getCellularDataAccountStatus, SYS_ACCOUNT_OUT_OF_CREDIT);
-         }},
-    Rule{"PCO5",
-         [](const Device& device, const Settings&) {
-             return Is(device.getCellularDataAccountStatus, SYS_ACCOUNT_NOT_ACTIVE);
-         }},
+    Rule{"PCO3", [](const Device& device,
+                    const Settings&) { return HasAccount(device, SYS_ACCOUNT_OUT_OF_CREDIT); }},
+    Rule{"PCO5", [](const Device& device,
+                    const Settings&) { return HasAccount(device, SYS_ACCOUNT_NOT_ACTIVE); }},
     Rule{"smsReceived",
          [](const Device& device, const Settings&) {
              return device.getSMSUnreadCount.error == 0 && device.getSMSUnreadCount.value > 0;

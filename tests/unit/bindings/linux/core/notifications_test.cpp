@@ -178,6 +178,24 @@ TEST(Notifications, AddedOneStandsInPlaceOfThatOfTheSameType) {
     EXPECT_THAT(Published(device, WithAdded("smsReceived")), ElementsAre("smsReceived"));
 }
 
+TEST(Notifications, AccountStatesOfACarrierThatTellsThem) {
+    Device device = Registered();
+    Tell(device.getPCOCarrierEnabled, 1);
+    EXPECT_THAT(Published(device), IsEmpty());
+    Tell(device.getCellularDataAccountStatus, SYS_ACCOUNT_OUT_OF_CREDIT);
+    EXPECT_THAT(Published(device), ElementsAre("PCO3"));
+    Tell(device.getCellularDataAccountStatus, SYS_ACCOUNT_NOT_ACTIVE);
+    EXPECT_THAT(Published(device), ElementsAre("PCO5"));
+    Tell(device.getCellularDataAccountStatus, SYS_ACCOUNT_RESTRICTED);
+    EXPECT_THAT(Published(device), IsEmpty());
+}
+
+TEST(Notifications, AccountStatesAreNotShownWhenTheCarrierDoesNotTellThem) {
+    Device device = Registered();
+    Tell(device.getCellularDataAccountStatus, SYS_ACCOUNT_OUT_OF_CREDIT);
+    EXPECT_THAT(Published(device), IsEmpty());
+}
+
 TEST(Notifications, RecordHasSeverityAndMessageIdsOfItsType) {
     Device device = Registered();
     Tell(device.getSIMStatus, SYS_SIM_PUK_LOCKED);

@@ -47,6 +47,7 @@ TEST(FillModem, FillsTheRecordsOfTheSdk) {
     EXPECT_EQ(device.getSIMCarrierGID.At(1).value.length, 2);
     EXPECT_EQ(device.getSIMCarrierGID.At(1).value.bytes.front(), 186);
     EXPECT_EQ(device.getCellularDataConnectionStatus.value, SYS_DATA_CONNECTION_CONNECTED);
+    EXPECT_EQ(device.getCellularDataAccountStatus.value, SYS_ACCOUNT_OUT_OF_CREDIT);
     EXPECT_EQ(device.getCellularDataConnectionStats.value.duration, 17U);
     EXPECT_EQ(device.getCellularDataConnectionStats.value.bytesReceived1, 4000U);
     EXPECT_EQ(device.getCellularDataConnectionStats.value.bytesTransmitted1, 300U);
@@ -125,6 +126,7 @@ TEST(FailModem, FailsWhatFillModemAnswers) {
     EXPECT_EQ(device.getSIMStatus.error, 9006);
     EXPECT_EQ(device.getSIMCarrierGID.At(1).error, 9006);
     EXPECT_EQ(device.getCellular5GBand.error, 9006);
+    EXPECT_EQ(device.getCellularDataAccountStatus.error, 9006);
     EXPECT_FALSE(device.getBatteryStatus.named);
 }
 

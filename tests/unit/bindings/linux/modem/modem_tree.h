@@ -32,7 +32,8 @@ inline nlohmann::json TestTree() {
                 "RegistrationState": 1,
                 "OperatorCode": "26201",
                 "OperatorName": "Orvane",
-                "NetworkRejection": {}
+                "NetworkRejection": {},
+                "Pco": [[1, false, [255, 0, 4, 98, 242, 16, 3]]]
             },
             "org.freedesktop.ModemManager1.Modem.Signal": {
                 "Rate": 5,

@@ -91,6 +91,13 @@ TEST(ReadModem, ARejectIsThatOfTheNetworkOrElseThatOfTheBearer) {
     }
 }
 
+TEST(ReadModem, AccountIsWhatTheOperatorOfTheSimSays) {
+    json tree = TestTree();
+    EXPECT_EQ(Read(tree).accountStatus, SYS_ACCOUNT_OUT_OF_CREDIT);
+    SimProperties(tree)["Imsi"] = "262021234567890";
+    EXPECT_EQ(Read(tree).accountStatus, std::nullopt);
+}
+
 TEST(ReadModem, AConnectedBearerHasNotBeenRejected) {
     json tree = TestTree();
     BearerProperties(tree)["ConnectionError"] = {
