@@ -5,6 +5,7 @@
 #include <sched.h>
 #include <sys/socket.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
@@ -125,7 +126,11 @@ TEST_F(Kernel, TellsBehindWhichPortOfTheBridgeAClientIs) {
         for (const char* interface : {"bridge", "port", "other"}) {
             Ip(std::string("link set up ") + interface);
         }
-        ASSERT_EQ(std::system("bridge fdb add 02:11:22:33:44:55 dev port master dynamic"), 0);
+        // A port learns once the kernel has noticed its carrier, which it does on its own time.
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (std::system("bridge fdb add 02:11:22:33:44:55 dev port master dynamic") != 0) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << "the port does not learn";
+        }
         Ip("neigh add 10.0.0.2 lladdr 02:11:22:33:44:55 dev bridge nud reachable");
         Ip("neigh add 10.0.0.3 lladdr 02:11:22:33:44:66 dev bridge nud stale");
         Begin();
