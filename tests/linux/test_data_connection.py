@@ -13,6 +13,16 @@ def test_somebody_connects_and_disconnects_on_the_page(board):
     board.service.notifies("dataOff")
 
 
+def test_the_page_polls_right_after_a_button_was_pressed(board):
+    for _ in range(3):
+        board.service.act("connect")
+        assert board.service.status()["statusBarConnectionState"] in ("Connecting", "Connected")
+        board.service.shows(statusBarConnectionState="Connected")
+        board.service.act("disconnect")
+        assert board.service.status()["statusBarConnectionState"] != "Connected"
+        board.service.shows(statusBarConnectionState="Ready")
+
+
 def test_the_network_refuses_the_data_connection(board):
     board.modem.order("refuse", 33)
     board.service.act("connect")
