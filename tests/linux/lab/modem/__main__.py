@@ -102,7 +102,11 @@ class Emulator:
     async def run(self, on_usb):
         for number, port in enumerate(self.ports):
             await self.open(port, number, on_usb)
-        server = await asyncio.start_unix_server(self.control, self.folder / "control")
+        # Who sees the socket can connect: it gets its name when it listens.
+        unnamed = self.folder / "control.new"
+        unnamed.unlink(missing_ok=True)
+        server = await asyncio.start_unix_server(self.control, unnamed)
+        unnamed.rename(self.folder / "control")
         await server.serve_forever()
 
 
