@@ -1,6 +1,8 @@
 """The whole lab: all daemons of a board in one folder."""
 
 import contextlib
+import json
+import subprocess
 
 from lab.access_point import MOST_STATIONS, AccessPoint
 from lab.bus import Authority, Bus
@@ -9,10 +11,11 @@ from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
 from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
 from lab.position import Position
 from lab.power import Power
-from lab.service import Service
+from lab.service import Service, write_program
 from lab.sharing import Sharing
 from lab.update import Update
 from lab.usb_modem import ScanningModemManager, UsbModem
+from support import paths, sanitizers
 
 
 class Lab:
@@ -124,6 +127,19 @@ class Lab:
 
     def start_service(self, page=False):
         self.make_service(page).start()
+
+    def run(self, program, *arguments):
+        """Runs a program of the project beside the service, or without one; returns what it has printed."""
+        script = self.folder / f"{program.name}.run"
+        write_program(script, self, program)
+        document = self.folder / f"{program.name}.json"
+        document.write_text(json.dumps({"linux": self.settings()}))
+        environment = {**paths.CLEAN_ENVIRONMENT, **sanitizers.OPTIONS, "LC_ALL": "C.UTF-8",
+                       "KESTAL_DEVICE": str(document)}
+        # A file named stderr is searched for reports of sanitizers.
+        with (self.folder / "stderr").open("ab") as errors:
+            return subprocess.run([script, *arguments], env=environment, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.PIPE, stderr=errors, text=True, timeout=300)
 
     def close(self):
         self.ends.close()

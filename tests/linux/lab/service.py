@@ -19,6 +19,22 @@ DEADLINE = 15.0
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", paths.BUILD / "tests" / "linux" / "programs" / "kestal.cgi"))
 
 
+def write_program(script, lab, program):
+    """Writes a script that runs a program on the board: with its bus, its state and in its network."""
+    network = lab.network and lab.network.namespace
+    enter = []
+    if network:
+        # /sys shows the interfaces of the network that it was mounted in.
+        start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0" "$@"']
+        enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start]
+    state = lab.folder / "state"
+    state.mkdir(exist_ok=True)
+    variables = {"DBUS_SYSTEM_BUS_ADDRESS": lab.bus.address, "STATE_DIRECTORY": str(state)}
+    settings = "".join(f"export {name}={shlex.quote(value)}\n" for name, value in variables.items())
+    script.write_text(f'#!/bin/sh\n{settings}exec {shlex.join([*enter, str(program)])} "$@"\n')
+    script.chmod(0o755)
+
+
 class Service(Server):
     def __init__(self, lab, page=False):
         """`page`: the web server serves the page, too."""
@@ -36,18 +52,7 @@ class Service(Server):
     def _responder(self):
         """The web server hands few variables on, and is in another network than the board."""
         script = self.work / "responder"
-        network = self.lab.network and self.lab.network.namespace
-        enter = []
-        if network:
-            # /sys shows the interfaces of the network that it was mounted in.
-            start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0"']
-            enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start]
-        state = self.work / "state"
-        state.mkdir(exist_ok=True)
-        variables = {"DBUS_SYSTEM_BUS_ADDRESS": self.lab.bus.address, "STATE_DIRECTORY": str(state)}
-        settings = "".join(f"export {name}={shlex.quote(value)}\n" for name, value in variables.items())
-        script.write_text(f"#!/bin/sh\n{settings}exec {shlex.join([*enter, str(SERVICE)])}\n")
-        script.chmod(0o755)
+        write_program(script, self.lab, SERVICE)
         return script
 
     def start(self):
