@@ -35,6 +35,7 @@ def test_a_board_with_all_daemons_keeps_all_promises(lab):
     if may_be_made():
         lab.start_network()
         lab.start_update()
+        lab.start_swupdate()
     lab.start_position()
     told = examine(lab)
     # It is these daemons that have been asked.

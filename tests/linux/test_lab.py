@@ -86,7 +86,7 @@ def test_a_receiver_finds_its_position(lab):
 @needs_root
 def test_an_update_is_installed_and_another_is_refused(lab):
     lab.start_update()
-    good, bad = lab.update.bundle(), lab.update.bundle("Another Box")
+    good, bad = lab.update.bundle(), lab.update.unfit_bundle()
     lab.update.hold()
     lab.update.install(good)
     lab.update.wait_for("/", INSTALLER, "Operation", "installing")

@@ -10,7 +10,7 @@ from support.waiting import wait_until
 needs_root = pytest.mark.skipif(not may_be_made(), reason="networks and mounts need root")
 
 # Values of StatusBarSoftwareUpdateStatus.
-INSTALLING, INSTALLED, FAILED = 7, 8, 9
+NO_UPDATE, INSTALLING, INSTALLED, FAILED = 0, 7, 8, 9
 
 PHONE, GUEST, COMPUTER = "02:00:00:00:00:01", "02:00:00:00:00:02", "02:00:00:00:00:03"
 
@@ -135,17 +135,33 @@ def test_the_position_is_found_and_lost(lab):
     lab.service.shows(statusBarGpsStatus="Searching")
 
 
-@needs_root
-def test_an_update_installs_and_another_fails(lab):
-    lab.start_update()
+def installs_and_fails(lab, update):
     lab.start_service()
-    lab.update.hold()
-    lab.update.install(lab.update.bundle())
+    lab.service.shows(StatusBarSoftwareUpdateStatus=NO_UPDATE)
+    lab.service.notifies()
+    update.hold()
+    update.install(update.bundle())
     lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLING)
-    lab.update.let_go()
+    lab.service.notifies("softwareUpdate")
+    update.let_go()
     lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLED)
-    lab.update.install(lab.update.bundle("Another Box"))
+    lab.service.notifies("softwareUpdateSuccess")
+    update.install(update.unfit_bundle())
     lab.service.shows(StatusBarSoftwareUpdateStatus=FAILED)
+    lab.service.notifies("softwareUpdateFailure")
+
+
+@needs_root
+def test_rauc_installs_an_update_and_another_fails(lab):
+    lab.start_update()
+    installs_and_fails(lab, lab.update)
+
+
+@needs_root
+def test_swupdate_installs_an_update_and_another_fails(lab):
+    lab.start_swupdate()
+    installs_and_fails(lab, lab.swupdate)
+    assert lab.service.told("swupdate")["version"] == f"{lab.swupdate.version}.0"
 
 
 def test_everything_goes_when_the_bus_goes_and_comes_back(lab):

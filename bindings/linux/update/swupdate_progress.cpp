@@ -5,7 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
 
+#include "bindings/linux/bus/tree.h"
 #include "bindings/linux/text.h"
 #include "platform/fixed_text.h"
 
@@ -62,6 +66,21 @@ std::int32_t Percent(const Message& message) {
     return static_cast<std::int32_t>(std::min<std::uint64_t>((before * 100 + here) / steps, 100));
 }
 
+/// The version in what SWUpdate tells about an update, like {"0": {"VERSION": "2.0"}}; empty when
+/// it tells none. Nothing when @p info is another text.
+std::optional<std::string> VersionIn(const std::string& info) {
+    const nlohmann::json told = nlohmann::json::parse(info, nullptr, false);
+    if (!told.is_object()) {
+        return std::nullopt;
+    }
+    for (const nlohmann::json& part : told) {
+        if (const auto version = Text(part, "VERSION")) {
+            return Printable(*version, 255);
+        }
+    }
+    return "";
+}
+
 }  // namespace
 
 bool SwupdateProgress::Read(std::span<const std::byte> bytes) {
@@ -92,6 +111,9 @@ void SwupdateProgress::Take(std::span<const std::byte> bytes) {
     Message message{};
     std::memcpy(&message, bytes.data(), sizeof(message));
     UpdateState next;
+    const std::string info = FixedText(message.info);
+    const std::optional<std::string> version = VersionIn(info);
+    next.version = version.value_or("");
     // What "done" and "subprocess" say is of no concern here.
     switch (message.status) {
         case kDownload:
@@ -111,7 +133,7 @@ void SwupdateProgress::Take(std::span<const std::byte> bytes) {
             break;
         case kFailure:
             next.status = UpdateStatus::failed;
-            next.problem = Printable(FixedText(message.info), 256);
+            next.problem = version ? "" : Printable(info, 256);
             break;
         case kIdle:
             if (state.status == UpdateStatus::downloading ||

@@ -33,6 +33,13 @@ InstallStatus InstallStatusOf(const UpdateState& state) {
 }
 
 void FillUpdate(Device& device, const UpdateState& state) {
+    const auto& told = device.softwareUpdateStatus;
+    const bool hasOther =
+        told.error == 0 && told.value.status != static_cast<std::int32_t>(UpdateStatus::none);
+    if (state.status == UpdateStatus::none && hasOther) {
+        // A board may have two daemons for updates; one of them knows of this one.
+        return;
+    }
     Tell(device.softwareUpdateStatus, UpdateRecord(state));
     Tell(device.getFotaInstallStatus, InstallStatusOf(state));
 }

@@ -96,6 +96,7 @@ def run():
             if may_be_made():
                 lab.start_network()
                 lab.start_update()
+                lab.start_swupdate()
             lab.start_position()
             if SERVICE.exists():
                 lab.start_service(page=True)

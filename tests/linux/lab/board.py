@@ -13,6 +13,7 @@ from lab.position import Position
 from lab.power import Power
 from lab.service import Service, write_program
 from lab.sharing import Sharing
+from lab.swupdate import SwUpdate
 from lab.update import Update
 from lab.usb_modem import ScanningModemManager, UsbModem
 from support import paths, sanitizers
@@ -32,6 +33,7 @@ class Lab:
         self.power = Power(folder, self.bus)
         self.sharing = Sharing(folder, self.bus)
         self.update = Update(folder, self.bus)
+        self.swupdate = SwUpdate(folder)
         self.network = self.leases = self.wifi = self.guests = self.position = self.service = None
         #: Path of the modem at ModemManager.
         self.path = None
@@ -80,9 +82,13 @@ class Lab:
         self.start(self.sharing)
 
     def start_update(self):
-        """Needs root."""
+        """RAUC; needs root."""
         self.start_bus()
         self.start(self.update)
+
+    def start_swupdate(self):
+        """Needs root."""
+        self.start(self.swupdate)
 
     def start_network(self):
         """Bridge, Ethernet and two access points; needs root."""
@@ -104,7 +110,8 @@ class Lab:
 
     def settings(self):
         """The object "linux" of the service's document."""
-        settings = {"apn": "internet", "silenceSeconds": 1, "checkSeconds": 1}
+        settings = {"apn": "internet", "silenceSeconds": 1, "checkSeconds": 1,
+                    "updateSocket": str(self.swupdate.progress)}
         if self.network:
             settings |= {
                 "bridge": BRIDGE,

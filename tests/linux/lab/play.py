@@ -14,7 +14,7 @@ class Refused(Exception):
 def daemons(lab):
     """All daemons that have been started, by their names."""
     every = [lab.bus, lab.authority, lab.modem, lab.modem_manager, lab.power, lab.sharing, lab.update,
-             lab.wifi, lab.guests, lab.position]
+             lab.swupdate, lab.wifi, lab.guests, lab.position]
     return {daemon.name: daemon for daemon in every if daemon is not None and daemon.process is not None}
 
 
@@ -27,7 +27,7 @@ computer joins|leaves              on the cable of the Ethernet port
 cable in|out                       of the Ethernet port
 position found|lost
 sharing on|off                     of files
-update installs|fails              of the box itself
+update installs|fails [rauc|swupdate]  of the box itself
 hang|resume|kill|stop|start NAME   of a daemon, as listed above
 """
     return "".join(f"  scripts/lab {line}\n" for line in (orders.HELP + own).splitlines())
@@ -120,16 +120,11 @@ def _sharing(lab, what):
     _one_of(what, on=lab.sharing.share, off=lambda: lab.sharing.share(False))
 
 
-def _update(lab, what):
-    _network(lab)
-
-    def installs():
-        lab.update.install(lab.update.bundle())
-
-    def fails():
-        lab.update.install(lab.update.bundle(compatible="Another Box"))
-
-    _one_of(what, installs=installs, fails=fails)
+def _update(lab, what, name="rauc"):
+    update = {"rauc": lab.update, "swupdate": lab.swupdate}.get(name)
+    if update is None or update.process is None:
+        raise Refused("no such daemon for updates; they need root")
+    _one_of(what, installs=lambda: update.install(update.bundle()), fails=lambda: update.install(update.unfit_bundle()))
 
 
 def _daemon(verb):

@@ -88,7 +88,7 @@ class Update(BusDaemon):
                        env=paths.CLEAN_ENVIRONMENT)
 
     def bundle(self, compatible="Lab Box"):
-        """Makes an update; one that is compatible with another box cannot be installed."""
+        """Makes an update."""
         self.version += 1
         version = f"{self.version}.0"
         contents = self.directory / f"contents-{version}"
@@ -98,6 +98,10 @@ class Update(BusDaemon):
         made = self.directory / f"{version}.raucb"
         self._run("rauc", "--cert=certificate", "--key=key", "bundle", contents, made)
         return made
+
+    def unfit_bundle(self):
+        """Makes an update that cannot be installed."""
+        return self.bundle("Another Box")
 
     def install(self, bundle):
         """Begins an installation and returns at once."""

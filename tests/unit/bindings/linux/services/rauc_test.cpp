@@ -84,4 +84,21 @@ TEST(UpdateRecord, HasRoomForLongVersionsOnlyInPart) {
     EXPECT_EQ(std::string(binding::UpdateRecord(state).version), std::string(255, 'v'));
 }
 
+TEST(UpdateRecord, OneWithoutAnUpdateLeavesThatOfAnotherDaemon) {
+    binding::UpdateState installing;
+    installing.status = UpdateStatus::installing;
+    binding::Device device;
+    binding::FillUpdate(device, installing);
+    binding::FillUpdate(device, binding::UpdateState());
+    EXPECT_EQ(device.softwareUpdateStatus.value.status, 7);
+    EXPECT_EQ(device.getFotaInstallStatus.value, 1);
+}
+
+TEST(UpdateRecord, OneWithoutAnUpdateHealsTheCallsOfALostDaemon) {
+    binding::Device device;
+    binding::FailUpdate(device, 5);
+    binding::FillUpdate(device, binding::UpdateState());
+    EXPECT_EQ(device.softwareUpdateStatus.error, 0);
+}
+
 }  // namespace

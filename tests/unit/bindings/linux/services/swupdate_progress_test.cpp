@@ -58,6 +58,20 @@ TEST(SwupdateProgress, TellsWhyAnUpdateFailed) {
     EXPECT_EQ(progress.State().problem, "ERROR: no such slot");
 }
 
+TEST(SwupdateProgress, TellsTheVersionOfTheUpdate) {
+    binding::SwupdateProgress progress;
+    progress.Read(Message({.status = 2}, R"({"0": {"VERSION" : "2.0"}})"));
+    EXPECT_EQ(progress.State().version, "2.0");
+    progress.Read(Message({.status = 3}, R"({"0": {"VERSION" : "2.0"}})"));
+    EXPECT_EQ(progress.State().version, "2.0");
+    // After a failure, too, it is no reason.
+    progress.Read(Message({.status = 4}, R"({"0": {"VERSION" : "2.0"}})"));
+    EXPECT_EQ(progress.State().version, "2.0");
+    EXPECT_EQ(progress.State().problem, "");
+    progress.Read(Message({.status = 4}, R"({"0": [], "1": {"VERSION" : 2}})"));
+    EXPECT_EQ(progress.State().version, "");
+}
+
 TEST(SwupdateProgress, AnUpdateThatIsGivenUpIsNoneAnyMore) {
     binding::SwupdateProgress progress;
     progress.Read(Message({.status = 2}));
