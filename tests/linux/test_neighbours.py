@@ -12,6 +12,9 @@ needs_root = pytest.mark.skipif(not may_be_made(), reason="networks and mounts n
 # Values of StatusBarSoftwareUpdateStatus.
 NO_UPDATE, INSTALLING, INSTALLED, FAILED = 0, 7, 8, 9
 
+# The lab has no memory card.
+CARD = {"sys": {"getSDCardInfo": {"totalCapacity": 1000, "freeSpace": 400}}}
+
 PHONE, GUEST, COMPUTER = "02:00:00:00:00:01", "02:00:00:00:00:02", "02:00:00:00:00:03"
 
 
@@ -91,18 +94,35 @@ def test_the_battery_falls_to_nine_percent(lab):
     lab.start_power()
     lab.start_service()
     lab.service.shows(statusBarBatteryDetection="Present", statusBarBatteryPercent="80",
-                      statusBarBatteryChargingState="false")
+                      statusBarBatteryChargingState="false", statusBarBatteryChargingSource="ChargingSourceNone")
     lab.power.battery(9)
     lab.service.shows(statusBarBatteryPercent="9")
     lab.power.battery(10, "charging")
-    lab.service.shows(statusBarBatteryPercent="10", statusBarBatteryChargingState="true")
+    lab.service.shows(statusBarBatteryPercent="10", statusBarBatteryChargingState="true",
+                      statusBarBatteryChargingSource="ChargingSourceUSB")
+    lab.power.battery(100, "full")
+    lab.service.shows(statusBarBatteryPercent="100", statusBarBatteryChargingState="false",
+                      statusBarBatteryChargingSource="ChargingSourceUSB")
     lab.power.remove_battery()
     lab.service.shows(statusBarBatteryDetection="Notpresent")
 
 
-def test_the_battery_is_silent_while_its_daemon_is_gone(lab):
+def test_the_kernel_tells_of_the_battery_while_upower_is_gone(lab):
     lab.start_power()
     lab.start_service()
+    lab.service.shows(statusBarBatteryPercent="80")
+    lab.power.kill()
+    lab.power.battery(9)
+    lab.service.shows(statusBarBatteryPercent="9")
+    lab.power.start()
+    lab.power.battery(10)
+    lab.service.shows(statusBarBatteryPercent="10")
+    assert lab.service.said() == {}
+
+
+def test_a_battery_that_only_upower_knows_is_silent_without_it(lab):
+    lab.start_power()
+    lab.start_service(powerSupplies=str(lab.folder / "none"))
     lab.service.shows(statusBarBatteryPercent="80")
     lab.power.kill()
     lab.service.shows("statusBarBatteryPercent")
@@ -164,16 +184,57 @@ def test_swupdate_installs_an_update_and_another_fails(lab):
     assert lab.service.told("swupdate")["version"] == f"{lab.swupdate.version}.0"
 
 
-def test_everything_goes_when_the_bus_goes_and_comes_back(lab):
-    lab.start_power()
+def test_files_are_shared(lab):
+    lab.start_sharing()
     lab.start_service()
-    lab.service.shows(statusBarBatteryPercent="80")
+    lab.service.answers = CARD
+    lab.service.write()
+    lab.service.shows(statusBarSdCardStatus="SmbOff")
+    lab.sharing.share()
+    lab.service.shows(statusBarSdCardStatus="SmbOn")
+    lab.sharing.share(False)
+    lab.service.shows(statusBarSdCardStatus="SmbOff")
+    lab.sharing.share()
+    lab.service.shows(statusBarSdCardStatus="SmbOn")
+    lab.sharing.crash()
+    lab.service.shows(statusBarSdCardStatus="SmbOff")
+
+
+@needs_root
+def test_everything_goes_when_the_bus_goes_and_comes_back(lab):
+    lab.start_modem()
+    lab.start_power()
+    lab.start_sharing()
+    lab.sharing.share()
+    lab.start_update()
+    lab.start_service(powerSupplies=str(lab.folder / "none"))
+    lab.service.answers = CARD
+    lab.service.write()
+
+    def shows_all():
+        lab.service.shows(statusBarSimStatus="Ready", statusBarConnectionState="Ready", statusBarBatteryPercent="80",
+                          statusBarSdCardStatus="SmbOn", StatusBarSoftwareUpdateStatus=NO_UPDATE)
+
+    shows_all()
     lab.bus.kill()
-    lab.service.shows("statusBarBatteryPercent")
-    lab.power.kill()
+    lab.service.shows("statusBarSimStatus", "statusBarConnectionState", "statusBarBatteryPercent", statusBarSdCardStatus="")
+    daemons = [lab.authority, lab.modem_manager, lab.power, lab.sharing, lab.update]
+    for daemon in daemons:
+        daemon.kill()
     lab.bus.start()
-    lab.power.start()
-    lab.service.shows(statusBarBatteryPercent="80")
+    for daemon in daemons:
+        daemon.start()
+    lab.add_modem()
+    shows_all()
+    names = {"modem": "ModemManager is not on the bus", "power": "UPower is gone", "rauc": "RAUC is gone",
+             "sharing": "the service manager is gone"}
+    # A call to the modem may have been under way.
+    changes = {text: count for text, count in lab.service.said().items() if "lost" in text or "back" in text}
+    assert changes == {
+        "system bus: connection lost": 1,
+        **{f"{name}: lost: {why}": 1 for name, why in names.items()},
+        **{f"{name}: is back": 1 for name in names},
+    }
 
 
 def test_a_board_without_any_daemon_answers(lab):

@@ -32,6 +32,10 @@ def changes(lab):
 
         return change
 
+    def charged(percent):
+        lab.power.battery(percent)
+        lab.power.wait_for_percentage(percent)
+
     phones = []
 
     def join():
@@ -40,8 +44,7 @@ def changes(lab):
         lab.wifi.join(phones[-1])
 
     yield "modem", "statusBarConnectionState", ("No Service", registered("denied", 3)), ("Ready", registered("home", 1))
-    yield ("battery", "statusBarBatteryPercent", ("9", lambda: lab.power.battery(9)),
-           ("80", lambda: lab.power.battery(80)))
+    yield ("battery", "statusBarBatteryPercent", ("9", lambda: charged(9)), ("80", lambda: charged(80)))
     yield "Wi-Fi", "statusBarWiFiClientListSize", ("1", join), ("0", lambda: lab.wifi.leave(phones[-1]))
     yield ("Ethernet", "statusBarEthernetPortEnabled", ("connected", lab.network.plug),
            ("enabled", lab.network.unplug))

@@ -10,9 +10,9 @@ from lab.leases import Leases
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
 from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
 from lab.position import Position
-from lab.power import Power
+from lab.power import Power, PowerSupplies
 from lab.service import Service, write_program
-from lab.sharing import Sharing
+from lab.sharing import FileServer, Sharing
 from lab.swupdate import SwUpdate
 from lab.update import Update
 from lab.usb_modem import ScanningModemManager, UsbModem
@@ -30,8 +30,10 @@ class Lab:
         self.bus = Bus(folder)
         self.authority = Authority(folder, self.bus)
         self.modem = self.modem_manager = None
-        self.power = Power(folder, self.bus)
-        self.sharing = Sharing(folder, self.bus)
+        self.supplies = PowerSupplies(folder)
+        self.power = Power(folder, self.bus, self.supplies)
+        self.file_server = FileServer(folder)
+        self.sharing = Sharing(folder, self.bus, self.file_server)
         self.update = Update(folder, self.bus)
         self.swupdate = SwUpdate(folder)
         self.network = self.leases = self.wifi = self.guests = self.position = self.service = None
@@ -74,11 +76,19 @@ class Lab:
             self.modem_manager.enable(self.path)
 
     def start_power(self):
+        """UPower with a battery at 80 percent."""
         self.start_bus()
+        self.start(self.supplies)
+        self.power.battery(80)
         self.start(self.power)
 
     def start_sharing(self):
+        """The file server, which is not shared from yet, and its unit."""
         self.start_bus()
+        if not self.file_server.is_installed():
+            self.missing(f"{self.file_server.program} is not installed")
+        self.ends.callback(self.file_server.release)
+        self.ends.callback(self.file_server.stop)
         self.start(self.sharing)
 
     def start_update(self):
@@ -111,6 +121,7 @@ class Lab:
     def settings(self):
         """The object "linux" of the service's document."""
         settings = {"apn": "internet", "silenceSeconds": 1, "checkSeconds": 1,
+                    "powerSupplies": str(self.supplies.folder_of_supplies),
                     "updateSocket": str(self.swupdate.progress)}
         if self.network:
             settings |= {
@@ -132,8 +143,10 @@ class Lab:
         self.ends.callback(self.service.close)
         return self.service
 
-    def start_service(self, page=False):
-        self.make_service(page).start()
+    def start_service(self, page=False, **settings):
+        """`settings` are added to those of the lab, or stand in their place."""
+        self.make_service(page).settings |= settings
+        self.service.start()
 
     def run(self, program, *arguments):
         """Runs a program of the project beside the service, or without one; returns what it has printed."""

@@ -1,36 +1,85 @@
-"""UPower, which tells of one battery."""
+"""UPower, with power supplies that the kernel does not have."""
 
-import dbus
+import importlib.util
+import json
+import pathlib
+import socket
 
-from lab.bus import Mock
+from lab.bus import BusDaemon
+from lab.daemon import Daemon
 
+TESTS = pathlib.Path(__file__).resolve().parents[1]
 DISPLAY = "/org/freedesktop/UPower/devices/DisplayDevice"
 INTERFACE = "org.freedesktop.UPower.Device"
-KIND_BATTERY = 2
-STATES = {"charging": 1, "discharging": 2, "empty": 3, "full": 4}
+CAPACITY = 10_000_000
+# What the kernel says of the battery, and whether the charger is plugged in.
+STATES = {"charging": ("Charging", 1), "discharging": ("Discharging", 0), "full": ("Full", 1)}
 
 
-class Power(Mock):
+class PowerSupplies(Daemon):
+    """See lab.power_supplies."""
+
+    program = "umockdev-wrapper"
+
+    def __init__(self, folder):
+        super().__init__(folder, "power-supplies")
+        self.directory = folder / "power"
+        self.control = self.directory / "control"
+        self.environment.update(PYTHONPATH=str(TESTS), PYTHONDONTWRITEBYTECODE="1", TMPDIR=str(self.directory))
+
+    @property
+    def folder_of_supplies(self):
+        return self.directory / "supplies"
+
+    def is_installed(self):
+        return super().is_installed() and importlib.util.find_spec("gi") is not None
+
+    def command(self):
+        self.directory.mkdir()
+        return [self.program, "/usr/bin/python3", "-m", "lab.power_supplies", self.directory]
+
+    def is_ready(self):
+        return self.folder_of_supplies.is_symlink()
+
+    def change(self, **supplies):
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
+            connection.settimeout(10)
+            connection.connect(str(self.control))
+            connection.sendall(json.dumps(supplies).encode() + b"\n")
+            assert connection.makefile().readline() == "ok\n", self.output.read_text()
+
+
+class Power(BusDaemon):
+    program = "/usr/libexec/upowerd"
     service = "org.freedesktop.UPower"
-    template = "upower"
 
-    def __init__(self, folder, bus):
+    def __init__(self, folder, bus, supplies):
         super().__init__(folder, "upower", bus)
+        self.supplies = supplies
 
-    def wait(self):
-        super().wait()
-        self.battery(80)
-        return self
+    def command(self):
+        history = self.folder / "upower-history"
+        history.mkdir(exist_ok=True)
+        self.environment.update(
+            UMOCKDEV_DIR=str((self.supplies.directory / "root").resolve()),
+            LD_PRELOAD="libumockdev-preload.so.0",
+            UPOWER_HISTORY_DIR=str(history),
+        )
+        return [self.program, "--debug"]
 
     def battery(self, percent, state="discharging"):
-        if state not in STATES:
-            raise ValueError(f"one of {', '.join(STATES)}")
-        self._change(Type=dbus.UInt32(KIND_BATTERY), IsPresent=True,
-                     Percentage=dbus.Double(percent), State=dbus.UInt32(STATES[state]))
+        """What the kernel says of the battery and the charger; UPower tells it a moment later."""
+        if state not in STATES or not 0 <= percent <= 100:
+            raise ValueError(f"0 to 100 percent and one of {', '.join(STATES)}")
+        status, online = STATES[state]
+        self.supplies.change(
+            usb={"online": online},
+            battery={"status": status, "capacity": int(percent), "energy_now": int(percent * CAPACITY / 100)},
+        )
 
     def remove_battery(self):
-        self._change(IsPresent=False)
+        self.supplies.change(battery=None)
 
-    def _change(self, **properties):
-        self.call(DISPLAY, "org.freedesktop.DBus.Mock.UpdateProperties", INTERFACE,
-                  dbus.Dictionary(properties, signature="sv"))
+    def wait_for_percentage(self, percent):
+        """Waits until UPower tells it."""
+        self.wait_for(DISPLAY, INTERFACE, "Percentage", percent)

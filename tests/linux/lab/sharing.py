@@ -1,29 +1,92 @@
-"""What systemd says of the file server, whose unit is started and stopped by hand here."""
+"""The file server: a real smbd, and what systemd says of its unit, which dbusmock plays."""
+
+import json
+import subprocess
 
 import dbus
 
+from lab import systemd
 from lab.bus import Mock
+from lab.daemon import Daemon
+from support import paths
+from support.ports import Port
 
-UNIT = "/org/freedesktop/systemd1/unit/smbd_2eservice"
-INTERFACE = "org.freedesktop.systemd1.Unit"
+CONFIGURATION = """\
+[global]
+server role = standalone server
+disable netbios = yes
+interfaces = 127.0.0.1
+bind interfaces only = yes
+smb ports = {port}
+map to guest = Bad User
+load printers = no
+disable spoolss = yes
+lock directory = {folder}
+state directory = {folder}
+cache directory = {folder}
+private dir = {folder}
+pid directory = {folder}
+ncalrpc dir = {folder}/ncalrpc
+log file = {folder}/log
+[card]
+path = {folder}/card
+guest ok = yes
+"""
+
+
+class FileServer(Daemon):
+    program = "smbd"
+
+    def __init__(self, folder):
+        super().__init__(folder, "smbd")
+        self.directory = folder / "samba"
+        self.configuration = folder / "smb.conf"
+        self.claim = None
+
+    def command(self):
+        if self.claim is None:
+            self.claim = Port()
+            (self.directory / "card").mkdir(parents=True)
+            self.configuration.write_text(CONFIGURATION.format(folder=self.directory, port=self.claim.number))
+        return [self.program, "--foreground", "--no-process-group", "-s", self.configuration]
+
+    def is_ready(self):
+        ping = subprocess.run(["smbcontrol", "-s", self.configuration, "smbd", "ping"], env=paths.CLEAN_ENVIRONMENT,
+                              capture_output=True, timeout=10)
+        return ping.stdout.startswith(b"PONG")
+
+    def release(self):
+        if self.claim is not None:
+            self.claim.close()
 
 
 class Sharing(Mock):
-    service = "org.freedesktop.systemd1"
-    template = "systemd"
+    """Starts and stops the file server, and says so in place of systemd."""
 
-    def __init__(self, folder, bus):
+    service = systemd.BUS_NAME
+    template = systemd.__file__
+
+    def __init__(self, folder, bus, server):
         super().__init__(folder, "systemd", bus)
+        self.server = server
 
-    def wait(self):
-        super().wait()
-        state = dbus.Dictionary({"Id": "smbd.service", "LoadState": "loaded", "ActiveState": "inactive"},
-                                signature="sv")
-        # The template names objects of units otherwise than systemd does.
-        self.call("/org/freedesktop/systemd1", "org.freedesktop.DBus.Mock.AddObject", UNIT, INTERFACE, state,
-                  dbus.Array([], signature="(ssss)"))
-        return self
+    def command(self):
+        return [*super().command(), "--parameters", json.dumps({"state": self._state()})]
 
     def share(self, active=True):
-        state = dbus.Dictionary({"ActiveState": "active" if active else "inactive"}, signature="sv")
-        self.call(UNIT, "org.freedesktop.DBus.Mock.UpdateProperties", INTERFACE, state)
+        if active:
+            self.server.start()
+        else:
+            self.server.stop()
+        self._tell(self._state())
+
+    def crash(self):
+        self.server.kill()
+        self._tell("failed")
+
+    def _state(self):
+        return "active" if self.server.is_running() else "inactive"
+
+    def _tell(self, state):
+        self.call(systemd.UNIT, "org.freedesktop.DBus.Mock.UpdateProperties", systemd.UNIT_IFACE,
+                  dbus.Dictionary({"ActiveState": state}, signature="sv"))
