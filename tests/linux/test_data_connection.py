@@ -1,6 +1,11 @@
 """The data connection: who starts and ends it, and what the service answers then."""
 
+import pytest
+
 from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
+from support.namespaces import may_be_made
+
+needs_root = pytest.mark.skipif(not may_be_made(), reason="networks need root")
 
 
 def test_somebody_connects_and_disconnects_on_the_page(board):
@@ -58,3 +63,18 @@ def test_somebody_disconnects_while_the_modem_still_connects(board):
     board.modem.resume()
     board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
     board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+
+
+@needs_root
+def test_the_data_connection_uses_the_plan_up(lab):
+    lab.start_network()
+    lab.start_modem(on_usb=True)
+    lab.start_service(planBytes=100_000)
+    lab.service.act("connect")
+    lab.service.shows(statusBarConnectionState="Connected", statusBarBytesReceived="0")
+    lab.network.carry(0, 95_000)
+    lab.service.shows(statusBarBytesReceived="95000")
+    lab.service.notifies("data90")
+    lab.network.carry(0, 5_000)
+    lab.service.shows(statusBarBytesReceived="100000")
+    lab.service.notifies("data100")

@@ -3,6 +3,7 @@
 import json
 import subprocess
 
+import dbus
 import pytest
 
 from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
@@ -38,6 +39,11 @@ def test_a_modem_registers_connects_and_receives_a_message(lab):
 
     lab.modem_manager.connect(lab.path)
     assert lab.modem_manager.state(lab.path) == STATE_CONNECTED
+    lab.modem.order("traffic", 400, 500)
+    lab.modem.order("traffic", 0, 30)
+    # ModemManager asks for it only every 30 seconds.
+    counted = lab.modem_manager.call(lab.path, f"{MODEM}.Command", "+UGCNTRD", dbus.UInt32(5))
+    assert counted == "+UGCNTRD: 1,400,530,400,530"
     lab.modem_manager.disconnect(lab.path)
     assert lab.modem_manager.state(lab.path) == STATE_REGISTERED
 

@@ -9,6 +9,7 @@ import pytest
 
 from lab.service import SERVICE
 from support import paths, processes, web
+from support.namespaces import may_be_made
 from support.waiting import wait_until
 
 SCRIPT = paths.ROOT / "scripts" / "lab"
@@ -38,6 +39,9 @@ def test_it_starts_everything_obeys_and_leaves_nothing(running, work):
         run = subprocess.run([str(SCRIPT), *words], env=environment, capture_output=True, text=True, timeout=30)
         return run.returncode, run.stdout + run.stderr
 
+    def shown(key):
+        return web.ask(port, "/srv/status").json()["statusData"].get(key)
+
     wait_until(started, "the lab has started")
     port = int(re.search(r"http://127\.0\.0\.1:(\d+)/", said.read_text())[1])
     assert b"<html" in web.ask(port, "/").body
@@ -45,6 +49,11 @@ def test_it_starts_everything_obeys_and_leaves_nothing(running, work):
     assert order("battery", "9") == (0, "")
     assert order("signal", "12") == (0, "")
     assert order("signal", "100")[0] == 1
+    if may_be_made():
+        web.ask(port, "/srv/connect")
+        wait_until(lambda: shown("statusBarConnectionState") == "Connected", "the data call has been started", 20)
+        assert order("traffic", "0", "2000") == (0, "")
+        wait_until(lambda: shown("statusBarBytesReceived") == "2000", "the bytes have been counted", 20)
 
     process.send_signal(signal.SIGINT)
     assert process.wait(30) == 0

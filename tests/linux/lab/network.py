@@ -1,6 +1,7 @@
 """The network of the board: a bridge with Ethernet and Wi-Fi, and the phones and computers on it."""
 
 import os
+import socket
 import subprocess
 import time
 
@@ -14,6 +15,9 @@ WIFI = "wlan0"
 GUESTS = "guest0"
 MODEM = "wwan0"
 ADDRESS = "192.168.8.1"
+# A frame for nobody, of a protocol for experiments.
+FRAME = bytes.fromhex("ffffffffffff 020000000099 88b5")
+LONGEST_FRAME = 1500
 
 
 class Network:
@@ -82,6 +86,18 @@ class Network:
 
     def detach(self, mac, interface=ETHERNET):
         self.run("bridge", "fdb", "del", mac, "dev", interface, "master")
+
+    def carry(self, sent, received):
+        """So many bytes pass the modem's interface."""
+        with self.namespace.entered():
+            for interface, count in ((MODEM, sent), ("tower", received)):
+                with socket.socket(socket.AF_PACKET, socket.SOCK_RAW) as connection:
+                    connection.bind((interface, 0))
+                    while count > 0:
+                        # What is left is not shorter than a frame may be.
+                        size = count if count <= LONGEST_FRAME else min(LONGEST_FRAME, count - len(FRAME))
+                        connection.send(FRAME.ljust(size, b"\0"))
+                        count -= size
 
     def capture(self, *command):
         with self.namespace.entered():

@@ -43,7 +43,7 @@ def obey(lab, words):
     try:
         if name in orders.ORDERS:
             lab.modem.order(*words)
-        else:
+        if name in _ORDERS:
             _ORDERS[name](lab, *arguments)
     except TypeError:
         return f'error: other words belong to "{name}"; "scripts/lab help" lists them\n'
@@ -112,6 +112,12 @@ def _cable(lab, what):
     _one_of(what, **{"in": network.plug, "out": network.unplug})
 
 
+def _traffic(lab, sent, received):
+    """The modem has counted them; the kernel counts what passes the modem's interface."""
+    if lab.network is not None:
+        lab.network.carry(int(sent), int(received))
+
+
 def _position(lab, what):
     _one_of(what, found=lab.position.find, lost=lab.position.lose)
 
@@ -150,6 +156,7 @@ _ORDERS = {
     "phone": _phone,
     "computer": _computer,
     "cable": _cable,
+    "traffic": _traffic,
     "position": _position,
     "sharing": _sharing,
     "update": _update,

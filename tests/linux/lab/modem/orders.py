@@ -9,7 +9,7 @@ operator NAME CODE                 for instance: operator "Lab Net" 00101
 technology lte|hspa|hsdpa|umts|gsm
 sms FROM TEXT                      a message arrives
 drop                               the network ends the data connection
-traffic SENT RECEIVED              bytes of the data connection
+traffic SENT RECEIVED              so many more bytes pass the data connection
 refuse CODE|nothing                data connections are refused with a +CME ERROR
 sim out|in|locked|blocked          a card is taken out or put in: open, asking for the PIN 1234, or the PUK
 """
@@ -41,7 +41,10 @@ def _sim(modem, state):
 
 
 def _traffic(modem, sent, received):
-    modem.traffic = (int(sent), int(received))
+    more = (int(sent), int(received))
+    if min(more) < 0:
+        raise ValueError("no fewer bytes than none")
+    modem.traffic = tuple(map(sum, zip(modem.traffic, more)))
 
 
 def _refuse(modem, code):
