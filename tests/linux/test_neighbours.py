@@ -217,7 +217,8 @@ def test_everything_goes_when_the_bus_goes_and_comes_back(lab):
 
     shows_all()
     lab.bus.kill()
-    lab.service.shows("statusBarSimStatus", "statusBarConnectionState", "statusBarBatteryPercent", statusBarSdCardStatus="")
+    lab.service.shows("statusBarSimStatus", "statusBarConnectionState", "statusBarBatteryPercent",
+                      statusBarSdCardStatus="")
     daemons = [lab.authority, lab.modem_manager, lab.power, lab.sharing, lab.update]
     for daemon in daemons:
         daemon.kill()

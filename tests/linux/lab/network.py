@@ -99,6 +99,12 @@ class Network:
                         connection.send(FRAME.ljust(size, b"\0"))
                         count -= size
 
+    def batch(self, program, commands):
+        """Many commands of ip or bridge at once."""
+        with self.namespace.entered():
+            subprocess.run([program, "-batch", "-"], input="\n".join(commands) + "\n", text=True, check=True,
+                           timeout=60, env=paths.CLEAN_ENVIRONMENT)
+
     def capture(self, *command):
         with self.namespace.entered():
             return subprocess.run(command, check=True, timeout=30, env=paths.CLEAN_ENVIRONMENT,

@@ -130,7 +130,8 @@ def _update(lab, what, name="rauc"):
     update = {"rauc": lab.update, "swupdate": lab.swupdate}.get(name)
     if update is None or update.process is None:
         raise Refused("no such daemon for updates; they need root")
-    _one_of(what, installs=lambda: update.install(update.bundle()), fails=lambda: update.install(update.unfit_bundle()))
+    _one_of(what, installs=lambda: update.install(update.bundle()),
+            fails=lambda: update.install(update.unfit_bundle()))
 
 
 def _daemon(verb):
