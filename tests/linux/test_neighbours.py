@@ -103,6 +103,10 @@ def test_the_battery_falls_to_nine_percent(lab):
     lab.power.battery(100, "full")
     lab.service.shows(statusBarBatteryPercent="100", statusBarBatteryChargingState="false",
                       statusBarBatteryChargingSource="ChargingSourceUSB")
+    lab.power.take_out_battery()
+    lab.service.shows(statusBarBatteryDetection="Notpresent")
+    lab.power.battery(70)
+    lab.service.shows(statusBarBatteryDetection="Present", statusBarBatteryPercent="70")
     lab.power.remove_battery()
     lab.service.shows(statusBarBatteryDetection="Notpresent")
 

@@ -32,7 +32,11 @@ void ReadBattery(const Folder& battery, PowerSupplies& supplies) {
     const bool isPeripheral = ReadAttribute(battery / "scope") == "Device";
     // Where the attribute is missing, the battery is built in.
     const bool isPresent = ReadNumber(battery / "present").value_or(1) != 0;
-    if (isPeripheral || !isPresent || supplies.battery) {
+    if (isPeripheral || supplies.battery) {
+        return;
+    }
+    supplies.emptySlot = !isPresent;
+    if (!isPresent) {
         return;
     }
     supplies.battery = true;

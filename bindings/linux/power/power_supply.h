@@ -11,6 +11,7 @@ namespace binding {
 /// The power supplies of the device.
 struct PowerSupplies {
     bool battery = false;        ///< whether a battery is there
+    bool emptySlot = false;      ///< whether it has been taken out
     std::optional<int> percent;  ///< its charge
     bool charging = false;
     /// The charger that is connected.

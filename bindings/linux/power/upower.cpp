@@ -36,7 +36,9 @@ PowerSupplies ReadUPower(const nlohmann::json& displayDevice, const PowerSupplie
         return kernel;
     }
     PowerSupplies supplies;
-    supplies.battery = *present;
+    // UPower goes on to tell of a battery in an empty slot, with a charge of nothing.
+    supplies.battery = *present && !kernel.emptySlot;
+    supplies.emptySlot = kernel.emptySlot;
     supplies.source = kernel.source;
     if (!supplies.battery) {
         return supplies;

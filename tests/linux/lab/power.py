@@ -74,10 +74,15 @@ class Power(BusDaemon):
         status, online = STATES[state]
         self.supplies.change(
             usb={"online": online},
-            battery={"status": status, "capacity": int(percent), "energy_now": int(percent * CAPACITY / 100)},
+            battery={"present": 1, "status": status, "capacity": int(percent), "energy_now": int(percent * CAPACITY / 100)},
         )
 
+    def take_out_battery(self):
+        """Its slot stays."""
+        self.supplies.change(battery={"present": 0, "status": "Unknown"})
+
     def remove_battery(self):
+        """The battery goes, and so does its slot."""
         self.supplies.change(battery=None)
 
     def wait_for_percentage(self, percent):

@@ -120,6 +120,17 @@ TEST(UPower, KnowsWhetherThereIsABattery) {
               SYS_BATTERY_NOT_PRESENT);
 }
 
+TEST_F(PowerSupplyTest, ABatteryThatHasBeenTakenOutIsNotThereWhateverUPowerTells) {
+    WriteBattery();
+    folder.Write("BAT0/present", "0\n");
+    const json told = {{"IsPresent", true}, {"Percentage", 0.0}, {"State", 1U}};
+    const auto battery =
+        binding::BatteryRecord(ReadUPower(told, binding::ReadPowerSupplies(folder.Path())));
+    EXPECT_EQ(battery.detection, SYS_BATTERY_NOT_PRESENT);
+    folder.Write("BAT1/type", "Battery\n");
+    EXPECT_TRUE(ReadUPower(told, binding::ReadPowerSupplies(folder.Path())).battery);
+}
+
 TEST(UPower, ThatTellsNothingOfUseLeavesTheKernelsValues) {
     binding::PowerSupplies kernel;
     kernel.battery = true;
