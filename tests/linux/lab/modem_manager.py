@@ -37,7 +37,9 @@ class Modem(Daemon):
         return [sys.executable, "-m", "lab.modem", self.directory]
 
     def is_ready(self):
-        return (self.directory / "control").exists()
+        # The socket is there a moment before it takes connections.
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
+            return connection.connect_ex(str(self.directory / "control")) == 0
 
     def order(self, *words):
         """Gives an order of lab.modem.orders."""
