@@ -4,6 +4,14 @@
 
 namespace binding {
 
+namespace {
+
+bool IsConnected(sys_data_connection_status_e status) {
+    return status == SYS_DATA_CONNECTION_CONNECTED || status == SYS_DATA_CONNECTION_DORMANT;
+}
+
+}  // namespace
+
 DataAction::Wait DataAction::WaitsFor() const {
     if (kind == Kind::none) {
         return Wait::nothing;
@@ -18,6 +26,7 @@ DataAction::Kind DataAction::Ask(Kind newKind, bool byManager) {
     if (newKind == kind) {
         return Kind::none;
     }
+    ending = kind == Kind::disconnect && IsConnected(status);
     kind = newKind;
     managerHasBegun = false;
     EndIfReached();
@@ -31,6 +40,9 @@ DataAction::Kind DataAction::Ask(Kind newKind, bool byManager) {
 
 DataAction::Kind DataAction::Answered(bool failed) {
     const Kind answered = std::exchange(sent, Kind::none);
+    if (failed && answered == Kind::disconnect) {
+        ending = false;
+    }
     if (kind != Kind::none && kind != answered) {
         sent = kind;
         return kind;
@@ -45,6 +57,7 @@ DataAction::Kind DataAction::Answered(bool failed) {
 void DataAction::Update(sys_data_connection_status_e newStatus, bool isManagerActive) {
     status = newStatus;
     managerActive = isManagerActive;
+    ending = ending && IsConnected(status);
     EndIfReached();
 }
 
@@ -63,12 +76,13 @@ sys_data_connection_status_e DataAction::Status() const {
 void DataAction::EndIfReached() {
     const bool isAnswered = sent == Kind::none;
     if (kind == Kind::connect) {
-        const bool isConnected =
-            status == SYS_DATA_CONNECTION_CONNECTED || status == SYS_DATA_CONNECTION_DORMANT;
+        // While a disconnection is still under way, modem and manager tell what was before.
+        if (ending || sent == Kind::disconnect) {
+            return;
+        }
         const bool hasManagerGivenUp = isAnswered && managerHasBegun && !managerActive;
         managerHasBegun = managerHasBegun || managerActive;
-        // While a disconnection is still under way, the modem tells what was before.
-        if ((isConnected && sent != Kind::disconnect) || hasManagerGivenUp) {
+        if (IsConnected(status) || hasManagerGivenUp) {
             kind = Kind::none;
         }
     } else if (kind == Kind::disconnect) {

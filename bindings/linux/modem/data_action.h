@@ -55,6 +55,9 @@ class DataAction {
     /// What has been sent and not been answered.
     Kind sent = Kind::none;
     sys_data_connection_status_e status = SYS_DATA_CONNECTION_READY;
+    /// Whether the connection that the modem tells of is the one that the action before this one
+    /// ends.
+    bool ending = false;
     bool managerActive = false;
     /// Whether NetworkManager has been active since the action began.
     bool managerHasBegun = false;

@@ -168,6 +168,34 @@ TEST(DataAction, ADisconnectionLastsUntilNetworkManagerHasEnded) {
     EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
 }
 
+TEST(DataAction, WhatIsBeingEndedIsNotTheConnectionThatIsWanted) {
+    DataAction action;
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
+    action.Ask(Kind::disconnect, kByManager);
+    // NetworkManager answers before the modem has disconnected.
+    action.Answered(kDone);
+    EXPECT_EQ(action.Ask(Kind::connect, kByManager), Kind::connect);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kIdle);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    EXPECT_EQ(action.WaitsFor(), Wait::manager);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
+    EXPECT_EQ(action.WaitsFor(), Wait::nothing);
+}
+
+TEST(DataAction, AConnectionThatCouldNotBeEndedIsTheOneThatIsWanted) {
+    DataAction action;
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
+    action.Ask(Kind::disconnect, kByManager);
+    action.Ask(Kind::connect, kByManager);
+    EXPECT_EQ(action.Answered(kFailed), Kind::connect);
+    action.Answered(kDone);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTED);
+}
+
 TEST(DataAction, WhatTakesTooLongIsGivenUp) {
     DataAction action;
     action.Ask(Kind::connect, kByModem);
