@@ -102,10 +102,11 @@ void BusObjects::OnOwner(const std::string& newOwner) {
     }
     propertyChanges.Begin(bus, SignalRule(owner, kProperties, "PropertiesChanged"),
                           [this](sd_bus_message* message) { OnProperties(message); });
+    // A daemon may take its name before it has its objects, also one of which not all are followed.
+    const std::string path = daemon.manager.empty() ? "" : ",path='" + daemon.manager + "'";
+    additions.Begin(bus, SignalRule(owner, kObjectManager, "InterfacesAdded") + path,
+                    [this](sd_bus_message* message) { OnInterfaces(message, true); });
     if (!daemon.manager.empty()) {
-        const std::string path = ",path='" + daemon.manager + "'";
-        additions.Begin(bus, SignalRule(owner, kObjectManager, "InterfacesAdded") + path,
-                        [this](sd_bus_message* message) { OnInterfaces(message, true); });
         removals.Begin(bus, SignalRule(owner, kObjectManager, "InterfacesRemoved") + path,
                        [this](sd_bus_message* message) { OnInterfaces(message, false); });
     }
@@ -206,6 +207,9 @@ void BusObjects::OnProperties(sd_bus_message* message) {
 void BusObjects::OnInterfaces(sd_bus_message* message, bool added) {
     const json arguments = Arguments(message);
     const std::string path = TextAt(arguments, 0);
+    if (daemon.manager.empty() && !IsWatched(path)) {
+        return;
+    }
     if (added) {
         Put(MemberObject(tree, path), At(arguments, 1));
     } else if (tree.contains(path)) {

@@ -9,6 +9,7 @@ from lab.bus import Authority, Bus
 from lab.leases import Leases
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
 from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
+from lab.network_manager import NetworkManager
 from lab.position import Position
 from lab.power import Power, PowerSupplies
 from lab.service import Service, write_program
@@ -37,6 +38,7 @@ class Lab:
         self.update = Update(folder, self.bus)
         self.swupdate = SwUpdate(folder)
         self.network = self.leases = self.wifi = self.guests = self.position = self.service = None
+        self.network_manager = None
         #: Path of the modem at ModemManager.
         self.path = None
 
@@ -107,6 +109,11 @@ class Lab:
         self.wifi = AccessPoint(self.folder, self.network, WIFI, "Lab Box")
         self.guests = AccessPoint(self.folder, self.network, GUESTS, "Lab Guests")
         self.start(self.wifi, self.guests)
+
+    def start_network_manager(self):
+        """It has a profile for the modem, which must be one with a network interface."""
+        self.network_manager = NetworkManager(self.folder, self.bus, self.network)
+        self.start(self.network_manager)
 
     def start_leases(self):
         """dnsmasq, which writes the leases of the network from then on."""

@@ -1,0 +1,145 @@
+"""NetworkManager beside the service: its profile connects the modem, and it may come and go."""
+
+import pytest
+
+from lab.modem_manager import STATE_REGISTERED
+from lab.network_manager import ACTIVATED, ACTIVATING, DEACTIVATING, PROFILE, SlowNetworkManager
+from support.namespaces import may_be_made
+from support.waiting import wait_until
+
+needs_root = pytest.mark.skipif(not may_be_made(), reason="networks and mounts need root")
+
+
+@pytest.fixture
+def managed(lab):
+    """A board whose modem has a network interface, and a profile at NetworkManager."""
+    lab.start_modem(on_usb=True)
+    lab.start_network()
+    lab.start_network_manager()
+    lab.start_service()
+    lab.service.shows(statusBarSimStatus="Ready", statusBarConnectionState="Ready")
+    knows_profile(lab)
+    return lab
+
+
+def knows_profile(lab):
+    wait_until(lambda: lab.service.told("modem")["networkManager"], "the service knows the profile", 10)
+
+
+def is_at(lab, *states):
+    """Waits until the profile has a connection in this state, or none."""
+    expected = {PROFILE: state for state in states}
+    wait_until(lambda: lab.network_manager.connections() == expected, f"the connections are {expected}", 10)
+
+
+def connect(lab):
+    lab.service.act("connect")
+    lab.service.shows(statusBarConnectionState="Connected")
+    is_at(lab, ACTIVATED)
+
+
+@needs_root
+def test_the_profile_connects_and_disconnects(managed):
+    connect(managed)
+    # Nobody but NetworkManager gives the interface the address that the network has told.
+    assert "inet 10.11.12.13/" in managed.network.capture("ip", "address", "show", "wwan0")
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    is_at(managed)
+    assert managed.modem_manager.state(managed.path) == STATE_REGISTERED
+    assert "inet 10." not in managed.network.capture("ip", "address", "show", "wwan0")
+    assert managed.service.said() == {}
+
+
+@needs_root
+def test_the_modem_takes_its_time(managed):
+    managed.modem.hang()
+    managed.service.act("connect")
+    managed.service.shows(statusBarConnectionState="Connecting")
+    is_at(managed, ACTIVATING)
+    # The same once more changes nothing.
+    managed.service.act("connect")
+    managed.modem.resume()
+    managed.service.shows(statusBarConnectionState="Connected")
+    managed.modem.hang()
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Disconnecting")
+    managed.modem.resume()
+    managed.service.shows(statusBarConnectionState="Ready")
+    is_at(managed)
+
+
+@needs_root
+def test_somebody_disconnects_while_the_profile_still_connects(managed):
+    managed.modem.hang()
+    managed.service.act("connect")
+    is_at(managed, ACTIVATING)
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Disconnecting")
+    managed.modem.resume()
+    managed.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    is_at(managed)
+    assert managed.modem_manager.state(managed.path) == STATE_REGISTERED
+    managed.service.notifies("dataOff")
+
+
+@needs_root
+def test_somebody_connects_while_the_profile_still_disconnects(managed):
+    connect(managed)
+    managed.modem.hang()
+    managed.service.act("disconnect")
+    # NetworkManager has answered, and the modem has not.
+    is_at(managed, DEACTIVATING)
+    managed.service.act("connect")
+    managed.service.shows(statusBarConnectionState="Connecting")
+    managed.modem.resume()
+    managed.service.shows(statusBarConnectionState="Connected")
+    is_at(managed, ACTIVATED)
+
+
+@needs_root
+def test_the_network_refuses_the_profile(managed):
+    managed.modem.order("refuse", 33)
+    managed.service.act("connect")
+    managed.service.shows(statusBarConnectionState="Ready")
+    is_at(managed)
+    managed.modem.order("refuse", "nothing")
+    connect(managed)
+
+
+@needs_root
+def test_the_daemon_is_killed_and_comes_back(managed):
+    connect(managed)
+    managed.network_manager.kill()
+    # Without it, ModemManager itself connects and disconnects.
+    wait_until(lambda: not managed.service.told("modem")["networkManager"], "the service has noticed", 10)
+    managed.service.shows(statusBarConnectionState="Connected")
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Ready")
+    managed.network_manager.start()
+    knows_profile(managed)
+    connect(managed)
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Ready")
+
+
+@needs_root
+def test_the_daemon_is_killed_while_it_connects(managed):
+    managed.modem.hang()
+    managed.service.act("connect")
+    is_at(managed, ACTIVATING)
+    managed.network_manager.kill()
+    managed.modem.resume()
+    managed.network_manager.start()
+    knows_profile(managed)
+    managed.service.act("disconnect")
+    managed.service.shows(statusBarConnectionState="Ready")
+    connect(managed)
+
+
+def test_the_daemon_has_its_name_before_its_objects(board):
+    slow = SlowNetworkManager(board.folder, board.bus)
+    board.start(slow)
+    wait_until(slow.has_been_asked, "the service has asked", 10)
+    slow.go_on()
+    knows_profile(board)
