@@ -19,7 +19,7 @@ def pytest_runtest_makereport(item):
     report = (yield).get_result()
     work = item.funcargs.get("work")
     if report.failed and work is not None and work.exists():
-        for file in sorted([*work.glob("*.output"), *work.glob("*.log"), *work.glob("*/log")]):
+        for file in sorted([*work.glob("*.output"), *work.glob("*.log"), *work.glob("*/log"), *work.glob("own/*.log")]):
             lines = file.read_text(errors="replace").splitlines()[-40:]
             report.sections.append((f"end of {file.relative_to(work)}", "\n".join(lines)))
 

@@ -12,6 +12,7 @@ from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
 from lab.network_manager import NetworkManager
 from lab.position import Position
 from lab.power import Power, PowerSupplies
+from lab.rights import GuardedBus, Polkit
 from lab.service import Service, write_program
 from lab.sharing import FileServer, Sharing
 from lab.swupdate import SwUpdate
@@ -51,6 +52,13 @@ class Lab:
             daemon.launch()
         for daemon in daemons:
             daemon.wait()
+
+    def guard(self, rule=True):
+        """Before all else: rights are as on a board, with or without the rule that the service ships. Needs root."""
+        self.bus = GuardedBus(self.folder)
+        self.authority = Polkit(self.folder, self.bus)
+        if rule:
+            self.authority.install_rule()
 
     def start_bus(self):
         if not self.bus.is_running():
@@ -144,21 +152,21 @@ class Lab:
             settings |= {"gpsdHost": "127.0.0.1", "gpsdPort": str(self.position.port)}
         return settings
 
-    def make_service(self, page=False):
+    def make_service(self, page=False, as_user=False):
         """The service, not started yet, so that its document and environment can be changed."""
-        self.service = Service(self, page)
+        self.service = Service(self, page, as_user)
         self.ends.callback(self.service.close)
         return self.service
 
-    def start_service(self, page=False, **settings):
+    def start_service(self, page=False, as_user=False, **settings):
         """`settings` are added to those of the lab, or stand in their place."""
-        self.make_service(page).settings |= settings
+        self.make_service(page, as_user).settings |= settings
         self.service.start()
 
     def run(self, program, *arguments):
         """Runs a program of the project beside the service, or without one; returns what it has printed."""
         script = self.folder / f"{program.name}.run"
-        write_program(script, self, program)
+        write_program(script, self, self.folder, [str(program)])
         document = self.folder / f"{program.name}.json"
         document.write_text(json.dumps({"linux": self.settings()}))
         environment = {**paths.CLEAN_ENVIRONMENT, **sanitizers.OPTIONS, "LC_ALL": "C.UTF-8",

@@ -20,7 +20,7 @@ CONFIGURATION = """\
     <allow own="*"/>
     <allow user="*"/>
   </policy>
-</busconfig>
+{policies}</busconfig>
 """
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
@@ -33,10 +33,13 @@ class Bus(Daemon):
         self.socket = folder / "bus"
         self.address = f"unix:path={self.socket}"
         self.connection = None
+        #: Files that say who may call what, beyond that everybody may do everything.
+        self.policies = []
 
     def command(self):
         configuration = self.folder / "bus.conf"
-        configuration.write_text(CONFIGURATION.format(socket=self.socket))
+        policies = "".join(f"  <include>{path}</include>\n" for path in self.policies)
+        configuration.write_text(CONFIGURATION.format(socket=self.socket, policies=policies))
         self.socket.unlink(missing_ok=True)
         return ["dbus-daemon", f"--config-file={configuration}", "--nofork"]
 

@@ -6,8 +6,10 @@ import os
 import pathlib
 import re
 import shlex
+import shutil
 import socket
 
+from lab import rights
 from support import paths
 from support.logs import times
 from support.server import Server
@@ -19,27 +21,41 @@ DEADLINE = 15.0
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", paths.BUILD / "tests" / "linux" / "programs" / "kestal.cgi"))
 
 
-def write_program(script, lab, program):
-    """Writes a script that runs a program on the board: with its bus, its state and in its network."""
+def write_program(script, lab, folder, command):
+    """Writes a script that runs a command on the board: with its bus, in its network, and with a folder
+    for its state, which it returns."""
     network = lab.network and lab.network.namespace
     enter = []
     if network:
         # /sys shows the interfaces of the network that it was mounted in.
-        start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$0" "$@"']
+        start = ["sh", "-c", 'mount -t sysfs sysfs /sys && exec "$@"', "sh"]
         enter = ["nsenter", f"--net=/proc/{os.getpid()}/fd/{network.file}", "unshare", "--mount", *start]
-    state = lab.folder / "state"
+    state = folder / "state"
     state.mkdir(exist_ok=True)
     variables = {"DBUS_SYSTEM_BUS_ADDRESS": lab.bus.address, "STATE_DIRECTORY": str(state)}
     settings = "".join(f"export {name}={shlex.quote(value)}\n" for name, value in variables.items())
-    script.write_text(f'#!/bin/sh\n{settings}exec {shlex.join([*enter, str(program)])} "$@"\n')
+    script.write_text(f'#!/bin/sh\n{settings}exec {shlex.join([*enter, *command])} "$@"\n')
     script.chmod(0o755)
+    return state
+
+
+def _folder_of_user(folder):
+    """Where the service's user may write."""
+    own = folder / "own"
+    own.mkdir()
+    os.chown(own, rights.NUMBER, rights.NUMBER)
+    return own
 
 
 class Service(Server):
-    def __init__(self, lab, page=False):
-        """`page`: the web server serves the page, too."""
-        super().__init__(lab.folder, "service")
+    def __init__(self, lab, page=False, as_user=False):
+        """`page`: the web server serves the page, too. `as_user`: the service has a user of its own."""
+        super().__init__(_folder_of_user(lab.folder) if as_user else lab.folder, "service")
         self.lab = lab
+        self.program = SERVICE
+        if as_user:
+            self._use_copies()
+        self.as_user = as_user
         self.settings = lab.settings()
         #: What the document says in place of the daemons.
         self.answers = {}
@@ -52,8 +68,20 @@ class Service(Server):
     def _responder(self):
         """The web server hands few variables on, and is in another network than the board."""
         script = self.work / "responder"
-        write_program(script, self.lab, SERVICE)
+        command = [str(self.program)]
+        state = write_program(script, self.lab, self.work, rights.as_user(command) if self.as_user else command)
+        if self.as_user:
+            os.chown(state, rights.NUMBER, rights.NUMBER)
         return script
+
+    def _use_copies(self):
+        """Of what the service reads, because its user cannot enter every folder that a build may be in."""
+        self.program = self.work / SERVICE.name
+        shutil.copy(SERVICE, self.program)
+        for variable, folder in (("KESTAL_LOCALEDIR", paths.CATALOGUE), ("LOCPATH", paths.LOCALES)):
+            copy = self.work / folder.name
+            shutil.copytree(folder, copy, symlinks=True)
+            self.environment[variable] = str(copy)
 
     def start(self):
         self.write()
