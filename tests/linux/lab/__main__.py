@@ -90,11 +90,17 @@ def run():
     with tempfile.TemporaryDirectory(prefix=PREFIX) as folder:
         lab = Lab(pathlib.Path(folder), fail)
         try:
-            lab.start_modem(on_usb=True)
+            if os.environ.get("KESTAL_LAB_MODEM") == "mbim":
+                if not may_be_made():
+                    fail("the modem with MBIM needs root")
+                lab.start_mbim_modem()
+            else:
+                lab.start_modem(on_usb=True)
             lab.start_power()
             lab.start_sharing()
             if may_be_made():
                 lab.start_network()
+                lab.start_network_manager()
                 lab.start_update()
                 lab.start_swupdate()
             lab.start_position()

@@ -7,6 +7,7 @@ import subprocess
 from lab.access_point import MOST_STATIONS, AccessPoint
 from lab.bus import Authority, Bus
 from lab.leases import Leases
+from lab.mbim_modem import MbimModem, MbimModemManager
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
 from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
 from lab.network_manager import NetworkManager
@@ -78,6 +79,18 @@ class Lab:
         self.start(self.modem_manager)
         self.add_modem()
 
+    def start_mbim_modem(self, *orders):
+        """ModemManager finds it on USB, after it has been given the orders. Needs root."""
+        self.start_bus()
+        self.modem = MbimModem(self.folder)
+        self.modem_manager = MbimModemManager(self.folder, self.bus, self.modem)
+        self.ends.callback(self.modem_manager.release)
+        self.start(self.modem, self.authority)
+        for words in orders:
+            self.modem.order(*words)
+        self.start(self.modem_manager)
+        self.add_modem()
+
     def add_modem(self):
         """Makes the modem known to a ModemManager that has just been started."""
         self.path = self.modem_manager.add(self.modem)
@@ -122,6 +135,7 @@ class Lab:
         """It has a profile for the modem, which must be one with a network interface."""
         self.network_manager = NetworkManager(self.folder, self.bus, self.network)
         self.start(self.network_manager)
+        self.network_manager.wait_for_modem()
 
     def start_leases(self):
         """dnsmasq, which writes the leases of the network from then on."""

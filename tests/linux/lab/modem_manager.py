@@ -8,6 +8,7 @@ import dbus
 
 from lab.bus import BusDaemon
 from lab.daemon import Daemon
+from lab.modem import orders
 from support.waiting import wait_until
 
 LAB = pathlib.Path(__file__).resolve().parent
@@ -21,6 +22,8 @@ class Modem(Daemon):
     """The emulated modem; see lab.modem."""
 
     program = "python3"
+    #: What it can be told.
+    orders = orders
 
     def __init__(self, folder, name="modem"):
         super().__init__(folder, name)
@@ -42,7 +45,7 @@ class Modem(Daemon):
             return connection.connect_ex(str(self.directory / "control")) == 0
 
     def order(self, *words):
-        """Gives an order of lab.modem.orders."""
+        """Gives one of its orders."""
         with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
             connection.settimeout(10)
             connection.connect(str(self.directory / "control"))
@@ -58,8 +61,8 @@ class ModemManager(BusDaemon):
     #: How it finds modems: not by itself, but as its test interface is told.
     options = ("--test-enable", "--no-auto-scan")
 
-    def __init__(self, folder, bus):
-        super().__init__(folder, "modemmanager", bus)
+    def __init__(self, folder, bus, namespace=None):
+        super().__init__(folder, "modemmanager", bus, namespace)
 
     def command(self):
         return [self.program, *self.options, "--test-no-suspend-resume", "--debug"]

@@ -5,6 +5,7 @@ import contextlib
 import dbus
 
 from lab.bus import BusDaemon, Mock
+from support.waiting import wait_until
 
 MANAGER = "/org/freedesktop/NetworkManager"
 SETTINGS = f"{MANAGER}/Settings"
@@ -77,8 +78,9 @@ class NetworkManager(BusDaemon):
                 f"--config={configuration}", f"--config-dir={empty}", f"--system-config-dir={empty}",
                 f"--intern-config={self.directory}/intern.conf", f"--state-file={self.directory}/state"]
 
-    def is_ready(self):
-        return super().is_ready() and self._modem_can_be_used()
+    def wait_for_modem(self):
+        """Waits until it has a modem that it can connect."""
+        wait_until(self._modem_can_be_used, "NetworkManager can connect the modem", 20)
 
     def _modem_can_be_used(self):
         try:

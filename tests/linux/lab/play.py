@@ -1,7 +1,5 @@
 """What people do to a running lab: the orders of scripts/lab."""
 
-from lab.modem import orders
-
 PHONE = "02:00:00:00:00:01"
 COMPUTER = "02:00:00:00:00:02"
 ADDRESSES = {PHONE: "192.168.8.23", COMPUTER: "192.168.8.24"}
@@ -13,8 +11,8 @@ class Refused(Exception):
 
 def daemons(lab):
     """All daemons that have been started, by their names."""
-    every = [lab.bus, lab.authority, lab.modem, lab.modem_manager, lab.power, lab.sharing, lab.update,
-             lab.swupdate, lab.wifi, lab.guests, lab.position]
+    every = [lab.bus, lab.authority, lab.modem, lab.modem_manager, lab.network_manager, lab.power, lab.sharing,
+             lab.update, lab.swupdate, lab.wifi, lab.guests, lab.position]
     return {daemon.name: daemon for daemon in every if daemon is not None and daemon.process is not None}
 
 
@@ -30,7 +28,7 @@ sharing on|off                     of files
 update installs|fails [rauc|swupdate]  of the box itself
 hang|resume|kill|stop|start NAME   of a daemon, as listed above
 """
-    return "".join(f"  scripts/lab {line}\n" for line in (orders.HELP + own).splitlines())
+    return "".join(f"  scripts/lab {line}\n" for line in (lab.modem.orders.HELP + own).splitlines())
 
 
 def obey(lab, words):
@@ -38,10 +36,10 @@ def obey(lab, words):
     name, *arguments = words
     if name == "help":
         return help(lab)
-    if name not in orders.ORDERS and name not in _ORDERS:
+    if name not in lab.modem.orders.ORDERS and name not in _ORDERS:
         return f'error: no such order: {name}; "scripts/lab help" lists them\n'
     try:
-        if name in orders.ORDERS:
+        if name in lab.modem.orders.ORDERS:
             lab.modem.order(*words)
         if name in _ORDERS:
             _ORDERS[name](lab, *arguments)
