@@ -1,15 +1,10 @@
 """Rights as on a board: the service's user, the real polkitd, and what the bus lets whom call; needs root."""
 
-import json
 import pathlib
 import shutil
-import subprocess
-
-import dbus
 
 from lab.bus import Bus, BusDaemon
 from support import paths
-from support.waiting import wait_until
 
 DEPLOY = paths.ROOT / "deploy" / "linux"
 #: The user of the service. No user of this machine should have its number.
@@ -19,24 +14,21 @@ STOCK_POLICIES = [
     for daemon in ("ModemManager1", "NetworkManager")
     for folder in ("/etc/dbus-1/system.d", "/usr/share/dbus-1/system.d")
 ]
-AUTHORITY = "/org/freedesktop/PolicyKit1/Authority"
 # Here polkitd looks for rules.
 RULES = pathlib.Path("/usr/share/polkit-1/rules.d")
 OWNERS_RULES = pathlib.Path("/etc/polkit-1/rules.d")
 
 
-def mounted(command, **mounts):
-    """A command that sees files or folders in place of others, given as source=destination."""
-    steps = " && ".join(f"mount --bind '{source}' '{destination}'" for source, destination in mounts.items())
-    return ["unshare", "--mount", "sh", "-c", f'{steps} && exec "$@"', "sh", *command]
-
-
-def with_user(folder, command, **mounts):
-    """A command that knows the service's user, as does a board where it is installed."""
+def with_user(folder, command, mounts=()):
+    """A command that knows the service's user, as does a board where it is installed. `mounts` are files or folders,
+    each with the one that it is seen in place of."""
     users = folder / "passwd"
-    lines = pathlib.Path("/etc/passwd").read_text()
-    users.write_text(f"{lines}{USER}:x:{NUMBER}:{NUMBER}::/nonexistent:/usr/sbin/nologin\n")
-    return mounted(command, **{str(users): "/etc/passwd"}, **mounts)
+    if not users.exists():
+        lines = pathlib.Path("/etc/passwd").read_text()
+        users.write_text(f"{lines}{USER}:x:{NUMBER}:{NUMBER}::/nonexistent:/usr/sbin/nologin\n")
+    places = [(users, "/etc/passwd"), *mounts]
+    steps = " && ".join(f"mount --bind '{source}' '{destination}'" for source, destination in places)
+    return ["unshare", "--mount", "sh", "-c", f'{steps} && exec "$@"', "sh", *command]
 
 
 def as_user(command):
@@ -44,19 +36,16 @@ def as_user(command):
 
 
 class GuardedBus(Bus):
-    """The bus with the daemons' own policies and, unless it is left out, that of the service."""
+    """The bus with the daemons' own policies and that of the service."""
 
-    def __init__(self, folder, shipped=True):
+    def __init__(self, folder):
         super().__init__(folder)
         # polkitd and the service are other users.
         folder.chmod(0o711)
-        self.policies = [path for path in STOCK_POLICIES if path.exists()]
-        if shipped:
-            self.policies.append(DEPLOY / "bus.conf")
+        self.policies = [*(path for path in STOCK_POLICIES if path.exists()), DEPLOY / "bus.conf"]
 
     def command(self):
-        command = super().command()
-        return with_user(self.folder, command)
+        return with_user(self.folder, super().command())
 
 
 class Polkit(BusDaemon):
@@ -77,7 +66,7 @@ class Polkit(BusDaemon):
         shutil.copy(DEPLOY / "49-kestal.rules", self.rules)
 
     def command(self):
-        mounts = {str(self.rules): str(RULES)}
+        mounts = [(self.rules, RULES)]
         if OWNERS_RULES.exists():
-            mounts[str(self.no_rules)] = str(OWNERS_RULES)
-        return with_user(self.folder, [self.program], **mounts)
+            mounts.append((self.no_rules, OWNERS_RULES))
+        return with_user(self.folder, [self.program], mounts)
