@@ -42,5 +42,8 @@ def test_the_modem_goes_to_another_cell(lab):
     assert sorted((bool(cell["serving"]), int(cell["earfcn"])) for cell in cells) == [(False, 6300), (True, 1850)]
     # Of the serving cell, whose neighbour is no second carrier, which would make it LTE+.
     lab.service.shows(statusBarBand="B3", statusBarTechnology="LTE")
+    lab.modem.order("register", "searching")
+    lab.service.shows(statusBarConnectionState="No Service", statusBarBand="-")
     lab.modem.order("cell", 3350, 9)
+    lab.modem.order("register", "home")
     lab.service.shows(statusBarBand="B7", statusBarTechnology="LTE", statusBarConnectionState="Ready")

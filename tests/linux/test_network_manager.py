@@ -38,16 +38,20 @@ def connect(lab):
     is_at(lab, ACTIVATED)
 
 
+def addresses(lab):
+    return lab.network.capture("ip", "address", "show", "wwan0")
+
+
 @needs_root
 def test_the_profile_connects_and_disconnects(managed):
     connect(managed)
-    # Nobody but NetworkManager gives the interface the address that the network has told.
-    assert "inet 10.11.12.13/" in managed.network.capture("ip", "address", "show", "wwan0")
+    # Nobody but NetworkManager gives the interface the address that the network has told, which it may do last.
+    wait_until(lambda: "inet 10.11.12.13/" in addresses(managed), "the interface has its address", 10)
     managed.service.act("disconnect")
     managed.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
     is_at(managed)
     assert managed.modem_manager.state(managed.path) == STATE_REGISTERED
-    assert "inet 10." not in managed.network.capture("ip", "address", "show", "wwan0")
+    wait_until(lambda: "inet " not in addresses(managed), "the interface has no address", 10)
     assert managed.service.said() == {}
 
 

@@ -54,9 +54,9 @@ DataAction::Kind DataAction::Answered(bool failed) {
     return Kind::none;
 }
 
-void DataAction::Update(sys_data_connection_status_e newStatus, bool isManagerActive) {
+void DataAction::Update(sys_data_connection_status_e newStatus, Manager newManager) {
     status = newStatus;
-    managerActive = isManagerActive;
+    manager = newManager;
     ending = ending && IsConnected(status);
     EndIfReached();
 }
@@ -80,13 +80,16 @@ void DataAction::EndIfReached() {
         if (ending || sent == Kind::disconnect) {
             return;
         }
-        const bool hasManagerGivenUp = isAnswered && managerHasBegun && !managerActive;
-        managerHasBegun = managerHasBegun || managerActive;
+        const bool isManagerActive = manager == Manager::active;
+        const bool hasManagerGivenUp = isAnswered && managerHasBegun && !isManagerActive;
+        managerHasBegun = managerHasBegun || isManagerActive;
         if (IsConnected(status) || hasManagerGivenUp) {
             kind = Kind::none;
         }
     } else if (kind == Kind::disconnect) {
-        if (status == SYS_DATA_CONNECTION_READY && !managerActive && isAnswered) {
+        // A modem that has not begun to connect yet is ready, too.
+        managerHasBegun = managerHasBegun || manager == Manager::ending;
+        if (status == SYS_DATA_CONNECTION_READY && manager == Manager::idle && isAnswered) {
             kind = Kind::none;
         }
     }

@@ -25,6 +25,14 @@ class DataAction {
         manager,  ///< NetworkManager, which has begun; it may take as long as the network does
     };
 
+    /// What NetworkManager does with its connection; it is idle where it is not there.
+    enum class Manager {
+        idle,      ///< it has none
+        starting,  ///< it has said that it will make one
+        active,    ///< it makes or has one
+        ending,
+    };
+
     Kind UnderWay() const { return kind; }
     Wait WaitsFor() const;
 
@@ -34,9 +42,8 @@ class DataAction {
     Kind Ask(Kind newKind, bool byManager);
     Kind Answered(bool failed);
 
-    /// What the modem tells of its connection; and whether NetworkManager makes or has one, which
-    /// is false without NetworkManager.
-    void Update(sys_data_connection_status_e newStatus, bool isManagerActive);
+    /// What modem and NetworkManager tell of the connection.
+    void Update(sys_data_connection_status_e newStatus, Manager newManager);
 
     /// Ends the action: it has taken too long.
     void GiveUp() { kind = Kind::none; }
@@ -58,8 +65,8 @@ class DataAction {
     /// Whether the connection that the modem tells of is the one that the action before this one
     /// ends.
     bool ending = false;
-    bool managerActive = false;
-    /// Whether NetworkManager has been active since the action began.
+    Manager manager = Manager::idle;
+    /// Whether NetworkManager has begun what the action asks for.
     bool managerHasBegun = false;
 };
 

@@ -18,8 +18,28 @@ constexpr std::uint64_t kNetworkLimit = 190 * kSecond;
 constexpr std::uint64_t kSignLimit = 10 * kSecond;
 
 // NMActiveConnectionState.
+constexpr std::int64_t kUnknown = 0;
 constexpr std::int64_t kActivating = 1;
 constexpr std::int64_t kActivated = 2;
+constexpr std::int64_t kDeactivating = 3;
+constexpr std::int64_t kDeactivated = 4;
+
+DataAction::Manager StateOf(const NetworkManager& manager) {
+    if (manager.IsStarting()) {
+        return DataAction::Manager::starting;
+    }
+    switch (manager.ActiveState().value_or(kDeactivated)) {
+        case kUnknown:
+            return DataAction::Manager::starting;
+        case kActivating:
+        case kActivated:
+            return DataAction::Manager::active;
+        case kDeactivating:
+            return DataAction::Manager::ending;
+        default:
+            return DataAction::Manager::idle;
+    }
+}
 
 }  // namespace
 
@@ -42,10 +62,8 @@ void DataConnection::Update(const Modem* newModem) {
 }
 
 void DataConnection::Refresh() {
-    const std::int64_t activation = manager.ActiveState().value_or(0);
     const auto status = modem ? modem->dataConnectionStatus : std::nullopt;
-    action.Update(status.value_or(SYS_DATA_CONNECTION_READY),
-                  activation == kActivating || activation == kActivated);
+    action.Update(status.value_or(SYS_DATA_CONNECTION_READY), StateOf(manager));
     if (status == SYS_DATA_CONNECTION_CONNECTED &&
         action.UnderWay() != DataAction::Kind::disconnect) {
         stoppedByUser = false;
@@ -154,6 +172,8 @@ void DataConnection::OnAnswer(DataAction::Kind kind, const std::string& error) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not %s: %s",
                   kind == DataAction::Kind::connect ? "connected" : "disconnected", error.c_str());
     }
+    // What NetworkManager has answered tells of its connection, too.
+    Refresh();
     Send(action.Answered(!error.empty()));
     SetLimit();
     changed();

@@ -29,6 +29,9 @@ constexpr const char* kGsm = "gsm";
 /// Microseconds. NetworkManager answers before it connects.
 constexpr std::uint64_t kLimit = 30'000'000;
 
+/// NMActiveConnectionState; what follows it ends the connection.
+constexpr std::int64_t kActivated = 2;
+
 }  // namespace
 
 NetworkManager::NetworkManager(Bus& newBus, std::string newProfile, std::uint64_t limit,
@@ -90,10 +93,13 @@ void NetworkManager::FollowActive() {
     std::map<std::string, std::string> wanted;
     for (const std::string& path : ActiveConnections()) {
         wanted[path] = kActiveInterface;
-        if (path == begun) {
-            begun.clear();
-        }
     }
+    const bool isListed = wanted.count(begun) != 0;
+    const bool isRead = Member(Member(objects.Tree(), begun), kActiveInterface).is_object();
+    if (isRead || (begunIsListed && !isListed)) {
+        begun.clear();
+    }
+    begunIsListed = isListed && !begun.empty();
     const json& active = Member(Member(objects.Tree(), ActiveConnection()), kActiveInterface);
     for (const std::string& device : Texts(active, "Devices")) {
         wanted[device] = kDeviceInterface;
@@ -133,13 +139,19 @@ std::vector<std::string> NetworkManager::ActiveConnections() const {
 
 std::string NetworkManager::ActiveConnection() const {
     const std::string profile = ProfilePath();
+    std::string ending;
     for (const std::string& path : ActiveConnections()) {
         const json& active = Member(Member(objects.Tree(), path), kActiveInterface);
-        if (!profile.empty() && Text(active, "Connection") == profile) {
+        if (profile.empty() || Text(active, "Connection") != profile) {
+            continue;
+        }
+        // While one is being ended, the next one may be there already.
+        if (Number(active, "State").value_or(0) <= kActivated) {
             return path;
         }
+        ending = path;
     }
-    return "";
+    return ending;
 }
 
 std::optional<std::int64_t> NetworkManager::ActiveState() const {
@@ -167,6 +179,7 @@ Bus::PendingCall NetworkManager::Activate(OnDone onDone) {
             const bool isPath =
                 arguments.is_array() && !arguments.empty() && arguments.front().is_string();
             begun = isPath ? arguments.front().get<std::string>() : "";
+            begunIsListed = false;
             FollowActive();
             onDone(error);
         },
@@ -175,13 +188,15 @@ Bus::PendingCall NetworkManager::Activate(OnDone onDone) {
 
 Bus::PendingCall NetworkManager::Deactivate(OnDone onDone) {
     const std::string listed = ActiveConnection();
-    const std::string active = listed.empty() ? std::exchange(begun, "") : listed;
     return bus.Call(
         kService, kPath, kManagerInterface, "DeactivateConnection",
-        [active = ActiveConnection()](sd_bus_message* message) {
+        [active = listed.empty() ? begun : listed](sd_bus_message* message) {
             return sd_bus_message_append(message, "o", active.empty() ? kNoObject : active.c_str());
         },
-        [onDone = std::move(onDone)](const json& /*arguments*/, const std::string& error) {
+        [this, onDone = std::move(onDone)](const json& /*arguments*/, const std::string& error) {
+            if (!error.empty()) {
+                begun.clear();
+            }
             onDone(error);
         },
         kLimit);

@@ -37,6 +37,9 @@ class NetworkManager {
 
     /// Whether there is a connection of the profile that can be ended.
     bool HasConnection() const { return !begun.empty() || !ActiveConnection().empty(); }
+    /// Whether it has answered that it begins a connection, and not told more of it yet.
+    bool IsStarting() const { return !begun.empty() && ActiveConnection().empty(); }
+
     /// NMActiveConnectionState of the active connection.
     std::optional<std::int64_t> ActiveState() const;
 
@@ -64,8 +67,9 @@ class NetworkManager {
     std::map<std::string, nlohmann::json> profiles;
     std::map<std::string, Bus::PendingCall> questions;
     FollowedObjects followed;
-    /// The connection that NetworkManager has begun and not listed yet.
+    /// The connection that NetworkManager has begun and not told the properties of yet.
     std::string begun;
+    bool begunIsListed = false;
     BusObjects objects;
 };
 

@@ -72,10 +72,8 @@ class Modem:
         self._tell(BASIC, PACKET_SERVICE, self.packet_service())
 
     def move(self, channel, identity):
-        """To another cell, on which the modem registers anew."""
-        self.register("searching")
+        """To another cell, of which the modem says nothing by itself."""
         self.cell = (channel, identity)
-        self.register("home")
 
     def change_signal(self, signal):
         self.signal = signal

@@ -2,7 +2,7 @@
 
 HELP = """\
 register home|roaming|searching|denied
-cell CHANNEL IDENTITY              the modem goes to another LTE cell: EARFCN, physical cell identity
+cell CHANNEL IDENTITY              the LTE cell: EARFCN, physical cell identity; told when it registers again
 signal 0..31|99                    strength as in +CSQ
 slot 1|2 in|out                    whether there is a SIM card in it, before ModemManager looks
 """

@@ -10,9 +10,11 @@ using Wait = DataAction::Wait;
 
 constexpr bool kByModem = false;
 constexpr bool kByManager = true;
-constexpr bool kNoManager = false;
-constexpr bool kActive = true;
-constexpr bool kIdle = false;
+constexpr auto kNoManager = DataAction::Manager::idle;
+constexpr auto kStarting = DataAction::Manager::starting;
+constexpr auto kActive = DataAction::Manager::active;
+constexpr auto kEnding = DataAction::Manager::ending;
+constexpr auto kIdle = DataAction::Manager::idle;
 constexpr bool kFailed = true;
 constexpr bool kDone = false;
 
@@ -177,9 +179,11 @@ TEST(DataAction, WhatIsBeingEndedIsNotTheConnectionThatIsWanted) {
     EXPECT_EQ(action.Ask(Kind::connect, kByManager), Kind::connect);
     EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
     action.Answered(kDone);
-    action.Update(SYS_DATA_CONNECTION_CONNECTED, kIdle);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kEnding);
     EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTING);
+    action.Update(SYS_DATA_CONNECTION_READY, kEnding);
     action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.WaitsFor(), Wait::sign);
     action.Update(SYS_DATA_CONNECTION_READY, kActive);
     EXPECT_EQ(action.WaitsFor(), Wait::manager);
     action.Update(SYS_DATA_CONNECTION_CONNECTED, kActive);
@@ -194,6 +198,32 @@ TEST(DataAction, AConnectionThatCouldNotBeEndedIsTheOneThatIsWanted) {
     EXPECT_EQ(action.Answered(kFailed), Kind::connect);
     action.Answered(kDone);
     EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_CONNECTED);
+}
+
+TEST(DataAction, ADisconnectionOutlivesTheConnectionThatTheModemHasBegunBefore) {
+    DataAction action;
+    action.Ask(Kind::connect, kByManager);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByManager), Kind::disconnect);
+    action.Answered(kDone);
+    // The modem is still busy with the first, and tells nothing of it.
+    action.Update(SYS_DATA_CONNECTION_READY, kEnding);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_DISCONNECTING);
+    EXPECT_EQ(action.WaitsFor(), Wait::manager);
+    action.Update(SYS_DATA_CONNECTION_CONNECTED, kEnding);
+    EXPECT_EQ(action.UnderWay(), Kind::disconnect);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.UnderWay(), Kind::none);
+}
+
+TEST(DataAction, WhatNetworkManagerHasOnlyAnnouncedIsEnded) {
+    DataAction action;
+    action.Ask(Kind::connect, kByManager);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kStarting);
+    EXPECT_EQ(action.WaitsFor(), Wait::sign);
+    EXPECT_EQ(action.Ask(Kind::disconnect, kByManager), Kind::disconnect);
 }
 
 TEST(DataAction, WhatTakesTooLongIsGivenUp) {
