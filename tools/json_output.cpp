@@ -9,9 +9,18 @@ void WriteJson(std::ostream& out, const Json& value) {
     out << value.dump(kIndent, ' ', false, Json::error_handler_t::replace) << "\n";
 }
 
-Json Named(std::int64_t value, Enumeration names) {
-    const char* const name = NameOf(value, names);
-    return Json::object({{"value", value}, {"name", name == nullptr ? Json() : Json(name)}});
+Json Named(std::int64_t value, binding::Enumeration names) {
+    const char* const name = binding::NameOf(value, names);
+    if (name != nullptr) {
+        return Json::object({{"value", value}, {"name", name}});
+    }
+    std::vector<std::string> named;
+    for (const binding::EnumerationName& one : names) {
+        named.push_back(std::to_string(one.value) + " " + one.name);
+    }
+    return Json::object({{"value", value},
+                         {"name", nullptr},
+                         {"explanation", "no name; these have: " + binding::Listed(named)}});
 }
 
 std::string HexText(std::span<const std::uint8_t> bytes) {

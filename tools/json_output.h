@@ -1,6 +1,6 @@
 // Answers of the platform as JSON. A record is an object whose members have the names of its
-// fields. A value of an enumeration is {"value": 7, "name": "ready"}; the name is null when the
-// value has none.
+// fields. A value of an enumeration is {"value": 7, "name": "ready"}. If the value has no name,
+// that is null, and "explanation" says which values have names.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-#include "tools/enumerations.h"
+#include "bindings/names/enumerations.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -17,7 +17,7 @@ using Json = nlohmann::ordered_json;
 void WriteJson(std::ostream& out, const Json& value);
 
 /// @p value with its name, as an object.
-Json Named(std::int64_t value, Enumeration names);
+Json Named(std::int64_t value, binding::Enumeration names);
 
 /// @p bytes as hexadecimal digits.
 std::string HexText(std::span<const std::uint8_t> bytes);

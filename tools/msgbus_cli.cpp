@@ -1,5 +1,5 @@
 #include "tools/msgbus_commands.h"
 
 int main(int argc, char** argv) {
-    return RunTool(MsgbusTool(), argc, argv);
+    return RunTool(MsgbusTool(KESTAL_BINDING_CODES), argc, argv);
 }

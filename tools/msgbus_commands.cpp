@@ -70,7 +70,7 @@ Json Describe(const AnsNotificationRecord& record) {
                          {"labelId", FixedText(record.labelId)},
                          {"titleId", FixedText(record.titleId)},
                          {"textId", FixedText(record.textId)},
-                         {"severity", Named(record.severity, kSeverity)},
+                         {"severity", Named(record.severity, binding::kSeverity)},
                          {"flags", record.flags},
                          {"active", (record.flags & ANS_NOTIFICATION_ACTIVE) != 0}});
 }
@@ -138,15 +138,16 @@ void MsgBusGet(const Arguments& arguments, std::ostream& out) {
 
 }  // namespace
 
-Tool MsgbusTool() {
+Tool MsgbusTool(binding::Enumeration bindingCodes) {
     static const std::string kChannel =
         std::string("Name of the channel, such as ") + ANS_NOTIFICATION_CHANNEL;
     return {.name = "msgbus_cli",
             .description = "Prints what has been published on the device's message bus.",
-            .codes = kMsgbusResult,
+            .codes = binding::kMsgbusResult,
             .commands = {{.names = {"MsgBusGet"},
                           .description = "What was last published on a channel",
                           .parameters = {{"CHANNEL", kChannel.c_str()}},
                           .run = MsgBusGet,
-                          .options = {{"--raw", "Write the bytes as they are"}}}}};
+                          .options = {{"--raw", "Write the bytes as they are"}}}},
+            .bindingCodes = bindingCodes};
 }

@@ -97,33 +97,9 @@ Command Action(std::string name, std::string description, int (*call)(int)) {
                    [call](const Arguments& /*arguments*/, Json& /*answer*/) { return call(0); });
 }
 
-Enumeration NamesOf(sys_data_connection_status_e /*status*/) {
-    return kDataConnectionStatus;
-}
-
-Enumeration NamesOf(sys_service_status_e /*status*/) {
-    return kServiceStatus;
-}
-
-Enumeration NamesOf(sys_account_status_e /*status*/) {
-    return kAccountStatus;
-}
-
-Enumeration NamesOf(sys_sim_status_e /*status*/) {
-    return kSimStatus;
-}
-
-Enumeration NamesOf(sys_wan_5g_mode_e /*mode*/) {
-    return kWanFiveGMode;
-}
-
-Enumeration NamesOf(sys_gps_status_e /*status*/) {
-    return kGpsStatus;
-}
-
 Json Described(const sys_cellular_service_stats_t& stats) {
-    return Json::object({{"technology", Named(stats.technology, kTechnology)},
-                         {"roaming", Named(stats.roaming, kRoaming)},
+    return Json::object({{"technology", Named(stats.technology, binding::kTechnology)},
+                         {"roaming", Named(stats.roaming, binding::kRoaming)},
                          {"signalBars", stats.signalBars},
                          {"sinr", stats.sinr},
                          {"pci", stats.pci},
@@ -131,11 +107,11 @@ Json Described(const sys_cellular_service_stats_t& stats) {
                          {"networkName", FixedText(stats.networkName)},
                          {"networkId", FixedText(stats.networkId)},
                          {"femtoCell", stats.femtoCell},
-                         {"fiveGType", Named(stats.fiveGType, kFiveGType)}});
+                         {"fiveGType", Named(stats.fiveGType, binding::kFiveGType)}});
 }
 
 Json Described(const sys_cellular_data_connection_stats_t& stats) {
-    return Json::object({{"trafficStatus", Named(stats.trafficStatus, kTrafficStatus)},
+    return Json::object({{"trafficStatus", Named(stats.trafficStatus, binding::kTrafficStatus)},
                          {"duration", stats.duration},
                          {"bytesReceived1", stats.bytesReceived1},
                          {"bytesTransmitted1", stats.bytesTransmitted1},
@@ -156,12 +132,13 @@ Json Described(const sys_all_sim_slots_t& all) {
     const auto valid = static_cast<std::size_t>(std::max(all.count, 0));
     Json list = Json::array();
     for (const sys_sim_slot_t& slot : slots.first(std::min(valid, slots.size()))) {
-        list.push_back(Json::object(
-            {{"networkName", FixedText(slot.networkName)},
-             {"active", slot.active},
-             {"simStatus", Named(slot.simStatus, kSimStatus)},
-             {"dataConnectionStatus", Named(slot.dataConnectionStatus, kDataConnectionStatus)},
-             {"serviceStatus", Named(slot.serviceStatus, kServiceStatus)}}));
+        list.push_back(
+            Json::object({{"networkName", FixedText(slot.networkName)},
+                          {"active", slot.active},
+                          {"simStatus", Named(slot.simStatus, binding::kSimStatus)},
+                          {"dataConnectionStatus",
+                           Named(slot.dataConnectionStatus, binding::kDataConnectionStatus)},
+                          {"serviceStatus", Named(slot.serviceStatus, binding::kServiceStatus)}}));
     }
     return Json::object({{"count", all.count}, {"slots", list}});
 }
@@ -181,10 +158,11 @@ Json Described(const sys_samba_share_info_t& info) {
 }
 
 Json Described(const sys_battery_status_t& status) {
-    return Json::object({{"chargePercent", status.chargePercent},
-                         {"chargingState", status.chargingState},
-                         {"detection", Named(status.detection, kBatteryDetection)},
-                         {"chargingSource", Named(status.chargingSource, kChargingSource)}});
+    return Json::object(
+        {{"chargePercent", status.chargePercent},
+         {"chargingState", status.chargingState},
+         {"detection", Named(status.detection, binding::kBatteryDetection)},
+         {"chargingSource", Named(status.chargingSource, binding::kChargingSource)}});
 }
 
 /// Returns a function that describes a record by its fields, and a number as @p field.
@@ -194,7 +172,7 @@ auto As(const char* field) {
         if constexpr (std::is_class_v<Meaning>) {
             return Described(value);
         } else if constexpr (std::is_enum_v<Meaning>) {
-            return Json::object({{field, Named(value, NamesOf(Meaning{}))}});
+            return Json::object({{field, Named(value, binding::NamesOfMeaning<Meaning>())}});
         } else {
             return Json::object({{field, value}});
         }
@@ -242,8 +220,8 @@ int ConnectedDevices(const Arguments& /*arguments*/, Json& answer) {
         sys_getConnectedDeviceList);
     Json list = Json::array();
     for (const sys_connected_device_t& device : devices) {
-        list.push_back(
-            Json::object({{"connectionKind", Named(device.connectionKind, kConnectionKind)}}));
+        list.push_back(Json::object(
+            {{"connectionKind", Named(device.connectionKind, binding::kConnectionKind)}}));
     }
     answer = Json::object({{"devices", list}});
     return SYS_SUCCESS;
@@ -309,9 +287,10 @@ std::vector<Command> Commands() {
 
 }  // namespace
 
-Tool SysintTool() {
+Tool SysintTool(binding::Enumeration bindingCodes) {
     return {.name = "sysintcli",
             .description = "Makes a call of the device's system interface and prints its answer.",
-            .codes = kSysResult,
-            .commands = Commands()};
+            .codes = binding::kSysResult,
+            .commands = Commands(),
+            .bindingCodes = bindingCodes};
 }

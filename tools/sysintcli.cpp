@@ -1,5 +1,5 @@
 #include "tools/sysint_commands.h"
 
 int main(int argc, char** argv) {
-    return RunTool(SysintTool(), argc, argv);
+    return RunTool(SysintTool(KESTAL_BINDING_CODES), argc, argv);
 }

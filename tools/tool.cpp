@@ -6,6 +6,7 @@
 #include <iterator>
 #include <optional>
 
+#include "bindings/names/nearest_name.h"
 #include "version/version.h"
 
 namespace {
@@ -189,28 +190,30 @@ std::optional<std::string> Unknown(const CLI::App& app) {
 }
 
 /// What is wrong with the arguments.
-std::string Complaint(const Tool& tool, const CLI::App& app, const CLI::ParseError& error) {
+std::string Complaint(const CLI::App& app, const CLI::ParseError& error) {
     const auto unknown = Unknown(app);
     if (!unknown) {
         return error.get_name() == "RequiredError" && IsGroup(Reached(app))
                    ? "a command is expected"
                    : error.what();
     }
-    std::string text = "'" + *unknown + "' is neither a command nor an option";
-    if (tool.suggestion) {
-        std::vector<std::string> known;
-        for (const CLI::App* const command :
-             Reached(app).get_subcommands([](const auto*) { return true; })) {
-            known.push_back(command->get_name());
-        }
-        text += tool.suggestion(*unknown, known);
+    std::vector<std::string> known;
+    for (const CLI::App* const command :
+         Reached(app).get_subcommands([](const auto*) { return true; })) {
+        known.push_back(command->get_name());
     }
-    return text;
+    return "'" + *unknown + "' is neither a command nor an option" +
+           binding::Suggestion(binding::NearestName(*unknown, known));
 }
 
+/// @p code with what is known about it.
 std::string CodeText(const Tool& tool, int code) {
-    const char* const name = NameOf(code, tool.codes);
-    return std::to_string(code) + (name == nullptr ? "" : " (" + std::string(name) + ")");
+    const char* name = binding::NameOf(code, tool.codes);
+    if (name == nullptr) {
+        name = binding::NameOf(std::int64_t{code} - tool.bindingCodeBase, tool.bindingCodes);
+    }
+    return std::to_string(code) + " (" +
+           (name == nullptr ? "no name; what it means depends on the device" : name) + ")";
 }
 
 /// Flushes the answer. The exit code tells whether all of it has been written.
@@ -251,7 +254,7 @@ ExitCode RunTool(const Tool& tool, const std::vector<std::string>& arguments, st
     } catch (const CLI::ParseError& error) {
         // There is no help for a command that does not exist.
         if (error.get_name() != "CallForHelp" || Unknown(app)) {
-            return RefuseUsage(tool, Complaint(tool, app, error), errors);
+            return RefuseUsage(tool, Complaint(app, error), errors);
         }
         out << app.help();
     } catch (const UsageError& error) {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "bindings/names/enumerations.h"
 #include "tools/arguments.h"
-#include "tools/enumerations.h"
 
 /// Exit codes of the tools.
 enum class ExitCode {
@@ -67,13 +67,13 @@ struct Tool {
     std::string name;
     std::string description;
     /// Names of the codes with which calls fail.
-    Enumeration codes;
+    binding::Enumeration codes;
     std::vector<Command> commands;
     std::vector<Setting> settings = {};
-    /// What follows the complaint about the unknown command @p name where @p known are the right
-    /// ones, such as "; did you mean show?".
-    std::function<std::string(const std::string& name, const std::vector<std::string>& known)>
-        suggestion = {};
+    /// Names of the codes of the binding that the tool is linked with, and what the binding adds to
+    /// these codes.
+    binding::Enumeration bindingCodes = {};
+    int bindingCodeBase = 0;
 };
 
 /// Runs the command that @p arguments (without the program's name) ask for. Answers go to @p out,

@@ -168,10 +168,12 @@ std::vector<Command> Commands() {
 
 }  // namespace
 
-Tool WebuiTool() {
+Tool WebuiTool(binding::Enumeration bindingCodes) {
     return {
         .name = "webui_cli",
         .description = "Makes a call of the web UI's configuration library and prints its answer.",
-        .codes = kWebuiStatus,
-        .commands = Commands()};
+        .codes = binding::kWebuiStatus,
+        .commands = Commands(),
+        .bindingCodes = bindingCodes,
+        .bindingCodeBase = WEBUI_SUCCESS};
 }

@@ -1,6 +1,7 @@
 #include "bindings/device/notification_types.h"
 
 #include <algorithm>
+#include <array>
 
 namespace binding {
 

@@ -1,7 +1,6 @@
 // The types of notifications that devices publish.
 #pragma once
 
-#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,10 +8,6 @@
 #include "platform/notification.h"
 
 namespace binding {
-
-/// Names of the severities, by their numbers.
-constexpr std::array<const char*, 4> kSeverityNames = {"info", "warning", "alert", "critical"};
-static_assert(kSeverityNames.size() == ANS_SEVERITY_CRITICAL + 1U);
 
 struct NotificationType {
     const char* name;

@@ -34,10 +34,14 @@ int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkH
     if (keeps && !node.Value().at(kHealedName).is_null()) {
         checkHealed(node.Member(kHealedName));
     }
+    constexpr const char* kExpected = "a 32-bit integer other than 0 and 983040";
     const Node code = node.Member("error");
     const auto number = NumberOf<int>(code.Value());
-    if (!number || *number == SYS_SUCCESS || *number == WEBUI_SUCCESS) {
-        code.Expected("a 32-bit integer other than 0 and 983040");
+    if (!number) {
+        return static_cast<int>(ReadName(code, kExpected));
+    }
+    if (*number == SYS_SUCCESS || *number == WEBUI_SUCCESS) {
+        code.Expected(kExpected);
     }
     return *number;
 }

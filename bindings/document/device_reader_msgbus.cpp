@@ -1,5 +1,4 @@
 // The object "msgbus": what has been published on the channels of the message bus.
-#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -7,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "bindings/device/notification_types.h"
 #include "bindings/document/device_reader.h"
 #include "platform/notification.h"
 
@@ -21,21 +19,6 @@ template <typename T>
 void Append(Block& block, const T& value) {
     const auto bytes = std::as_bytes(std::span(&value, 1));
     block.insert(block.end(), bytes.begin(), bytes.end());
-}
-
-void ReadSeverity(const Node& node, std::uint32_t& severity) {
-    if (const auto number = NumberOf<std::uint32_t>(node.Value())) {
-        severity = *number;
-        return;
-    }
-    const std::string* const text = node.Text();
-    const auto* const found =
-        std::find_if(kSeverityNames.begin(), kSeverityNames.end(),
-                     [&](const char* name) { return text != nullptr && *text == name; });
-    if (found == kSeverityNames.end()) {
-        node.Expected("info, warning, alert, critical or an unsigned 32-bit integer");
-    }
-    severity = static_cast<std::uint32_t>(found - kSeverityNames.begin());
 }
 
 Block ReadNotifications(const Node& list) {
@@ -89,11 +72,10 @@ void ReadChannel(const Node& node, Block& block) {
 void ReadNotification(const Node& node, AnsNotificationRecord& record) {
     bool active = true;
     Members members(node);
-    members.Field("id", record.id).Field("category", record.category);
-    if (const auto severity = members.Find("severity")) {
-        ReadSeverity(*severity, record.severity);
-    }
-    members.Field("labelId", record.labelId)
+    members.Field("id", record.id)
+        .Field("category", record.category)
+        .Field("severity", record.severity)
+        .Field("labelId", record.labelId)
         .Field("titleId", record.titleId)
         .Field("textId", record.textId)
         .Field("active", active)

@@ -35,4 +35,7 @@ class UnknownName : public ValueError {
     std::vector<std::string> known;
 };
 
+/// The text of @p error with the path of the closest known name added.
+std::string WithSuggestion(const UnknownName& error);
+
 }  // namespace binding

@@ -4,6 +4,9 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "bindings/document/value_names.h"
+#include "bindings/names/nearest_name.h"
+
 namespace binding {
 
 namespace {
@@ -43,13 +46,19 @@ template std::optional<std::uint64_t> NumberOf<std::uint64_t>(const nlohmann::or
 
 namespace {
 
+/// A text as a complaint shows it. Only short ones are shown, because a complaint is one line.
+std::string Shown(const std::string& text) {
+    constexpr std::size_t kLongest = 40;
+    return text.size() > kLongest ? "a text" : "'" + text + "'";
+}
+
 template <typename T>
-void ReadNumber(const Node& node, T& number, const char* expected) {
-    const auto found = NumberOf<T>(node.Value());
-    if (!found) {
-        node.Expected(expected);
+void ReadNumber(const Node& node, T& number, const std::string& expected) {
+    if (const auto found = NumberOf<T>(node.Value())) {
+        number = *found;
+    } else {
+        number = static_cast<T>(ReadName(node, expected));
     }
-    number = *found;
 }
 
 }  // namespace
@@ -126,6 +135,28 @@ void Node::MustBeList() const {
     }
 }
 
+std::int64_t ReadName(const Node& node, const std::string& otherwise) {
+    const std::string* const text = node.Text();
+    const auto value = text == nullptr ? std::nullopt : ValueOf(*text, NamesAt(node.Path()));
+    if (!value) {
+        ExpectedNumber(node, otherwise);
+    }
+    return *value;
+}
+
+void ExpectedNumber(const Node& node, const std::string& otherwise) {
+    const std::vector<std::string> known = AllNames(NamesAt(node.Path()));
+    if (known.empty()) {
+        node.Expected(otherwise);
+    }
+    const std::string expected = Listed(known) + " or " + otherwise;
+    const std::string* const text = node.Text();
+    if (text == nullptr) {
+        node.Expected(expected);
+    }
+    node.Expected(expected, Shown(*text) + Suggestion(NearestName(*text, known)));
+}
+
 void Read(const Node& node, std::uint8_t& number) {
     ReadNumber(node, number, "a number from 0 to 255");
 }
@@ -182,11 +213,7 @@ void Members::RejectOthers(const std::string& what) const {
 }
 
 void Members::RejectOthers() const {
-    std::string list;
-    for (const std::string& name : names) {
-        list += (list.empty() ? "" : ", ") + name;
-    }
-    RejectOthers("one of " + list);
+    RejectOthers("one of " + Listed(names));
 }
 
 }  // namespace binding

@@ -69,6 +69,14 @@ class Node {
 template <typename T>
 std::optional<T> NumberOf(const nlohmann::ordered_json& value);
 
+/// The number that the name @p node stands for. Throws ValueError unless it is one of the names
+/// that numbers in its place have; @p otherwise says what else may be there.
+std::int64_t ReadName(const Node& node, const std::string& otherwise);
+
+/// Throws a ValueError that says that @p node is neither a name that it may be nor @p otherwise.
+[[noreturn]] void ExpectedNumber(const Node& node, const std::string& otherwise);
+
+// Each number may also be a name if its values have names.
 void Read(const Node& node, std::uint8_t& number);
 void Read(const Node& node, std::int32_t& number);
 void Read(const Node& node, std::uint32_t& number);

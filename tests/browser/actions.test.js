@@ -9,8 +9,8 @@ import { suite } from "./support/suite.js";
 
 const { serve, visit } = suite();
 
-const CONNECTED = 2;
-const READY = 0;
+const CONNECTED = "connected";
+const READY = "ready";
 
 function connectionOf(server) {
     return server.document().sys.getCellularDataConnectionStatus;

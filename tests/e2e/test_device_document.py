@@ -153,9 +153,9 @@ def test_an_action_changes_only_the_bytes_of_the_status(responder):
     text = responder.device.path.read_text().replace('"sys"', '\n\n   "sys"', 1)
     responder.device.path.write_text(text)
     responder.ask("/srv/disconnect")
-    old = '"getCellularDataConnectionStatus": 2'
-    assert old in text
-    assert responder.device.path.read_text() == text.replace(old, old[:-1] + "0")
+    name = '"getCellularDataConnectionStatus": '
+    assert name + '"connected"' in text
+    assert responder.device.path.read_text() == text.replace(name + '"connected"', name + '"ready"')
 
 
 def test_an_action_does_not_repair_a_damaged_document(responder):
@@ -179,7 +179,7 @@ def test_services_that_share_a_device_lose_no_action(make_responder):
         for connection, _ in connections:
             assert connection.receive().body == b'{"loginStatus":0}'
             connection.socket.close()
-        assert first.device.get("getCellularDataConnectionStatus") in (0, 2)
+        assert first.device.get("getCellularDataConnectionStatus") in ("ready", "connected")
     for log in (first.log, second.log):
         assert log.count("[ERROR]") == 0
 

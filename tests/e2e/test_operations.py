@@ -4,8 +4,8 @@ import json
 
 import pytest
 
-CONNECTED = 2
-DISCONNECTED = 0
+CONNECTED = "connected"
+DISCONNECTED = "ready"
 
 
 def test_status_has_the_login_status_first_and_then_the_status_data(server):

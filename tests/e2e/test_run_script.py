@@ -272,7 +272,7 @@ def test_a_users_own_device_is_used_in_place_and_no_file_is_added_beside_it(run,
     assert web.ask(script.port, "/srv/disconnect").status == 200
     script.press_control_c()
     assert script.end() == 0
-    assert '"getCellularDataConnectionStatus": 0' in (folder / "mine.json").read_text()
+    assert '"getCellularDataConnectionStatus": "ready"' in (folder / "mine.json").read_text()
     assert [path.name for path in folder.iterdir()] == ["mine.json"]
 
 

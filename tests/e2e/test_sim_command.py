@@ -141,11 +141,11 @@ def test_a_thousand_changes_by_several_writers_lose_nothing(responder):
 # What the document and the service contain in the end.
 ENDS = {
     "battery": (
-        {"sys.getBatteryStatus.chargePercent": 100, "sys.getBatteryStatus.chargingSource": 1},
+        {"sys.getBatteryStatus.chargePercent": 100, "sys.getBatteryStatus.chargingSource": "ac"},
         {"statusBarBatteryPercent": "100"},
     ),
     "commute": (
-        {"sys.getCellularServiceStats.technology": 17, "sys.getGPSStatus": 2},
+        {"sys.getCellularServiceStats.technology": "5g", "sys.getGPSStatus": "got_fix"},
         {"statusBarTechnology": "5G UWB", "statusBarSignalBars": "5"},
     ),
     "gentle": (
@@ -153,7 +153,7 @@ ENDS = {
         {"statusBarBatteryPercent": "84", "statusBarTechnology": "5G UWB"},
     ),
     "sim-swap": (
-        {"sys.getSIMStatus": 7, "sys.getAllSimSlotsInfo.slots[0].networkName": "Velta Mobil"},
+        {"sys.getSIMStatus": "ready", "sys.getAllSimSlotsInfo.slots[0].networkName": "Velta Mobil"},
         {"statusBarNetwork": "Velta Mobil", "statusBarSimStatus": "Ready"},
     ),
     "update": (
@@ -202,10 +202,10 @@ def test_a_player_that_loops_ends_cleanly_at_a_signal(responder, signo):
         stderr=subprocess.DEVNULL,
     )
     wait_until(
-        lambda: responder.device.get("getBatteryStatus")["chargingSource"] == 1, "the charger is in"
+        lambda: responder.device.get("getBatteryStatus")["chargingSource"] == "ac", "the charger is in"
     )
     wait_until(
-        lambda: responder.device.get("getBatteryStatus")["chargingSource"] == 0, "the next round"
+        lambda: responder.device.get("getBatteryStatus")["chargingSource"] == "none", "the next round"
     )
     player.send_signal(signo)
     assert player.wait(20) == 0

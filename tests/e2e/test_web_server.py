@@ -242,8 +242,8 @@ def test_without_flock_the_service_starts_and_says_so(make_server, work):
 def test_two_servers_do_not_disturb_each_other(make_server):
     first, second = make_server("a").start(), make_server("b").start()
     first.ask("/srv/disconnect")
-    assert first.device.get("getCellularDataConnectionStatus") == 0
-    assert second.device.get("getCellularDataConnectionStatus") == 2
+    assert first.device.get("getCellularDataConnectionStatus") == "ready"
+    assert second.device.get("getCellularDataConnectionStatus") == "connected"
     first.stop()
     assert second.ask("/srv/status").status == 200
 

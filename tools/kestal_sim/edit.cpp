@@ -1,6 +1,5 @@
 // The commands that show the device's document and change it.
 #include <cstdio>
-#include <limits>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
+#include "bindings/simulator/edit/printed_answer.h"
 #include "tools/kestal_sim/commands.h"
 #include "tools/kestal_sim/document.h"
 
@@ -42,7 +42,7 @@ void Set(const Arguments& arguments, std::ostream& /*out*/) {
     KeyPath failing;
     ChangeDocument([&](json& document) {
         const KeyPath path = ResolvePath(arguments.Value("PATH"), document);
-        binding::SetValue(document, path, value);
+        binding::SetValue(document, path, binding::FromPrinted(path, value));
         failing = binding::FailingCallOn(document, path);
     });
     if (!failing.empty()) {
@@ -54,7 +54,7 @@ void Set(const Arguments& arguments, std::ostream& /*out*/) {
 void Fail(const Arguments& arguments, std::ostream& /*out*/) {
     ChangeDocument([&](json& document) {
         binding::FailCall(document, ResolvePath(arguments.Value("CALL"), document),
-                          arguments.Number(1));
+                          ValueOf(arguments.Value("CODE")));
     });
 }
 
@@ -72,9 +72,6 @@ void Load(const Arguments& arguments, std::ostream& /*out*/) {
                         [&](const std::string&) -> const std::string& { return text; });
 }
 
-constexpr Parameter::Range kCodes = {std::numeric_limits<std::int32_t>::min(),
-                                     std::numeric_limits<std::int32_t>::max()};
-
 }  // namespace
 
 std::vector<Command> DocumentCommands() {
@@ -91,12 +88,12 @@ std::vector<Command> DocumentCommands() {
         {.names = {"set"},
          .description = "Set the answer of a call, or a part of it",
          .parameters = {{"PATH", "Path of the value, such as sys.getBatteryStatus.chargePercent"},
-                        {"VALUE", "JSON; anything else is taken as a text"}},
+                        {"VALUE", "JSON, or the name of a value: ready; anything else is a text"}},
          .run = Set},
         {.names = {"fail"},
          .description = "Make a call fail",
          .parameters = {{"CALL", "The call, such as sys.getGPSStatus; also a page or a channel"},
-                        {"CODE", "The code that it fails with", kCodes}},
+                        {"CODE", "The code that it fails with: a number, or its name"}},
          .run = Fail},
         {.names = {"heal"},
          .description = "Let a call answer as it did before it was made to fail",

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/document/document_error.h"
 #include "tools/kestal_sim/commands.h"
 
 namespace {
@@ -41,13 +41,9 @@ Tool SimTool() {
                                      .description = "The device's document (KESTAL_DEVICE, or "
                                                     "else the installed one)",
                                      .value = "FILE"},
-                          .apply =
-                              [](const std::string& file) {
-                                  (void)setenv("KESTAL_DEVICE", file.c_str(), 1);
-                              }}},
-            .suggestion = [](const std::string& name, const std::vector<std::string>& known) {
-                return binding::Suggestion(binding::NearestName(name, known));
-            }};
+                          .apply = [](const std::string& file) {
+                              (void)setenv("KESTAL_DEVICE", file.c_str(), 1);
+                          }}}};
 }
 
 }  // namespace

@@ -10,11 +10,12 @@
 #include "bindings/document/device_reader.h"
 #include "bindings/document/node.h"
 #include "bindings/document/read_document.h"
+#include "bindings/document/value_names.h"
+#include "bindings/names/nearest_name.h"
 #include "bindings/posix/files/file_update.h"
 #include "bindings/posix/json/json_text.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
-#include "bindings/simulator/edit/nearest_name.h"
 #include "bindings/simulator/edit/notification_types.h"
 #include "platform/notification.h"
 
@@ -75,7 +76,7 @@ std::string TextOf(const std::string& text, const json& before, const json& afte
     }
 }
 
-void MakeFail(json& document, const KeyPath& path, std::int64_t code) {
+void MakeFail(json& document, const KeyPath& path, const json& code) {
     json& value = FindOrCreate(document, path);
     json kept = HealthyValue(value);
     value = json{{"error", code}, {kHealedName, std::move(kept)}};
@@ -167,7 +168,7 @@ void MoveNumber(json& document, const KeyPath& path, const Move& move) {
         return result;
     };
     // A signed number wherever it fits, since the result may be negative.
-    if (const auto number = NumberOf<std::int64_t>(value)) {
+    if (const auto number = NumberAt(path, value)) {
         value = moved(*number);
     } else if (const auto large = NumberOf<std::uint64_t>(value)) {
         value = moved(*large);
@@ -177,7 +178,7 @@ void MoveNumber(json& document, const KeyPath& path, const Move& move) {
     }
 }
 
-void FailCall(json& document, const KeyPath& path, std::int64_t code) {
+void FailCall(json& document, const KeyPath& path, const json& code) {
     MustBeCall(document, path);
     MakeFail(document, path, code);
 }

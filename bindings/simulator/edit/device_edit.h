@@ -48,9 +48,10 @@ struct Move {
 /// there is no integer, or when the result does not fit into 64 bits.
 void MoveNumber(nlohmann::ordered_json& document, const KeyPath& path, const Move& move);
 
-/// Makes the call at @p path fail with @p code. Throws UnknownName, and std::runtime_error when
-/// something else than a call is there.
-void FailCall(nlohmann::ordered_json& document, const KeyPath& path, std::int64_t code);
+/// Makes the call at @p path fail with @p code, a number or a name. Throws UnknownName, and
+/// std::runtime_error when something else than a call is there.
+void FailCall(nlohmann::ordered_json& document, const KeyPath& path,
+              const nlohmann::ordered_json& code);
 
 /// Restores what the call at @p path answered before it was made to fail. A call that does not fail
 /// is left alone. Throws UnknownName, and std::runtime_error when something else than a call is

@@ -11,8 +11,8 @@
 #include <string_view>
 
 #include "bindings/document/device_reader.h"
+#include "bindings/names/nearest_name.h"
 #include "bindings/simulator/edit/device_edit.h"
-#include "bindings/simulator/edit/nearest_name.h"
 
 namespace binding {
 

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <vector>
 
-#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/names/nearest_name.h"
 
 namespace binding {
 

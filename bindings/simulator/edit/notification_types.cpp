@@ -5,7 +5,8 @@
 #include <stdexcept>
 
 #include "bindings/device/notification_types.h"
-#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/names/enumerations.h"
+#include "bindings/names/nearest_name.h"
 
 namespace binding {
 
@@ -17,15 +18,16 @@ NotificationFields Usual(const std::string& type) {
     if (found == nullptr) {
         return {};
     }
-    return {.category = found->category,
-            .severity = std::make_shared<nlohmann::ordered_json>(kSeverityNames[found->severity]),
-            .labelId = found->LabelId(),
-            .titleId = found->TitleId(),
-            .textId = found->TextId()};
+    return {
+        .category = found->category,
+        .severity = std::make_shared<nlohmann::ordered_json>(NameOf(found->severity, kSeverity)),
+        .labelId = found->LabelId(),
+        .titleId = found->TitleId(),
+        .textId = found->TextId()};
 }
 
 void MustBeSeverity(const nlohmann::ordered_json& severity) {
-    const std::vector<std::string> known(kSeverityNames.begin(), kSeverityNames.end());
+    const std::vector<std::string> known = AllNames(kSeverity);
     if (!severity.is_string()) {
         return;
     }
@@ -54,10 +56,11 @@ nlohmann::ordered_json MakeNotification(const std::string& type, const Notificat
         MustBeSeverity(*fields.severity);
     }
     nlohmann::ordered_json notification = {{"id", type}};
+    std::vector<std::string> missing;
     const auto add = [&](const char* name, const auto& given, const auto& otherwise) {
         if (!given && !otherwise) {
-            throw std::runtime_error("there is no type of notification '" + type + "'" +
-                                     Suggestion(NearestName(type, NotificationTypeNames())));
+            missing.emplace_back(name);
+            return;
         }
         notification[name] = given ? *given : *otherwise;
     };
@@ -66,6 +69,12 @@ nlohmann::ordered_json MakeNotification(const std::string& type, const Notificat
     add("labelId", fields.labelId, usual.labelId);
     add("titleId", fields.titleId, usual.titleId);
     add("textId", fields.textId, usual.textId);
+    if (!missing.empty()) {
+        throw std::runtime_error(
+            "there is no type of notification '" + type +
+            "', and for one of your own these are missing: " + Listed(missing) +
+            Suggestion(NearestName(type, NotificationTypeNames())));
+    }
     if (!fields.active) {
         notification["active"] = false;
     }

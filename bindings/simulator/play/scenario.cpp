@@ -12,9 +12,9 @@
 
 #include "bindings/document/node.h"
 #include "bindings/document/read_document.h"
+#include "bindings/document/value_names.h"
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
-#include "bindings/simulator/edit/nearest_name.h"
 #include "bindings/simulator/edit/notification_types.h"
 
 namespace binding {
@@ -205,8 +205,12 @@ class ScenarioReader {
         object.MustBeObject();
         for (const auto& item : object.Value().items()) {
             const Node code = object.Member(item.key());
-            Add(instant, code, [path = item.key(), number = ReadInteger(code)](json& document) {
-                FailCall(document, ResolvePath(path, document), number);
+            // Which names there are depends on the call.
+            if (!code.Value().is_string() && !code.Value().is_number_integer()) {
+                code.Expected("a 32-bit integer or the name of a code");
+            }
+            Add(instant, code, [path = item.key(), value = item.value()](json& document) {
+                FailCall(document, ResolvePath(path, document), value);
             });
         }
     }
@@ -404,15 +408,21 @@ void RunWithPlace(const std::string& where, Step step) {
     }
 }
 
+/// Whether both values mean the same at @p path, where one may be a number and the other its name.
+bool IsSame(const KeyPath& path, const json& one, const json& other) {
+    const auto number = NumberAt(path, one);
+    return one == other || (number && number == NumberAt(path, other));
+}
+
 bool Holds(const Change& change, const json& document) {
     return change.condition == nullptr ||
            std::all_of(change.condition->begin(), change.condition->end(),
                        [&](const Requirement& requirement) {
                            bool isMet = false;
                            RunWithPlace(requirement.where, [&] {
-                               const json* const found =
-                                   FindAt(document, ResolvePath(requirement.path, document));
-                               isMet = found != nullptr && *found == *requirement.value;
+                               const KeyPath path = ResolvePath(requirement.path, document);
+                               const json* const found = FindAt(document, path);
+                               isMet = found != nullptr && IsSame(path, *found, *requirement.value);
                            });
                            return isMet;
                        });

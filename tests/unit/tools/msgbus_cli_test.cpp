@@ -84,7 +84,8 @@ TEST_F(MsgbusCli, ShowsTheNotifications) {
             "textId": "",
             "severity": {
                 "value": 9,
-                "name": null
+                "name": null,
+                "explanation": "no name; these have: 0 info, 1 warning, 2 alert, 3 critical"
             },
             "flags": 4294967294,
             "active": false
@@ -207,14 +208,16 @@ TEST_F(MsgbusCli, ABlockThatNeverFitsFails) {
 TEST_F(MsgbusCli, AReadThatFailsLeavesTheBus) {
     Given(kGetData).Returns(17);
     EXPECT_EQ(Run({"MsgBusGet", "a"}),
-              "msgbus_cli: MsgbusHandler::GetData failed, returned error code 17\n[1]\n");
+              "msgbus_cli: MsgbusHandler::GetData failed, returned error code 17 (no name; what it "
+              "means depends on the device)\n[1]\n");
     EXPECT_EQ(recording::Transcript().back(), "MsgbusHandler::Uninitialize()");
 }
 
 TEST_F(MsgbusCli, ABusThatCannotBeJoinedIsNotRead) {
     Given("MsgbusHandler::Initialize").Returns(18);
     EXPECT_EQ(Run({"MsgBusGet", "a"}),
-              "msgbus_cli: MsgbusHandler::Initialize failed, returned error code 18\n[1]\n");
+              "msgbus_cli: MsgbusHandler::Initialize failed, returned error code 18 (no name; what "
+              "it means depends on the device)\n[1]\n");
     EXPECT_EQ(recording::Transcript().back(), "MsgbusHandler::Initialize()");
 }
 
@@ -223,7 +226,8 @@ TEST_F(MsgbusCli, ABusThatCannotBeLeftIsReportedAfterTheAnswer) {
     Given("MsgbusHandler::Uninitialize").Returns(19);
     EXPECT_EQ(Run({"MsgBusGet", "a"}),
               "{\n    \"size\": 1,\n    \"bytes\": \"01\"\n}\n"
-              "msgbus_cli: MsgbusHandler::Uninitialize failed, returned error code 19\n[1]\n");
+              "msgbus_cli: MsgbusHandler::Uninitialize failed, returned error code 19 (no name; "
+              "what it means depends on the device)\n[1]\n");
 }
 
 }  // namespace

@@ -45,12 +45,13 @@ TEST_F(Sysintcli, OpensTheSdkForEachCall) {
     EXPECT_EQ(TranscriptText(), Round({"sys_getSIMStatus()"}));
 }
 
-TEST_F(Sysintcli, ANumberWithoutANameHasTheNameNull) {
+TEST_F(Sysintcli, ANumberWithoutANameIsExplained) {
     Given("sys_getSIMStatus").Writes(-3);
     EXPECT_EQ(Run({"getSIMStatus"}), R"({
     "status": {
         "value": -3,
-        "name": null
+        "name": null,
+        "explanation": "no name; these have: 0 not_found, 1 locked, 2 restricted, 3 error, 4 failure, 5 puk_locked, 6 pin_locked, 7 ready"
     }
 }
 )");
@@ -172,7 +173,8 @@ TEST_F(Sysintcli, ShowsTheCellularService) {
     "femtoCell": 1,
     "fiveGType": {
         "value": 0,
-        "name": null
+        "name": null,
+        "explanation": "no name; these have: 1 ultra_wideband, 2 other"
     }
 }
 )");
@@ -446,8 +448,9 @@ TEST_F(Sysintcli, EveryFailingCallPrintsItsCode) {
         recording::Reset();
         const std::string call = "sys_" + command.names.front();
         Given(call).Returns(-4711);
-        EXPECT_EQ(Run(Acceptable(command)),
-                  "sysintcli: " + call + " failed, returned error code -4711\n[1]\n");
+        EXPECT_EQ(Run(Acceptable(command)), "sysintcli: " + call +
+                                                " failed, returned error code -4711 (no name; what "
+                                                "it means depends on the device)\n[1]\n");
         EXPECT_EQ(recording::Transcript().size(), 3U);
         EXPECT_EQ(recording::Transcript().front(), "sys_sdkInitialize()");
         EXPECT_EQ(recording::CallCount(call), 1U);
@@ -465,7 +468,8 @@ TEST_F(Sysintcli, PrintsTheNameOfACode) {
 TEST_F(Sysintcli, IfTheSdkCannotBeOpenedNoCallIsMade) {
     Given("sys_sdkInitialize").Returns(3);
     EXPECT_EQ(Run({"getSIMStatus"}),
-              "sysintcli: sys_sdkInitialize failed, returned error code 3\n[1]\n");
+              "sysintcli: sys_sdkInitialize failed, returned error code 3 (no name; what it means "
+              "depends on the device)\n[1]\n");
     EXPECT_EQ(TranscriptText(), "sys_sdkInitialize()\n");
 }
 
@@ -474,7 +478,8 @@ TEST_F(Sysintcli, AFailureToCloseTheSdkIsReportedAfterTheAnswer) {
     Given("sys_sdkShutdown").Returns(3);
     EXPECT_EQ(Run({"getNumSims"}),
               "{\n    \"count\": 2\n}\n"
-              "sysintcli: sys_sdkShutdown failed, returned error code 3\n[1]\n");
+              "sysintcli: sys_sdkShutdown failed, returned error code 3 (no name; what it means "
+              "depends on the device)\n[1]\n");
     EXPECT_EQ(recording::CallCount("sys_sdkShutdown"), 1U);
 }
 

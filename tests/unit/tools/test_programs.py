@@ -79,6 +79,39 @@ def test_every_command_prints_json_or_the_code(device):
                 assert done.stdout == b""
 
 
+@pytest.mark.parametrize("name", ["default", "dual-sim-slot-2", "out-of-credit"])
+def test_what_the_tools_print_is_accepted_as_values_of_a_document(device, tmp_path, name):
+    source = surroundings.ROOT / "devices" / f"{name}.json"
+    device.write_text("{}")
+    taken = 0
+    webui = {
+        "get_common_features": "commonFeatures",
+        "get_common_configurations": "commonConfigurations",
+        "get_i18n_settings": "i18nSettings",
+        "get_software_update_status": "softwareUpdateStatus",
+        "get_software_installation_duration": "softwareInstallationDuration",
+        "get_uri_data sms": "uriData.sms",
+        "get_external_uri_data support": "externalUriData.support",
+        "get_software_update_custom_msgs en_US": "softwareUpdateCustomMsgs.en_US",
+    }
+    arguments = {"getSIMCarrierGID": "0", "getWiFiGuestProfileEnabled": "1"}
+    commands = [(["webui_cli", *command.split()], f"webui.{path}") for command, path in webui.items()]
+    for command in surroundings.commands("sysintcli"):
+        if command.startswith("get"):
+            argument = "apn" if "Field" in command else "sms" if "UIApp" in command else arguments.get(command)
+            given = [] if argument is None else [argument]
+            path = ".".join([command.replace("Bandwidth", "BandWidth").replace("getMnsInfo", "getModemMnsInfo"), *given])
+            commands.append((["sysintcli", command, *given], f"sys.{path}"))
+    for command, path in commands:
+        printed = surroundings.run(*command, device=source)
+        if printed.returncode == 0:
+            done = surroundings.run("kestal-sim", "set", path, printed.stdout.decode(), device=device)
+            assert (done.returncode, done.stderr) == (0, b""), path
+            assert surroundings.run(*command, device=device).stdout == printed.stdout
+            taken += 1
+    assert taken > 50
+
+
 def test_a_failing_call_prints_its_code_on_the_error_stream(device):
     write(device, sys={"getSDCardInfo": {"error": 2001}})
     done = surroundings.run("sysintcli", "getSDCardInfo", device=device)

@@ -55,37 +55,36 @@ Tool Elaborate() {
         }
         out << colour;
     };
-    return {.name = "elaborate",
-            .description = "Takes all kinds of arguments.",
-            .codes = {},
-            .commands =
-                {{.names = {"group"},
-                  .description = "Has commands",
-                  .commands =
-                      {{.names = {"print"},
-                        .description = "Print",
-                        .parameters = {{.name = "WHAT", .description = "What", .isOptional = true}},
-                        .run = print,
-                        .options = {{.name = "--times",
-                                     .description = "How often",
-                                     .value = "N",
-                                     .preset = "7",
-                                     .range = {{1, 9}}},
-                                    {.name = "--drop",
-                                     .description = "What to drop",
-                                     .value = "WHAT",
-                                     .isValueOptional = true,
-                                     .excludes = {"WHAT"}},
-                                    {.name = "--loud", .description = "Loud"}}},
-                       {.names = {"refuse"},
-                        .description = "Refuse",
-                        .run = [](const Arguments& /*arguments*/,
-                                  std::ostream& /*out*/) { throw UsageError("no reason"); }}}}},
-            .settings = {{.option = {.name = "--colour", .description = "Colour", .value = "NAME"},
-                          .apply = [](const std::string& name) { colour = name; }}},
-            .suggestion = [](const std::string& name, const std::vector<std::string>& known) {
-                return "; " + name + " of " + std::to_string(known.size());
-            }};
+    return {
+        .name = "elaborate",
+        .description = "Takes all kinds of arguments.",
+        .codes = {},
+        .commands =
+            {{.names = {"group"},
+              .description = "Has commands",
+              .commands =
+                  {{.names = {"print"},
+                    .description = "Print",
+                    .parameters = {{.name = "WHAT", .description = "What", .isOptional = true}},
+                    .run = print,
+                    .options = {{.name = "--times",
+                                 .description = "How often",
+                                 .value = "N",
+                                 .preset = "7",
+                                 .range = {{1, 9}}},
+                                {.name = "--drop",
+                                 .description = "What to drop",
+                                 .value = "WHAT",
+                                 .isValueOptional = true,
+                                 .excludes = {"WHAT"}},
+                                {.name = "--loud", .description = "Loud"}}},
+                   {.names = {"refuse"},
+                    .description = "Refuse",
+                    .run = [](const Arguments& /*arguments*/,
+                              std::ostream& /*out*/) { throw UsageError("no reason"); }}}}},
+        .settings = {{.option = {.name = "--colour", .description = "Colour", .value = "NAME"},
+                      .apply = [](const std::string& name) { colour = name; }}},
+    };
 }
 
 TEST(Tool, RunsACommandByAnyOfItsNames) {
@@ -142,11 +141,11 @@ TEST(Tool, WrongUsageInAGroupIsReported) {
     const std::string hint = "\nTry 'elaborate --help'.\n[2]\n";
     EXPECT_EQ(Shown(Elaborate(), {"group"}), "elaborate: a command is expected" + hint);
     EXPECT_EQ(Shown(Elaborate(), {"group", "prnt"}),
-              "elaborate: 'prnt' is neither a command nor an option; prnt of 2" + hint);
+              "elaborate: 'prnt' is neither a command nor an option; did you mean print?" + hint);
     EXPECT_EQ(Shown(Elaborate(), {"group", "prnt", "--help"}),
-              "elaborate: 'prnt' is neither a command nor an option; prnt of 2" + hint);
+              "elaborate: 'prnt' is neither a command nor an option; did you mean print?" + hint);
     EXPECT_EQ(Shown(Elaborate(), {"grp"}),
-              "elaborate: 'grp' is neither a command nor an option; grp of 1" + hint);
+              "elaborate: 'grp' is neither a command nor an option; did you mean group?" + hint);
     // The wording of these complaints is that of the parser library.
     EXPECT_THAT(Shown(Elaborate(), {"group", "print", "a", "--drop"}),
                 AllOf(HasSubstr("excludes"), EndsWith(hint)));
@@ -210,7 +209,7 @@ TEST(Tool, WrongUsageIsReported) {
     EXPECT_EQ(Shown(Example(), {"shout"}),
               "example: 'shout' is neither a command nor an option" + hint);
     EXPECT_EQ(Shown(Example(), {"Say"}),
-              "example: 'Say' is neither a command nor an option" + hint);
+              "example: 'Say' is neither a command nor an option; did you mean say?" + hint);
     EXPECT_EQ(Shown(Example(), {"--loud"}),
               "example: '--loud' is neither a command nor an option" + hint);
     EXPECT_EQ(Shown(Example(), {"shout", "--help"}),
@@ -224,8 +223,32 @@ TEST(Tool, WrongUsageIsReported) {
               "example: The following argument was not expected: --loud" + hint);
 }
 
+TEST(Tool, NamesTheCodesOfThePlatformAndOfItsBinding) {
+    constexpr binding::EnumerationName kPlatform[] = {{3, "error_of_platform"}};
+    constexpr binding::EnumerationName kBinding[] = {{1, "error_of_binding"}};
+    const auto shown = [](const Tool& tool) { return Shown(tool, {"fail"}); };
+    Tool tool = Example();
+    tool.codes = kPlatform;
+    EXPECT_THAT(shown(tool), HasSubstr("error code 3 (error_of_platform)\n"));
+    tool.codes = {};
+    tool.bindingCodes = kBinding;
+    EXPECT_THAT(shown(tool), HasSubstr("error code 3 (no name; "));
+    tool.bindingCodeBase = 2;
+    EXPECT_THAT(shown(tool), HasSubstr("error code 3 (error_of_binding)\n"));
+}
+
+TEST(Tool, SuggestsTheNearestCommand) {
+    EXPECT_EQ(Shown(SysintTool(), {"getSimStatus"}),
+              "sysintcli: 'getSimStatus' is neither a command nor an option; did you mean "
+              "getSIMStatus?\nTry 'sysintcli --help'.\n[2]\n");
+    EXPECT_THAT(Shown(WebuiTool(), {"uri"}), Not(HasSubstr("did you mean")));
+    EXPECT_THAT(Shown(MsgbusTool(), {"msgbusget"}), HasSubstr("did you mean MsgBusGet?"));
+}
+
 TEST(Tool, AFailingCallIsReported) {
-    EXPECT_EQ(Shown(Example(), {"fail"}), "example: the_call failed, returned error code 3\n[1]\n");
+    EXPECT_EQ(Shown(Example(), {"fail"}),
+              "example: the_call failed, returned error code 3 (no name; what it means depends on "
+              "the device)\n[1]\n");
 }
 
 /// A stream buffer that every write fails on.
@@ -239,11 +262,11 @@ TEST(Tool, AnAnswerThatCannotBeWrittenIsAFailure) {
     EXPECT_EQ(errors.str(), "example: the output cannot be written\n");
 }
 
-class EveryTool : public testing::TestWithParam<Tool (*)()> {};
+class EveryTool : public testing::TestWithParam<Tool (*)(binding::Enumeration)> {};
 
 TEST_P(EveryTool, HasHelpForEachNameOfACommandWithoutCallingThePlatform) {
     recording::Reset();
-    const Tool tool = GetParam()();
+    const Tool tool = GetParam()({});
     for (const Command& command : tool.commands) {
         for (const std::string& name : command.names) {
             const std::string help = Shown(tool, {name, "--help"});
@@ -256,7 +279,7 @@ TEST_P(EveryTool, HasHelpForEachNameOfACommandWithoutCallingThePlatform) {
 
 TEST_P(EveryTool, HasEachNameOnce) {
     std::set<std::string> names;
-    const Tool tool = GetParam()();
+    const Tool tool = GetParam()({});
     for (const Command& command : tool.commands) {
         for (const std::string& name : command.names) {
             EXPECT_TRUE(names.insert(name).second) << name;
@@ -266,7 +289,7 @@ TEST_P(EveryTool, HasEachNameOnce) {
 
 TEST_P(EveryTool, RefusesACommandWithoutItsArguments) {
     recording::Reset();
-    const Tool tool = GetParam()();
+    const Tool tool = GetParam()({});
     for (const Command& command : tool.commands) {
         if (!command.parameters.empty()) {
             EXPECT_EQ(Shown(tool, {command.names.front()}),
@@ -279,7 +302,7 @@ TEST_P(EveryTool, RefusesACommandWithoutItsArguments) {
 
 TEST_P(EveryTool, RefusesASurplusArgument) {
     recording::Reset();
-    const Tool tool = GetParam()();
+    const Tool tool = GetParam()({});
     for (const Command& command : tool.commands) {
         std::vector<std::string> arguments = Acceptable(command);
         arguments.emplace_back("surplus");

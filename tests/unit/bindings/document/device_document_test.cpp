@@ -106,11 +106,12 @@ TEST(DeviceDocument, IntegersAre32BitsWide) {
     EXPECT_EQ(Read("{\"sys\": {\"getSIMStatus\": -2147483648}}").getSIMStatus.value, INT32_MIN);
     EXPECT_EQ(Read("{\"sys\": {\"getSIMStatus\": 2147483647}}").getSIMStatus.value, INT32_MAX);
     const std::string expected =
-        "device.json:3: sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, found ";
+        "device.json:3: sys.getSIMStatus: expected not_found, locked, restricted, error, failure, "
+        "puk_locked, pin_locked, ready or a 32-bit integer or {\"error\": N}, found ";
     EXPECT_EQ(SysComplaint("getSIMStatus", "2147483648"), expected + "2147483648");
     EXPECT_EQ(SysComplaint("getSIMStatus", "-2147483649"), expected + "-2147483649");
     EXPECT_EQ(SysComplaint("getSIMStatus", "7.0"), expected + "7.0");
-    EXPECT_EQ(SysComplaint("getSIMStatus", "\"7\""), expected + "a text");
+    EXPECT_EQ(SysComplaint("getSIMStatus", "\"7\""), expected + "'7'");
     EXPECT_EQ(SysComplaint("getSIMStatus", "true"), expected + "true");
     EXPECT_EQ(SysComplaint("getSIMStatus", "null"), expected + "null");
     EXPECT_EQ(SysComplaint("getSIMStatus", "[7]"), expected + "a list");
@@ -150,7 +151,10 @@ TEST(DeviceDocument, FailuresHaveNoCodeOfSuccess) {
     EXPECT_EQ(SysComplaint("getSIMStatus", "{\"error\": 983040}"),
               "device.json:3: " + expected + "983040");
     EXPECT_EQ(SysComplaint("getSIMStatus", "{\n\"error\": \"x\"}"),
-              "device.json:4: " + expected + "a text");
+              "device.json:4: sys.getSIMStatus.error: expected error_buffer_needed, "
+              "error_no_sd_card, not_answered, no_device, not_changed, binding_failed, "
+              "bus_not_joined, source_lost, nothing_to_connect or a 32-bit integer other than 0 "
+              "and 983040, found 'x'");
     EXPECT_EQ(SysComplaint("getBatteryStatus", "{\"error\": 1, \"chargePercent\": 2}"),
               "device.json:3: sys.getBatteryStatus: expected {\"error\": N} alone, found other "
               "names beside \"error\"");
@@ -201,9 +205,9 @@ TEST(DeviceDocument, RecordsHaveNoOtherFields) {
     EXPECT_EQ(SysComplaint("getBatteryStatus", "{\n\n\"reserved16\": 1}"),
               "device.json:5: sys.getBatteryStatus.reserved16: expected one of chargePercent, "
               "chargingState, detection, chargingSource, found an unknown name");
-    EXPECT_EQ(SysComplaint("getBatteryStatus", "{\"detection\": \"x\"}"),
-              "device.json:3: sys.getBatteryStatus.detection: expected a 32-bit integer, found a "
-              "text");
+    EXPECT_EQ(SysComplaint("getBatteryStatus", "{\"chargePercent\": \"x\"}"),
+              "device.json:3: sys.getBatteryStatus.chargePercent: expected a 32-bit integer, found "
+              "a text");
     EXPECT_EQ(SysComplaint("getBatteryStatus", "84"),
               "device.json:3: sys.getBatteryStatus: expected an object or {\"error\": N}, found "
               "84");
@@ -232,9 +236,10 @@ TEST(DeviceDocument, TheDeviceListIsAList) {
     EXPECT_EQ(devices[0].connectionKind, 3);
     EXPECT_EQ(devices[1].connectionKind, 0);
     EXPECT_EQ(devices[2].connectionKind, 9);
-    EXPECT_EQ(SysComplaint("getConnectedDeviceList", "[\n{},\n{\n\"connectionKind\": []}]"),
-              "device.json:6: sys.getConnectedDeviceList[1].connectionKind: expected a 32-bit "
-              "integer, found a list");
+    EXPECT_EQ(
+        SysComplaint("getConnectedDeviceList", "[\n{},\n{\n\"connectionKind\": []}]"),
+        "device.json:6: sys.getConnectedDeviceList[1].connectionKind: expected wifi, wired_a, "
+        "wired_b, guest_wifi or a 32-bit integer, found a list");
     EXPECT_EQ(SysComplaint("getConnectedDeviceList", "[\n{},\n5\n]"),
               "device.json:5: sys.getConnectedDeviceList[1]: expected an object, found 5");
     EXPECT_EQ(SysComplaint("getConnectedDeviceList", "{}"),
@@ -483,7 +488,7 @@ TEST(DeviceDocument, NotificationsHaveNamedFields) {
     EXPECT_EQ(ChannelComplaint("[{\"active\": 1}]"),
               "device.json:3: msgbus.a[0].active: expected true or false, found 1");
     for (const auto& [severity, found] :
-         {std::pair("\"severe\"", "a text"), std::pair("-1", "-1"), std::pair("true", "true"),
+         {std::pair("\"severe\"", "'severe'"), std::pair("-1", "-1"), std::pair("true", "true"),
           std::pair("4294967296", "4294967296")}) {
         EXPECT_EQ(ChannelComplaint("[{\"severity\": " + std::string(severity) + "}]"),
                   "device.json:3: msgbus.a[0].severity: expected info, warning, alert, critical or "

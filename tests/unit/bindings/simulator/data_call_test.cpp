@@ -39,6 +39,14 @@ TEST_F(DataCall, LosesNothingOfTheDocument) {
     EXPECT_EQ(ReadFile(device), document("2"));
 }
 
+TEST_F(DataCall, WritesANameWhereTheDocumentHasOne) {
+    Document(R"({"sys": {"getCellularDataConnectionStatus": "dormant"}})");
+    EXPECT_EQ(sys_cellularDataConnect(0), 0);
+    EXPECT_EQ(ReadFile(device), R"({"sys": {"getCellularDataConnectionStatus": "connected"}})");
+    EXPECT_EQ(sys_cellularDataDisconnect(0), 0);
+    EXPECT_EQ(ReadFile(device), R"({"sys": {"getCellularDataConnectionStatus": "ready"}})");
+}
+
 TEST_F(DataCall, AddsTheStatusToADocumentWithoutOne) {
     Document("{\n    \"sys\": {\n        \"getSIMStatus\": 7\n    }\n}\n");
     EXPECT_EQ(sys_cellularDataConnect(0), 0);

@@ -37,12 +37,12 @@ TEST_F(DeviceFile, NoticesAChangeInPlaceOfTheSameSizeAtTheSameTime) {
 TEST_F(DeviceFile, LastGoodOneStaysWhenTheDocumentIsDamaged) {
     SimStatus(1);
     EXPECT_EQ(SimStatus(), 1);
-    Document("{\n\"sys\": {\"getSIMStatus\": \"x\"}}");
+    Document("{\n\"sys\": {\"getNumSims\": \"x\"}}");
     EXPECT_EQ(SimStatus(), 1);
     EXPECT_EQ(sys_sdkInitialize(), 0);
     EXPECT_EQ(SimStatus(), 1);
     EXPECT_THAT(Log(), ElementsAre("[SIMULATOR]:[ERROR] - " + device.string() +
-                                   ":2: sys.getSIMStatus: expected a 32-bit integer or "
+                                   ":2: sys.getNumSims: expected a 32-bit integer or "
                                    "{\"error\": N}, found a text (keeping the last good device)"));
 }
 

@@ -83,10 +83,10 @@ TEST_F(SimCommand, SetsJsonValuesAndTexts) {
 }
 
 TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
-    EXPECT_EQ(
-        Run("set sys.getSIMStatus x"),
-        "1 kestal-sim: sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, found a "
-        "text\n");
+    EXPECT_EQ(Run("set sys.getSIMStatus redy"),
+              "1 kestal-sim: sys.getSIMStatus: expected not_found, locked, restricted, error, "
+              "failure, puk_locked, pin_locked, ready or a 32-bit integer or {\"error\": N}, found "
+              "'redy'; did you mean ready?\n");
     EXPECT_EQ(Run("set sys.getBatteryStatus.chargePercnt 9"),
               "1 kestal-sim: sys.getBatteryStatus.chargePercnt: expected one of chargePercent, "
               "chargingState, detection, chargingSource, found an unknown name; did you mean "
@@ -98,13 +98,20 @@ TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
     EXPECT_EQ(Run("fail sys.getSIMStatus 0"),
               "1 kestal-sim: sys.getSIMStatus.error: expected a 32-bit integer other than 0 and "
               "983040, found 0\n");
+    EXPECT_THAT(Run("fail sys.getSIMStatus no_sd_card"),
+                EndsWith(" or a 32-bit integer other than 0 and 983040, found 'no_sd_card'; did "
+                         "you mean error_no_sd_card?\n"));
+    EXPECT_THAT(Run("fail webui.i18nSettings error_no_sd_card"),
+                HasSubstr("webui.i18nSettings.error: expected buffer_needed, not_answered, "));
+    EXPECT_THAT(Run("fail sys.getSIMStatus 2147483648"), EndsWith(", found 2147483648\n"));
     EXPECT_EQ(Run("fail getSIMStats 5"),
               "1 kestal-sim: there is no call 'getSIMStats'; did you mean getSIMStatus?\n");
     EXPECT_EQ(Run("heal sys.getSIMStats"),
               "1 kestal-sim: sys.getSIMStats: expected the name of a call, found an unknown name; "
               "did you mean sys.getSIMStatus?\n");
     EXPECT_EQ(Run("notify noServce"),
-              "1 kestal-sim: there is no type of notification 'noServce'; did you mean "
+              "1 kestal-sim: there is no type of notification 'noServce', and for one of your own "
+              "these are missing: category, severity, labelId, titleId, textId; did you mean "
               "noService?\n");
     EXPECT_EQ(Run("notify noService --severity high"),
               "1 kestal-sim: expected info, warning, alert, critical or an unsigned 32-bit integer "
@@ -129,6 +136,26 @@ TEST_F(SimCommand, FailsAndHeals) {
               "0 kestal-sim: sys.getSIMStatus fails; the new value shows once it is healed\n");
     EXPECT_EQ(Run("heal getSIMStatus"), "0 ");
     EXPECT_EQ(ReadFile(device), With("\": 7", "\": 6"));
+}
+
+TEST_F(SimCommand, TakesNamesInPlaceOfNumbers) {
+    EXPECT_EQ(Run("set sys.getSIMStatus pin_locked"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": \"pin_locked\""));
+    EXPECT_EQ(Run("set sys.getBatteryStatus.chargingSource usb"), "0 ");
+    EXPECT_EQ(Run("fail getSIMStatus not_answered"), "0 ");
+    EXPECT_EQ(Run("show getSIMStatus"),
+              "0 {\"error\": \"not_answered\", \"healed\": \"pin_locked\"}\n");
+    EXPECT_EQ(Run("set getSIMStatus ready"),
+              "0 kestal-sim: sys.getSIMStatus fails; the new value shows once it is healed\n");
+    EXPECT_EQ(Run("heal getSIMStatus"), "0 ");
+    EXPECT_EQ(Run("show getSIMStatus"), "0 \"ready\"\n");
+}
+
+TEST_F(SimCommand, TakesWhatTheToolsForTheDevicePrint) {
+    EXPECT_EQ(Run(R"(set getSIMStatus '{"status": {"value": 6, "name": "pin_locked"}}')"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": \"pin_locked\""));
+    EXPECT_EQ(Run(R"(set getSIMStatus '{"value": 7, "name": "pin_locked"}')"),
+              "1 kestal-sim: sys.getSIMStatus: 7 is not called 'pin_locked'\n");
 }
 
 TEST_F(SimCommand, LoadsAnotherDevice) {
@@ -280,7 +307,6 @@ TEST_F(SimCommand, ReportsWrongUsage) {
                                     "set a",
                                     "set a b c",
                                     "fail a",
-                                    "fail sys.getSIMStatus x",
                                     "heal",
                                     "load",
                                     "notify",

@@ -58,8 +58,8 @@ TEST(BoardDocument, WhatIsWrongIsToldWithItsLine) {
     EXPECT_EQ(ProblemOf("{\n\"linux\": {\"apn\": 1}}"),
               "device.json:2: linux.apn: expected a text, found 1");
     EXPECT_EQ(ProblemOf("{\n\"sys\": {\"getGPSStatus\": \"x\"}}"),
-              "device.json:2: sys.getGPSStatus: expected a 32-bit integer or {\"error\": N}, found "
-              "a text");
+              "device.json:2: sys.getGPSStatus: expected off, searching, got_fix or a 32-bit "
+              "integer or {\"error\": N}, found 'x'");
     for (const std::string name : {"checkSeconds", "silenceSeconds", "clientNotificationSeconds"}) {
         EXPECT_EQ(ProblemOf("{\"linux\": {\"" + name + "\": 0}}"),
                   "device.json:1: linux." + name +
@@ -163,7 +163,7 @@ TEST(BoardDocument, WrongAddedNotificationsAreToldWithTheirPlace) {
               "addedNotifications[0]: expected a notification with an \"id\", found none");
     EXPECT_EQ(Setting("addedNotifications", "[{\"id\": \"a\", \"severity\": \"loud\"}]"),
               "addedNotifications[0].severity: expected info, warning, alert, critical or an "
-              "unsigned 32-bit integer, found a text");
+              "unsigned 32-bit integer, found 'loud'");
     EXPECT_NE(Setting("addedNotifications", "[{\"id\": \"a\", \"txtId\": \"b\"}]"), "");
     EXPECT_NE(Setting("addedNotifications", "[{\"id\": \"" + std::string(30, 'a') + "\"}]"), "");
 }

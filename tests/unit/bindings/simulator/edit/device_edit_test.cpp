@@ -223,10 +223,9 @@ TEST(MadeToFail, AValueReplacesAFailureWrittenByHand) {
 }
 
 TEST(MadeToFail, TheKeptAnswerIsCheckedLikeAnAnswer) {
-    EXPECT_EQ(
-        SysComplaint("getSIMStatus", R"({"error": 5, "healed": "x"})"),
-        "device.json:3: sys.getSIMStatus.healed: expected a 32-bit integer or {\"error\": N}, "
-        "found a text");
+    EXPECT_EQ(SysComplaint("getNumSims", R"({"error": 5, "healed": "x"})"),
+              "device.json:3: sys.getNumSims.healed: expected a 32-bit integer or {\"error\": N}, "
+              "found a text");
     EXPECT_EQ(SysComplaint("getSIMCarrierGID", R"({"error": 5, "healed": {"256": []}})"),
               "device.json:3: sys.getSIMCarrierGID.healed.256: expected an index from 0 to 255, "
               "found an unknown name");
@@ -321,8 +320,10 @@ TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
             ChangeDevice(device, [&](json& document) { SetValue(document, path, value); });
         });
     };
-    EXPECT_EQ(set(kStatus, "x"),
-              "sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, found a text");
+    EXPECT_EQ(set(kStatus, "redy"),
+              "sys.getSIMStatus: expected not_found, locked, restricted, error, failure, "
+              "puk_locked, pin_locked, ready or a 32-bit integer or {\"error\": N}, found 'redy'; "
+              "did you mean ready?");
     EXPECT_EQ(set({"sys", "getSimStatus"}, 1),
               "sys.getSimStatus: expected the name of a call, found an unknown name; did you mean "
               "sys.getSIMStatus?");
@@ -332,14 +333,14 @@ TEST_F(ChangeDeviceTest, WritesNothingThatTheReaderRefuses) {
 }
 
 TEST_F(ChangeDeviceTest, LeavesADamagedDocumentAlone) {
-    Document("{\"sys\": {\n\"getSIMStatus\": \"x\"}}");
+    Document("{\"sys\": {\n\"getNumSims\": \"x\"}}");
     EXPECT_EQ(ErrorText([this] {
                   ChangeDevice(device, [](json& document) { SetValue(document, kStatus, 1); });
               }),
               device.string() +
-                  ":2: sys.getSIMStatus: expected a 32-bit integer or {\"error\": N}, "
+                  ":2: sys.getNumSims: expected a 32-bit integer or {\"error\": N}, "
                   "found a text");
-    EXPECT_EQ(ReadFile(device), "{\"sys\": {\n\"getSIMStatus\": \"x\"}}");
+    EXPECT_EQ(ReadFile(device), "{\"sys\": {\n\"getNumSims\": \"x\"}}");
 }
 
 TEST_F(ChangeDeviceTest, LosesNothingOfOthers) {

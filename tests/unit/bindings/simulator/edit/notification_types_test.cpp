@@ -50,12 +50,14 @@ TEST(NotificationTypes, EachIsAcceptedByTheReader) {
 }
 
 TEST(NotificationTypes, AnUnknownTypeNeedsAllFields) {
-    const std::string message = "there is no type of notification 'dataOf'; did you mean dataOff?";
+    const std::string message =
+        "there is no type of notification 'dataOf', and for one of your own these are missing: "
+        "titleId, textId; did you mean dataOff?";
     try {
         MakeNotification("dataOf", {.category = "a",
                                     .severity = std::make_shared<json>(0),
                                     .labelId = "b",
-                                    .titleId = "c",
+                                    .titleId = std::nullopt,
                                     .textId = std::nullopt});
         ADD_FAILURE();
     } catch (const std::runtime_error& error) {

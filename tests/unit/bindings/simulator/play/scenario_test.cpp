@@ -160,6 +160,38 @@ TEST(Scenario, RampsPauseWhileTheirConditionDoesNotHold) {
     EXPECT_EQ(count("", R"({"sys":{"getSMSUnreadCount":0}})"), 0);
 }
 
+TEST(Scenario, AConditionHoldsForANameAndForItsNumber) {
+    for (const std::string condition : {"7", "\"ready\""}) {
+        const std::string ramp =
+            R"({"at": 0, "say": "a", "for": 1, "while": {"sys.getSIMStatus": )" + condition +
+            R"(}, "ramp": {"sys.getNumSims": {"by": 1}}})";
+        for (const std::string status : {"7", "\"ready\""}) {
+            const std::string before = R"({"sys":{"getNumSims":0,"getSIMStatus":)" + status + "}}";
+            EXPECT_EQ(Played(Events(ramp), before).back().second,
+                      R"({"sys":{"getNumSims":1,"getSIMStatus":)" + status + "}}");
+        }
+        EXPECT_EQ(Played(Events(ramp), R"({"sys":{"getNumSims":0,"getSIMStatus":"pin_locked"}})")
+                      .back()
+                      .second,
+                  R"({"sys":{"getNumSims":0,"getSIMStatus":"pin_locked"}})");
+    }
+}
+
+TEST(Scenario, NamesCodesOfFailures) {
+    EXPECT_EQ(
+        Played(
+            Events(R"({"at": 0, "say": "a", "fail": {"sys.getSDCardInfo": "error_no_sd_card"}})"),
+            "{}")
+            .back()
+            .second,
+        R"({"sys":{"getSDCardInfo":{"error":"error_no_sd_card","healed":null}}})");
+    EXPECT_THAT(ComplaintOnDevice(
+                    "{\"at\": 0, \"say\": \"a\",\n\"fail\": {\"sys.getSDCardInfo\": \"no_card\"}}"),
+                ::testing::StartsWith(
+                    "a.json:3: events[0].fail.sys.getSDCardInfo: sys.getSDCardInfo.error: expected "
+                    "error_buffer_needed, error_no_sd_card, "));
+}
+
 TEST(Scenario, RampsToANumberCanHaveAConditionToo) {
     EXPECT_THAT(Played(Events(R"({"at": 0, "say": "a", "for": 2, "while": {"sys.getNumSims": 1},
                                   "ramp": {"sys.getSIMStatus": {"from": 4, "to": 6}}},
@@ -265,19 +297,21 @@ TEST(Scenario, WrongChangesAreReported) {
     };
     const std::string place = "a.json:3: events[0].";
     EXPECT_EQ(complaint(R"("set": [])"), place + "set: expected an object, found a list");
-    EXPECT_EQ(complaint(R"("fail": {"sys.getSIMStatus": "x"})"),
+    EXPECT_EQ(complaint(R"("fail": {"sys.getSIMStatus": true})"),
               place +
-                  "fail.sys.getSIMStatus: expected an integer of at most 15 digits, found a "
-                  "text");
+                  "fail.sys.getSIMStatus: expected a 32-bit integer or the name of a code, "
+                  "found true");
     EXPECT_EQ(complaint(R"("heal": {})"), place + "heal: expected a list, found an object");
     EXPECT_EQ(complaint(R"("heal": [1])"), place + "heal[0]: expected the name of a call, found 1");
     EXPECT_EQ(complaint(R"("clear": "some")"),
               place + "clear: expected a list of notification types, \"all\", found a text");
     EXPECT_EQ(complaint(R"("clear": [""])"),
               place + "clear[0]: expected a type of notification, found a text");
-    EXPECT_EQ(
-        complaint(R"("notify": ["dataOf"])"),
-        place + "notify[0]: there is no type of notification 'dataOf'; did you mean dataOff?");
+    EXPECT_EQ(complaint(R"("notify": ["dataOf"])"),
+              place +
+                  "notify[0]: there is no type of notification 'dataOf', and for one of your own "
+                  "these are missing: category, severity, labelId, titleId, textId; did you mean "
+                  "dataOff?");
     EXPECT_EQ(complaint(R"("notify": [{}])"),
               place + "notify[0]: expected a notification with \"type\", found one without");
     EXPECT_EQ(complaint(R"("notify": [{"type": "PCO3", "actve": false}])"),
@@ -362,8 +396,10 @@ TEST(ScenarioOnADevice, ConditionsThatTheDeviceCannotMeetAreRefused) {
               place + "getSimStatus: there is no call 'getSimStatus'; did you mean getSIMStatus?");
     EXPECT_EQ(misfit("sys.getSIMStatus", "\"Ready\""),
               place +
-                  "sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit integer or "
-                  "{\"error\": N}, found a text");
+                  "sys.getSIMStatus: sys.getSIMStatus: expected not_found, locked, restricted, "
+                  "error, failure, puk_locked, pin_locked, ready or a 32-bit integer or "
+                  "{\"error\": N}, found 'Ready'; did you mean ready?");
+    EXPECT_EQ(misfit("sys.getSIMStatus", "\"ready\""), "");
     EXPECT_EQ(misfit("sys..", "7"),
               place +
                   "sys..: 'sys..' is not a path, such as sys.getBatteryStatus.chargePercent or "
@@ -384,9 +420,14 @@ TEST(ScenarioOnADevice, ChangesThatDoNotFitAreReported) {
               "a.json:3: events[0].set.sys.getSimStatus: sys.getSimStatus: expected the name of a "
               "call, found an unknown name; did you mean sys.getSIMStatus?");
     EXPECT_EQ(
-        ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"set\": {\"sys.getSIMStatus\": \"x\"}}"),
-        "a.json:2: events[0].set.sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit "
+        ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"set\": {\"sys.getNumSims\": \"x\"}}"),
+        "a.json:2: events[0].set.sys.getNumSims: sys.getNumSims: expected a 32-bit "
         "integer or {\"error\": N}, found a text");
+    EXPECT_EQ(ComplaintOnDevice(
+                  "{\"at\": 0, \"say\": \"a\",\n\"set\": {\"sys.getGPSStatus\": \"gotfix\"}}"),
+              "a.json:3: events[0].set.sys.getGPSStatus: sys.getGPSStatus: expected off, "
+              "searching, got_fix or a 32-bit integer or {\"error\": N}, found 'gotfix'; did you "
+              "mean got_fix?");
     EXPECT_EQ(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\", \"heal\": [\"sys.getSIMState\"]}"),
               "a.json:2: events[0].heal[0]: sys.getSIMState: expected the name of a call, found an "
               "unknown name; did you mean sys.getSIMStatus?");
@@ -403,7 +444,8 @@ TEST(ScenarioOnADevice, ChangesThatDoNotFitAreReported) {
               "move, found nothing");
     EXPECT_EQ(ComplaintOnDevice(R"({"at": 0, "say": "a", "for": 9, "ramp":
                          {"sys.getSIMStatus": {"from": 1, "to": 3000000000}}})"),
-              "a.json:3: events[0].ramp.sys.getSIMStatus: sys.getSIMStatus: expected a 32-bit "
+              "a.json:3: events[0].ramp.sys.getSIMStatus: sys.getSIMStatus: expected not_found, "
+              "locked, restricted, error, failure, puk_locked, pin_locked, ready or a 32-bit "
               "integer or {\"error\": N}, found 3000000000");
 }
 

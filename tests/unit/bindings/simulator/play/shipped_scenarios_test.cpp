@@ -99,7 +99,7 @@ TEST(ShippedScenarios, GentleRestoresTheDeviceExceptItsTraffic) {
               before["sys"]["getCellularDataConnectionStats"]["duration"].get<int>());
     stats = before["sys"]["getCellularDataConnectionStats"];
     after["sys"]["getBatteryStatus"]["chargingState"] = 1;
-    after["sys"]["getBatteryStatus"]["chargingSource"] = 2;
+    after["sys"]["getBatteryStatus"]["chargingSource"] = "usb";
     EXPECT_EQ(after, before);
 }
 

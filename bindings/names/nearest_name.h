@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "bindings/document/document_error.h"
-
 namespace binding {
 
 /// The name of @p known that is closest to @p name: the one that takes the fewest letters to add,
@@ -15,8 +13,5 @@ std::string NearestName(const std::string& name, const std::vector<std::string>&
 
 /// "; did you mean NAME?" for the name @p name; an empty text for an empty one.
 std::string Suggestion(const std::string& name);
-
-/// The text of @p error with the path of the closest known name added.
-std::string WithSuggestion(const UnknownName& error);
 
 }  // namespace binding

@@ -1,4 +1,4 @@
-#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/names/nearest_name.h"
 
 #include <algorithm>
 #include <cctype>
@@ -64,13 +64,6 @@ std::string NearestName(const std::string& name, const std::vector<std::string>&
 
 std::string Suggestion(const std::string& name) {
     return name.empty() ? "" : "; did you mean " + name + "?";
-}
-
-std::string WithSuggestion(const UnknownName& error) {
-    KeyPath path = error.Path();
-    const std::string nearest = NearestName(std::get<std::string>(path.back()), error.Known());
-    path.back() = nearest;
-    return error.what() + Suggestion(nearest.empty() ? "" : PathText(path));
 }
 
 }  // namespace binding

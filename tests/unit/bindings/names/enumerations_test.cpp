@@ -1,21 +1,24 @@
 // The names of values are the same as in the platform's headers.
-#include "tools/enumerations.h"
+#include "bindings/names/enumerations.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
+
+namespace binding {
 
 namespace {
 
 using Enumerators = std::vector<std::pair<std::string, std::int64_t>>;
 
-std::string Content(const std::string& header) {
-    std::ifstream file(std::string(KESTAL_PLATFORM_HEADERS) + "/" + header);
+std::string Content(const std::string& path) {
+    std::ifstream file(path);
     std::ostringstream content;
     content << file.rdbuf();
     return content.str();
@@ -23,7 +26,7 @@ std::string Content(const std::string& header) {
 
 /// The enumerations of @p header by name.
 std::map<std::string, Enumerators> EnumerationsOf(const std::string& header) {
-    const std::string content = Content(header);
+    const std::string content = Content(std::string(KESTAL_PLATFORM_HEADERS) + "/" + header);
     const std::regex enumeration(R"(enum (\w+) : [\w:]+ \{([^}]*)\})");
     const std::regex enumerator(R"((\w+) = (\w+),)");
     std::map<std::string, Enumerators> found;
@@ -48,7 +51,7 @@ std::string CommonBeginning(const Enumerators& enumerators) {
     return common.substr(0, common.rfind('_') + 1);
 }
 
-Enumerators NamesOf(Enumeration names) {
+Enumerators NamesIn(Enumeration names) {
     Enumerators found;
     for (const EnumerationName& one : names) {
         found.emplace_back(one.name, one.value);
@@ -69,12 +72,22 @@ Enumerators Shortened(const Enumerators& enumerators) {
     return names;
 }
 
+void ExpectEachMeansOneValue(Enumeration names) {
+    std::set<std::string> seen;
+    for (const EnumerationName& one : names) {
+        EXPECT_TRUE(seen.insert(one.name).second) << one.name;
+        EXPECT_EQ(ValueOf(one.name, names), one.value);
+        EXPECT_STREQ(NameOf(one.value, names), one.name);
+    }
+}
+
 void ExpectNames(const std::map<std::string, Enumerators>& declared,
                  const std::map<std::string, Enumeration>& tables) {
     for (const auto& [name, enumerators] : declared) {
         const auto table = tables.find(name);
         ASSERT_NE(table, tables.end()) << name;
-        EXPECT_EQ(NamesOf(table->second), Shortened(enumerators)) << name;
+        EXPECT_EQ(NamesIn(table->second), Shortened(enumerators)) << name;
+        ExpectEachMeansOneValue(table->second);
     }
     EXPECT_EQ(declared.size(), tables.size());
 }
@@ -115,10 +128,34 @@ TEST(Enumerations, OfTheNotificationsAreComplete) {
     ExpectNames(declared, {{"ans_severity_e", kSeverity}});
 }
 
+TEST(Enumerations, OfTheCodesOfBindingsAreComplete) {
+    const std::string content = Content(KESTAL_CODES);
+    const std::regex enumerator(R"(\bk(\w+) = (\d+),)");
+    Enumerators declared;
+    for (std::sregex_iterator one(content.begin(), content.end(), enumerator), end; one != end;
+         ++one) {
+        const std::string words =
+            std::regex_replace((*one)[1].str(), std::regex("(.)([A-Z])"), "$1_$2");
+        declared.emplace_back("CODE_" + words, std::stoll((*one)[2]));
+    }
+    EXPECT_GE(declared.size(), 7U);
+    EXPECT_EQ(NamesIn(kBindingCode), Shortened(declared));
+    ExpectEachMeansOneValue(kBindingCode);
+}
+
 TEST(Enumerations, AValueWithoutANameHasNone) {
     EXPECT_STREQ(NameOf(7, kSimStatus), "ready");
     EXPECT_EQ(NameOf(8, kSimStatus), nullptr);
     EXPECT_EQ(NameOf(-1, kSimStatus), nullptr);
 }
 
+TEST(Enumerations, ANameWithoutAValueHasNone) {
+    EXPECT_EQ(ValueOf("ready", kSimStatus), 7);
+    EXPECT_EQ(ValueOf("Ready", kSimStatus), std::nullopt);
+    EXPECT_EQ(ValueOf("", kSimStatus), std::nullopt);
+    EXPECT_EQ(ValueOf("ready", {}), std::nullopt);
+}
+
 }  // namespace
+
+}  // namespace binding

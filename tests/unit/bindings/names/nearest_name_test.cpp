@@ -1,5 +1,5 @@
 // The name that is suggested for a wrong name.
-#include "bindings/simulator/edit/nearest_name.h"
+#include "bindings/names/nearest_name.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,6 @@ namespace {
 
 using binding::NearestName;
 using binding::Suggestion;
-using binding::UnknownName;
-using binding::WithSuggestion;
 
 TEST(NearestName, TakesTheFewestChanges) {
     const std::vector<std::string> known = {"getSIMStatus", "getGPSStatus", "getNumSims"};
@@ -41,12 +39,9 @@ TEST(NearestName, SuggestsNoNameOfWhichHalfIsDifferent) {
     EXPECT_EQ(NearestName(std::string(100'000, 'a'), {std::string(99'999, 'a')}), "");
 }
 
-TEST(NearestName, IsSuggestedWithItsPath) {
+TEST(NearestName, IsSuggestedAfterAComplaint) {
     EXPECT_EQ(Suggestion("a"), "; did you mean a?");
     EXPECT_EQ(Suggestion(""), "");
-    EXPECT_EQ(WithSuggestion(UnknownName({"sys", "getSimStats"}, "wrong", {"getSIMStatus"})),
-              "wrong; did you mean sys.getSIMStatus?");
-    EXPECT_EQ(WithSuggestion(UnknownName({"sys", "x"}, "wrong", {"getSIMStatus"})), "wrong");
 }
 
 }  // namespace

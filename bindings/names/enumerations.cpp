@@ -1,11 +1,13 @@
-#include "tools/enumerations.h"
+#include "bindings/names/enumerations.h"
 
 #include <algorithm>
 
+#include "bindings/device/codes.h"
 #include "platform/msgbus.h"
 #include "platform/notification.h"
-#include "platform/sysint.h"
 #include "platform/webui.h"
+
+namespace binding {
 
 namespace {
 
@@ -133,6 +135,16 @@ constexpr EnumerationName kSeverityNames[] = {
     {ANS_SEVERITY_CRITICAL, "critical"},
 };
 
+constexpr EnumerationName kBindingCodeNames[] = {
+    {kNotAnswered, "not_answered"},
+    {kNoDevice, "no_device"},
+    {kNotChanged, "not_changed"},
+    {kBindingFailed, "binding_failed"},
+    {kBusNotJoined, "bus_not_joined"},
+    {kSourceLost, "source_lost"},
+    {kNothingToConnect, "nothing_to_connect"},
+};
+
 }  // namespace
 
 constinit const Enumeration kSysResult = kSysResultNames;
@@ -152,9 +164,35 @@ constinit const Enumeration kChargingSource = kChargingSourceNames;
 constinit const Enumeration kWebuiStatus = kWebuiStatusNames;
 constinit const Enumeration kMsgbusResult = kMsgbusResultNames;
 constinit const Enumeration kSeverity = kSeverityNames;
+constinit const Enumeration kBindingCode = kBindingCodeNames;
 
 const char* NameOf(std::int64_t value, Enumeration names) {
     const auto found = std::find_if(names.begin(), names.end(),
                                     [&](const auto& one) { return one.value == value; });
     return found == names.end() ? nullptr : found->name;
 }
+
+std::optional<std::int64_t> ValueOf(std::string_view name, Enumeration names) {
+    const auto found =
+        std::find_if(names.begin(), names.end(), [&](const auto& one) { return one.name == name; });
+    return found == names.end() ? std::nullopt : std::optional(found->value);
+}
+
+std::vector<std::string> AllNames(Enumeration names) {
+    std::vector<std::string> all;
+    all.reserve(names.size());
+    for (const EnumerationName& one : names) {
+        all.emplace_back(one.name);
+    }
+    return all;
+}
+
+std::string Listed(const std::vector<std::string>& texts) {
+    std::string list;
+    for (const std::string& text : texts) {
+        list += (list.empty() ? "" : ", ") + text;
+    }
+    return list;
+}
+
+}  // namespace binding
