@@ -10,6 +10,9 @@ Device CompileDevice(const nlohmann::ordered_json& document) {
     Device device;
     const Node root(document);
     Members members(root);
+    if (const auto title = members.Find("title"); title && title->Text() == nullptr) {
+        title->Expected("a text");
+    }
     if (const auto sys = members.Find("sys")) {
         ReadSys(*sys, device);
     }

@@ -54,7 +54,11 @@ class DeviceFile {
 
 std::string DevicePath() {
     const char* path = std::getenv("KESTAL_DEVICE");
-    return path == nullptr || *path == '\0' ? KESTAL_DEFAULT_DEVICE : path;
+    return path == nullptr || *path == '\0' ? DefaultDevicePath() : path;
+}
+
+std::string DefaultDevicePath() {
+    return KESTAL_DEFAULT_DEVICE;
 }
 
 std::shared_ptr<const Device> NewestDevice() {

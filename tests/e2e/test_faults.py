@@ -66,7 +66,7 @@ NAMES = {
 def entries():
     """All calls that can fail: those in the document of the device on which everything fails."""
     document = json.loads((paths.DEVICES / "everything-failing.json").read_text())
-    names = [(group, name) for group, calls in document.items() for name in calls]
+    names = [(group, name) for group in ("sys", "webui", "msgbus") for name in document[group]]
     assert len(names) > 60
     return names
 

@@ -56,6 +56,10 @@ def test_everything_needed_at_run_time_is_installed(prefix, configuration):
     page = {name for name in files if name.startswith("share/kestal/demo/")}
     shipped = [path for path in (paths.ROOT / "demo").rglob("*") if path.is_file()]
     assert page == {f"share/kestal/{path.relative_to(paths.ROOT)}" for path in shipped}
+    listed = subprocess.run(
+        [prefix / "bin" / "kestal-sim", "devices"], check=True, capture_output=True, text=True, timeout=60
+    )
+    assert {line.split()[0] for line in listed.stdout.splitlines()} == {path.stem for path in paths.DEVICES.iterdir()}
     devices = {name for name in files if name.startswith("share/kestal/devices/")}
     assert devices == {f"share/kestal/devices/{path.name}" for path in paths.DEVICES.iterdir()}
     scenarios = {name for name in files if name.startswith("share/kestal/scenarios/")}

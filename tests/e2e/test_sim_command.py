@@ -65,6 +65,50 @@ def test_another_device_is_loaded(responder):
     assert status(responder)["statusBarTechnology"] != "5G UWB"
 
 
+def answer_of(make_responder, document):
+    """What a service answers that has been started on a document."""
+    fresh = make_responder("fresh")
+    fresh.device.write(document)
+    answer = status(fresh.start())
+    fresh.stop()
+    return answer
+
+
+@pytest.mark.parametrize("name", sorted(path.stem for path in paths.DEVICES.glob("*.json")))
+def test_loading_tells_if_a_running_service_does_not_see_all_of_a_device(responder, make_responder, name):
+    status(responder)
+    run = subprocess.run(
+        [str(paths.SIM), "load", name],
+        env={**paths.CLEAN_ENVIRONMENT, **responder.environment},
+        capture_output=True,
+        text=True,
+        timeout=60,
+        check=True,
+    )
+    fresh = answer_of(make_responder, responder.device.path.read_bytes())
+    # The first answer may still have the technology and the signal of the device before.
+    status(responder)
+    sees_all = status(responder) == fresh
+    assert sees_all or "does not see their changes: " in run.stderr
+    if name == "3g-old-sim":
+        assert not sees_all
+
+
+def test_loading_starts_the_service_anew_if_asked(server, make_responder):
+    before = server.responder()
+    server.status()
+    sim(server, "load", "--restart", "3g-old-sim")
+    assert server.responder() != before
+    assert server.status() == answer_of(make_responder, server.device.path.read_bytes())
+
+
+def test_only_the_service_of_the_device_is_started_anew(make_server):
+    first, second = make_server("a").start(), make_server("b").start()
+    before = first.responder(), second.responder()
+    sim(first, "reset", "--restart")
+    assert (first.responder() != before[0], second.responder()) == (True, before[1])
+
+
 @pytest.mark.parametrize(
     ("arguments", "message"),
     [
@@ -245,6 +289,9 @@ printf '%s\\n' "${COMPREPLY[@]}"
         (["sh"], ["show"]),
         (["--v"], ["--version"]),
         (["se"], ["set", "session"]),
+        (["load", "roa"], ["roaming"]),
+        (["play", "comm"], ["commute"]),
+        (["reset", ""], ["--restart", "--help"]),
         (["session", ""], ["open", "renew", "close", "list", "--help"]),
         (["session", "open", "--u"], ["--user-agent"]),
         (["session", "close", "--"], ["--all", "--help"]),

@@ -26,7 +26,7 @@ _kestal_sim_offer_files() {
 
 _kestal_sim() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='show set fail heal load notify session play'
+    local commands='show set fail heal devices scenarios load reset notify session play'
     local command='' member='' device=() index words='' names=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [ "${COMP_WORDS[index]}" = --device ]; then
@@ -52,8 +52,15 @@ _kestal_sim() {
             mapfile -t names < <("$1" "${device[@]}" show --paths 2>/dev/null)
             ;;
         load)
-            words=--help
+            words='--restart --help'
+            mapfile -t names < <("$1" devices 2>/dev/null | sed 's/ .*//')
             _kestal_sim_offer_files "$word"
+            ;;
+        reset)
+            words='--restart --help'
+            ;;
+        devices | scenarios)
+            words=--help
             ;;
         notify)
             if [ "$previous" = --severity ]; then
@@ -73,6 +80,7 @@ _kestal_sim() {
             ;;
         play)
             words='--speed --loop --quiet --check --help'
+            mapfile -t names < <("$1" scenarios 2>/dev/null | sed 's/ .*//')
             _kestal_sim_offer_files "$word"
             ;;
     esac

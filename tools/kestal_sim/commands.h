@@ -5,8 +5,11 @@
 
 #include "tools/tool.h"
 
-/// show, set, fail, heal and load: the device's document.
+/// show, set, fail and heal: the device's document.
 std::vector<Command> DocumentCommands();
+
+/// devices, scenarios, load and reset: the shipped files, and replacing the device by another one.
+std::vector<Command> LoadCommands();
 
 /// notify: the notifications of the device.
 Command NotifyCommand();

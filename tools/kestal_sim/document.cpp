@@ -1,8 +1,8 @@
 #include "tools/kestal_sim/document.h"
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <system_error>
 
 #include "bindings/posix/files/file_io.h"
 #include "bindings/posix/json/json_text.h"
@@ -35,6 +35,14 @@ nlohmann::ordered_json ValueOf(const std::string& text) {
     }
 }
 
+std::filesystem::path ShippedFolder(const std::string& folder) {
+    namespace fs = std::filesystem;
+    const fs::path here = fs::read_symlink("/proc/self/exe").parent_path();
+    std::error_code isInstalled;
+    const fs::path sources = fs::canonical(here / "kestal-data" / folder, isInstalled);
+    return isInstalled ? (here / KESTAL_DATA_FROM_PROGRAM / folder).lexically_normal() : sources;
+}
+
 std::string FileNamed(const std::string& name, const std::string& folder) {
-    return binding::FileOrInstalled(name, std::filesystem::path(KESTAL_DATA_DIRECTORY) / folder);
+    return binding::FileOrInstalled(name, ShippedFolder(folder));
 }

@@ -4,8 +4,6 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "bindings/posix/files/file_update.h"
-#include "bindings/simulator/device_file.h"
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/json_patch.h"
@@ -64,14 +62,6 @@ void Heal(const Arguments& arguments, std::ostream& /*out*/) {
     });
 }
 
-void Load(const Arguments& arguments, std::ostream& /*out*/) {
-    const std::string file = FileNamed(arguments.Value("FILE"), "devices");
-    const std::string text = Contents(file);
-    (void)binding::ReadGoodDocument(file, text);
-    binding::UpdateFile(binding::DevicePath(), binding::MissingFile::createdForAll,
-                        [&](const std::string&) -> const std::string& { return text; });
-}
-
 }  // namespace
 
 std::vector<Command> DocumentCommands() {
@@ -99,9 +89,5 @@ std::vector<Command> DocumentCommands() {
          .description = "Let a call answer as it did before it was made to fail",
          .parameters = {{"CALL", "The call, as it was given to fail"}},
          .run = Heal},
-        {.names = {"load"},
-         .description = "Replace the device by another one",
-         .parameters = {{"FILE", "The document, or the name of an installed one: roaming"}},
-         .run = Load},
     };
 }

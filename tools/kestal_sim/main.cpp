@@ -21,8 +21,10 @@ Command WithSuggestion(Command command) {
 
 std::vector<Command> Commands() {
     std::vector<Command> commands;
-    for (const Command& command : DocumentCommands()) {
-        commands.push_back(WithSuggestion(command));
+    for (const auto& group : {DocumentCommands(), LoadCommands()}) {
+        for (const Command& command : group) {
+            commands.push_back(WithSuggestion(command));
+        }
     }
     commands.push_back(WithSuggestion(NotifyCommand()));
     commands.push_back(SessionCommand());

@@ -96,16 +96,16 @@ void Play(const Arguments& arguments, std::ostream& /*out*/) {
 }  // namespace
 
 Command PlayCommand() {
-    return {.names = {"play"},
-            .description = "Play a scenario on the device",
-            .parameters = {{"SCENARIO",
-                            "The scenario's file, or the name of an installed one: commute"}},
-            .run = Play,
-            .options = {{.name = "--speed",
-                         .description = "Play so many times as fast",
-                         .value = "N",
-                         .preset = "1"},
-                        {"--loop", "Begin again at the end, until Ctrl-C"},
-                        {"--quiet", "Print only errors"},
-                        {"--check", "Only check whether it can be played"}}};
+    return {
+        .names = {"play"},
+        .description = "Play a scenario on the device",
+        .parameters = {{"SCENARIO", "The scenario's file, or the name of a shipped one: commute"}},
+        .run = Play,
+        .options = {{.name = "--speed",
+                     .description = "Play so many times as fast",
+                     .value = "N",
+                     .preset = "1"},
+                    {"--loop", "Begin again at the end, until Ctrl-C"},
+                    {"--quiet", "Print only errors"},
+                    {"--check", "Only check whether it can be played"}}};
 }

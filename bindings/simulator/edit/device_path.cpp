@@ -20,7 +20,7 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-constexpr std::array<std::string_view, 3> kSections = {"sys", "webui", "msgbus"};
+constexpr std::array<std::string_view, 4> kSections = {"title", "sys", "webui", "msgbus"};
 
 /// Splits a path into steps. It follows the values in the document, because these decide where a
 /// name with dots ends.

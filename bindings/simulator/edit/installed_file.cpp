@@ -9,9 +9,6 @@
 
 namespace binding {
 
-namespace {
-
-/// The names in alphabetical order; empty for a folder that cannot be read.
 std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     std::error_code ignored;
@@ -23,8 +20,6 @@ std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::sort(names.begin(), names.end());
     return names;
 }
-
-}  // namespace
 
 std::string FileOrInstalled(const std::string& name, const std::filesystem::path& folder) {
     if (name.find('/') != std::string::npos || std::filesystem::exists(name)) {

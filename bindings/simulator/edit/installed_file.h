@@ -3,8 +3,13 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace binding {
+
+/// The names of the files in @p folder, without ".json" and in alphabetical order; none for a
+/// folder that cannot be read.
+std::vector<std::string> NamesIn(const std::filesystem::path& folder);
 
 /// Returns @p name when there is such a file; otherwise the path of the file that is installed in
 /// @p folder under that name, with or without ".json". When there is neither, throws

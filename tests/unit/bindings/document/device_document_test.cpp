@@ -72,11 +72,17 @@ TEST(DeviceDocument, HasThreeGroups) {
     EXPECT_EQ(Complaint("[]"), "device.json:1: expected an object, found a list");
     EXPECT_EQ(Complaint("\n7"), "device.json:2: expected an object, found 7");
     EXPECT_EQ(Complaint("{\n\n\"system\": {}}"),
-              "device.json:3: system: expected one of sys, webui, msgbus, found an unknown name");
+              "device.json:3: system: expected one of title, sys, webui, msgbus, found an unknown "
+              "name");
     EXPECT_EQ(Complaint("{\"sys\": []}"), "device.json:1: sys: expected an object, found a list");
     EXPECT_EQ(Complaint("{\"webui\": 1}"), "device.json:1: webui: expected an object, found 1");
     EXPECT_EQ(Complaint("{\"msgbus\": null}"),
               "device.json:1: msgbus: expected an object, found null");
+}
+
+TEST(DeviceDocument, MayHaveATitle) {
+    EXPECT_EQ(Complaint(R"({"title": "Mine", "sys": {}})"), "");
+    EXPECT_EQ(Complaint(R"({"title": 7})"), "device.json:1: title: expected a text, found 7");
 }
 
 TEST(DeviceDocument, Has64LevelsAtMost) {

@@ -151,13 +151,6 @@ TEST_F(SimCommand, TakesNamesInPlaceOfNumbers) {
     EXPECT_EQ(Run("show getSIMStatus"), "0 \"ready\"\n");
 }
 
-TEST_F(SimCommand, TakesWhatTheToolsForTheDevicePrint) {
-    EXPECT_EQ(Run(R"(set getSIMStatus '{"status": {"value": 6, "name": "pin_locked"}}')"), "0 ");
-    EXPECT_EQ(ReadFile(device), With("\": 7", "\": \"pin_locked\""));
-    EXPECT_EQ(Run(R"(set getSIMStatus '{"value": 7, "name": "pin_locked"}')"),
-              "1 kestal-sim: sys.getSIMStatus: 7 is not called 'pin_locked'\n");
-}
-
 TEST_F(SimCommand, LoadsAnotherDevice) {
     const std::filesystem::path other = directory / "other.json";
     WriteFile(other, "{\"sys\": {\"getSIMStatus\":  1}}");
@@ -171,6 +164,56 @@ TEST_F(SimCommand, LoadsAnotherDevice) {
             "sys.getSIMStatus?\n");
     EXPECT_EQ(ReadFile(device), "{\"sys\": {\"getSIMStatus\":  1}}");
     EXPECT_EQ(Run("load nosuchdevice"), "1 kestal-sim: nosuchdevice: No such file or directory\n");
+}
+
+TEST_F(SimCommand, ListsTheShippedDevicesAndScenarios) {
+    EXPECT_THAT(Run("devices"), HasSubstr("\nroaming              LTE in a network abroad\n"));
+    EXPECT_THAT(
+        Run("scenarios"),
+        HasSubstr(
+            "\nsim-swap  The SIM is taken out and another one is put in, which wants its PIN\n"));
+}
+
+TEST_F(SimCommand, LoadsAShippedDeviceByItsName) {
+    EXPECT_THAT(Run("load roaming"), StartsWith("0 "));
+    EXPECT_EQ(ReadFile(device), ReadFile(KESTAL_SHIPPED_DEVICES "/roaming.json"));
+    EXPECT_EQ(Run("load romaing"),
+              "1 kestal-sim: romaing: No such file or directory; did you mean roaming?\n");
+    EXPECT_THAT(Run("reset"), StartsWith("0"));
+    EXPECT_EQ(ReadFile(device), ReadFile(KESTAL_SHIPPED_DEVICES "/default.json"));
+}
+
+TEST_F(SimCommand, TellsWhatARunningServiceDoesNotSeeOfANewDevice) {
+    const std::filesystem::path other = directory / "other.json";
+    const auto load = [&](const std::string& text) {
+        WriteFile(other, text);
+        return Run("load " + other.string());
+    };
+    EXPECT_EQ(load(R"({"sys": {"getGPSCarrierEnabled": 1, "getMultiSimEnabled": 0}})"),
+              "0 kestal-sim: a running service has read these values already and does not see "
+              "their changes: sys.getGPSCarrierEnabled, sys.getMultiSimEnabled; with --restart, it "
+              "is started anew\n");
+    EXPECT_EQ(load(R"({"sys": {"getGPSCarrierEnabled": 0, "getMultiSimEnabled": 0,
+                               "getWebUICarrierEnabled": 0}})"),
+              "0 kestal-sim: a running service has read these values already and does not see "
+              "their changes: sys.getGPSCarrierEnabled (1 before, 0 now); with --restart, it is "
+              "started anew\n");
+    EXPECT_EQ(load(R"({"sys": {"getGPSCarrierEnabled": 0, "getMultiSimEnabled": 0}})"), "0 ");
+}
+
+TEST_F(SimCommand, TellsThatThereIsNoServiceToBeStartedAnew) {
+    const std::string complaint =
+        "1 kestal-sim: no service of this user runs on " + device.string() + "\n";
+    EXPECT_EQ(Run("load --restart no-sim"), complaint);
+    EXPECT_EQ(ReadFile(device), ReadFile(KESTAL_SHIPPED_DEVICES "/no-sim.json"));
+    EXPECT_EQ(Run("reset --restart"), complaint);
+}
+
+TEST_F(SimCommand, TakesWhatTheToolsForTheDevicePrint) {
+    EXPECT_EQ(Run(R"(set getSIMStatus '{"status": {"value": 6, "name": "pin_locked"}}')"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": \"pin_locked\""));
+    EXPECT_EQ(Run(R"(set getSIMStatus '{"value": 7, "name": "pin_locked"}')"),
+              "1 kestal-sim: sys.getSIMStatus: 7 is not called 'pin_locked'\n");
 }
 
 TEST_F(SimCommand, LoadsEvenIfTheDocumentIsDamagedOrMissing) {
@@ -292,8 +335,8 @@ TEST_F(SimCommand, PrintsItsHelp) {
     EXPECT_THAT(Run("--help"), StartsWith("0 Changes the device"));
     EXPECT_THAT(Run("--help"), HasSubstr("\nCommands:\n"));
     EXPECT_THAT(Run("set --help"), HasSubstr("\nArguments:\n"));
-    for (const std::string command :
-         {"show", "set", "fail", "heal", "load", "notify", "session", "play"}) {
+    for (const std::string command : {"show", "set", "fail", "heal", "devices", "scenarios", "load",
+                                      "reset", "notify", "session", "play"}) {
         EXPECT_THAT(Run("--help"), HasSubstr("\n  " + command + " "));
         EXPECT_THAT(Run(command + " --help"), HasSubstr("\nUsage: kestal-sim " + command + " "));
         EXPECT_THAT(Run(command + " --help"), StartsWith("0 "));
@@ -309,6 +352,9 @@ TEST_F(SimCommand, ReportsWrongUsage) {
                                     "fail a",
                                     "heal",
                                     "load",
+                                    "load a b",
+                                    "reset a",
+                                    "devices a",
                                     "notify",
                                     "notify a --clear",
                                     "notify --types --clear",
