@@ -80,6 +80,16 @@ Board::~Board() {
     (void)close(wakeUpDescriptor);
 }
 
+std::shared_ptr<const Device> Board::Newest() {
+    const Snapshots::Taken taken = snapshots.Newest();
+    if (taken.hasCounted && hasPlan) {
+        // Nothing else tells the thread that the plan may be used up.
+        hasCounted = true;
+        WakeUp();
+    }
+    return taken.device;
+}
+
 int Board::Ask(DataRequest request) {
     const int code = snapshots.Ask(request);
     if (code == SYS_SUCCESS) {
@@ -143,6 +153,9 @@ void Board::Loop() {
                            [this](std::uint32_t /*events*/) {
                                eventfd_t count = 0;
                                (void)eventfd_read(wakeUpDescriptor, &count);
+                               if (hasCounted.exchange(false)) {
+                                   Changed();
+                               }
                                MakeRequest();
                            });
     bus = std::make_unique<Bus>(event.get());
@@ -210,6 +223,7 @@ void Board::ReadDocument() {
     documentRead = true;
     const bool restarts = !sources.empty() && !(read.settings == document.settings);
     document = std::move(read);
+    hasPlan = document.settings.planBytes != 0;
     if (restarts) {
         RenewSources();
     }

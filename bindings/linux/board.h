@@ -54,7 +54,7 @@ class Board {
 
     /// The newest snapshot. The first one is waited for, until each source has said whether it is
     /// there, but for a second at most.
-    std::shared_ptr<const Device> Newest() { return snapshots.Newest(); }
+    std::shared_ptr<const Device> Newest();
 
     /// Hand a request over to the board's thread. Return SYS_SUCCESS, or the code with which the
     /// request fails because nothing can be connected.
@@ -122,6 +122,9 @@ class Board {
     // Shared.
     int wakeUpDescriptor = -1;
     std::atomic<bool> ending = false;
+    /// Whether notifications depend on the traffic.
+    std::atomic<bool> hasPlan = false;
+    std::atomic<bool> hasCounted = false;
     Snapshots snapshots;
 
     std::thread thread;

@@ -26,19 +26,20 @@ bool IsTold(const Answer<T>& answer, const Answer<T>& by) {
 Snapshots::Snapshots()
     : published(std::make_shared<const Device>(AbsentDevice())), outlook{kNothingToConnect} {}
 
-std::shared_ptr<const Device> Snapshots::Newest() {
+Snapshots::Taken Snapshots::Newest() {
     std::unique_lock lock(mutex);
     if (!settled) {
         settling.wait_for(lock, kFirstAnswer, [this] { return settled; });
         // The next request does not wait, whatever is missing.
         settled = true;
     }
-    if (traffic.Update(std::chrono::steady_clock::now()) && told.traffic) {
+    const bool hasCounted = traffic.Update(std::chrono::steady_clock::now()) && told.traffic;
+    if (hasCounted) {
         auto fresh = std::make_shared<Device>(*published);
         fresh->getCellularDataConnectionStats.value = traffic.Stats();
         published = std::move(fresh);
     }
-    return published;
+    return {.device = published, .hasCounted = hasCounted};
 }
 
 int Snapshots::Ask(DataRequest request) {

@@ -34,8 +34,13 @@ class Snapshots {
 
     // For requests.
 
+    struct Taken {
+        std::shared_ptr<const Device> device;
+        bool hasCounted;  ///< whether the traffic has just been read anew
+    };
+
     /// The newest snapshot. The first one is waited for, but for a second at most.
-    std::shared_ptr<const Device> Newest();
+    Taken Newest();
 
     /// Accepts a request for the data call and lets the newest snapshot tell so, or returns the
     /// code with which it fails. It replaces one that has not been taken yet: what has been asked

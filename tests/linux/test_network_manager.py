@@ -105,6 +105,8 @@ def test_somebody_connects_while_the_profile_still_disconnects(managed):
 def test_the_network_refuses_the_profile(managed):
     managed.modem.order("refuse", 33)
     managed.service.act("connect")
+    given_up = "data connection: not connected: NetworkManager has given up"
+    wait_until(lambda: managed.service.said()[given_up] == 1, "the service has logged it", 20)
     managed.service.shows(statusBarConnectionState="Ready")
     is_at(managed)
     managed.modem.order("refuse", "nothing")

@@ -63,7 +63,12 @@ void DataConnection::Update(const Modem* newModem) {
 
 void DataConnection::Refresh() {
     const auto status = modem ? modem->dataConnectionStatus : std::nullopt;
+    const bool wasConnecting = action.UnderWay() == DataAction::Kind::connect;
     action.Update(status.value_or(SYS_DATA_CONNECTION_READY), StateOf(manager));
+    if (wasConnecting && action.UnderWay() == DataAction::Kind::none &&
+        action.Status() == SYS_DATA_CONNECTION_READY) {
+        LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
+    }
     if (status == SYS_DATA_CONNECTION_CONNECTED &&
         action.UnderWay() != DataAction::Kind::disconnect) {
         stoppedByUser = false;
@@ -192,6 +197,9 @@ void DataConnection::SetLimit() {
     }
     limit.After(board.Event(), wait == DataAction::Wait::sign ? kSignLimit : kNetworkLimit, kSecond,
                 [this] {
+                    LINUX_LOG(TORU_DBG_ERROR, "data connection: not %s in time",
+                              action.UnderWay() == DataAction::Kind::connect ? "connected"
+                                                                             : "disconnected");
                     action.GiveUp();
                     SetLimit();
                     changed();

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -382,6 +383,37 @@ TEST_F(BoardOfOneSource, TrafficIsThatOfTheDataCallOfTheSameSnapshot) {
     EXPECT_GE(Duration(*meanwhile), 90U);
     AwaitStatus(SYS_GPS_SEARCHING);
     EXPECT_EQ(Duration(*board->Newest()), 0U);
+}
+
+TEST_F(BoardOfOneSource, PlanThatIsUsedUpIsToldAlthoughNoSourceSaysAnything) {
+    Document(R"({"linux": {"planBytes": 1000}})");
+    Begin();
+    OnBoard([&] {
+        binding::TrafficCounters now;
+        ASSERT_TRUE(binding::ReadTrafficCounters("/sys/class/net", "lo", now));
+        board->SetTraffic(binding::TrafficMeter::Connection{
+            .interface = "lo", .since = std::chrono::steady_clock::now(), .atBegin = now});
+        source->Say(SYS_GPS_GOT_FIX);
+    });
+    AwaitStatus(SYS_GPS_GOT_FIX);
+    const binding::FileDescriptor out(socket(AF_INET, SOCK_DGRAM, 0));
+    sockaddr_in nobody{};
+    nobody.sin_family = AF_INET;
+    nobody.sin_port = htons(9);
+    nobody.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const std::array<char, 2000> packet{};
+    ASSERT_EQ(sendto(out.Number(), packet.data(), packet.size(), 0,
+                     reinterpret_cast<const sockaddr*>(&nobody), sizeof nobody),
+              static_cast<ssize_t>(packet.size()));
+    const auto notifications = [&] {
+        const auto newest = board->Newest();
+        const auto found = newest->channels.find(ANS_NOTIFICATION_CHANNEL);
+        return found == newest->channels.end() ? std::size_t{0} : found->second.value.size();
+    };
+    const std::size_t none = sizeof(std::int32_t);
+    while (notifications() <= none) {
+        std::this_thread::yield();
+    }
 }
 
 TEST_F(BoardOfOneSource, SourceThatCannotBeStartedIsLost) {

@@ -39,7 +39,7 @@ class DataCallInSnapshots : public ::testing::Test {
                                               .finish = {}});
     }
 
-    int Status() { return snapshots.Newest()->getCellularDataConnectionStatus.value; }
+    int Status() { return snapshots.Newest().device->getCellularDataConnectionStatus.value; }
 
     Device document;
     std::optional<binding::TrafficMeter::Connection> connection;
@@ -48,10 +48,10 @@ class DataCallInSnapshots : public ::testing::Test {
 
 TEST_F(DataCallInSnapshots, RequestIsToldFromTheMomentItIsAccepted) {
     Publish();
-    const auto before = snapshots.Newest();
+    const auto before = snapshots.Newest().device;
     EXPECT_EQ(snapshots.Ask(DataRequest::connect), SYS_SUCCESS);
     EXPECT_EQ(Status(), SYS_DATA_CONNECTION_CONNECTING);
-    const auto& all = snapshots.Newest()->getAllSimSlotsInfo.value;
+    const auto& all = snapshots.Newest().device->getAllSimSlotsInfo.value;
     EXPECT_EQ(all.slots[0].dataConnectionStatus, SYS_DATA_CONNECTION_READY);
     EXPECT_EQ(all.slots[1].dataConnectionStatus, SYS_DATA_CONNECTION_CONNECTING);
     EXPECT_EQ(before->getCellularDataConnectionStatus.value, SYS_DATA_CONNECTION_READY);
@@ -115,10 +115,10 @@ TEST_F(DataCallInSnapshots, TrafficOfAForcedAnswerIsNotCounted) {
     binding::Tell(document.getCellularDataConnectionStats, sys_cellular_data_connection_stats_t{});
     connection->since = std::chrono::steady_clock::now() - std::chrono::seconds(90);
     Publish();
-    EXPECT_EQ(snapshots.Newest()->getCellularDataConnectionStats.value.duration, 0U);
+    EXPECT_EQ(snapshots.Newest().device->getCellularDataConnectionStats.value.duration, 0U);
     document = {};
     Publish();
-    EXPECT_GE(snapshots.Newest()->getCellularDataConnectionStats.value.duration, 90U);
+    EXPECT_GE(snapshots.Newest().device->getCellularDataConnectionStats.value.duration, 90U);
 }
 
 }  // namespace
