@@ -40,6 +40,7 @@ def show():
               f"{len(own.service.ask('/srv/status').body)}")
         subjects = {
             "simulator": (simulator, lambda: contextlib.nullcontext()),
+            "simulator beside a busy board": (simulator, lambda: Unrest(same)),
             "quiet": (same.service, lambda: contextlib.nullcontext()),
             "busy": (same.service, lambda: Unrest(same)),
             "own, quiet": (own.service, lambda: contextlib.nullcontext()),
@@ -54,10 +55,10 @@ def show():
                         measuring.send(server.responder(), server.port, "/srv/status", CONNECTIONS, SECONDS)
                     )
         print(f"{ROUNDS} rounds of {SECONDS} s, {CONNECTIONS} connections")
-        print("board                      processor us   of it the board's thread   p99 us   p50 us")
+        print("board                          processor us   of it the board's thread   p99 us   p50 us")
         for name, results in samples.items():
             median = {key: statistics.median(each[key] for each in results) for key in results[0]}
-            print(f"{name:26} {median['processor']:12.2f} {median['background']:26.2f} "
+            print(f"{name:30} {median['processor']:12.2f} {median['background']:26.2f} "
                   f"{median['p99']:8.0f} {median['p50']:8.0f}")
         print("\nprocessor time of a status, in those of the simulator:")
         for name in ("quiet", "busy", "own, quiet", "own, busy"):
