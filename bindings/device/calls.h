@@ -7,6 +7,7 @@
 
 #include "bindings/device/codes.h"
 #include "bindings/device/device.h"
+#include "bindings/device/fault.h"
 #include "bindings/device/snapshot.h"
 #include "bindings/log.h"
 
@@ -37,10 +38,29 @@ int WithDevice(int codeBase, Call call) noexcept {
     });
 }
 
-/// The code that @p answer fails with; 0 when it has a value.
+/// The code that a call with @p answer fails with; 0 when the answer has a value. Call it once for
+/// each call, because a fault counts calls and may wait.
 template <typename T>
 int FailureOf(const Answer<T>& answer, int codeBase) {
+    if (answer.fault != nullptr) [[unlikely]] {
+        const int failure = Meet(*answer.fault, codeBase);
+        if (failure != 0) {
+            return failure;
+        }
+    }
     return answer.named ? answer.error : codeBase + kNotAnswered;
+}
+
+/// The same for a call with the index @p index.
+template <typename T>
+int FailureOf(const IndexedAnswer<T>& answer, int index, int codeBase) {
+    if (answer.fault != nullptr) [[unlikely]] {
+        const int failure = Meet(*answer.fault, codeBase);
+        if (failure != 0) {
+            return failure;
+        }
+    }
+    return FailureOf(answer.At(index), codeBase);
 }
 
 /// Runs @p deliver on the answer for @p name. Fails with kNotAnswered when there is none, and when

@@ -23,6 +23,8 @@ enum Code : int {
     kSourceLost = 9006,
     /// There is nothing with which a data call could be started.
     kNothingToConnect = 9007,
+    /// The process was asked to end while the call waited, because the call is slow or hangs.
+    kInterrupted = 9008,
 };
 
 constexpr int kWebuiCodeBase = WEBUI_SUCCESS;

@@ -3,13 +3,17 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "bindings/device/fault.h"
 #include "platform/sysint.h"
 #include "platform/sysint_queries.h"
 #include "platform/webui.h"
@@ -22,6 +26,7 @@ struct Answer {
     bool named = false;  ///< whether the device answers the call; if not, ignore the rest
     int error = 0;       ///< code to fail with; 0 when the call works
     T value{};
+    std::shared_ptr<Fault> fault = nullptr;  ///< what may happen to the call before it answers
 };
 
 /// What a call with an index answers.
@@ -29,6 +34,7 @@ template <typename T>
 struct IndexedAnswer {
     Answer<T> every;
     std::map<int, Answer<T>> byIndex;
+    std::shared_ptr<Fault> fault = nullptr;  ///< what may happen to the call, whatever the index
 
     const Answer<T>& At(int index) const {
         const auto found = byIndex.find(index);
@@ -62,11 +68,24 @@ struct MnsInfo {
     std::int32_t scanStatus = 0;
 };
 
+/// How a call works that has no result.
+struct Action {
+    /// How long the device needs after the call until the action is complete.
+    std::chrono::milliseconds takes{0};
+};
+
+/// The status that the data call gets by itself.
+struct StatusChange {
+    std::int32_t next = 0;
+    std::chrono::sys_time<std::chrono::milliseconds> at;
+};
+
 struct Device {
-    /// Codes with which calls without a result fail; 0 when they work.
-    int sdkInitialize = 0;
-    int cellularDataConnect = 0;
-    int cellularDataDisconnect = 0;
+    Answer<Action> sdkInitialize{.named = true};
+    Answer<Action> cellularDataConnect{.named = true};
+    Answer<Action> cellularDataDisconnect{.named = true};
+    /// While the data call is being started or ended: what follows getCellularDataConnectionStatus.
+    std::optional<StatusChange> statusChange;
 
 #define DEVICE_ANSWER(Type, name, Meaning, field, description) Answer<Type> name;
     SYSINT_QUERIES(DEVICE_ANSWER)
@@ -93,6 +112,9 @@ struct Device {
 
     /// Message bus: the blocks that have been published, by channel.
     NamedAnswers<std::vector<std::byte>> channels;
+
+    /// All faults that the answers have.
+    Faults faults;
 };
 
 }  // namespace binding

@@ -30,6 +30,11 @@ class Snapshot {
         return device;
     }
 
+    std::shared_ptr<const Device> Newest() {
+        const std::scoped_lock lock(mutex);
+        return NewestDevice();
+    }
+
   private:
     std::mutex mutex;
     std::shared_ptr<const Device> device;
@@ -63,6 +68,10 @@ const Device* SessionDevice() {
 
 std::shared_ptr<const Device> CurrentDevice() {
     return TheSnapshot().Current();
+}
+
+std::shared_ptr<const Device> NewestState() {
+    return TheSnapshot().Newest();
 }
 
 }  // namespace binding

@@ -22,4 +22,7 @@ const Device* SessionDevice();
 /// the newest state. Null when there has never been one.
 std::shared_ptr<const Device> CurrentDevice();
 
+/// The newest state, also during a session, which keeps its own.
+std::shared_ptr<const Device> NewestState();
+
 }  // namespace binding

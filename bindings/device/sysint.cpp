@@ -34,7 +34,8 @@ int sys_sdkInitialize() {
     if (failure != SYS_SUCCESS) {
         return failure;
     }
-    return WithDevice(kCodeBase, [](const Device& device) { return device.sdkInitialize; });
+    return WithDevice(
+        kCodeBase, [](const Device& device) { return FailureOf(device.sdkInitialize, kCodeBase); });
 }
 
 int sys_sdkShutdown() {
@@ -64,9 +65,9 @@ SYSINT_NAMED_QUERIES(DEVICE_NAMED_QUERY)
 
 int sys_getSIMCarrierGID(std::uint8_t* gid, std::uint8_t* length, std::uint8_t index) {
     return WithDevice(kCodeBase, [&](const Device& device) {
-        const auto& answer = device.getSIMCarrierGID.At(index);
-        const int failure = FailureOf(answer, kCodeBase);
+        const int failure = FailureOf(device.getSIMCarrierGID, index, kCodeBase);
         if (failure == SYS_SUCCESS) {
+            const auto& answer = device.getSIMCarrierGID.At(index);
             std::copy_n(answer.value.bytes.begin(), answer.value.length, gid);
             *length = answer.value.length;
         }
@@ -121,6 +122,10 @@ int sys_getWiFiGuestProfileEnabled(int profile, int* enabled) {
         if (profile != SYS_WIFI_GUEST_2_4_GHZ && profile != SYS_WIFI_GUEST_5_GHZ) {
             return static_cast<int>(binding::kNotAnswered);
         }
-        return Deliver(device.getWiFiGuestProfileEnabled.At(profile), enabled);
+        const int failure = FailureOf(device.getWiFiGuestProfileEnabled, profile, kCodeBase);
+        if (failure == SYS_SUCCESS) {
+            *enabled = device.getWiFiGuestProfileEnabled.At(profile).value;
+        }
+        return failure;
     });
 }

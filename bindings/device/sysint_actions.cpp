@@ -7,14 +7,14 @@ using binding::Device;
 
 int sys_cellularDataConnect(int /*reserved*/) {
     return binding::WithDevice(0, [](const Device& device) {
-        const int failure = device.cellularDataConnect;
+        const int failure = binding::FailureOf(device.cellularDataConnect, 0);
         return failure == SYS_SUCCESS ? binding::StartDataCall() : failure;
     });
 }
 
 int sys_cellularDataDisconnect(int /*reserved*/) {
     return binding::WithDevice(0, [](const Device& device) {
-        const int failure = device.cellularDataDisconnect;
+        const int failure = binding::FailureOf(device.cellularDataDisconnect, 0);
         return failure == SYS_SUCCESS ? binding::StopDataCall() : failure;
     });
 }

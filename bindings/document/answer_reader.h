@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -14,18 +15,30 @@ namespace binding {
 /// restores. Its value is null when the document had no entry for the call.
 constexpr const char* kHealedName = "healed";
 
-/// Returns N if @p node is `{"error": N}`, and 0 if it is something else. An object with a member
-/// "error" may have only one other member: the kept answer, which @p checkHealed(node) checks.
-int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed);
+/// What an entry says instead of an answer.
+struct Failure {
+    int code = 0;  ///< code that every call fails with; 0 if not every call fails at once
+    /// What happens to calls that otherwise answer as if healed.
+    std::shared_ptr<Fault> fault = nullptr;
+};
+
+/// Reads @p node if it is an object with a member "error", which is never an answer; returns
+/// nothing otherwise. @p readHealed(node) reads the kept answer, unless that is null.
+Failure ReadFailure(const Node& node, const std::function<void(const Node&)>& readHealed);
 
 /// Reads an answer whose value is read by @p readValue(node, value).
 template <typename T, typename ReadValue>
 void ReadAnswer(Node node, Answer<T>& answer, ReadValue readValue) {
+    Answer<T> kept;
+    const Failure failure =
+        ReadFailure(node, [&](const Node& healed) { ReadAnswer(healed, kept, readValue); });
+    if (failure.fault) {
+        answer = std::move(kept);
+        answer.fault = failure.fault;
+        return;
+    }
     answer.named = true;
-    answer.error = ReadFailure(node, [&](const Node& healed) {
-        Answer<T> ignored;
-        ReadAnswer(healed, ignored, readValue);
-    });
+    answer.error = failure.code;
     if (answer.error == 0) {
         node.AllowFailure();
         readValue(std::as_const(node), answer.value);

@@ -2,13 +2,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bindings/document/fault_reader.h"
 #include "bindings/document/read_document.h"
 
 namespace binding {
 
-Device CompileDevice(const nlohmann::ordered_json& document) {
+Device CompileDevice(const nlohmann::ordered_json& document, const Faults& earlier) {
     Device device;
-    const Node root(document);
+    FaultCollector faults(earlier);
+    const Node root(document, &faults);
     Members members(root);
     if (const auto title = members.Find("title"); title && title->Text() == nullptr) {
         title->Expected("a text");
@@ -23,34 +25,14 @@ Device CompileDevice(const nlohmann::ordered_json& document) {
         ReadMsgbus(*msgbus, device);
     }
     members.RejectOthers();
+    device.faults = faults.Collected();
     return device;
 }
 
-int ReadFailure(const Node& node, const std::function<void(const Node&)>& checkHealed) {
-    if (!node.IsObject() || !node.HasMember("error")) {
-        return 0;
-    }
-    const bool keeps = node.HasMember(kHealedName);
-    if (node.Size() != (keeps ? 2U : 1U)) {
-        node.Expected("{\"error\": N} alone", "other names beside \"error\"");
-    }
-    if (keeps && !node.Value().at(kHealedName).is_null()) {
-        checkHealed(node.Member(kHealedName));
-    }
-    constexpr const char* kExpected = "a 32-bit integer other than 0 and 983040";
-    const Node code = node.Member("error");
-    const auto number = NumberOf<int>(code.Value());
-    if (!number) {
-        return static_cast<int>(ReadName(code, kExpected));
-    }
-    if (*number == SYS_SUCCESS || *number == WEBUI_SUCCESS) {
-        code.Expected(kExpected);
-    }
-    return *number;
-}
-
-Device ReadDevice(const std::string& file, const std::string& text) {
-    return ReadDocument(file, text, CompileDevice);
+Device ReadDevice(const std::string& file, const std::string& text, const Faults& earlier) {
+    return ReadDocument(file, text, [&](const nlohmann::ordered_json& document) {
+        return CompileDevice(document, earlier);
+    });
 }
 
 }  // namespace binding

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bindings/document/device_reader.h"
+#include "bindings/document/document_time.h"
 
 namespace binding {
 
@@ -144,17 +145,23 @@ void ReadValue(const Node& node, std::vector<sys_connected_device_t>& devices) {
     }
 }
 
+constexpr const char* kDataCallStatus = "getCellularDataConnectionStatus";
+
 /// One value for every index from 0 to @p largest, or an object of values by index.
 template <typename T>
 void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int largest) {
     const auto readValue = [](const Node& from, T& value) { ReadValue(from, value); };
-    const int failure = ReadFailure(node, [&](const Node& healed) {
-        IndexedAnswer<T> ignored;
-        ReadIndexed(healed, ignored, smallest, largest);
-    });
-    if (failure != 0) {
+    IndexedAnswer<T> kept;
+    const Failure failure = ReadFailure(
+        node, [&](const Node& healed) { ReadIndexed(healed, kept, smallest, largest); });
+    if (failure.fault) {
+        answer = std::move(kept);
+        answer.fault = failure.fault;
+        return;
+    }
+    if (failure.code != 0) {
         answer.every.named = true;
-        answer.every.error = failure;
+        answer.every.error = failure.code;
         return;
     }
     if (!node.IsObject()) {
@@ -173,30 +180,81 @@ void ReadIndexed(const Node& node, IndexedAnswer<T>& answer, int smallest, int l
     }
 }
 
-/// Reads the entry of a call that has no result: such an entry can only be a failure.
-int ReadFailureOnly(const Node& node) {
-    const int code = ReadFailure(node, ReadFailureOnly);
-    if (code == 0) {
-        node.Expected("{\"error\": N}");
+void ReadValue(const Node& node, Action& action) {
+    if (!node.IsObject() || !node.HasMember("takes")) {
+        node.Expected("{\"takes\": seconds}");
     }
-    return code;
+    Members members(node);
+    action.takes = ReadSeconds(*members.Find("takes"), 0);
+    members.RejectOthers();
 }
 
-/// Reads the entry of such a call, if there is one.
-int ReadAction(Members& sys, const std::string& name) {
-    const auto member = sys.Find(name);
-    return member ? ReadFailureOnly(*member) : 0;
+/// Reads the entry of a call that has no result, if there is one. Without a failure, it works.
+void ReadAction(Members& sys, const std::string& name, Answer<Action>& answer) {
+    if (const auto member = sys.Find(name)) {
+        ReadAnswer(*member, answer,
+                   [](const Node& from, Action& action) { ReadValue(from, action); });
+        answer.named = true;
+    }
+}
+
+/// Reads the entry of such a call that can only be a failure.
+void ReadFailureOnly(const Node& node, Answer<Action>& answer) {
+    Answer<Action> kept{.named = true};
+    const Failure failure =
+        ReadFailure(node, [&](const Node& healed) { ReadFailureOnly(healed, kept); });
+    if (failure.fault) {
+        answer = kept;
+        answer.fault = failure.fault;
+        return;
+    }
+    answer.error = failure.code;
+    if (answer.error == 0) {
+        node.Expected("{\"error\": N}");
+    }
+}
+
+/// Reads a status of the data call that is about to change by itself.
+void ReadStatusChange(const Node& node, std::int32_t& status, std::optional<StatusChange>& change) {
+    Members members(node);
+    const auto now = members.Find("now");
+    const auto next = members.Find("next");
+    const auto at = members.Find("at");
+    if (!now || !next || !at) {
+        ExpectedNumber(node, "a 32-bit integer or an object with \"now\", \"next\" and \"at\"");
+    }
+    Read(*now, status);
+    StatusChange read;
+    Read(*next, read.next);
+    read.at = ReadTime(*at);
+    members.RejectOthers();
+    change = read;
 }
 
 }  // namespace
 
 void ReadSys(const Node& node, Device& device) {
     Members sys(node);
-    device.sdkInitialize = ReadAction(sys, "sdkInitialize");
-    device.cellularDataConnect = ReadAction(sys, "cellularDataConnect");
-    device.cellularDataDisconnect = ReadAction(sys, "cellularDataDisconnect");
+    if (const auto member = sys.Find("sdkInitialize")) {
+        ReadFailureOnly(*member, device.sdkInitialize);
+    }
+    ReadAction(sys, "cellularDataConnect", device.cellularDataConnect);
+    ReadAction(sys, "cellularDataDisconnect", device.cellularDataDisconnect);
+    if (const auto member = sys.Find(kDataCallStatus)) {
+        ReadAnswer(*member, device.getCellularDataConnectionStatus,
+                   [&](const Node& from, std::int32_t& status) {
+                       if (from.IsObject()) {
+                           ReadStatusChange(from, status, device.statusChange);
+                       } else {
+                           Read(from, status);
+                       }
+                   });
+    }
 
     const auto query = [&sys](const std::string& name, auto& answer) {
+        if (name == kDataCallStatus) {
+            return;  // is read above
+        }
         if (const auto member = sys.Find(name)) {
             ReadAnswer(*member, answer,
                        [](const Node& from, auto& value) { ReadValue(from, value); });

@@ -16,14 +16,19 @@
 
 namespace binding {
 
+class FaultCollector;
+
 /// A value of a document together with its path from the root. It must not outlive its parent.
 class Node {
   public:
-    /// Makes the node of the root.
-    explicit Node(const nlohmann::ordered_json& newValue) : value(newValue) {}
+    /// Makes the node of the root. @p newFaults gets the faults of the document's calls; it may be
+    /// null for a document without calls.
+    explicit Node(const nlohmann::ordered_json& newValue, FaultCollector* newFaults = nullptr)
+        : value(newValue), faults(newFaults) {}
 
     const nlohmann::ordered_json& Value() const { return value; }
     KeyPath Path() const;
+    FaultCollector* Faults() const { return faults; }
 
     /// Whether `{"error": N}` may stand in place of the value.
     void AllowFailure() { mayFail = true; }
@@ -54,11 +59,12 @@ class Node {
 
     Node(const nlohmann::ordered_json& newValue, const Node* newParent,
          std::variant<std::string, std::size_t> newStep)
-        : value(newValue), parent(newParent), step(std::move(newStep)) {}
+        : value(newValue), faults(newParent->faults), parent(newParent), step(std::move(newStep)) {}
 
     std::string Complaint(const std::string& expected, const std::string& found) const;
 
     const nlohmann::ordered_json& value;
+    FaultCollector* faults;
     const Node* parent = nullptr;
     std::variant<std::string, std::size_t> step;
     bool mayFail = false;

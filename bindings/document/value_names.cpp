@@ -27,6 +27,8 @@ struct NamedNumber {
 
 const std::vector<NamedNumber>& NamedNumbersOfSys() {
     static const std::vector<NamedNumber> kNumbers = {
+        {"getCellularDataConnectionStatus", "now", kDataConnectionStatus},
+        {"getCellularDataConnectionStatus", "next", kDataConnectionStatus},
         {"getCellularServiceStats", "technology", kTechnology},
         {"getCellularServiceStats", "roaming", kRoaming},
         {"getCellularServiceStats", "fiveGType", kFiveGType},

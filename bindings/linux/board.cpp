@@ -207,7 +207,7 @@ void Board::ReadDocument() {
     std::string problem;
     try {
         FileStamp stamp;
-        read = ReadBoardDocument(path, ReadFile(path, stamp));
+        read = ReadBoardDocument(path, ReadFile(path, stamp), document.device.faults);
     } catch (const std::exception& error) {
         problem = error.what();
     }

@@ -13,14 +13,27 @@ namespace {
 
 constexpr const char* kSettingsName = "linux";
 
-BoardDocument Compile(nlohmann::ordered_json document) {
+/// On a real board, actions take the time that they take.
+void MustNotTakeTime(const std::string& name, bool takesTime) {
+    if (takesTime) {
+        const KeyPath path = {"sys", name};
+        throw ValueError(path, PathText(path) + ": only a simulated device changes by itself");
+    }
+}
+
+BoardDocument Compile(nlohmann::ordered_json document, const Faults& earlier) {
     BoardDocument board;
     if (document.is_object() && document.contains(kSettingsName)) {
         const Node root(document);
         ReadSettings(root.Member(kSettingsName), board.settings);
         document.erase(kSettingsName);
     }
-    board.device = CompileDevice(document);
+    board.device = CompileDevice(document, earlier);
+    const Device& device = board.device;
+    MustNotTakeTime("cellularDataConnect", device.cellularDataConnect.value.takes.count() != 0);
+    MustNotTakeTime("cellularDataDisconnect",
+                    device.cellularDataDisconnect.value.takes.count() != 0);
+    MustNotTakeTime("getCellularDataConnectionStatus", device.statusChange.has_value());
     return board;
 }
 
@@ -28,11 +41,16 @@ template <typename T>
 void Replace(Answer<T>& answer, const Answer<T>& by) {
     if (by.named) {
         answer = by;
+    } else if (by.fault) {
+        answer.fault = by.fault;
     }
 }
 
 template <typename T>
 void Replace(IndexedAnswer<T>& answer, const IndexedAnswer<T>& by) {
+    if (by.fault) {
+        answer.fault = by.fault;
+    }
     Replace(answer.every, by.every);
     for (const auto& [index, one] : by.byIndex) {
         answer.byIndex[index] = one;
@@ -42,6 +60,9 @@ void Replace(IndexedAnswer<T>& answer, const IndexedAnswer<T>& by) {
 /// A document that names some fields says nothing of the others.
 template <typename T>
 void Merge(Answer<NamedAnswers<T>>& answers, const Answer<NamedAnswers<T>>& by) {
+    if (by.fault) {
+        answers.fault = by.fault;
+    }
     if (!by.named) {
         return;
     }
@@ -55,12 +76,6 @@ void Merge(Answer<NamedAnswers<T>>& answers, const Answer<NamedAnswers<T>>& by) 
     }
 }
 
-void ReplaceCode(int& code, int by) {
-    if (by != 0) {
-        code = by;
-    }
-}
-
 }  // namespace
 
 std::string BoardDocumentPath() {
@@ -68,14 +83,18 @@ std::string BoardDocumentPath() {
     return path == nullptr || *path == '\0' ? KESTAL_BOARD_DOCUMENT : path;
 }
 
-BoardDocument ReadBoardDocument(const std::string& file, const std::string& text) {
-    return ReadDocument(file, text, Compile);
+BoardDocument ReadBoardDocument(const std::string& file, const std::string& text,
+                                const Faults& earlier) {
+    return ReadDocument(file, text, [&](nlohmann::ordered_json document) {
+        return Compile(std::move(document), earlier);
+    });
 }
 
 void Overlay(Device& device, const Device& document) {
-    ReplaceCode(device.sdkInitialize, document.sdkInitialize);
-    ReplaceCode(device.cellularDataConnect, document.cellularDataConnect);
-    ReplaceCode(device.cellularDataDisconnect, document.cellularDataDisconnect);
+    device.faults = document.faults;
+    Replace(device.sdkInitialize, document.sdkInitialize);
+    Replace(device.cellularDataConnect, document.cellularDataConnect);
+    Replace(device.cellularDataDisconnect, document.cellularDataDisconnect);
 #define DEVICE_REPLACE_ANSWER(Type, name, Meaning, field, description) \
     Replace(device.name, document.name);
     SYSINT_QUERIES(DEVICE_REPLACE_ANSWER)

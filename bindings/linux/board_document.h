@@ -18,8 +18,9 @@ std::string BoardDocumentPath();
 
 /// Compiles the document @p text: that of a simulated device, with an object "linux" for the
 /// settings. Throws std::runtime_error, whose text begins with @p file and the line, when anything
-/// in it is wrong.
-BoardDocument ReadBoardDocument(const std::string& file, const std::string& text);
+/// in it is wrong. For @p earlier, see ReadDevice.
+BoardDocument ReadBoardDocument(const std::string& file, const std::string& text,
+                                const Faults& earlier = {});
 
 /// Replaces each answer of @p device that @p document names, too.
 void Overlay(Device& device, const Device& document);

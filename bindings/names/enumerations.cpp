@@ -143,6 +143,7 @@ constexpr EnumerationName kBindingCodeNames[] = {
     {kBusNotJoined, "bus_not_joined"},
     {kSourceLost, "source_lost"},
     {kNothingToConnect, "nothing_to_connect"},
+    {kInterrupted, "interrupted"},
 };
 
 }  // namespace

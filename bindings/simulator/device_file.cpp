@@ -4,6 +4,7 @@
 #include <exception>
 #include <memory>
 
+#include "bindings/device/device_clock.h"
 #include "bindings/device/device_owner.h"
 #include "bindings/document/device_reader.h"
 #include "bindings/posix/files/watched_file.h"
@@ -27,6 +28,13 @@ class DeviceFile {
         if (const auto reading = file.ReadIfChanged(path)) {
             Compile(*reading);
         }
+        if (device && device->statusChange &&
+            device->statusChange->at <= CurrentDeviceClock().TimeOfDay()) {
+            auto changed = std::make_shared<Device>(*device);
+            changed->getCellularDataConnectionStatus.value = changed->statusChange->next;
+            changed->statusChange.reset();
+            device = std::move(changed);
+        }
         return device;
     }
 
@@ -35,7 +43,8 @@ class DeviceFile {
         std::string problem = reading.problem;
         if (problem.empty()) {
             try {
-                device = std::make_shared<const Device>(ReadDevice(path, reading.contents));
+                device = std::make_shared<const Device>(
+                    ReadDevice(path, reading.contents, device ? device->faults : Faults()));
                 return;
             } catch (const std::exception& error) {
                 problem = error.what();

@@ -102,7 +102,8 @@ TEST_P(NamedQueries, AreAnObjectOfIntegers) {
     }
     EXPECT_EQ(SysComplaint(name, "{\"error\": 5, \"ssid\": 1}"),
               "device.json:3: sys." + name +
-                  ": expected {\"error\": N} alone, found other names beside \"error\"");
+                  ".ssid: expected one of error, times, probability, seed, delay, hang, since, "
+                  "healed, found an unknown name");
     EXPECT_EQ(SysComplaint(name, "{\"ssid\": {\"error\": 0}}"),
               "device.json:3: sys." + name +
                   ".ssid.error: expected a 32-bit integer other than 0 and 983040, found 0");

@@ -159,21 +159,22 @@ TEST(DeviceDocument, FailuresHaveNoCodeOfSuccess) {
     EXPECT_EQ(SysComplaint("getSIMStatus", "{\n\"error\": \"x\"}"),
               "device.json:4: sys.getSIMStatus.error: expected error_buffer_needed, "
               "error_no_sd_card, not_answered, no_device, not_changed, binding_failed, "
-              "bus_not_joined, source_lost, nothing_to_connect or a 32-bit integer other than 0 "
-              "and 983040, found 'x'");
+              "bus_not_joined, source_lost, nothing_to_connect, interrupted or a 32-bit integer "
+              "other than 0 and 983040, found 'x'");
     EXPECT_EQ(SysComplaint("getBatteryStatus", "{\"error\": 1, \"chargePercent\": 2}"),
-              "device.json:3: sys.getBatteryStatus: expected {\"error\": N} alone, found other "
-              "names beside \"error\"");
+              "device.json:3: sys.getBatteryStatus.chargePercent: expected one of error, times, "
+              "probability, seed, delay, hang, since, healed, found an unknown name");
 }
 
 TEST(DeviceDocument, ActionsCanOnlyFail) {
     const Device device = Read(R"({"sys": {"sdkInitialize": {"error": 1},
         "cellularDataConnect": {"error": 2}, "cellularDataDisconnect": {"error": 3}}})");
-    EXPECT_EQ(device.sdkInitialize, 1);
-    EXPECT_EQ(device.cellularDataConnect, 2);
-    EXPECT_EQ(device.cellularDataDisconnect, 3);
+    EXPECT_EQ(device.sdkInitialize.error, 1);
+    EXPECT_EQ(device.cellularDataConnect.error, 2);
+    EXPECT_EQ(device.cellularDataDisconnect.error, 3);
     EXPECT_EQ(SysComplaint("cellularDataConnect", "0"),
-              "device.json:3: sys.cellularDataConnect: expected {\"error\": N}, found 0");
+              "device.json:3: sys.cellularDataConnect: expected {\"takes\": seconds} or "
+              "{\"error\": N}, found 0");
     EXPECT_EQ(SysComplaint("sdkInitialize", "{}"),
               "device.json:3: sys.sdkInitialize: expected {\"error\": N}, found an object");
 }
@@ -467,8 +468,8 @@ TEST(DeviceDocument, ChannelsHoldNotificationsOrBytes) {
     EXPECT_EQ(ChannelComplaint("{\"bytes\": \"00\",\n\"size\": 1}"),
               "device.json:4: msgbus.a.size: expected one of bytes, found an unknown name");
     EXPECT_EQ(ChannelComplaint("{\"error\": 7, \"bytes\": \"\"}"),
-              "device.json:3: msgbus.a: expected {\"error\": N} alone, found other names beside "
-              "\"error\"");
+              "device.json:3: msgbus.a.bytes: expected one of error, times, probability, seed, "
+              "delay, hang, since, healed, found an unknown name");
     EXPECT_EQ(ChannelComplaint("{\"error\": 0}"),
               "device.json:3: msgbus.a.error: expected a 32-bit integer other than 0 and 983040, "
               "found 0");

@@ -58,12 +58,29 @@ TEST(NamedValues, StandForTheCodesOfTheirSection) {
         "msgbus": {"a": {"error": "buffer_needed"}, "b": {"error": "bus_not_joined"}}})");
     EXPECT_EQ(device.getSDCardInfo.error, SYS_ERROR_NO_SD_CARD);
     EXPECT_EQ(device.getGPSStatus.error, 9001);
-    EXPECT_EQ(device.cellularDataConnect, 9007);
+    EXPECT_EQ(device.cellularDataConnect.error, 9007);
     EXPECT_EQ(device.getWiFiGuestProfileEnabled.At(1).error, 9006);
     EXPECT_EQ(device.commonFeatures.error, WEBUI_BUFFER_NEEDED);
     EXPECT_EQ(device.uriData.value.at("sms").error, 992041);
     EXPECT_EQ(device.channels.at("a").error, 4);
     EXPECT_EQ(device.channels.at("b").error, 9005);
+}
+
+TEST(NamedValues, StandInFaultsForTheCodeAndTheAnswer) {
+    const Device device = Read(R"({
+        "sys": {"getSIMStatus": {"error": "error_no_sd_card", "times": 3, "healed": "ready"},
+            "getWiFiGuestProfileEnabled":
+                {"1": {"error": "interrupted", "delay": 2, "healed": {"error": "source_lost"}}},
+            "getCellularDataConnectionStatus": {"error": null, "delay": 2, "healed":
+                {"now": "connecting", "next": "connected", "at": "2026-11-21T12:00:00.000Z"}}},
+        "webui": {"commonFeatures": {"error": "not_answered", "probability": 0.5, "healed": null}}})");
+    EXPECT_EQ(device.getSIMStatus.fault->Plan().code, SYS_ERROR_NO_SD_CARD);
+    EXPECT_EQ(device.getSIMStatus.value, SYS_SIM_READY);
+    EXPECT_EQ(device.getWiFiGuestProfileEnabled.At(1).fault->Plan().code, 9008);
+    EXPECT_EQ(device.getWiFiGuestProfileEnabled.At(1).error, 9006);
+    EXPECT_EQ(device.getCellularDataConnectionStatus.value, SYS_DATA_CONNECTION_CONNECTING);
+    EXPECT_EQ(device.statusChange.value().next, SYS_DATA_CONNECTION_CONNECTED);
+    EXPECT_EQ(device.commonFeatures.fault->Plan().code, 992041);
 }
 
 TEST(NamedValues, AWrongNameIsAnErrorThatListsTheRightOnes) {
@@ -90,7 +107,7 @@ TEST(NamedValues, AWrongNameIsAnErrorThatListsTheRightOnes) {
 TEST(NamedValues, AWrongNameOfACodeIsAnErrorThatListsTheCodesOfItsSection) {
     const std::string shared =
         "not_answered, no_device, not_changed, binding_failed, bus_not_joined, source_lost, "
-        "nothing_to_connect or a 32-bit integer other than 0 and 983040, found ";
+        "nothing_to_connect, interrupted or a 32-bit integer other than 0 and 983040, found ";
     EXPECT_EQ(SysComplaint("getSDCardInfo", "{\"error\": \"no_sd_card\"}"),
               "device.json:3: sys.getSDCardInfo.error: expected error_buffer_needed, "
               "error_no_sd_card, " +

@@ -97,8 +97,8 @@ TEST(ShippedDevices, EveryCallFailsWithACodeOfItsOwnExceptTheSwitchOfTheWebUi) {
     const Device device = Shipped("everything-failing");
     EXPECT_EQ(device.getWebUICarrierEnabled.value, 1);
     std::vector<int> codes = Codes(device);
-    codes.insert(codes.end(),
-                 {device.sdkInitialize, device.cellularDataConnect, device.cellularDataDisconnect});
+    codes.insert(codes.end(), {device.sdkInitialize.error, device.cellularDataConnect.error,
+                               device.cellularDataDisconnect.error});
     EXPECT_EQ(std::count(codes.begin(), codes.end(), 0), 1);
     const std::set<int> different(codes.begin(), codes.end());
     // Both guest profiles fail with the same code.

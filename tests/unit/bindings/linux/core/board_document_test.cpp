@@ -193,8 +193,32 @@ TEST(BoardDocument, OneIndexOfACallIsReplacedAlone) {
 }
 
 TEST(BoardDocument, ActionsCanBeMadeToFail) {
-    EXPECT_EQ(Overlaid("{\"sys\": {\"cellularDataConnect\": {\"error\": 3}}}").cellularDataConnect,
-              3);
+    const Device device = Overlaid("{\"sys\": {\"cellularDataConnect\": {\"error\": 3}}}");
+    EXPECT_EQ(device.cellularDataConnect.error, 3);
+}
+
+TEST(BoardDocument, AFaultWithoutAnAnswerHappensBeforeThatOfTheSource) {
+    const Device device = Overlaid(
+        R"({"sys": {"getGPSStatus": {"error": null, "delay": 1, "healed": null},
+                    "getWiFiGuestProfileEnabled": {"error": 5, "times": 1, "healed": null},
+                    "getSIMStatus": {"error": 5, "times": 1, "healed": 6}},
+            "webui": {"uriData": {"error": 5, "times": 1, "healed": null}}})");
+    const Device source = Overlaid("{}");
+    EXPECT_TRUE(device.getGPSStatus.named);
+    EXPECT_EQ(device.getGPSStatus.value, source.getGPSStatus.value);
+    EXPECT_NE(device.getGPSStatus.fault, nullptr);
+    EXPECT_NE(device.getWiFiGuestProfileEnabled.fault, nullptr);
+    EXPECT_TRUE(device.getWiFiGuestProfileEnabled.At(1).named);
+    EXPECT_EQ(device.getSIMStatus.value, 6);
+    EXPECT_NE(device.getSIMStatus.fault, nullptr);
+    EXPECT_NE(device.uriData.fault, nullptr);
+    EXPECT_EQ(device.uriData.value.size(), source.uriData.value.size());
+    EXPECT_EQ(device.faults.size(), 4U);
+}
+
+TEST(BoardDocument, OnlySimulatedDevicesChangeByThemselves) {
+    EXPECT_EQ(ProblemOf("{\"sys\": {\n\"cellularDataConnect\": {\"takes\": 2}}}"),
+              "device.json:2: sys.cellularDataConnect: only a simulated device changes by itself");
 }
 
 TEST(AbsentDevice, EachCallAnswersAndOnlyTheCardTellsThatItIsAbsent) {
