@@ -48,6 +48,8 @@ _kestal_sim() {
             words=--help
             if [ "$command" = show ]; then
                 words='--paths --help'
+            elif [ "$command" = fail ]; then
+                words='--times --probability --seed --delay --hang --help'
             fi
             mapfile -t names < <("$1" "${device[@]}" show --paths 2>/dev/null)
             ;;

@@ -17,7 +17,9 @@ std::string Contents(const std::string& file) {
 
 nlohmann::ordered_json CurrentDocument() {
     const std::string path = binding::DevicePath();
-    return binding::ReadGoodDocument(path, Contents(path));
+    auto document = binding::ReadGoodDocument(path, Contents(path));
+    binding::MakeDueChange(document);
+    return document;
 }
 
 void ChangeDocument(const std::function<void(nlohmann::ordered_json&)>& change) {

@@ -10,6 +10,7 @@
 #include "bindings/simulator/edit/printed_answer.h"
 #include "tools/kestal_sim/commands.h"
 #include "tools/kestal_sim/document.h"
+#include "tools/kestal_sim/fault.h"
 
 namespace {
 
@@ -50,9 +51,9 @@ void Set(const Arguments& arguments, std::ostream& /*out*/) {
 }
 
 void Fail(const Arguments& arguments, std::ostream& /*out*/) {
+    const json fault = FaultOf(arguments);
     ChangeDocument([&](json& document) {
-        binding::FailCall(document, ResolvePath(arguments.Value("CALL"), document),
-                          ValueOf(arguments.Value("CODE")));
+        binding::FailCall(document, ResolvePath(arguments.Value("CALL"), document), fault);
     });
 }
 
@@ -81,10 +82,14 @@ std::vector<Command> DocumentCommands() {
                         {"VALUE", "JSON, or the name of a value: ready; anything else is a text"}},
          .run = Set},
         {.names = {"fail"},
-         .description = "Make a call fail",
+         .description = "Make a call fail, always or now and then, be slow or hang",
          .parameters = {{"CALL", "The call, such as sys.getGPSStatus; also a page or a channel"},
-                        {"CODE", "The code that it fails with: a number, or its name"}},
-         .run = Fail},
+                        {.name = "CODE",
+                         .description = "The code that it fails with: a number, or its name; not "
+                                        "needed if it is slow or hangs",
+                         .isOptional = true}},
+         .run = Fail,
+         .options = FaultOptions()},
         {.names = {"heal"},
          .description = "Let a call answer as it did before it was made to fail",
          .parameters = {{"CALL", "The call, as it was given to fail"}},

@@ -6,8 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "bindings/device/device_clock.h"
 #include "bindings/document/answer_reader.h"
 #include "bindings/document/device_reader.h"
+#include "bindings/document/document_time.h"
 #include "bindings/document/node.h"
 #include "bindings/document/read_document.h"
 #include "bindings/document/value_names.h"
@@ -27,6 +29,11 @@ using json = nlohmann::ordered_json;
 
 bool HasBeenMadeToFail(const json& value) {
     return value.is_object() && value.contains("error") && value.contains(kHealedName);
+}
+
+/// Whether the entry @p value of a call says more than that every call fails.
+bool IsFault(const json& value) {
+    return HasBeenMadeToFail(value) && value.size() > 2;
 }
 
 /// The answer in the entry @p value of a call: the value itself or, if the call has been made to
@@ -76,16 +83,17 @@ std::string TextOf(const std::string& text, const json& before, const json& afte
     }
 }
 
-void MakeFail(json& document, const KeyPath& path, const json& code) {
+/// @p fault begins with "error".
+void MakeFail(json& document, const KeyPath& path, json fault) {
     json& value = FindOrCreate(document, path);
-    json kept = HealthyValue(value);
-    value = json{{"error", code}, {kHealedName, std::move(kept)}};
+    fault[kHealedName] = HealthyValue(value);
+    value = std::move(fault);
 }
 
 /// Throws UnknownName, and std::runtime_error when nothing that can fail is at @p path.
 void MustBeCall(const json& document, const KeyPath& path) {
     json probe = document;
-    MakeFail(probe, path, 1);
+    MakeFail(probe, path, {{"error", 1}});
     try {
         (void)CompileDevice(probe);
         return;
@@ -98,6 +106,10 @@ void MustBeCall(const json& document, const KeyPath& path) {
     } catch (const ValueError&) {  // NOLINT(bugprone-empty-catch): the error is about the probe
     }
     throw std::runtime_error(PathText(path) + ": this is not a call, a page or a channel");
+}
+
+KeyPath StatusPath() {
+    return {"sys", "getCellularDataConnectionStatus"};
 }
 
 KeyPath NotificationsPath() {
@@ -125,6 +137,7 @@ void ChangeDevice(const std::string& path, const std::function<void(json&)>& cha
     UpdateFile(path, MissingFile::fails, [&](const std::string& text) {
         const json before = ReadGoodDocument(path, text);
         json after = before;
+        MakeDueChange(after);
         change(after);
         std::string patched = TextOf(text, before, after);
         MustBeGood(ParseStrictly(patched));
@@ -141,7 +154,7 @@ KeyPath FailingCallOn(const json& document, const KeyPath& path) {
         const KeyPath call(path.begin(), ++end);
         const json* const value = FindAt(document, call);
         if (value == nullptr || HasBeenMadeToFail(*value)) {
-            return value == nullptr ? KeyPath() : call;
+            return value == nullptr || IsFault(*value) ? KeyPath() : call;
         }
     }
     return {};
@@ -178,9 +191,50 @@ void MoveNumber(json& document, const KeyPath& path, const Move& move) {
     }
 }
 
-void FailCall(json& document, const KeyPath& path, const json& code) {
+void FailCall(json& document, const KeyPath& path, const json& fault) {
     MustBeCall(document, path);
-    MakeFail(document, path, code);
+    json made = {{"error", fault.is_object() ? json(nullptr) : fault}};
+    if (fault.is_object()) {
+        made.update(fault);
+    }
+    if (made.contains("times") || made.contains("probability")) {
+        // Without the time, a service that does not see that the call is healed meanwhile would
+        // count on.
+        made["since"] = TimeText(CurrentDeviceClock().TimeOfDay());
+    }
+    MakeFail(document, path, std::move(made));
+}
+
+void MakeDueChange(json& document) {
+    const json* const status = FindAt(document, StatusPath());
+    if (status == nullptr || !status->is_object()) {
+        return;
+    }
+    const auto change = CompileDevice(document).statusChange;
+    if (change && change->at <= CurrentDeviceClock().TimeOfDay()) {
+        json* changing = &FindOrCreate(document, StatusPath());
+        while (HasBeenMadeToFail(*changing)) {
+            changing = &changing->at(kHealedName);
+        }
+        // Taken from the document and not from the device, because it may be a name.
+        json next = changing->at("next");
+        *changing = std::move(next);
+    }
+}
+
+const json* ValueAt(const json& document, const KeyPath& path) {
+    const json* value = &document;
+    for (const auto& step : path) {
+        value = FindAt(*value, {step});
+        if (value == nullptr) {
+            return nullptr;
+        }
+        if (IsFault(*value)) {
+            value = &value->at(kHealedName);
+        }
+    }
+    return path == StatusPath() && value->is_object() && value->contains("now") ? &value->at("now")
+                                                                                : value;
 }
 
 void HealCall(json& document, const KeyPath& path) {

@@ -1,7 +1,7 @@
 // Changes of a device document.
 //
-// When a call is made to fail, its entry keeps the original answer, and healing the call restores
-// it. Until then, changes of the call's value change the kept answer.
+// When a call is made to fail or faulty, its entry keeps the original answer, and healing the call
+// restores it. Until then, changes of the call's value change the kept answer.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +33,15 @@ void MustBeGood(const nlohmann::ordered_json& document);
 /// position, and for a name in something that is not an object.
 void SetValue(nlohmann::ordered_json& document, const KeyPath& path, nlohmann::ordered_json value);
 
-/// The path of the failing call to which the value at @p path belongs; empty when there is none.
+/// If the device's own change of the data call is due, makes it.
+void MakeDueChange(nlohmann::ordered_json& document);
+
+/// The value that the device has at @p path; null when it has none, for instance because the call
+/// fails. A call that fails only now and then, is slow or hangs still has its value.
+const nlohmann::ordered_json* ValueAt(const nlohmann::ordered_json& document, const KeyPath& path);
+
+/// The path of the call to which the value at @p path belongs if every such call fails; empty
+/// otherwise.
 KeyPath FailingCallOn(const nlohmann::ordered_json& document, const KeyPath& path);
 
 /// By how much a number changes, and between which limits.
@@ -48,10 +56,13 @@ struct Move {
 /// there is no integer, or when the result does not fit into 64 bits.
 void MoveNumber(nlohmann::ordered_json& document, const KeyPath& path, const Move& move);
 
-/// Makes the call at @p path fail with @p code, a number or a name. Throws UnknownName, and
-/// std::runtime_error when something else than a call is there.
+/// Makes the call at @p path fail or faulty. @p fault is the code that each call fails with, a
+/// number or a name; or an object as the document describes a fault, but without the kept answer,
+/// and "error" may be missing where it would be null. Calls are counted anew, even if the call has
+/// had an equal fault before. Whether it is a fault shows when the document is read. Throws
+/// UnknownName, and std::runtime_error when something else than a call is there.
 void FailCall(nlohmann::ordered_json& document, const KeyPath& path,
-              const nlohmann::ordered_json& code);
+              const nlohmann::ordered_json& fault);
 
 /// Restores what the call at @p path answered before it was made to fail. A call that does not fail
 /// is left alone. Throws UnknownName, and std::runtime_error when something else than a call is

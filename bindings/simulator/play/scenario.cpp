@@ -1,7 +1,6 @@
 #include "bindings/simulator/play/scenario.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -10,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "bindings/document/document_time.h"
+#include "bindings/document/fault_reader.h"
 #include "bindings/document/node.h"
 #include "bindings/document/read_document.h"
 #include "bindings/document/value_names.h"
@@ -23,8 +24,6 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-/// A week.
-constexpr double kLongest = 604'800;
 constexpr double kShortest = 0.1;
 /// More than anybody writes by hand; without a limit, a short file could ask for more than memory
 /// holds.
@@ -37,15 +36,6 @@ struct Times {
     Milliseconds interval{1000};
     std::shared_ptr<const Condition> condition = nullptr;
 };
-
-Milliseconds ReadSeconds(const Node& node, double least) {
-    const double seconds = node.Value().is_number() ? node.Value().get<double>() : -1;
-    if (!(seconds >= least && seconds <= kLongest)) {
-        node.Expected(least > 0 ? "a number of seconds from 0.1 to 604800"
-                                : "a number of seconds from 0 to 604800");
-    }
-    return Milliseconds(std::llround(seconds * 1000));
-}
 
 std::string ReadString(const Node& node, const char* expected) {
     if (!node.Value().is_string() || node.Value().get_ref<const std::string&>().empty()) {
@@ -205,12 +195,14 @@ class ScenarioReader {
         object.MustBeObject();
         for (const auto& item : object.Value().items()) {
             const Node code = object.Member(item.key());
-            // Which names there are depends on the call.
-            if (!code.Value().is_string() && !code.Value().is_number_integer()) {
-                code.Expected("a 32-bit integer or the name of a code");
+            if (code.IsObject()) {
+                CheckFaultOrder(code);
+            } else if (!code.Value().is_string() && !code.Value().is_number_integer()) {
+                // Which names there are depends on the call.
+                code.Expected("a 32-bit integer, the name of a code or an object");
             }
-            Add(instant, code, [path = item.key(), value = item.value()](json& document) {
-                FailCall(document, ResolvePath(path, document), value);
+            Add(instant, code, [path = item.key(), fault = item.value()](json& document) {
+                FailCall(document, ResolvePath(path, document), fault);
             });
         }
     }
@@ -421,7 +413,7 @@ bool Holds(const Change& change, const json& document) {
                            bool isMet = false;
                            RunWithPlace(requirement.where, [&] {
                                const KeyPath path = ResolvePath(requirement.path, document);
-                               const json* const found = FindAt(document, path);
+                               const json* const found = ValueAt(document, path);
                                isMet = found != nullptr && IsSame(path, *found, *requirement.value);
                            });
                            return isMet;

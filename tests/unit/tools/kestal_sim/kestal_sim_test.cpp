@@ -151,6 +151,82 @@ TEST_F(SimCommand, TakesNamesInPlaceOfNumbers) {
     EXPECT_EQ(Run("show getSIMStatus"), "0 \"ready\"\n");
 }
 
+TEST_F(SimCommand, MakesCallsFaultyAndHealsThem) {
+    const auto entry = [](const std::string& text) {
+        return With("\": 7", "\": {" + text + ", \"healed\": 7}");
+    };
+    EXPECT_EQ(Run("fail getSIMStatus --delay 2s"), "0 ");
+    EXPECT_EQ(ReadFile(device), entry(R"("error": null, "delay": 2)"));
+    EXPECT_EQ(Run("fail getSIMStatus 5 --delay 500ms"), "0 ");
+    EXPECT_EQ(ReadFile(device), entry(R"("error": 5, "delay": 0.5)"));
+    EXPECT_EQ(Run("fail getSIMStatus --delay=1.5m"), "0 ");
+    EXPECT_EQ(ReadFile(device), entry(R"("error": null, "delay": 90)"));
+    EXPECT_EQ(Run("fail getSIMStatus --hang"), "0 ");
+    EXPECT_EQ(ReadFile(device), entry(R"("error": null, "hang": true)"));
+    EXPECT_EQ(Run("show getSIMStatus"), "0 {\"error\": null, \"hang\": true, \"healed\": 7}\n");
+    EXPECT_EQ(Run("set getSIMStatus 6"), "0 ");
+    EXPECT_EQ(Run("set getSIMStatus 7"), "0 ");
+    EXPECT_EQ(Run("fail getSIMStatus 5 --times 3 --probability 0.2 --seed 7"), "0 ");
+    EXPECT_THAT(
+        Run("show getSIMStatus"),
+        MatchesRegex("0 .\n    \"error\": 5,\n    \"times\": 3,\n    \"probability\": 0.2,\n"
+                     "    \"seed\": 7,\n    \"since\": \"20..-..-..T..:..:..[.]...Z\",\n"
+                     "    \"healed\": 7\n.\n"));
+    EXPECT_EQ(Run("heal getSIMStatus"), "0 ");
+    EXPECT_EQ(ReadFile(device), kDocument);
+}
+
+TEST_F(SimCommand, MakesCallsFaultyWithACodeByItsName) {
+    EXPECT_EQ(Run("fail getSIMStatus not_answered --delay 2s"), "0 ");
+    EXPECT_EQ(Run("set getSIMStatus ready"), "0 ");
+    EXPECT_EQ(Run("show getSIMStatus"),
+              "0 {\"error\": \"not_answered\", \"delay\": 2, \"healed\": \"ready\"}\n");
+    EXPECT_THAT(Run("fail getSIMStatus not_answred --times 3"),
+                ::testing::AllOf(StartsWith("1 kestal-sim: sys.getSIMStatus.error: expected "),
+                                 EndsWith(", found 'not_answred'; did you mean not_answered?\n")));
+    // CODE is only a code, and not another way to write the options.
+    EXPECT_THAT(Run("fail getSIMStatus '{\"error\": 5}'"), EndsWith(", found an object\n"));
+    EXPECT_EQ(Run("heal getSIMStatus"), "0 ");
+    EXPECT_EQ(ReadFile(device), With("\": 7", "\": \"ready\""));
+}
+
+TEST_F(SimCommand, RefusesFaultsThatSayTooLittleOrTooMuch) {
+    const auto refused = [](const std::string& arguments) {
+        const std::string told = Run("fail getSIMStatus " + arguments);
+        EXPECT_THAT(told, EndsWith("\nTry 'kestal-sim --help'.\n"));
+        return told.substr(0, told.find('\n'));
+    };
+    const std::string start = "2 kestal-sim: ";
+    EXPECT_EQ(refused(""), start + "CODE, --delay or --hang is required");
+    EXPECT_EQ(refused("--times 3"), start + "CODE, --delay or --hang is required");
+    EXPECT_EQ(refused("5 --seed 3"), start + "--seed requires --probability");
+    EXPECT_EQ(refused("5 --hang"), start + "CODE excludes --hang");
+    EXPECT_EQ(refused("--delay 2s --hang"), start + "--delay excludes --hang");
+    for (const std::string delay : {"0", "2h", "-1s", "s", "604801", "nan"}) {
+        EXPECT_EQ(refused("--delay=" + delay),
+                  start + "--delay: '" + delay + "' is not a time from 1ms to 604800s");
+    }
+    for (const std::string probability : {"1.1", "-1", "0.2x", "nan"}) {
+        EXPECT_EQ(refused("5 --probability=" + probability),
+                  start + "--probability: '" + probability + "' is not a number from 0 to 1");
+    }
+    EXPECT_EQ(refused("5 --times 0"), start + "--times: '0' is not a number from 1 to 1000000000");
+    EXPECT_EQ(ReadFile(device), kDocument);
+}
+
+TEST_F(SimCommand, ShowsADataCallThatIsComplete) {
+    Document(R"({"sys": {"getCellularDataConnectionStatus":
+{"now": 4, "next": 2, "at": "2026-01-01T00:00:00.000Z"}}})");
+    EXPECT_EQ(Run("show sys.getCellularDataConnectionStatus"), "0 2\n");
+    EXPECT_EQ(Run("set sys.cellularDataConnect.takes 4"), "0 ");
+    EXPECT_EQ(ReadFile(device),
+              R"({"sys": {"cellularDataConnect": {"takes": 4},"getCellularDataConnectionStatus":)"
+              "\n2}}");
+    Document(R"({"sys": {"getCellularDataConnectionStatus":
+{"now": "connecting", "next": "connected", "at": "2026-01-01T00:00:00.000Z"}}})");
+    EXPECT_EQ(Run("show sys.getCellularDataConnectionStatus"), "0 \"connected\"\n");
+}
+
 TEST_F(SimCommand, LoadsAnotherDevice) {
     const std::filesystem::path other = directory / "other.json";
     WriteFile(other, "{\"sys\": {\"getSIMStatus\":  1}}");

@@ -8,6 +8,7 @@
 
 #include "bindings/simulator/edit/device_path.h"
 #include "bindings/simulator/edit/notification_types.h"
+#include "tests/support/fake_device_clock.h"
 #include "tests/support/scratch.h"
 #include "tests/unit/bindings/document/document_reading.h"
 
@@ -23,6 +24,7 @@ using binding::HealCall;
 using binding::KeyPath;
 using binding::MoveNumber;
 using binding::SetValue;
+using binding::ValueAt;
 
 const KeyPath kStatus = {"sys", "getSIMStatus"};
 const KeyPath kPercent = {"sys", "getBatteryStatus", "chargePercent"};
@@ -148,6 +150,33 @@ TEST(FailCall, AnotherCodeKeepsTheSameAnswer) {
               R"({"sys":{"getSIMStatus":{"error":6,"healed":7}}})");
 }
 
+TEST(FailCall, MakesACallFaultyAndKeepsItsAnswer) {
+    FakeDeviceClock clock;
+    const auto fault = [](const char* text) {
+        return [=](json& document) { FailCall(document, kStatus, json::parse(text)); };
+    };
+    const std::string before = R"({"sys":{"getSIMStatus":7}})";
+    EXPECT_EQ(After(before, fault(R"({"error":5,"times":3})")),
+              R"({"sys":{"getSIMStatus":{"error":5,"times":3,)"
+              R"("since":"2026-11-21T12:00:00.000Z","healed":7}}})");
+    EXPECT_EQ(After(before, fault(R"({"delay":2})")),
+              R"({"sys":{"getSIMStatus":{"error":null,"delay":2,"healed":7}}})");
+    EXPECT_EQ(After(R"({"sys":{"getSIMStatus":{"error":null,"hang":true,"healed":7}}})",
+                    fault(R"({"error":5,"probability":0.5})")),
+              R"({"sys":{"getSIMStatus":{"error":5,"probability":0.5,)"
+              R"("since":"2026-11-21T12:00:00.000Z","healed":7}}})");
+}
+
+TEST(FailCall, OfTheSameKindAgainIsAnotherFault) {
+    FakeDeviceClock clock;
+    const auto threeTimes = [](json& document) {
+        FailCall(document, kStatus, json{{"error", 5}, {"times", 3}});
+    };
+    const std::string once = After(R"({"sys":{"getSIMStatus":7}})", threeTimes);
+    clock.Pass(std::chrono::milliseconds(1));
+    EXPECT_NE(After(once, threeTimes), once);
+}
+
 TEST(HealCall, RestoresEveryKindOfCall) {
     // Whatever the document holds, a call that fails and is healed answers as before.
     for (const auto& each : std::vector<std::pair<KeyPath, std::string>>{
@@ -172,6 +201,10 @@ TEST(HealCall, RestoresEveryKindOfCall) {
         const std::string failing =
             After(before.dump(), [&](json& document) { FailCall(document, call, 5); });
         EXPECT_NE(failing, before.dump());
+        const std::string faulty = After(before.dump(), [&](json& document) {
+            FailCall(document, call, json{{"delay", 2}, {"times", 1}});
+        });
+        EXPECT_EQ(After(faulty, [&](json& document) { HealCall(document, call); }), before.dump());
         EXPECT_EQ(After(failing, [&](json& document) { HealCall(document, call); }), before.dump());
     }
 }
@@ -214,6 +247,51 @@ TEST(MadeToFail, ChangesApplyToTheKeptAnswer) {
     HealCall(document, kBattery);
     EXPECT_EQ(document.dump(), R"({"sys":{"getBatteryStatus":{"chargePercent":1}}})");
     EXPECT_EQ(FailingCallOn(document, kPercent), KeyPath());
+}
+
+TEST(MadeToFail, AFaultyCallHasTheValueThatItAnswersWithAtOtherTimes) {
+    json document = json::parse(R"({"sys":{"getBatteryStatus":{"chargePercent":7}}})");
+    EXPECT_EQ(*ValueAt(document, kPercent), 7);
+    EXPECT_EQ(ValueAt(document, kStatus), nullptr);
+    FailCall(document, kBattery, json{{"delay", 2}});
+    SetValue(document, kPercent, 9);
+    EXPECT_EQ(*ValueAt(document, kPercent), 9);
+    EXPECT_EQ(FailingCallOn(document, kPercent), KeyPath());
+    FailCall(document, kBattery, 5);
+    EXPECT_EQ(ValueAt(document, kPercent), nullptr);
+}
+
+TEST(DataCall, IsChangedInTheDocumentWhenItsTimeHasCome) {
+    FakeDeviceClock clock;
+    const KeyPath status = {"sys", "getCellularDataConnectionStatus"};
+    for (
+        const std::string connecting :
+        {R"({"now":4,"next":2,"at":"2026-11-21T12:00:01.000Z"})",
+         R"({"error":null,"delay":1,"healed":{"now":4,"next":2,"at":"2026-11-21T12:00:01.000Z"}})"}) {
+        clock.timeOfDay = FakeDeviceClock::kNoon;
+        json document = json::object();
+        document["sys"]["getCellularDataConnectionStatus"] = json::parse(connecting);
+        const std::string before = document.dump();
+        clock.Pass(std::chrono::milliseconds(999));
+        binding::MakeDueChange(document);
+        EXPECT_EQ(document.dump(), before);
+        EXPECT_EQ(*ValueAt(document, status), 4);
+        clock.Pass(std::chrono::milliseconds(1));
+        binding::MakeDueChange(document);
+        EXPECT_NE(document.dump(), before);
+        EXPECT_EQ(*ValueAt(document, status), 2);
+    }
+}
+
+TEST(DataCall, IsChangedToANameWhereTheDocumentHasOne) {
+    FakeDeviceClock clock;
+    json document =
+        json::parse(R"({"sys":{"getCellularDataConnectionStatus":{"error":"not_answered",
+        "times":3,"healed":{"now":"connecting","next":"connected",
+        "at":"2026-11-21T12:00:00.000Z"}}}})");
+    binding::MakeDueChange(document);
+    EXPECT_EQ(document.dump(), R"({"sys":{"getCellularDataConnectionStatus":)"
+                               R"({"error":"not_answered","times":3,"healed":"connected"}}})");
 }
 
 TEST(MadeToFail, AValueReplacesAFailureWrittenByHand) {

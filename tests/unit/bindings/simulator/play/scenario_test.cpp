@@ -8,6 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tests/support/fake_device_clock.h"
+
 namespace {
 
 using json = nlohmann::ordered_json;
@@ -157,6 +159,9 @@ TEST(Scenario, RampsPauseWhileTheirConditionDoesNotHold) {
                          {"at": 4.5, "say": "c", "heal": ["sys.getSIMStatus"]})",
                     ready),
               2);
+    EXPECT_EQ(
+        count(R"(, {"at": 1.5, "say": "b", "fail": {"sys.getSIMStatus": {"delay": 5}}})", ready),
+        5);
     EXPECT_EQ(count("", R"({"sys":{"getSMSUnreadCount":0}})"), 0);
 }
 
@@ -215,6 +220,77 @@ TEST(Scenario, CallsFailAndAreHealed) {
                             Pair(1000, R"({"sys":{"getSIMStatus":{"error":5,"healed":6}}})"),
                             Pair(2000, R"({"sys":{"getSIMStatus":6},)"
                                        R"("webui":{"i18nSettings":{"error":6,"healed":null}}})")));
+}
+
+TEST(Scenario, CallsAreMadeFaulty) {
+    FakeDeviceClock clock;
+    const std::string since = R"("since":"2026-11-21T12:00:00.000Z")";
+    EXPECT_THAT(
+        Played(Events(R"({"at": 0, "say": "a",
+                          "fail": {"sys.getSIMStatus": {"error": 5, "times": 3}}},
+                         {"at": 1, "say": "b", "fail": {"sys.getSIMStatus": {"hang": true}}},
+                         {"at": 2, "say": "c", "heal": ["sys.getSIMStatus"],
+                          "set": {"sys.cellularDataConnect.takes": 4}})"),
+               R"({"sys":{"getSIMStatus":7}})"),
+        ElementsAre(Pair(0, R"({"sys":{"getSIMStatus":{"error":5,"times":3,)" + since +
+                                R"(,"healed":7}}})"),
+                    Pair(1000, R"({"sys":{"getSIMStatus":{"error":null,"hang":true,"healed":7}}})"),
+                    Pair(2000, R"({"sys":{"getSIMStatus":7,"cellularDataConnect":{"takes":4}}})")));
+}
+
+TEST(Scenario, FaultsMayNameTheCodesOfTheirCalls) {
+    FakeDeviceClock clock;
+    EXPECT_EQ(Played(Events(R"({"at": 0, "say": "a",
+                                "fail": {"webui.commonFeatures":
+                                             {"error": "buffer_needed", "delay": 2}}})"),
+                     "{}")
+                  .back()
+                  .second,
+              R"({"webui":{"commonFeatures":{"error":"buffer_needed","delay":2,"healed":null}}})");
+    EXPECT_THAT(ComplaintOnDevice("{\"at\": 0, \"say\": \"a\",\n\"fail\": {\"sys.getSDCardInfo\": "
+                                  "{\"error\": \"buffer_needed\", \"times\": 3}}}"),
+                ::testing::StartsWith(
+                    "a.json:3: events[0].fail.sys.getSDCardInfo: sys.getSDCardInfo.error: expected "
+                    "error_buffer_needed, error_no_sd_card, "));
+}
+
+TEST(Scenario, AConditionHoldsWhileTheDeviceIsConnecting) {
+    FakeDeviceClock clock;
+    const std::string before =
+        R"({"sys":{"getNumSims":0,"getCellularDataConnectionStatus":)"
+        R"({"now":"connecting","next":"connected","at":"2026-11-21T12:00:09.000Z"}}})";
+    for (const std::string condition : {"4", "\"connecting\""}) {
+        const std::string ramp = R"({"at": 0, "say": "a", "for": 1,
+            "while": {"sys.getCellularDataConnectionStatus": )" +
+                                 condition + R"(}, "ramp": {"sys.getNumSims": {"by": 1}}})";
+        EXPECT_THAT(Played(Events(ramp), before).back().second,
+                    ::testing::HasSubstr(R"("getNumSims":1)"));
+    }
+}
+
+TEST(Scenario, FaultsAreCheckedWhereTheyAreWritten) {
+    const auto complaint = [](const std::string& fault) {
+        return EventComplaint(
+            "{\"at\": 1, \"say\": \"a\",\n\"fail\": {\"sys.getSIMStatus\": " + fault + "}}");
+    };
+    const std::string place = "a.json:3: events[0].fail.sys.getSIMStatus";
+    EXPECT_EQ(complaint(R"({"error": 5, "times": 0})"),
+              place + ".times: expected a number from 1 to 1000000000, found 0");
+    EXPECT_EQ(complaint(R"({"error": 5, "tims": 3})"),
+              place +
+                  ".tims: expected one of error, times, probability, seed, delay, hang, found "
+                  "an unknown name; did you mean events[0].fail.sys.getSIMStatus.times?");
+    EXPECT_EQ(complaint(R"({"times": 3})"),
+              place +
+                  ": expected an object with \"error\", \"delay\" or \"hang\", found one "
+                  "without");
+    EXPECT_THAT(complaint(R"({"error": 5, "healed": 3})"), ::testing::HasSubstr(".healed: "));
+    EXPECT_EQ(complaint(R"({"error": true})"),
+              place + ".error: expected a 32-bit integer or the name of a code, found true");
+    EXPECT_EQ(
+        complaint(R"({"error": "not_answered", "hang": true})"),
+        place + ".hang: expected neither an error nor \"delay\" beside it, found one of them");
+    EXPECT_EQ(complaint(R"({"delay": 2})"), "");
 }
 
 TEST(Scenario, NotificationsComeAndGo) {
@@ -299,8 +375,8 @@ TEST(Scenario, WrongChangesAreReported) {
     EXPECT_EQ(complaint(R"("set": [])"), place + "set: expected an object, found a list");
     EXPECT_EQ(complaint(R"("fail": {"sys.getSIMStatus": true})"),
               place +
-                  "fail.sys.getSIMStatus: expected a 32-bit integer or the name of a code, "
-                  "found true");
+                  "fail.sys.getSIMStatus: expected a 32-bit integer, the name of a code or an "
+                  "object, found true");
     EXPECT_EQ(complaint(R"("heal": {})"), place + "heal: expected a list, found an object");
     EXPECT_EQ(complaint(R"("heal": [1])"), place + "heal[0]: expected the name of a call, found 1");
     EXPECT_EQ(complaint(R"("clear": "some")"),
