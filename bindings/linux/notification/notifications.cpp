@@ -117,9 +117,13 @@ constexpr std::array kRules = {
 ClientCounts Count(const std::vector<sys_connected_device_t>& clients) {
     ClientCounts counts;
     for (const sys_connected_device_t& client : clients) {
-        const bool isWired = client.connectionKind == SYS_CONNECTION_WIRED_A ||
-                             client.connectionKind == SYS_CONNECTION_WIRED_B;
-        ++(isWired ? counts.wired : counts.wifi);
+        if (client.connectionKind == SYS_CONNECTION_WIRED_A) {
+            ++counts.ethernet;
+        } else if (client.connectionKind == SYS_CONNECTION_WIRED_B) {
+            ++counts.usb;
+        } else {
+            ++counts.wifi;
+        }
     }
     return counts;
 }
@@ -198,10 +202,14 @@ void Notifications::NoteClients(const Device& device, const Settings& settings, 
         if (counts.wifi > clients->wifi) {
             Begin("deviceJoinWiFi", until);
         }
-        if (counts.wired > clients->wired) {
+        if (counts.ethernet > clients->ethernet) {
             Begin("deviceJoinEthernet", until);
         }
-        if (counts.wifi < clients->wifi || counts.wired < clients->wired) {
+        if (counts.usb > clients->usb) {
+            Begin("deviceJoinUSB", until);
+        }
+        if (counts.wifi < clients->wifi || counts.ethernet < clients->ethernet ||
+            counts.usb < clients->usb) {
             Begin("deviceLeave", until);
         }
     }

@@ -15,7 +15,8 @@ namespace binding {
 /// How many clients are connected, by kind.
 struct ClientCounts {
     std::size_t wifi = 0;
-    std::size_t wired = 0;
+    std::size_t ethernet = 0;
+    std::size_t usb = 0;
 
     bool operator==(const ClientCounts&) const = default;
 };

@@ -214,13 +214,17 @@ TEST(Notifications, RecordHasSeverityAndMessageIdsOfItsType) {
 class ClientNotifications : public ::testing::Test {
   protected:
     /// What is published at @p at with so many clients.
-    std::vector<std::string> After(seconds at, int wifi, int wired) {
+    std::vector<std::string> After(seconds at, int wifi, int ethernet, int usb = 0) {
         Device device = Registered();
-        for (int client = 0; client < wifi + wired; ++client) {
+        const auto add = [&](int count, sys_connection_kind_e kind) {
             sys_connected_device_t record{};
-            record.connectionKind = client < wifi ? SYS_CONNECTION_WIFI : SYS_CONNECTION_WIRED_A;
-            device.getConnectedDeviceList.value.push_back(record);
-        }
+            record.connectionKind = kind;
+            auto& clients = device.getConnectedDeviceList.value;
+            clients.insert(clients.end(), static_cast<std::size_t>(count), record);
+        };
+        add(wifi, SYS_CONNECTION_WIFI);
+        add(ethernet, SYS_CONNECTION_WIRED_A);
+        add(usb, SYS_CONNECTION_WIRED_B);
         end = notifications.Publish(device, {}, kStart + at, true);
         std::vector<std::string> types;
         for (const AnsNotificationRecord& record : Records(device)) {
@@ -258,6 +262,8 @@ TEST_F(ClientNotifications, EachKindOfConnectionHasItsOwn) {
     (void)After(seconds(0), 0, 0);
     EXPECT_THAT(After(seconds(1), 0, 1), ElementsAre("deviceJoinEthernet"));
     EXPECT_THAT(After(seconds(2), 1, 1), ElementsAre("deviceJoinEthernet", "deviceJoinWiFi"));
+    EXPECT_THAT(After(seconds(70), 1, 1, 1), ElementsAre("deviceJoinUSB"));
+    EXPECT_THAT(After(seconds(140), 1, 1, 0), ElementsAre("deviceLeave"));
 }
 
 TEST_F(ClientNotifications, ClientThatLeavesIsShown) {
