@@ -4,6 +4,7 @@ import shutil
 
 import pytest
 
+from lab.network import ETHERNET, GUESTS, USB
 from support.namespaces import may_be_made
 from support.waiting import wait_until
 
@@ -55,6 +56,24 @@ def test_a_computer_is_plugged_in(network):
 
 
 @needs_root
+def test_a_computer_is_connected_without_a_bridge(network):
+    network.network.separate(ETHERNET)
+    network.network.plug()
+    network.network.see(COMPUTER, "192.168.9.24", ETHERNET)
+    network.network.see(PHONE, "192.168.10.23", USB)
+    network.service.shows(statusBarClientListSize="2", statusBarWiFiClientListSize="0")
+    network.service.notifies("deviceJoinEthernet", "deviceJoinUSB")
+    network.network.see(COMPUTER, "192.168.9.24", ETHERNET, "stale")
+    network.network.see(PHONE, "192.168.10.23", USB, "failed")
+    # One is quiet for a moment, the other one does not answer.
+    network.service.shows(statusBarClientListSize="1", statusBarWiFiClientListSize="0")
+    network.network.unplug()
+    network.service.shows(statusBarClientListSize="0", statusBarEthernetPortEnabled="enabled")
+    network.service.notifies("deviceJoinEthernet", "deviceJoinUSB", "deviceLeave")
+    assert network.service.said() == {}
+
+
+@needs_root
 def test_a_computer_gets_its_address_from_the_board(network):
     if shutil.which("busybox") is None:
         pytest.skip("busybox is not installed")
@@ -72,13 +91,33 @@ def test_a_computer_gets_its_address_from_the_board(network):
 
 @needs_root
 def test_the_access_point_is_killed_and_comes_back(network):
+    network.network.attach(GUEST, GUESTS)
+    network.guests.join(GUEST)
+    network.service.shows(statusBarGuestClientListSize="1")
     network.wifi.kill()
-    network.service.shows("statusBarWiFiEnabled")
+    network.service.shows("statusBarWiFiEnabled", statusBarGuestClientListSize="1", statusBarClientListSize="1")
+    # The bridge still remembers the guest, but the guests' own access point knows better.
+    network.guests.leave(GUEST)
+    network.service.shows(statusBarClientListSize="0")
     network.wifi.start()
     network.service.shows(statusBarWiFiEnabled=1)
-    said = network.service.said()
-    assert said["wifi: lost: hostapd is gone"] == 1
-    assert said["wifi: is back"] == 1
+    network.service.notifies("deviceJoinWiFi", "deviceLeave")
+    assert network.service.said() == {"wifi: lost: hostapd is gone": 1, "wifi: is back": 1}
+
+
+@needs_root
+def test_only_the_access_point_of_the_guests_is_killed(network):
+    for access_point, mac in ((network.wifi, PHONE), (network.guests, GUEST)):
+        network.network.attach(mac, access_point.interface)
+        access_point.join(mac)
+    network.service.shows(statusBarWiFiClientListSize="1", statusBarGuestClientListSize="1")
+    network.guests.kill()
+    # The bridge still sees the guest, who stays.
+    network.service.shows(statusBarGuestWifiEnabled=0, statusBarWiFiClientListSize="1",
+                          statusBarGuestClientListSize="1")
+    network.network.detach(GUEST, GUESTS)
+    network.service.shows(statusBarWiFiClientListSize="1", statusBarGuestClientListSize="0")
+    assert network.service.said() == {"guest-wifi: lost: hostapd is gone": 1}
 
 
 @needs_root

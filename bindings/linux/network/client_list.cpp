@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <utility>
 
 namespace binding {
@@ -48,8 +47,9 @@ void AddStations(ClientMap& clients, const std::vector<Station>& stations,
     }
 }
 
-bool IsWired(sys_connection_kind_e kind) {
-    return kind == SYS_CONNECTION_WIRED_A || kind == SYS_CONNECTION_WIRED_B;
+/// Whether it has been quiet for so long that it counts as gone.
+bool IsSilent(const Sighting& neighbour) {
+    return neighbour.quiet && *neighbour.quiet >= kQuietLimit;
 }
 
 void AddAddress(Client& client, const std::string& address) {
@@ -72,7 +72,7 @@ std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfa
     for (const Sighting& neighbour : seen.neighbours) {
         // The bridge as a whole does not tell how a client is connected; its ports do.
         const auto kind = KindAt(neighbour.interface, interfaces);
-        if (kind && (IsWired(*kind) || !seen.stationsKnown)) {
+        if (kind && !IsSilent(neighbour) && !Contains(seen.told, neighbour.interface)) {
             Add(clients, neighbour.mac, *kind);
         }
     }
@@ -97,6 +97,18 @@ std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfa
         list.push_back(std::move(client));
     }
     return list;
+}
+
+std::optional<std::chrono::seconds> NextDeparture(const std::vector<Sighting>& neighbours,
+                                                  const ClientInterfaces& interfaces) {
+    std::optional<std::chrono::seconds> next;
+    for (const Sighting& neighbour : neighbours) {
+        if (neighbour.quiet && !IsSilent(neighbour) && KindAt(neighbour.interface, interfaces)) {
+            const auto left = kQuietLimit - *neighbour.quiet;
+            next = next ? std::min(*next, left) : left;
+        }
+    }
+    return next;
 }
 
 std::vector<sys_connected_device_t> ClientRecords(const std::vector<Client>& clients) {

@@ -1,7 +1,9 @@
 // Who is connected, from all that know something of it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,15 +38,24 @@ struct ClientSightings {
     std::vector<Sighting> neighbours;
     std::vector<Station> stations;       ///< of the main Wi-Fi
     std::vector<Station> guestStations;  ///< of the guest Wi-Fi
-    /// Whether the stations are known. If so, nobody else is connected by Wi-Fi, even if the kernel
-    /// still remembers the address of one that has left.
-    bool stationsKnown = false;
+    /// Interfaces whose hostapd has told its stations. Nobody else is connected there, even if the
+    /// kernel still remembers the address of one that has left.
+    std::vector<std::string> told;
 };
+
+/// For how long a client counts that has been quiet, and that the kernel has not asked for since:
+/// as long as a bridge remembers one. Who sleeps stays for a while, and who has left does not stay
+/// for ever. The kernel itself would drop such a neighbour only when it has many of them.
+constexpr std::chrono::seconds kQuietLimit{300};
 
 /// The connected clients, each once, in the order of their hardware addresses. A lease does not
 /// make a client, because it outlasts the connection; it tells name and address of one.
 std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
                                 std::int64_t now);
+
+/// In what time the next quiet one of @p neighbours stops being a client; nothing if none will.
+std::optional<std::chrono::seconds> NextDeparture(const std::vector<Sighting>& neighbours,
+                                                  const ClientInterfaces& interfaces);
 
 /// The records that sys_getConnectedDeviceList answers.
 std::vector<sys_connected_device_t> ClientRecords(const std::vector<Client>& clients);

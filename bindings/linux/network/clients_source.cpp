@@ -14,6 +14,7 @@ namespace {
 
 /// dnsmasq empties its file before it writes it again; a moment later it has written all.
 constexpr std::uint64_t kWriting = 50'000;
+constexpr std::uint64_t kSecond = 1'000'000;
 
 }  // namespace
 
@@ -39,11 +40,26 @@ void ClientsSource::Start() {
             }
         });
         ReadLeases();
-        routes.emplace(GetBoard().Event(), RouteSocket::Scope::linksAndNeighbours,
-                       [this] { Present(); });
+        routes.emplace(GetBoard().Event(), RouteSocket::Scope::linksAndNeighbours, [this] {
+            AwaitDeparture();
+            Present();
+        });
     } catch (const std::system_error& error) {
         Lost(error.what());
     }
+}
+
+void ClientsSource::AwaitDeparture() {
+    const auto next = NextDeparture(Neighbours(), interfaces);
+    if (!next) {
+        departure.Reset();
+        return;
+    }
+    departure.After(GetBoard().Event(), static_cast<std::uint64_t>(next->count()) * kSecond,
+                    kSecond, [this] {
+                        AwaitDeparture();
+                        Changed();
+                    });
 }
 
 void ClientsSource::ReadLeases() {
@@ -56,15 +72,20 @@ void ClientsSource::ReadLeases() {
     }
 }
 
+std::vector<Sighting> ClientsSource::Neighbours() const {
+    return routes ? routes->Table().Sightings(std::chrono::steady_clock::now())
+                  : std::vector<Sighting>();
+}
+
 std::vector<Client> ClientsSource::Clients() const {
     ClientSightings seen;
     seen.leases = leases;
-    if (routes) {
-        seen.neighbours = routes->Table().Sightings();
-    }
+    seen.neighbours = Neighbours();
     seen.stations = wifi.Stations();
     seen.guestStations = guestWifi.Stations();
-    seen.stationsKnown = wifi.GetState() == State::present;
+    seen.told = wifi.Told();
+    const std::vector<std::string> guests = guestWifi.Told();
+    seen.told.insert(seen.told.end(), guests.begin(), guests.end());
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return JoinClients(seen, interfaces,
                        std::chrono::duration_cast<std::chrono::seconds>(now).count());

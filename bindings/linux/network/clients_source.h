@@ -26,6 +26,8 @@ class ClientsSource : public Source {
 
   private:
     std::vector<Client> Clients() const;
+    std::vector<Sighting> Neighbours() const;
+    void AwaitDeparture();
     void ReadLeases();
 
     const WifiSource& wifi;
@@ -34,6 +36,7 @@ class ClientsSource : public Source {
     std::vector<Lease> leases;
     std::optional<PathWatch> leaseWatch;
     EventSource reading;
+    EventSource departure;
     std::optional<RouteSocket> routes;
 };
 

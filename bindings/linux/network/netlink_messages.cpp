@@ -5,6 +5,7 @@
 #include <linux/rtnetlink.h>
 #include <net/if.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -109,6 +110,14 @@ void ReadLink(Bytes body, bool gone, std::vector<NetworkMessage>& messages) {
     messages.emplace_back(std::move(link));
 }
 
+/// When a device has last answered, as the kernel tells it in ticks of its clock. The kernel
+/// changes an entry when it has heard of the device, so the newer one of both counts.
+std::chrono::seconds QuietTime(const nda_cacheinfo& cache) {
+    const long ticks = sysconf(_SC_CLK_TCK);
+    return std::chrono::seconds(std::min(cache.ndm_confirmed, cache.ndm_updated) /
+                                (ticks > 0 ? ticks : 100));
+}
+
 /// Whether a device in @p state is there. A device that has been quiet for a while is "stale". An
 /// entry that somebody has written ("permanent") tells nothing; in a forwarding table it is a
 /// port's own address.
@@ -129,8 +138,14 @@ void ReadNeighbour(Bytes body, bool gone, std::vector<NetworkMessage>& messages)
                         .mac = 0,
                         .address = {},
                         .present = !gone && IsPresent(info->ndm_state, family == AF_BRIDGE)};
+    if (info->ndm_state == NUD_STALE && family != AF_BRIDGE) {
+        neighbour.quiet.emplace(0);
+    }
     ForEachAttribute(From(body, Aligned(sizeof(ndmsg))), [&](int type, Bytes value) {
-        if (type == NDA_LLADDR) {
+        const auto cache = RecordAt<nda_cacheinfo>(value);
+        if (type == NDA_CACHEINFO && neighbour.quiet && cache) {
+            neighbour.quiet = QuietTime(*cache);
+        } else if (type == NDA_LLADDR) {
             neighbour.mac = MacOf(value).value_or(0);
         } else if (type == NDA_DST && family != AF_BRIDGE) {
             neighbour.address = AddressText(family, value);

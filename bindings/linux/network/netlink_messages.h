@@ -1,8 +1,10 @@
 // What the kernel tells about interfaces and neighbours (rtnetlink).
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -32,6 +34,9 @@ struct Neighbour {
     MacAddress mac = 0;
     std::string address;   ///< IP address; empty for an entry of a forwarding table
     bool present = false;  ///< whether the kernel takes the device for reachable
+    /// How long ago the device has last answered, when the kernel has not asked it since ("stale").
+    /// An entry of a forwarding table has none: the bridge drops it when the device is quiet.
+    std::optional<std::chrono::seconds> quiet = std::nullopt;
 };
 
 /// The answer to a request that asked for all of something is complete.

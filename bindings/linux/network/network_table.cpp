@@ -10,8 +10,8 @@ constexpr std::size_t kMostLinks = 1024;
 
 }  // namespace
 
-bool NetworkTable::Apply(const NetworkMessage& message) {
-    return std::visit([this](const auto& kind) { return this->Take(kind); }, message);
+bool NetworkTable::Apply(const NetworkMessage& message, Time now) {
+    return std::visit([this, now](const auto& kind) { return this->Take(kind, now); }, message);
 }
 
 void NetworkTable::Clear() {
@@ -25,19 +25,24 @@ const Link* NetworkTable::FindLink(std::string_view name) const {
     return found == links.end() ? nullptr : &found->second;
 }
 
-std::vector<Sighting> NetworkTable::Sightings() const {
+std::vector<Sighting> NetworkTable::Sightings(Time now) const {
     std::vector<Sighting> sightings;
-    for (const auto& [key, mac] : neighbours) {
+    for (const auto& [key, known] : neighbours) {
         const auto link = links.find(key.first);
         if (link != links.end()) {
             const bool forwarding = MacIn(key.second).has_value();
-            sightings.push_back({link->second.name, mac, forwarding ? "" : key.second, forwarding});
+            Sighting& sighting = sightings.emplace_back();
+            sighting = {link->second.name, known.mac, forwarding ? "" : key.second, forwarding};
+            if (known.quietSince) {
+                sighting.quiet =
+                    std::chrono::duration_cast<std::chrono::seconds>(now - *known.quietSince);
+            }
         }
     }
     return sightings;
 }
 
-bool NetworkTable::Take(const Link& link) {
+bool NetworkTable::Take(const Link& link, Time /*now*/) {
     const auto found = links.find(link.index);
     if (found == links.end()) {
         return links.size() < kMostLinks && links.emplace(link.index, link).second;
@@ -49,7 +54,7 @@ bool NetworkTable::Take(const Link& link) {
     return !same;
 }
 
-bool NetworkTable::Take(const LinkGone& gone) {
+bool NetworkTable::Take(const LinkGone& gone, Time /*now*/) {
     const auto first = neighbours.lower_bound({gone.index, ""});
     const auto last = std::find_if(first, neighbours.end(), [&](const auto& entry) {
         return entry.first.first != gone.index;
@@ -58,7 +63,7 @@ bool NetworkTable::Take(const LinkGone& gone) {
     return links.erase(gone.index) > 0;
 }
 
-bool NetworkTable::Take(const Neighbour& neighbour) {
+bool NetworkTable::Take(const Neighbour& neighbour, Time now) {
     const NeighbourKey key(neighbour.index,
                            neighbour.forwarding ? MacText(neighbour.mac) : neighbour.address);
     const auto found = neighbours.find(key);
@@ -69,15 +74,20 @@ bool NetworkTable::Take(const Neighbour& neighbour) {
         neighbours.erase(found);
         return true;
     }
-    if (found == neighbours.end()) {
-        return neighbours.size() < kMostClients && neighbours.emplace(key, neighbour.mac).second;
+    Known known{.mac = neighbour.mac, .quietSince = std::nullopt};
+    if (neighbour.quiet) {
+        known.quietSince = now - *neighbour.quiet;
     }
-    const bool same = found->second == neighbour.mac;
-    found->second = neighbour.mac;
+    if (found == neighbours.end()) {
+        return !IsFull() && neighbours.emplace(key, known).second;
+    }
+    const bool same = found->second.mac == known.mac &&
+                      found->second.quietSince.has_value() == known.quietSince.has_value();
+    found->second = known;
     return !same;
 }
 
-bool NetworkTable::Take(const ListComplete& /*complete*/) {
+bool NetworkTable::Take(const ListComplete& /*complete*/, Time /*now*/) {
     return false;
 }
 

@@ -1,7 +1,9 @@
 // The interfaces of the machine and who is seen at them.
 #pragma once
 
+#include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,12 +20,16 @@ struct Sighting {
     std::string address;  ///< IP address; empty when only a bridge has seen the client
     /// Whether a bridge's forwarding table says so: the interface is a port then.
     bool forwarding = false;
+    /// How long ago it has last answered; nothing while the kernel knows that it is there.
+    std::optional<std::chrono::seconds> quiet = std::nullopt;
 };
 
 class NetworkTable {
   public:
-    /// Takes one message over. Returns whether that changed what is known.
-    bool Apply(const NetworkMessage& message);
+    using Time = std::chrono::steady_clock::time_point;
+
+    /// Takes over one message that has come at @p now. Returns whether that changed what is known.
+    bool Apply(const NetworkMessage& message, Time now);
 
     /// Forgets everything, before all is listed again.
     void Clear();
@@ -31,19 +37,27 @@ class NetworkTable {
     /// The interface of this name; null when there is none.
     const Link* FindLink(std::string_view name) const;
 
-    std::vector<Sighting> Sightings() const;
+    /// Who is seen, as of @p now.
+    std::vector<Sighting> Sightings(Time now) const;
+
+    /// Whether more neighbours would be left out.
+    bool IsFull() const { return neighbours.size() >= kMostClients; }
 
   private:
     /// The interface, and the IP address or, in a forwarding table, the hardware address.
     using NeighbourKey = std::pair<int, std::string>;
+    struct Known {
+        MacAddress mac = 0;
+        std::optional<Time> quietSince;
+    };
 
-    bool Take(const Link& link);
-    bool Take(const LinkGone& gone);
-    bool Take(const Neighbour& neighbour);
-    static bool Take(const ListComplete& complete);
+    bool Take(const Link& link, Time now);
+    bool Take(const LinkGone& gone, Time now);
+    bool Take(const Neighbour& neighbour, Time now);
+    static bool Take(const ListComplete& complete, Time now);
 
     std::map<int, Link> links;
-    std::map<NeighbourKey, MacAddress> neighbours;
+    std::map<NeighbourKey, Known> neighbours;
 };
 
 }  // namespace binding

@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <span>
 #include <utility>
@@ -89,11 +90,12 @@ void RouteSocket::Receive() {
 }
 
 bool RouteSocket::Take(const NetworkMessage& message) {
-    bool isChanged = table.Apply(message);
+    const auto now = std::chrono::steady_clock::now();
+    bool isChanged = table.Apply(message, now);
     if (lists.empty()) {
         return isChanged;
     }
-    listed.Apply(message);
+    listed.Apply(message, now);
     if (std::holds_alternative<ListComplete>(message)) {
         lists.pop_front();
         if (lists.empty() && again) {

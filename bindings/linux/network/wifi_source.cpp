@@ -113,4 +113,14 @@ std::vector<Station> WifiSource::Stations() const {
     return all;
 }
 
+std::vector<std::string> WifiSource::Told() const {
+    std::vector<std::string> interfaces;
+    for (const auto& network : networks) {
+        if (network->GetPresence() == AccessPoint::Presence::present) {
+            interfaces.push_back(network->Interface());
+        }
+    }
+    return interfaces;
+}
+
 }  // namespace binding

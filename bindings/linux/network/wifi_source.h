@@ -25,6 +25,9 @@ class WifiSource : public Source {
     /// The stations of all networks of this role.
     std::vector<Station> Stations() const;
 
+    /// The interfaces whose stations are known.
+    std::vector<std::string> Told() const;
+
   private:
     void Evaluate();
 

@@ -9,7 +9,7 @@ from lab.bus import Authority, Bus
 from lab.leases import Leases
 from lab.mbim_modem import MbimModem, MbimModemManager
 from lab.modem_manager import STATE_DISABLED, Modem, ModemManager
-from lab.network import BRIDGE, ETHERNET, GUESTS, WIFI, Network
+from lab.network import BRIDGE, ETHERNET, GUESTS, USB, WIFI, Network
 from lab.network_manager import NetworkManager
 from lab.position import Position
 from lab.power import Power, PowerSupplies
@@ -156,6 +156,7 @@ class Lab:
             settings |= {
                 "bridge": BRIDGE,
                 "ethernet": [ETHERNET],
+                "usb": [USB],
                 "wifi": [WIFI],
                 "guestWifi": [GUESTS],
                 "wifiMaxClients": MOST_STATIONS,

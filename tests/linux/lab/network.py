@@ -13,6 +13,7 @@ ETHERNET = "eth0"
 CABLE = "cable"
 WIFI = "wlan0"
 GUESTS = "guest0"
+USB = "usb0"
 MODEM = "wwan0"
 ADDRESS = "192.168.8.1"
 # A frame for nobody, of a protocol for experiments.
@@ -36,12 +37,12 @@ class Network:
                  "netns", f"/proc/{os.getpid()}/fd/{self.computer.file}")
         self.computer.run("ip", "link", "set", CABLE, "addrgenmode", "none")
         self.run("ip", "link", "set", ETHERNET, "master", BRIDGE, "up")
-        for name, other in ((WIFI, "air"), (GUESTS, "guestair"), (MODEM, "tower")):
+        for name, other in ((WIFI, "air"), (GUESTS, "guestair"), (USB, "gadget"), (MODEM, "tower")):
             # Nobody is at the other end, so it must not speak by itself.
             self.run("ip", "link", "add", name, "type", "veth", "peer", "name", other)
             self.run("ip", "link", "set", other, "addrgenmode", "none")
             self.run("ip", "link", "set", name, "up")
-            if name != MODEM:
+            if name not in (USB, MODEM):
                 self.run("ip", "link", "set", name, "master", BRIDGE)
             self.run("ip", "link", "set", other, "up")
         self.run("ip", "address", "add", f"{ADDRESS}/24", "dev", BRIDGE)
@@ -86,6 +87,14 @@ class Network:
 
     def detach(self, mac, interface=ETHERNET):
         self.run("bridge", "fdb", "del", mac, "dev", interface, "master")
+
+    def separate(self, interface):
+        """The interface is no port of the bridge any more."""
+        self.run("ip", "link", "set", interface, "nomaster")
+
+    def see(self, mac, address, interface, state="reachable"):
+        """What the kernel has found out of a device at an interface that is no port of a bridge."""
+        self.run("ip", "neigh", "replace", address, "lladdr", mac, "dev", interface, "nud", state)
 
     def carry(self, sent, received):
         """So many bytes pass the modem's interface."""

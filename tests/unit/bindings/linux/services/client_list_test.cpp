@@ -4,8 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace {
 
+using std::chrono::seconds;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -66,14 +69,14 @@ TEST_F(ClientList, AStationThatMayNotUseTheNetworkIsNoClient) {
 }
 
 TEST_F(ClientList, GuestsAreTheStationsOfTheirOwnNetwork) {
-    seen.stationsKnown = true;
+    seen.told = {"wlan0", "wlan0_guest"};
     seen.stations = {{.mac = kPhone}};
     seen.guestStations = {{.mac = kLaptop}};
     EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIFI, SYS_CONNECTION_GUEST_WIFI));
 }
 
 TEST_F(ClientList, ADeviceAtAnEthernetPortOfTheBridgeIsWired) {
-    seen.stationsKnown = true;
+    seen.told = {"wlan0", "wlan0_guest"};
     seen.neighbours = {{"br0", kLaptop, "10.0.0.3", false}, {"eth0", kLaptop, "", true}};
     const auto clients = Join();
     ASSERT_EQ(clients.size(), 1U);
@@ -87,9 +90,38 @@ TEST_F(ClientList, ADeviceAtAnEthernetPortWithoutABridgeIsWired) {
 }
 
 TEST_F(ClientList, ADeviceOnlyTheBridgeRemembersIsGone) {
-    seen.stationsKnown = true;
+    seen.told = {"wlan0", "wlan0_guest"};
     seen.neighbours = {{"br0", kPhone, "10.0.0.2", false}, {"wlan0", kPhone, "", true}};
     EXPECT_THAT(Join(), IsEmpty());
+}
+
+TEST_F(ClientList, WithoutTheHostapdOfOneNetworkOnlyThatOneIsTakenFromWhatTheKernelSees) {
+    seen.neighbours = {{"wlan0", kPhone, "", true}, {"wlan0_guest", kLaptop, "", true}};
+    seen.told = {"wlan0"};
+    EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_GUEST_WIFI));
+    seen.told = {"wlan0_guest"};
+    EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIFI));
+}
+
+TEST_F(ClientList, ANeighbourThatIsQuietStaysForAsLongAsAnEntryOfABridge) {
+    seen.neighbours = {{"eth0", kLaptop, "10.0.0.3", false, binding::kQuietLimit - seconds(1)},
+                       {"usb0", kPhone, "10.0.1.3", false, seconds(20)},
+                       {"wwan0", 0x0299, "10.9.9.9", false, binding::kQuietLimit - seconds(5)}};
+    EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIRED_B, SYS_CONNECTION_WIRED_A));
+    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces), seconds(1));
+    seen.neighbours[0].quiet = binding::kQuietLimit;
+    EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIRED_B));
+    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces),
+              binding::kQuietLimit - seconds(20));
+    seen.neighbours[1].quiet.reset();
+    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces), std::nullopt);
+}
+
+TEST_F(ClientList, AStationThatIsQuietKeepsItsAddress) {
+    seen.stations = {{.mac = kPhone}};
+    seen.neighbours = {{"br0", kPhone, "10.0.0.2", false, binding::kQuietLimit}};
+    ASSERT_EQ(Join().size(), 1U);
+    EXPECT_EQ(Join()[0].address, "10.0.0.2");
 }
 
 TEST_F(ClientList, WithoutHostapdWhoIsSeenAtAWifiInterfaceIsAClient) {

@@ -7,12 +7,15 @@
 #include <linux/rtnetlink.h>
 #include <net/if.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstring>
 #include <string>
 #include <vector>
 
 namespace {
+
+using std::chrono::seconds;
 
 constexpr unsigned int kLowerUp = 1U << 16U;
 
@@ -47,8 +50,9 @@ class Datagram {
         return Begin(type, info).Attribute(IFLA_IFNAME, name.c_str(), name.size() + 1);
     }
 
+    /// @p quiet are hundredths of a second since the device has last answered.
     Datagram& Entry(int type, int family, int index, int state, binding::MacAddress mac,
-                    const std::string& address = "") {
+                    const std::string& address = "", std::uint32_t quiet = 0) {
         ndmsg info{};
         info.ndm_family = static_cast<std::uint8_t>(family);
         info.ndm_ifindex = index;
@@ -62,7 +66,11 @@ class Datagram {
         for (int byte = 5; byte >= 0; --byte, mac >>= 8U) {
             hardware[byte] = static_cast<unsigned char>(mac);
         }
-        return Attribute(NDA_LLADDR, hardware, sizeof(hardware));
+        Attribute(NDA_LLADDR, hardware, sizeof(hardware));
+        // The kernel has sent something to it just now, which tells nothing of the device.
+        const nda_cacheinfo cache{
+            .ndm_confirmed = quiet + 6000, .ndm_used = 0, .ndm_updated = quiet, .ndm_refcnt = 1};
+        return Attribute(NDA_CACHEINFO, &cache, sizeof(cache));
     }
 
     const std::vector<std::byte>& Bytes() const { return bytes; }
@@ -90,12 +98,15 @@ class NetworkTableTest : public ::testing::Test {
     bool Take(const Datagram& datagram) {
         bool changed = false;
         for (const auto& message : binding::ParseNetworkMessages(datagram.Bytes())) {
-            changed = table.Apply(message) || changed;
+            changed = table.Apply(message, now) || changed;
         }
         return changed;
     }
 
+    std::vector<binding::Sighting> Sightings() const { return table.Sightings(now); }
+
     binding::NetworkTable table;
+    binding::NetworkTable::Time now{seconds(1'000'000)};
 };
 
 TEST_F(NetworkTableTest, ALinkIsSwitchedOnAndHasACableOrNot) {
@@ -121,14 +132,29 @@ TEST_F(NetworkTableTest, ANeighbourIsSeenUntilItStopsToAnswer) {
     Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
     EXPECT_TRUE(
         Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_REACHABLE, 0x0211, "10.0.0.2")));
-    EXPECT_FALSE(Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2")));
-    ASSERT_EQ(table.Sightings().size(), 1U);
-    EXPECT_EQ(table.Sightings()[0].interface, "eth0");
-    EXPECT_EQ(table.Sightings()[0].mac, 0x0211U);
-    EXPECT_EQ(table.Sightings()[0].address, "10.0.0.2");
-    EXPECT_FALSE(table.Sightings()[0].forwarding);
+    EXPECT_TRUE(Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2")));
+    ASSERT_EQ(Sightings().size(), 1U);
+    EXPECT_EQ(Sightings()[0].interface, "eth0");
+    EXPECT_EQ(Sightings()[0].mac, 0x0211U);
+    EXPECT_EQ(Sightings()[0].address, "10.0.0.2");
+    EXPECT_FALSE(Sightings()[0].forwarding);
     EXPECT_TRUE(Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_FAILED, 0x0211, "10.0.0.2")));
-    EXPECT_TRUE(table.Sightings().empty());
+    EXPECT_TRUE(Sightings().empty());
+}
+
+TEST_F(NetworkTableTest, ANeighbourIsQuietFromWhenItHasLastAnswered) {
+    Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
+    Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2", 4000));
+    EXPECT_EQ(Sightings().at(0).quiet, seconds(40));
+    now += seconds(100);
+    EXPECT_EQ(Sightings().at(0).quiet, seconds(140));
+    EXPECT_TRUE(
+        Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_REACHABLE, 0x0211, "10.0.0.2")));
+    now += seconds(100);
+    EXPECT_EQ(Sightings().at(0).quiet, std::nullopt);
+    EXPECT_FALSE(
+        Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_PROBE, 0x0211, "10.0.0.2", 9000)));
+    EXPECT_EQ(Sightings().at(0).quiet, std::nullopt) << "it is being asked";
 }
 
 TEST_F(NetworkTableTest, AnAddressThatNobodyHasAnsweredForIsNoNeighbour) {
@@ -136,20 +162,20 @@ TEST_F(NetworkTableTest, AnAddressThatNobodyHasAnsweredForIsNoNeighbour) {
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_INCOMPLETE, 0, "10.0.0.2"));
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET6, 2, NUD_PERMANENT, 0x0211, "ff02::1"));
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET6, 2, NUD_NOARP, 0x0211, "ff02::2"));
-    EXPECT_TRUE(table.Sightings().empty());
+    EXPECT_TRUE(Sightings().empty());
 }
 
 TEST_F(NetworkTableTest, ABridgeTellsBehindWhichPortADeviceIs) {
     Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_PERMANENT, 0x0299));
-    EXPECT_TRUE(table.Sightings().empty()) << "the port's own address";
+    EXPECT_TRUE(Sightings().empty()) << "the port's own address";
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, 0x0211));
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_STALE, 0x0222));
-    ASSERT_EQ(table.Sightings().size(), 2U);
-    EXPECT_TRUE(table.Sightings()[0].forwarding);
-    EXPECT_EQ(table.Sightings()[0].address, "");
+    ASSERT_EQ(Sightings().size(), 2U);
+    EXPECT_TRUE(Sightings()[0].forwarding);
+    EXPECT_EQ(Sightings()[0].address, "");
     EXPECT_TRUE(Take(Datagram().Entry(RTM_DELNEIGH, AF_BRIDGE, 2, NUD_STALE, 0x0222)));
-    EXPECT_EQ(table.Sightings().size(), 1U);
+    EXPECT_EQ(Sightings().size(), 1U);
 }
 
 TEST_F(NetworkTableTest, NeighboursGoWithTheirInterface) {
@@ -158,10 +184,10 @@ TEST_F(NetworkTableTest, NeighboursGoWithTheirInterface) {
              .Link(RTM_NEWLINK, 3, "eth1", IFF_UP)
              .Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2")
              .Entry(RTM_NEWNEIGH, AF_INET, 3, NUD_STALE, 0x0222, "10.0.1.2"));
-    EXPECT_EQ(table.Sightings().size(), 2U);
+    EXPECT_EQ(Sightings().size(), 2U);
     Take(Datagram().Link(RTM_DELLINK, 2, "eth0", 0));
-    ASSERT_EQ(table.Sightings().size(), 1U);
-    EXPECT_EQ(table.Sightings()[0].mac, 0x0222U);
+    ASSERT_EQ(Sightings().size(), 1U);
+    EXPECT_EQ(Sightings()[0].mac, 0x0222U);
 }
 
 TEST_F(NetworkTableTest, NeighboursAreKeptUpToALimit) {
@@ -169,7 +195,8 @@ TEST_F(NetworkTableTest, NeighboursAreKeptUpToALimit) {
     for (binding::MacAddress mac = 1; mac < 10'100; ++mac) {
         Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, mac));
     }
-    EXPECT_EQ(table.Sightings().size(), binding::kMostClients);
+    EXPECT_EQ(Sightings().size(), binding::kMostClients);
+    EXPECT_TRUE(table.IsFull());
 }
 
 TEST_F(NetworkTableTest, ADatagramThatIsCutAnywhereIsReadAsFarAsItGoes) {
