@@ -25,13 +25,13 @@ void CheckLease(const binding::Lease& lease) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = InputText(data, size);
-    const auto leases = binding::ParseLeases(text);
+    const auto leases = binding::ParseLeases(text).leases;
     Require(leases.size() <= binding::kMostClients, "leases are limited");
     for (const binding::Lease& lease : leases) {
         CheckLease(lease);
     }
     const std::string whole = text.substr(0, text.rfind('\n') + 1);
-    Require(binding::ParseLeases(whole).size() == leases.size(),
+    Require(binding::ParseLeases(whole).leases.size() == leases.size(),
             "a last line that is cut is no lease", text);
 
     binding::ClientSightings seen;

@@ -47,10 +47,13 @@ def test_a_file_of_leases_is_damaged_and_cut(lab):
         return {client["mac"]: client["name"] for client in lab.service.told("clients")}
 
     wait_until(lambda: names() == {PHONE: "t?l?phone", TABLET: ""}, "what is whole is known", 10)
+    complaint = (f"clients: {lab.network.leases}: line 1: the time at which the lease ends is none "
+                 "(4 lines are wrong)")
+    lab.service.says(complaint)
     with lab.network.leases.open("ab") as leases:
         leases.write(b"let *\n")
     wait_until(lambda: names()[TABLET] == "tablet", "the rest is known", 10)
-    assert lab.service.said() == {}
+    assert lab.service.said() == {complaint: 1}
 
 
 @needs_root
@@ -66,11 +69,13 @@ def test_more_clients_come_than_are_listed(lab):
     lab.network.batch("ip", [f"neigh replace {address} lladdr {mac} dev {BRIDGE} nud permanent"
                              for mac, address in crowd])
     lab.service.shows(statusBarClientListSize=str(MOST_CLIENTS))
+    lab.service.says(f"clients: no more than {MOST_CLIENTS} are listed",
+                     f"clients: {lab.network.leases}: line {MOST_CLIENTS + 1}: it and those after it are too many")
     lab.wifi.join(PHONE)
     lab.service.shows(statusBarWiFiClientListSize="1", statusBarClientListSize=str(MOST_CLIENTS))
     lab.network.unplug()
     lab.service.shows(statusBarClientListSize="1", statusBarEthernetPortEnabled="enabled")
-    assert lab.service.said() == {}
+    assert list(lab.service.said().values()) == [1, 1]
 
 
 def test_the_document_contradicts_a_daemon_and_is_cut(lab):

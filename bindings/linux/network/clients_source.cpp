@@ -3,8 +3,10 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <system_error>
+#include <utility>
 
 #include "bindings/linux/board.h"
+#include "bindings/linux/log.h"
 #include "bindings/linux/network/wifi_source.h"
 #include "bindings/posix/files/file_io.h"
 
@@ -14,6 +16,8 @@ namespace {
 
 /// dnsmasq empties its file before it writes it again; a moment later it has written all.
 constexpr std::uint64_t kWriting = 50'000;
+/// After this time, a file that is wrong is not just being written.
+constexpr std::uint64_t kSettling = 1'000'000;
 constexpr std::uint64_t kSecond = 1'000'000;
 
 }  // namespace
@@ -63,12 +67,44 @@ void ClientsSource::AwaitDeparture() {
 }
 
 void ClientsSource::ReadLeases() {
+    const std::string& path = GetBoard().GetSettings().leases;
+    LeaseFile file;
     try {
         FileStamp stamp;
-        leases = ParseLeases(ReadFile(GetBoard().GetSettings().leases, stamp));
-    } catch (const std::system_error&) {
+        file = ParseLeases(ReadFile(path, stamp));
+        if (!file.problem.empty()) {
+            file.problem.insert(0, path + ": ");
+        }
+    } catch (const std::system_error& error) {
         // A client whose lease cannot be read has no name, and that is all.
-        leases.clear();
+        if (error.code() != std::errc::no_such_file_or_directory) {
+            file.problem = error.what();
+        }
+    }
+    leases = std::move(file.leases);
+    NoteLeaseProblem(file.problem);
+}
+
+void ClientsSource::NoteLeaseProblem(const std::string& problem) {
+    complaint.Reset();
+    if (problem.empty()) {
+        leasesComplained = false;
+    } else if (!leasesComplained) {
+        complaint.After(GetBoard().Event(), kSettling, kSettling / 4, [this, problem] {
+            leasesComplained = true;
+            LINUX_LOG(TORU_DBG_ERROR, "clients: %s", problem.c_str());
+        });
+    }
+}
+
+void ClientsSource::NoteLimit(std::size_t count) const {
+    const bool isReached = count >= kMostClients || (routes && routes->Table().IsFull());
+    if (isReached && !limitComplained) {
+        LINUX_LOG(TORU_DBG_ERROR, "clients: no more than %zu are listed", kMostClients);
+        limitComplained = true;
+    } else if (count < kMostClients - kMostClients / 10 && !isReached) {
+        // Much less, so that a client that comes and goes does not fill the log.
+        limitComplained = false;
     }
 }
 
@@ -92,7 +128,9 @@ std::vector<Client> ClientsSource::Clients() const {
 }
 
 void ClientsSource::Fill(Device& device) const {
-    Tell(device.getConnectedDeviceList, ClientRecords(Clients()));
+    const std::vector<Client> clients = Clients();
+    NoteLimit(clients.size());
+    Tell(device.getConnectedDeviceList, ClientRecords(clients));
 }
 
 void ClientsSource::Fail(Device& device, int code) const {

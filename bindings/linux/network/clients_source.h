@@ -1,7 +1,9 @@
 // The connected clients.
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "bindings/linux/event.h"
@@ -29,6 +31,8 @@ class ClientsSource : public Source {
     std::vector<Sighting> Neighbours() const;
     void AwaitDeparture();
     void ReadLeases();
+    void NoteLeaseProblem(const std::string& problem);
+    void NoteLimit(std::size_t count) const;
 
     const WifiSource& wifi;
     const WifiSource& guestWifi;
@@ -37,6 +41,11 @@ class ClientsSource : public Source {
     std::optional<PathWatch> leaseWatch;
     EventSource reading;
     EventSource departure;
+    /// Armed while something may be wrong with the leases that has not been logged yet.
+    EventSource complaint;
+    /// Whether something is wrong with the leases that has been logged.
+    bool leasesComplained = false;
+    mutable bool limitComplained = false;
     std::optional<RouteSocket> routes;
 };
 

@@ -118,6 +118,11 @@ class Service(Server):
         except AssertionError:
             raise AssertionError(f"{shown}, not {types}") from None
 
+    def says(self, *lines):
+        """Waits until the binding has logged these lines, each once, and no others."""
+        wait_until(lambda: set(self.said()) >= set(lines), f"the service has logged {lines}", DEADLINE)
+        assert self.said() == {line: 1 for line in lines}
+
     def act(self, name):
         assert self.ask(f"/srv/{name}").json() == {"loginStatus": 0}
 

@@ -174,6 +174,36 @@ TEST_F(Services, LeaseNamesAClientAsSoonAsItIsWritten) {
     EXPECT_EQ(Said("clients")[0]["address"], "10.0.0.2");
 }
 
+TEST_F(Services, WhatIsWrongWithTheLeasesIsLoggedOnceUntilItIsRightAgain) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455};
+    const auto path = directory / "leases";
+    const auto write = [&](const std::string& name, const std::string& rest) {
+        WriteFile(path, "0 02:11:22:33:44:55 10.0.0.2 " + name + " *\n" + rest);
+    };
+    const auto isRead = [this](const std::string& name) {
+        return WaitFor([&](const Device&) {
+            const auto clients = Said("clients");
+            return clients.size() == 1 && clients[0]["name"] == name;
+        });
+    };
+    const auto isLogged = [this](std::size_t lines) {
+        return WaitFor([&](const Device&) { return Log().size() == lines; });
+    };
+    write("first", "nonsense\n");
+    Begin();
+    ASSERT_TRUE(isLogged(1));
+    write("second", "0 02:11:22:33:44 10.0.0.3 other *\n");
+    ASSERT_TRUE(isRead("second"));
+    write("third", "");
+    ASSERT_TRUE(isRead("third"));
+    write("fourth", "0 02:11:22");
+    ASSERT_TRUE(isLogged(2));
+    const std::string begin = "[LINUX]:[ERROR] - clients: " + path.string() + ": line 2: ";
+    EXPECT_THAT(Log(), ElementsAre(begin + "the time at which the lease ends is none",
+                                   begin + "it is cut"));
+}
+
 TEST_F(Services, EthernetIsThePortOfTheKernel) {
     settings["ethernet"] = {"lo"};
     Begin();
