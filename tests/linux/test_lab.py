@@ -1,11 +1,13 @@
 """The lab itself: that its daemons are the real ones, and tell what is done to them."""
 
 import json
+import re
 import subprocess
 
 import dbus
 import pytest
 
+from lab import scenarios
 from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
 from lab.update import INSTALLER
 from support import processes
@@ -93,6 +95,23 @@ def test_an_update_is_installed_and_another_is_refused(lab):
     assert lab.update.property("/", INSTALLER, "LastError") == ""
     lab.update.install(bad)
     wait_until(lambda: "Compatible mismatch" in lab.update.property("/", INSTALLER, "LastError"), "it is refused", 10)
+
+
+def test_a_scenario_prints_what_the_service_makes_of_it(lab, monkeypatch):
+    lab.start_power()
+    lab.start_service()
+    lab.service.shows(statusBarBatteryPercent="80")
+    lines = []
+    assert len(scenarios.play_all(lab, ["battery"], lines.append)) == 2
+    shown = [re.sub(" +", " ", re.sub(r"\d+ ms", "N ms", line)) for line in lines]
+    assert shown == [
+        "\nThe battery falls to nine percent (battery)",
+        " battery 9 N ms after the word of UPower", " statusBarBatteryPercent '80' -> '9'",
+        " battery 80 N ms after the word of UPower", " statusBarBatteryPercent '9' -> '80'",
+    ]
+    monkeypatch.setattr(scenarios, "DEADLINE", 0.5)
+    with pytest.raises(scenarios.Unexpected, match="'statusBarBatteryPercent': '80'"):
+        scenarios.take(lab, scenarios.Step("nothing", lambda: None, shows={"statusBarBatteryPercent": "9"}))
 
 
 def test_daemons_hang_die_and_come_back(lab):

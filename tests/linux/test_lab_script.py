@@ -49,6 +49,7 @@ def test_it_starts_everything_obeys_and_leaves_nothing(running, work):
     assert order("battery", "9") == (0, "")
     assert order("signal", "12") == (0, "")
     assert order("signal", "100")[0] == 1
+    assert order("scenarios", "nonsense")[0] == 1
     if may_be_made():
         web.ask(port, "/srv/connect")
         wait_until(lambda: shown("statusBarConnectionState") == "Connected", "the data call has been started", 20)

@@ -1,13 +1,9 @@
 """The modem: what happens to it, and what the service answers then."""
 
-import subprocess
-
 from lab.modem_manager import MODEM
-from support import paths
 
 # What only the modem tells.
 TOLD_BY_MODEM = ("statusBarSimStatus", "statusBarNetwork", "statusBarSignalBars", "statusBarConnectionState")
-MESSAGES = paths.BUILD / "tools" / "kestal-messages"
 
 
 def test_the_sim_is_taken_out(board):
@@ -83,9 +79,7 @@ def test_a_message_arrives(board):
     board.modem.order("sms", "+15550123", "Hello")
     board.service.shows(statusBarSmsUnreadCount="1")
     board.service.notifies("smsReceived")
-    environment = {**board.service.environment, "STATE_DIRECTORY": str(board.folder / "state")}
-    shown = subprocess.run([MESSAGES, "read", "unread"], env=environment, capture_output=True, check=True, timeout=20)
-    assert b"Hello" in shown.stdout
+    assert b"Hello" in board.messages("read", "unread")
     board.service.shows(statusBarSmsUnreadCount="0")
     board.service.notifies()
 

@@ -1,4 +1,5 @@
-"""The lab as a command: scripts/lab starts it, scripts/lab ORDER gives an order to it."""
+"""The lab as a command: scripts/lab starts it, scripts/lab ORDER gives an order to it, scripts/lab scenarios plays
+what can happen to a board on one of its own."""
 
 import os
 import pathlib
@@ -7,7 +8,7 @@ import socket
 import sys
 import tempfile
 
-from lab import play
+from lab import play, scenarios
 from lab.board import Lab
 from lab.service import SERVICE
 from support.namespaces import may_be_made
@@ -80,34 +81,64 @@ def introduce(lab):
     print(f"\nTo change something:\n\n{play.help(lab)}\nCtrl-C stops it.", flush=True)
 
 
+def start(lab):
+    """Starts all daemons."""
+    if os.environ.get("KESTAL_LAB_MODEM") == "mbim":
+        if not may_be_made():
+            fail("the modem with MBIM needs root")
+        lab.start_mbim_modem()
+    else:
+        lab.start_modem(on_usb=True)
+    lab.start_power()
+    lab.start_sharing()
+    if may_be_made():
+        lab.start_network()
+        lab.start_network_manager()
+        lab.start_update()
+        lab.start_swupdate()
+    lab.start_position()
+
+
+def wait_for_orders(lab):
+    start(lab)
+    if SERVICE.exists():
+        lab.start_service(page=True)
+    introduce(lab)
+    serve(lab)
+
+
+def play_scenarios(lab, names):
+    if not set(names) <= set(scenarios.SCENARIOS):
+        fail(f"usage: scripts/lab scenarios [{'|'.join(scenarios.SCENARIOS)}]...")
+    if not may_be_made():
+        fail("the scenarios need root, as networks do")
+    if "KESTAL_LAB_MODEM" in os.environ:
+        fail("the scenarios are those of the modem with AT commands")
+    start(lab)
+    # At the log level of a device.
+    lab.make_service().environment.pop("KESTAL_LOG_LEVEL")
+    lab.service.start()
+    lab.service.shows(statusBarConnectionState="Ready", statusBarBatteryPercent="80", statusBarWiFiEnabled=1,
+                      statusBarGpsStatus="Searching")
+    try:
+        figures = scenarios.play_all(lab, names or scenarios.SCENARIOS)
+    except (AssertionError, scenarios.Unexpected) as error:
+        fail(error)
+    print(f"\n{scenarios.summary(figures)}")
+
+
 def interrupted(*_):
     raise KeyboardInterrupt
 
 
-def run():
+def run(body):
+    """Makes a lab, and ends it after `body(lab)` or a signal."""
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, interrupted)
     with tempfile.TemporaryDirectory(prefix=PREFIX) as folder:
         lab = Lab(pathlib.Path(folder), fail)
         try:
-            if os.environ.get("KESTAL_LAB_MODEM") == "mbim":
-                if not may_be_made():
-                    fail("the modem with MBIM needs root")
-                lab.start_mbim_modem()
-            else:
-                lab.start_modem(on_usb=True)
-            lab.start_power()
-            lab.start_sharing()
-            if may_be_made():
-                lab.start_network()
-                lab.start_network_manager()
-                lab.start_update()
-                lab.start_swupdate()
-            lab.start_position()
-            if SERVICE.exists():
-                lab.start_service(page=True)
-            introduce(lab)
-            serve(lab)
+            body(lab)
         except KeyboardInterrupt:
             print("\nscripts/lab: stopping")
         finally:
@@ -117,7 +148,10 @@ def run():
             lab.close()
 
 
-if len(sys.argv) > 1:
+if sys.argv[1:2] == ["scenarios"]:
+    sys.stdout.reconfigure(line_buffering=True)
+    run(lambda lab: play_scenarios(lab, sys.argv[2:]))
+elif len(sys.argv) > 1:
     give(sys.argv[1:])
 else:
-    run()
+    run(wait_for_orders)

@@ -22,6 +22,9 @@ from lab.usb_modem import ScanningModemManager, UsbModem
 from support import paths, sanitizers
 
 
+MESSAGES = paths.BUILD / "tools" / "kestal-messages"
+
+
 class Lab:
     """Daemons start when a test asks for them, and end in the opposite order."""
 
@@ -190,6 +193,11 @@ class Lab:
         with (self.folder / "stderr").open("ab") as errors:
             return subprocess.run([script, *arguments], env=environment, stdin=subprocess.DEVNULL,
                                   stdout=subprocess.PIPE, stderr=errors, text=True, timeout=300)
+
+    def messages(self, *words):
+        """What kestal-messages prints with these words."""
+        environment = {**self.service.environment, "STATE_DIRECTORY": str(self.folder / "state")}
+        return subprocess.run([MESSAGES, *words], env=environment, capture_output=True, check=True, timeout=20).stdout
 
     def close(self):
         self.ends.close()

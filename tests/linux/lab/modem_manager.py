@@ -15,7 +15,6 @@ LAB = pathlib.Path(__file__).resolve().parent
 MANAGER = "/org/freedesktop/ModemManager1"
 MODEM = "org.freedesktop.ModemManager1.Modem"
 STATE_FAILED, STATE_LOCKED, STATE_DISABLED, STATE_REGISTERED, STATE_CONNECTED = -1, 2, 3, 8, 11
-KNOWN = (STATE_FAILED, STATE_LOCKED, STATE_DISABLED)
 
 
 class Modem(Daemon):
@@ -93,7 +92,12 @@ class ModemManager(BusDaemon):
 
     def wait_until_known(self, path):
         """Waits until ModemManager has asked the modem all that it wants to know."""
-        wait_until(lambda: self.state(path) in KNOWN, "the modem is known", 20)
+        def is_known():
+            # NetworkManager may enable it at once.
+            state = self.state(path)
+            return state is not None and (state == STATE_FAILED or state >= STATE_LOCKED)
+
+        wait_until(is_known, "the modem is known", 20)
 
     def enable(self, path):
         self.call(path, f"{MODEM}.Enable", True)

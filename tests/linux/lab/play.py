@@ -36,10 +36,11 @@ def obey(lab, words):
     name, *arguments = words
     if name == "help":
         return help(lab)
-    if name not in lab.modem.orders.ORDERS and name not in _ORDERS:
+    of_modem = lab.modem.orders.ORDERS if lab.modem else {}
+    if name not in of_modem and name not in _ORDERS:
         return f'error: no such order: {name}; "scripts/lab help" lists them\n'
     try:
-        if name in lab.modem.orders.ORDERS:
+        if name in of_modem:
             lab.modem.order(*words)
         if name in _ORDERS:
             _ORDERS[name](lab, *arguments)

@@ -85,6 +85,10 @@ class Power(BusDaemon):
         """The battery goes, and so does its slot."""
         self.supplies.change(battery=None)
 
+    def percentage(self):
+        """What UPower tells."""
+        return self.property(DISPLAY, INTERFACE, "Percentage")
+
     def wait_for_percentage(self, percent):
         """Waits until UPower tells it."""
         self.wait_for(DISPLAY, INTERFACE, "Percentage", percent)
