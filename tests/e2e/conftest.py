@@ -1,38 +1,10 @@
-import os
-import pathlib
-import shutil
-import tempfile
-
 import pytest
 
-from support import sanitizers
 from support.responder import Responder
 from support.server import Server
 from support.watchdog import Watchdog
-
-
-@pytest.hookimpl(hookwrapper=True)
-def pytest_runtest_makereport(item):
-    """Shows the logs of a failed test."""
-    report = (yield).get_result()
-    work = item.funcargs.get("work")
-    if report.failed and work is not None and work.exists():
-        for file in sorted(work.iterdir()):
-            if file.is_file() and file.suffix in (".log", ".messages") or file.name == "stderr":
-                lines = file.read_text(errors="replace").splitlines()[-60:]
-                report.sections.append((f"end of {file.name}", "\n".join(lines)))
-
-
-@pytest.fixture
-def work():
-    """A folder for one test. Its name is short, because the length of a socket's path is limited."""
-    folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-test-"))
-    yield folder
-    sanitizers.check(folder)
-    if "KESTAL_KEEP" in os.environ:
-        print(f"kept: {folder}")
-    else:
-        shutil.rmtree(folder)
+# Pytest finds fixtures and hooks by their names here.
+from support.work import pytest_runtest_makereport, work
 
 
 @pytest.fixture

@@ -14,6 +14,7 @@ import tty
 
 from lab.mbim import messages, orders
 from lab.mbim.modem import Modem
+from lab.orders import obey
 
 LARGEST = 4096
 
@@ -54,7 +55,7 @@ class Emulator:
         while line := await reader.readline():
             words = line.decode().rstrip("\n").split("\0")
             self.log.write(f"order {' '.join(words)}\n")
-            writer.write((orders.obey(self.modem, words) + "\n").encode())
+            writer.write((obey(orders.ORDERS, self.modem, words) + "\n").encode())
             await writer.drain()
         writer.close()
 

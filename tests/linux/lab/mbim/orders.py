@@ -8,18 +8,6 @@ slot 1|2 in|out                    whether there is a SIM card in it, before Mod
 """
 
 
-def obey(modem, words):
-    """Carries an order out; returns "ok" or what is wrong."""
-    name, *arguments = words
-    try:
-        if name not in ORDERS:
-            return f"error: no such order: {name}"
-        ORDERS[name](modem, *arguments)
-    except (TypeError, ValueError) as error:
-        return f"error: {error}"
-    return "ok"
-
-
 def _slot(modem, number, state):
     if number not in ("1", "2") or state not in ("in", "out"):
         raise ValueError("slot 1 or 2, in or out")

@@ -3,7 +3,7 @@
 usage: python3 -m lab.modem FOLDER [usb]
 
 It takes AT commands on the sockets FOLDER/at0 and FOLDER/at1, or, as a modem on USB, on the terminals that
-FOLDER/tty0 and FOLDER/tty1 lead to, and has a network interface then. It takes orders on on FOLDER/control, one a line
+FOLDER/tty0 and FOLDER/tty1 lead to, and has a network interface then. It takes orders on FOLDER/control, one a line
 with words that NUL separates, each answered by "ok" or "error: WHY". FOLDER/log has all that was said on the ports.
 """
 
@@ -16,6 +16,7 @@ import tty
 from lab.modem import orders
 from lab.modem.commands import answer
 from lab.modem.modem import Modem
+from lab.orders import obey
 
 
 class Port:
@@ -79,7 +80,7 @@ class Emulator:
         while line := await reader.readline():
             words = line.decode().rstrip("\n").split("\0")
             self.note("control", ">", " ".join(words))
-            writer.write((orders.obey(self.modem, words) + "\n").encode())
+            writer.write((obey(orders.ORDERS, self.modem, words) + "\n").encode())
             await writer.drain()
         writer.close()
 

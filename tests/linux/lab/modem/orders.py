@@ -15,18 +15,6 @@ sim out|in|locked|blocked          a card is taken out or put in: open, asking f
 """
 
 
-def obey(modem, words):
-    """Carries an order out; returns "ok" or what is wrong."""
-    name, *arguments = words
-    try:
-        if name not in ORDERS:
-            return f"error: no such order: {name}"
-        ORDERS[name](modem, *arguments)
-    except (TypeError, ValueError) as error:
-        return f"error: {error}"
-    return "ok"
-
-
 def _sim(modem, state):
     if state == "out":
         modem.take_sim()

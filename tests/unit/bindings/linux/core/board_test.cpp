@@ -405,15 +405,11 @@ TEST_F(BoardOfOneSource, PlanThatIsUsedUpIsToldAlthoughNoSourceSaysAnything) {
     ASSERT_EQ(sendto(out.Number(), packet.data(), packet.size(), 0,
                      reinterpret_cast<const sockaddr*>(&nobody), sizeof nobody),
               static_cast<ssize_t>(packet.size()));
-    const auto notifications = [&] {
-        const auto newest = board->Newest();
-        const auto found = newest->channels.find(ANS_NOTIFICATION_CHANNEL);
-        return found == newest->channels.end() ? std::size_t{0} : found->second.value.size();
-    };
-    const std::size_t none = sizeof(std::int32_t);
-    while (notifications() <= none) {
-        std::this_thread::yield();
-    }
+    constexpr std::size_t kNone = sizeof(std::int32_t);
+    Await([](const Device& now) {
+        const auto found = now.channels.find(ANS_NOTIFICATION_CHANNEL);
+        return found != now.channels.end() && found->second.value.size() > kNone;
+    });
 }
 
 TEST_F(BoardOfOneSource, SourceThatCannotBeStartedIsLost) {
