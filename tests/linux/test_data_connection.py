@@ -11,6 +11,7 @@ needs_root = pytest.mark.skipif(not may_be_made(), reason="networks need root")
 def test_somebody_connects_and_disconnects_on_the_page(board):
     board.service.act("connect")
     board.service.shows(statusBarConnectionState="Connected")
+    board.service.notifies()
     board.modem_manager.wait_for(board.path, MODEM, "State", STATE_CONNECTED)
     board.service.act("disconnect")
     board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
@@ -32,6 +33,7 @@ def test_the_network_refuses_the_data_connection(board):
     board.modem.order("refuse", 33)
     board.service.act("connect")
     board.service.shows(statusBarConnectionState="Ready")
+    board.service.notifies()
     board.modem.order("refuse", "nothing")
     board.service.act("connect")
     board.service.shows(statusBarConnectionState="Connected")
@@ -44,6 +46,7 @@ def test_the_network_ends_the_data_connection(lab):
     lab.service.shows(statusBarConnectionState="Connected")
     lab.modem.order("drop")
     lab.service.shows(statusBarConnectionState="Ready")
+    lab.service.notifies()
 
 
 def test_the_modem_hangs_while_somebody_connects(board):
@@ -51,8 +54,10 @@ def test_the_modem_hangs_while_somebody_connects(board):
     board.service.act("connect")
     # The answer comes although no command of the modem does.
     board.service.shows(statusBarConnectionState="Connecting")
+    board.service.notifies()
     board.modem.resume()
     board.service.shows(statusBarConnectionState="Connected")
+    board.service.notifies()
 
 
 def test_somebody_disconnects_while_the_modem_still_connects(board):
@@ -63,6 +68,7 @@ def test_somebody_disconnects_while_the_modem_still_connects(board):
     board.modem.resume()
     board.modem_manager.wait_for(board.path, MODEM, "State", STATE_REGISTERED)
     board.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    board.service.notifies("dataOff")
 
 
 @needs_root

@@ -27,6 +27,7 @@ def test_the_other_sim_is_chosen(lab):
     lab.modem_manager.enable(lab.path)
     lab.service.shows(statusBarActiveSimSlot=2, statusBarSim2Status="Ready", statusBarSim2Network="Second Net",
                       statusBarSim2Technology="LTE", statusBarSim2ConnectionState="Ready", statusBarNetwork="")
+    lab.service.notifies()
     lab.service.act("connect")
     lab.service.shows(statusBarSim2ConnectionState="Connected")
 

@@ -51,14 +51,18 @@ def test_the_sim_asks_for_its_pin(lab):
     sim = lab.modem_manager.property(lab.path, MODEM, "Sim")
     lab.modem_manager.call(sim, "org.freedesktop.ModemManager1.Sim.SendPin", "1234")
     lab.service.shows(statusBarSimStatus="Ready")
+    # Nobody has enabled the modem yet.
+    lab.service.notifies("noService")
 
 
 def test_the_daemon_is_killed_and_comes_back(board):
     board.modem_manager.kill()
     board.service.shows(*TOLD_BY_MODEM)
+    board.service.notifies()
     board.modem_manager.start()
     board.add_modem()
     board.service.shows(statusBarSimStatus="Ready", statusBarNetwork="Lab Net", statusBarConnectionState="Ready")
+    board.service.notifies()
     said = board.service.said()
     assert said["modem: lost: ModemManager is not on the bus"] == 1
     assert said["modem: is back"] == 1
@@ -68,8 +72,10 @@ def test_the_daemon_hangs(board):
     board.modem_manager.hang()
     # Answers keep coming; what it told before stands until it has been silent for too long.
     board.service.shows(*TOLD_BY_MODEM)
+    board.service.notifies()
     board.modem_manager.resume()
     board.service.shows(statusBarSimStatus="Ready", statusBarNetwork="Lab Net", statusBarConnectionState="Ready")
+    board.service.notifies()
     said = board.service.said()
     assert said["modem: lost: ModemManager does not answer"] == 1
     assert said["modem: is back"] == 1

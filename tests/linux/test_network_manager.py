@@ -49,6 +49,7 @@ def test_the_profile_connects_and_disconnects(managed):
     wait_until(lambda: "inet 10.11.12.13/" in addresses(managed), "the interface has its address", 10)
     managed.service.act("disconnect")
     managed.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
+    managed.service.notifies("dataOff")
     is_at(managed)
     assert managed.modem_manager.state(managed.path) == STATE_REGISTERED
     wait_until(lambda: "inet " not in addresses(managed), "the interface has no address", 10)
@@ -108,6 +109,7 @@ def test_the_network_refuses_the_profile(managed):
     given_up = "data connection: not connected: NetworkManager has given up"
     wait_until(lambda: managed.service.said()[given_up] == 1, "the service has logged it", 20)
     managed.service.shows(statusBarConnectionState="Ready")
+    managed.service.notifies()
     is_at(managed)
     managed.modem.order("refuse", "nothing")
     connect(managed)
@@ -120,8 +122,10 @@ def test_the_daemon_is_killed_and_comes_back(managed):
     # Without it, ModemManager itself connects and disconnects.
     wait_until(lambda: not managed.service.told("modem")["networkManager"], "the service has noticed", 10)
     managed.service.shows(statusBarConnectionState="Connected")
+    managed.service.notifies()
     managed.service.act("disconnect")
     managed.service.shows(statusBarConnectionState="Ready")
+    managed.service.notifies("dataOff")
     managed.network_manager.start()
     managed.network_manager.wait_for_modem()
     knows_profile(managed)
