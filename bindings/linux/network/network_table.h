@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -24,6 +25,9 @@ struct Sighting {
     std::optional<std::chrono::seconds> quiet = std::nullopt;
 };
 
+/// A client has several entries: one of the bridge, and one for each of its addresses.
+constexpr std::size_t kMostNeighbours = 4 * kMostClients;
+
 class NetworkTable {
   public:
     using Time = std::chrono::steady_clock::time_point;
@@ -41,7 +45,7 @@ class NetworkTable {
     std::vector<Sighting> Sightings(Time now) const;
 
     /// Whether more neighbours would be left out.
-    bool IsFull() const { return neighbours.size() >= kMostClients; }
+    bool IsFull() const { return neighbours.size() >= kMostNeighbours; }
 
   private:
     /// The interface, and the IP address or, in a forwarding table, the hardware address.

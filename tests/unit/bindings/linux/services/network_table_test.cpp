@@ -192,10 +192,10 @@ TEST_F(NetworkTableTest, NeighboursGoWithTheirInterface) {
 
 TEST_F(NetworkTableTest, NeighboursAreKeptUpToALimit) {
     Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
-    for (binding::MacAddress mac = 1; mac < 10'100; ++mac) {
+    for (binding::MacAddress mac = 1; mac < 40'100; ++mac) {
         Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, mac));
     }
-    EXPECT_EQ(Sightings().size(), binding::kMostClients);
+    EXPECT_EQ(Sightings().size(), binding::kMostNeighbours);
     EXPECT_TRUE(table.IsFull());
 }
 
