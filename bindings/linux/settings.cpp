@@ -175,6 +175,7 @@ void ReadSettings(const Node& node, Settings& settings) {
     Find(members, "mutedNotifications", settings.mutedNotifications, ReadTypes);
     Find(members, "addedNotifications", settings.addedNotifications, ReadAddedNotifications);
     Find(members, "clientNotificationSeconds", settings.clientNotificationSeconds, ReadSeconds);
+    Find(members, "clientQuietSeconds", settings.clientQuietSeconds, ReadSeconds);
     Find(members, "checkSeconds", settings.checkSeconds, ReadSeconds);
     Find(members, "silenceSeconds", settings.silenceSeconds, ReadSeconds);
     members.RejectOthers();

@@ -54,6 +54,9 @@ struct Settings {
     std::vector<AddedNotification> addedNotifications;
     /// Seconds for which a notification about a client that came or left is shown.
     std::uint32_t clientNotificationSeconds = 60;
+    /// Seconds for which a wired client counts that is quiet, where no bridge says whether it is
+    /// there. A bridge remembers one for as long as this.
+    std::uint32_t clientQuietSeconds = 300;
 
     /// Seconds between two checks whether the daemons still answer, and seconds after which one
     /// that does not answer counts as silent.

@@ -48,8 +48,8 @@ void AddStations(ClientMap& clients, const std::vector<Station>& stations,
 }
 
 /// Whether it has been quiet for so long that it counts as gone.
-bool IsSilent(const Sighting& neighbour) {
-    return neighbour.quiet && *neighbour.quiet >= kQuietLimit;
+bool IsSilent(const Sighting& neighbour, const ClientSightings& seen) {
+    return neighbour.quiet && *neighbour.quiet >= seen.quietLimit;
 }
 
 void AddAddress(Client& client, const std::string& address) {
@@ -72,7 +72,7 @@ std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfa
     for (const Sighting& neighbour : seen.neighbours) {
         // The bridge as a whole does not tell how a client is connected; its ports do.
         const auto kind = KindAt(neighbour.interface, interfaces);
-        if (kind && !IsSilent(neighbour) && !Contains(seen.told, neighbour.interface)) {
+        if (kind && !IsSilent(neighbour, seen) && !Contains(seen.told, neighbour.interface)) {
             Add(clients, neighbour.mac, *kind);
         }
     }
@@ -99,12 +99,13 @@ std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfa
     return list;
 }
 
-std::optional<std::chrono::seconds> NextDeparture(const std::vector<Sighting>& neighbours,
+std::optional<std::chrono::seconds> NextDeparture(const ClientSightings& seen,
                                                   const ClientInterfaces& interfaces) {
     std::optional<std::chrono::seconds> next;
-    for (const Sighting& neighbour : neighbours) {
-        if (neighbour.quiet && !IsSilent(neighbour) && KindAt(neighbour.interface, interfaces)) {
-            const auto left = kQuietLimit - *neighbour.quiet;
+    for (const Sighting& neighbour : seen.neighbours) {
+        if (neighbour.quiet && !IsSilent(neighbour, seen) &&
+            KindAt(neighbour.interface, interfaces)) {
+            const auto left = seen.quietLimit - *neighbour.quiet;
             next = next ? std::min(*next, left) : left;
         }
     }

@@ -41,20 +41,19 @@ struct ClientSightings {
     /// Interfaces whose hostapd has told its stations. Nobody else is connected there, even if the
     /// kernel still remembers the address of one that has left.
     std::vector<std::string> told;
+    /// For how long a neighbour counts that has been quiet, and that the kernel has not asked for
+    /// since. Who sleeps stays for a while, and who has left does not stay for ever: the kernel
+    /// itself would drop such a neighbour only when it has many of them.
+    std::chrono::seconds quietLimit{300};
 };
-
-/// For how long a client counts that has been quiet, and that the kernel has not asked for since:
-/// as long as a bridge remembers one. Who sleeps stays for a while, and who has left does not stay
-/// for ever. The kernel itself would drop such a neighbour only when it has many of them.
-constexpr std::chrono::seconds kQuietLimit{300};
 
 /// The connected clients, each once, in the order of their hardware addresses. A lease does not
 /// make a client, because it outlasts the connection; it tells name and address of one.
 std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
                                 std::int64_t now);
 
-/// In what time the next quiet one of @p neighbours stops being a client; nothing if none will.
-std::optional<std::chrono::seconds> NextDeparture(const std::vector<Sighting>& neighbours,
+/// In what time the next quiet neighbour stops being a client; nothing if none will.
+std::optional<std::chrono::seconds> NextDeparture(const ClientSightings& seen,
                                                   const ClientInterfaces& interfaces);
 
 /// The records that sys_getConnectedDeviceList answers.

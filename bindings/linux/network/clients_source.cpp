@@ -54,7 +54,7 @@ void ClientsSource::Start() {
 }
 
 void ClientsSource::AwaitDeparture() {
-    const auto next = NextDeparture(Neighbours(), interfaces);
+    const auto next = NextDeparture(Seen(), interfaces);
     if (!next) {
         departure.Reset();
         return;
@@ -108,22 +108,24 @@ void ClientsSource::NoteLimit(std::size_t count) const {
     }
 }
 
-std::vector<Sighting> ClientsSource::Neighbours() const {
-    return routes ? routes->Table().Sightings(std::chrono::steady_clock::now())
-                  : std::vector<Sighting>();
-}
-
-std::vector<Client> ClientsSource::Clients() const {
+ClientSightings ClientsSource::Seen() const {
     ClientSightings seen;
     seen.leases = leases;
-    seen.neighbours = Neighbours();
+    if (routes) {
+        seen.neighbours = routes->Table().Sightings(std::chrono::steady_clock::now());
+    }
     seen.stations = wifi.Stations();
     seen.guestStations = guestWifi.Stations();
     seen.told = wifi.Told();
     const std::vector<std::string> guests = guestWifi.Told();
     seen.told.insert(seen.told.end(), guests.begin(), guests.end());
+    seen.quietLimit = std::chrono::seconds(GetBoard().GetSettings().clientQuietSeconds);
+    return seen;
+}
+
+std::vector<Client> ClientsSource::Clients() const {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return JoinClients(seen, interfaces,
+    return JoinClients(Seen(), interfaces,
                        std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 

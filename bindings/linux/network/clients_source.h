@@ -27,8 +27,8 @@ class ClientsSource : public Source {
     nlohmann::json Said() const override;
 
   private:
+    ClientSightings Seen() const;
     std::vector<Client> Clients() const;
-    std::vector<Sighting> Neighbours() const;
     void AwaitDeparture();
     void ReadLeases();
     void NoteLeaseProblem(const std::string& problem);

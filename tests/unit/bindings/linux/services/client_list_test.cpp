@@ -103,23 +103,22 @@ TEST_F(ClientList, WithoutTheHostapdOfOneNetworkOnlyThatOneIsTakenFromWhatTheKer
     EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIFI));
 }
 
-TEST_F(ClientList, ANeighbourThatIsQuietStaysForAsLongAsAnEntryOfABridge) {
-    seen.neighbours = {{"eth0", kLaptop, "10.0.0.3", false, binding::kQuietLimit - seconds(1)},
+TEST_F(ClientList, ANeighbourThatIsQuietStaysForAWhile) {
+    seen.neighbours = {{"eth0", kLaptop, "10.0.0.3", false, seen.quietLimit - seconds(1)},
                        {"usb0", kPhone, "10.0.1.3", false, seconds(20)},
-                       {"wwan0", 0x0299, "10.9.9.9", false, binding::kQuietLimit - seconds(5)}};
+                       {"wwan0", 0x0299, "10.9.9.9", false, seen.quietLimit - seconds(5)}};
     EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIRED_B, SYS_CONNECTION_WIRED_A));
-    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces), seconds(1));
-    seen.neighbours[0].quiet = binding::kQuietLimit;
+    EXPECT_EQ(binding::NextDeparture(seen, interfaces), seconds(1));
+    seen.neighbours[0].quiet = seen.quietLimit;
     EXPECT_THAT(Kinds(), ElementsAre(SYS_CONNECTION_WIRED_B));
-    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces),
-              binding::kQuietLimit - seconds(20));
+    EXPECT_EQ(binding::NextDeparture(seen, interfaces), seen.quietLimit - seconds(20));
     seen.neighbours[1].quiet.reset();
-    EXPECT_EQ(binding::NextDeparture(seen.neighbours, interfaces), std::nullopt);
+    EXPECT_EQ(binding::NextDeparture(seen, interfaces), std::nullopt);
 }
 
 TEST_F(ClientList, AStationThatIsQuietKeepsItsAddress) {
     seen.stations = {{.mac = kPhone}};
-    seen.neighbours = {{"br0", kPhone, "10.0.0.2", false, binding::kQuietLimit}};
+    seen.neighbours = {{"br0", kPhone, "10.0.0.2", false, seen.quietLimit}};
     ASSERT_EQ(Join().size(), 1U);
     EXPECT_EQ(Join()[0].address, "10.0.0.2");
 }

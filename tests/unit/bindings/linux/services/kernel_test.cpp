@@ -118,6 +118,20 @@ TEST_F(Kernel, TellsWhoIsSeenAtAPort) {
     });
 }
 
+TEST_F(Kernel, KeepsAQuietNeighbourForEverAndTheServiceForAWhile) {
+    settings["clientQuietSeconds"] = 1;
+    InOwnNetwork([this] {
+        Ip("link add port type veth peer name other");
+        Ip("link set port up");
+        Ip("link set other up");
+        Ip("neigh add 10.0.0.2 lladdr 02:11:22:33:44:55 dev port nud reachable");
+        Ip("neigh add 10.0.0.3 lladdr 02:11:22:33:44:66 dev port nud stale");
+        Begin();
+        EXPECT_TRUE(WaitForClients({SYS_CONNECTION_WIRED_A}));
+        EXPECT_EQ(AddressOf("02:11:22:33:44:66"), "none");
+    });
+}
+
 TEST_F(Kernel, TellsBehindWhichPortOfTheBridgeAClientIs) {
     InOwnNetwork([this] {
         Ip("link add bridge type bridge");
