@@ -93,7 +93,8 @@ std::vector<ReceivedMessage> MessagesNamed(const std::vector<ReceivedMessage>& m
                                            const std::string& id) {
     std::vector<ReceivedMessage> named;
     for (const ReceivedMessage& message : messages) {
-        if (id == "unread" ? !message.isRead : message.key.compare(0, id.size(), id) == 0) {
+        const bool isNamed = !id.empty() && message.key.compare(0, id.size(), id) == 0;
+        if (id == "unread" ? !message.isRead : isNamed) {
             named.push_back(message);
         }
     }

@@ -73,6 +73,11 @@ TEST(MessageList, AMessageIsNamedByTheBeginningOfItsKey) {
     EXPECT_THROW((void)MessagesNamed(messages, "cccccccc"), std::runtime_error);
 }
 
+TEST(MessageList, AnEmptyNameIsNotThatOfEveryMessage) {
+    const auto messages = MessagesIn(ReportWith(Json::array({Said(kFirst, "Hello", false)})));
+    EXPECT_THROW((void)MessagesNamed(messages, ""), std::runtime_error);
+}
+
 TEST(MessageList, UnreadNamesAllThatHaveNotBeenRead) {
     const auto messages =
         MessagesIn(ReportWith({Said(kFirst, "Hello", true), Said(kSecond, "World", false)}));
