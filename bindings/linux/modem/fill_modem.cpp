@@ -50,6 +50,8 @@ void FillNetwork(const Modem& modem, Device& device) {
     Tell(device.get5GBandWidth, modem.nrBandwidth.value_or(0));
 }
 
+/// A SIM that is not in use is ready to be used, as far as anybody knows: ModemManager tells its
+/// lock only once its slot has been chosen, and there is no number for a SIM of an unknown state.
 sys_sim_status_e SlotStatus(const Modem& modem, bool active, const SimSlot& slot) {
     if (active && modem.simStatus) {
         return *modem.simStatus;

@@ -12,6 +12,9 @@ namespace {
 
 using nlohmann::json;
 
+/// MMSimEsimStatus: a slot with such an eSIM is as good as empty.
+constexpr std::int64_t kEsimNoProfiles = 1;
+
 /// 3GPP TS 23.003, 2.2: an IMSI has at most 15 digits.
 std::optional<std::string> ReadImsi(const json& sim) {
     constexpr std::size_t kMostDigits = 15;
@@ -57,7 +60,8 @@ void ReadSim(const json& tree, const json& properties, Modem& modem) {
 
     for (const std::string& slot : Texts(properties, "SimSlots")) {
         const json& slotSim = Member(Member(tree, slot), kSimInterface);
-        modem.slots.push_back({slot != kNoObject, Text(slotSim, "OperatorName").value_or("")});
+        const bool hasSim = slot != kNoObject && Number(slotSim, "EsimStatus") != kEsimNoProfiles;
+        modem.slots.push_back({hasSim, Text(slotSim, "OperatorName").value_or("")});
     }
     if (modem.slots.empty()) {
         // A modem that does not know slots has one.

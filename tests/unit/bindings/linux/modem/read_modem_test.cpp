@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "bindings/linux/modem/modem.h"
@@ -216,6 +217,16 @@ TEST(ReadModem, ReadsBothSlots) {
     EXPECT_EQ(modem.slots[1], (binding::SimSlot{true, "Orvane SIM"}));
     ModemProperties(tree)["SimSlots"] = {"/", kTestSim};
     EXPECT_FALSE(Read(tree).slots[0].hasSim);
+}
+
+TEST(ReadModem, ASlotWhoseEsimHasNoProfileIsEmpty) {
+    json tree = TestTree();
+    const std::string other = "/org/freedesktop/ModemManager1/SIM/1";
+    ModemProperties(tree)["SimSlots"] = {kTestSim, other};
+    for (const auto& [status, hasSim] : {std::pair(0, true), {1, false}, {2, true}}) {
+        tree[other]["org.freedesktop.ModemManager1.Sim"] = {{"EsimStatus", status}};
+        EXPECT_EQ(Read(tree).slots[1].hasSim, hasSim) << status;
+    }
 }
 
 TEST(ReadModem, ASlotThatIsNoneIsTheFirst) {
