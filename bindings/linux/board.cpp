@@ -288,10 +288,14 @@ void Board::Publish() {
     renewal.Reset();
     Device device = AbsentDevice();
     for (const auto& source : sources) {
+        if (source->GetState() == Source::State::lost) {
+            source->Fail(device, kSourceLost);
+        }
+    }
+    // Two sources may tell the same, and what one tells stands although the other is lost.
+    for (const auto& source : sources) {
         if (source->GetState() == Source::State::present) {
             source->Fill(device);
-        } else if (source->GetState() == Source::State::lost) {
-            source->Fail(device, kSourceLost);
         }
     }
     const auto addNotifications = [&](Device& whole) {

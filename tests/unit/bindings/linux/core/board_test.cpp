@@ -173,6 +173,23 @@ TEST_F(BoardOfOneSource, LostSourceIsLoggedToBeBackAlsoWhenItsHardwareIsAbsentTh
                                    "[LINUX]:[NOTICE] - position: is back"));
 }
 
+TEST_F(BoardOfOneSource, LostSourceLeavesWhatAnotherOneTells) {
+    class LostSource : public TestSource {
+      public:
+        using TestSource::TestSource;
+        void Start() override { Set(State::lost); }
+    };
+    TestSource::startsAs = Source::State::present;
+    Board both([](Board& owner) {
+        binding::Sources sources;
+        sources.push_back(std::make_unique<TestSource>(owner));
+        sources.push_back(std::make_unique<LostSource>(owner));
+        return sources;
+    });
+    EXPECT_EQ(both.Newest()->getGPSStatus.error, 0);
+    EXPECT_EQ(both.Newest()->getGPSStatus.value, SYS_GPS_SEARCHING);
+}
+
 TEST_F(BoardOfOneSource, SourceThatDoesNotTellWhetherItIsThereDelaysOnlyTheFirstAnswer) {
     Begin(Source::State::unknown);
     // What the document says is answered, although the source is not known.
