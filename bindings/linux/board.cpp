@@ -158,8 +158,8 @@ void Board::Loop() {
                                }
                                MakeRequest();
                            });
-    bus = std::make_unique<Bus>(event.get());
     ReadDocument();
+    bus = std::make_unique<Bus>(event.get(), document.settings.silenceSeconds * kSecond);
     MakeSources();
     ServeReports();
     do {
@@ -270,6 +270,7 @@ void Board::StartCheck() {
     check.After(event.get(), document.settings.checkSeconds * kSecond, kSecond, [this] {
         // First, so that a source that throws does not end the checks.
         StartCheck();
+        bus->Check();
         for (const auto& source : sources) {
             try {
                 source->Check();

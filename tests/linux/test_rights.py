@@ -74,16 +74,21 @@ def test_the_user_of_the_service_may_do_nothing_else(lab):
     assert calls(lab, "Signal.Setup", "u", "5") == "done"
 
 
+def refused(lab):
+    """What the service has logged to be refused, how often, without ModemManager's own words."""
+    return {text.partition(f": {UNAUTHORIZED}: ")[0]: count for text, count in lab.service.said().items()}
+
+
 def test_without_the_rule_the_service_only_reads(lab):
     start(lab, rule=False)
     lab.service.act("connect")
-    wait_until(lambda: lab.service.said()[f"data connection: not connected: {UNAUTHORIZED}"], "it is refused", 10)
+    wait_until(lambda: "data connection: not connected" in refused(lab), "it is refused", 10)
     shows_all(lab, rule=False)
     assert lab.modem_manager.state(lab.path) == STATE_REGISTERED
-    assert lab.service.said() == {
-        f"modem: signal is not measured, only its quality is told: {UNAUTHORIZED}": 1,
-        f"modem: cells are not told: {UNAUTHORIZED}": 1,
-        f"data connection: not connected: {UNAUTHORIZED}": 1,
+    assert refused(lab) == {
+        "modem: signal is not measured, only its quality is told": 1,
+        "modem: cells are not told": 1,
+        "data connection: not connected": 1,
     }
 
 

@@ -12,6 +12,7 @@
 
 #include "bindings/linux/bus/message.h"
 #include "bindings/linux/log.h"
+#include "bindings/linux/text.h"
 
 namespace binding {
 
@@ -19,6 +20,9 @@ namespace {
 
 constexpr const char* kDefaultAddress = "unix:path=/run/dbus/system_bus_socket";
 constexpr const char* kDisconnected = "org.freedesktop.DBus.Error.Disconnected";
+/// The errors with which sd-bus ends a call that has not been answered in time.
+constexpr const char* kNoReply = "org.freedesktop.DBus.Error.NoReply";
+constexpr const char* kTimedOut = "System.Error.ETIMEDOUT";
 constexpr std::uint64_t kReopenAfter = 1'000'000;
 /// For a bus that has refused a connection, which is not a passing trouble.
 constexpr std::uint64_t kRetryAfter = 60'000'000;
@@ -39,7 +43,7 @@ bool CanConnect(const std::string& address) {
     return access(path.c_str(), F_OK) == 0;
 }
 
-void Check(int result, const char* what) {
+void Require(int result, const char* what) {
     if (result < 0) {
         throw std::system_error(-result, std::generic_category(), what);
     }
@@ -72,9 +76,10 @@ struct Bus::Callbacks {
         try {
             const sd_bus_error* const error = sd_bus_message_get_error(message);
             if (error != nullptr) {
-                onReply(nlohmann::json::array(), error->name);
+                const char* const text = error->message;
+                onReply(nlohmann::json::array(), {error->name, text == nullptr ? "" : text});
             } else {
-                onReply(Arguments(message), "");
+                onReply(Arguments(message), {});
             }
         } catch (const std::exception& problem) {
             LINUX_LOG(TORU_DBG_ERROR, "reply: %s", problem.what());
@@ -83,7 +88,7 @@ struct Bus::Callbacks {
     }
 };
 
-Bus::Bus(sd_event* newEvent) : event(newEvent) {
+Bus::Bus(sd_event* newEvent, std::uint64_t newLimit) : event(newEvent), limit(newLimit) {
     Open();
 }
 
@@ -92,23 +97,22 @@ Bus::~Bus() = default;
 void Bus::Open() {
     try {
         sd_bus* opened = nullptr;
-        Check(sd_bus_new(&opened), "sd_bus_new");
+        Require(sd_bus_new(&opened), "sd_bus_new");
         bus.reset(opened);
-        Check(sd_bus_set_address(opened, Address().c_str()), "address");
-        Check(sd_bus_set_bus_client(opened, 1), "bus client");
-        Check(sd_bus_set_watch_bind(opened, 1), "watch for the socket");
-        Check(sd_bus_set_connected_signal(opened, 1), "connected signal");
-        Check(sd_bus_set_exit_on_disconnect(opened, 0), "exit on disconnect");
-        Check(sd_bus_add_filter(opened, nullptr, Callbacks::OnLocal, this), "filter");
-        Check(sd_bus_start(opened), "connection");
-        Check(sd_bus_attach_event(opened, event, SD_EVENT_PRIORITY_NORMAL), "event loop");
-        problem.clear();
+        answerLimit.After(event, limit, limit / 4, [this] { OnNoAnswer(); });
+        Require(sd_bus_set_address(opened, Address().c_str()), "address");
+        Require(sd_bus_set_bus_client(opened, 1), "bus client");
+        Require(sd_bus_set_watch_bind(opened, 1), "watch for the socket");
+        Require(sd_bus_set_connected_signal(opened, 1), "connected signal");
+        Require(sd_bus_set_exit_on_disconnect(opened, 0), "exit on disconnect");
+        Require(sd_bus_add_filter(opened, nullptr, Callbacks::OnLocal, this), "filter");
+        Require(sd_bus_start(opened), "connection");
+        Require(sd_bus_attach_event(opened, event, SD_EVENT_PRIORITY_NORMAL), "event loop");
     } catch (const std::system_error& error) {
         bus.reset();
-        if (problem != error.what()) {
-            LINUX_LOG(TORU_DBG_ERROR, "system bus: %s", error.what());
-            problem = error.what();
-        }
+        answerLimit.Reset();
+        Complain(error.what());
+        TellListenersSoon();
         reopening.After(event, kRetryAfter, kRetryAfter / 4, [this] { Open(); });
     }
 }
@@ -120,17 +124,44 @@ void Bus::OnLocal(sd_bus_message* message) {
     } else if (sd_bus_message_is_signal(message, kLocal, "Disconnected") > 0) {
         // The connection is made anew, but not from within its own callback. This comes first, so
         // that it happens whatever the listeners do.
-        reopening.After(event, kReopenAfter, kReopenAfter / 4, [this] { Open(); });
+        const std::uint64_t wait = connected ? kReopenAfter : kRetryAfter;
+        reopening.After(event, wait, wait / 4, [this] { Open(); });
         SetConnected(false);
     }
 }
 
 void Bus::SetConnected(bool newConnected) {
-    if (connected && !newConnected) {
-        LINUX_LOG(TORU_DBG_ERROR, "system bus: connection lost");
+    answerLimit.Reset();
+    if (newConnected) {
+        hasComplained = false;
+        wasUnanswered = false;
+    } else {
+        Complain(connected ? "connection lost" : "connection refused");
     }
     connected = newConnected;
     TellListeners();
+}
+
+void Bus::Complain(const std::string& what) {
+    if (!std::exchange(hasComplained, true)) {
+        LINUX_LOG(TORU_DBG_ERROR, "system bus: %s", what.c_str());
+    }
+}
+
+void Bus::OnNoAnswer() {
+    // While there is no socket, the listeners know, and the kernel tells when there is one.
+    if (!connected && CanConnect(Address())) {
+        Complain("does not answer");
+        TellListeners();
+    }
+}
+
+void Bus::Check() {
+    if (connected || reopening.IsArmed() || !CanConnect(Address())) {
+        wasUnanswered = false;
+    } else if (std::exchange(wasUnanswered, true)) {
+        Open();
+    }
 }
 
 void Bus::TellListeners() {
@@ -155,13 +186,17 @@ std::shared_ptr<void> Bus::OnConnection(std::function<void(bool)> changed) {
         (*listener)(true);
     } else if (!CanConnect(Address())) {
         // Nobody is to wait for a bus that is not there.
-        absence.Defer(event, [this] {
-            if (!connected) {
-                TellListeners();
-            }
-        });
+        TellListenersSoon();
     }
     return listener;
+}
+
+void Bus::TellListenersSoon() {
+    absence.Defer(event, [this] {
+        if (!connected) {
+            TellListeners();
+        }
+    });
 }
 
 Bus::PendingCall Bus::Call(const std::string& destination, const std::string& path,
@@ -185,9 +220,9 @@ Bus::PendingCall Bus::Call(const std::string& destination, const std::string& pa
     }
     sd_bus_message_unref(message);
     if (result < 0) {
-        const std::string error = result == -ENOTCONN
-                                      ? kDisconnected
-                                      : std::string("System.Error: ") + std::strerror(-result);
+        const BusError error = result == -ENOTCONN
+                                   ? BusError{kDisconnected}
+                                   : BusError{"System.Error", std::strerror(-result)};
         call->failing.Defer(event, [pending = call.get(), error] {
             const OnReply reply = pending->onReply;
             reply(nlohmann::json::array(), error);
@@ -225,8 +260,13 @@ int Bus::AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_ha
                : -ENOTCONN;
 }
 
-bool IsSilence(const std::string& error) {
-    return error == kNoReply || error == kTimedOut || error == "org.freedesktop.DBus.Error.Timeout";
+bool BusError::IsSilence() const {
+    return name == kNoReply || name == kTimedOut || name == "org.freedesktop.DBus.Error.Timeout";
+}
+
+std::string BusError::Text() const {
+    constexpr std::size_t kMostBytes = 256;
+    return Printable(message.empty() ? name : name + ": " + message, kMostBytes);
 }
 
 }  // namespace binding

@@ -24,22 +24,35 @@ struct SlotDeleter {
 /// A registration with the bus, which ends with this object.
 using BusSlot = std::unique_ptr<sd_bus_slot, SlotDeleter>;
 
+/// Why a call has failed; it has not failed if there is no name.
+struct BusError {
+    std::string name;
+    std::string message = {};
+
+    explicit operator bool() const { return !name.empty(); }
+    /// Whether the other side does not answer.
+    bool IsSilence() const;
+    /// Name and message, for the log.
+    std::string Text() const;
+};
+
 /// One connection to the system bus, which never blocks. While there is no bus, the kernel is asked
 /// to tell when one appears; when the bus goes away, the connection is made anew.
 class Bus {
   public:
     /// Appends the arguments of a call; returns a negative errno on failure.
     using Append = std::function<int(sd_bus_message* message)>;
-    /// Receives the arguments of the reply as a list; or the name and the text of an error, and
-    /// then the list is empty.
-    using OnReply = std::function<void(const nlohmann::json& arguments, const std::string& error)>;
+    /// Receives the arguments of the reply as a list; or an error, and then the list is empty.
+    using OnReply = std::function<void(const nlohmann::json& arguments, const BusError& error)>;
     using OnSignal = std::function<void(sd_bus_message* message)>;
 
     /// A call that has been sent. Its reply is not delivered any more when this object has gone.
     class Pending;
     using PendingCall = std::shared_ptr<Pending>;
 
-    explicit Bus(sd_event* newEvent);
+    /// After @p newLimit microseconds, a bus whose socket is there and that does not answer counts
+    /// as absent.
+    Bus(sd_event* newEvent, std::uint64_t newLimit);
     ~Bus();
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
@@ -47,8 +60,13 @@ class Bus {
     bool IsConnected() const { return connected; }
 
     /// Calls @p changed whenever the connection is made or lost, at once if it stands, and soon if
-    /// there is no bus to connect to. Returns what ends that when it is destroyed.
+    /// there is no bus to connect to or it does not answer. Returns what ends that when it is
+    /// destroyed.
     std::shared_ptr<void> OnConnection(std::function<void(bool connected)> changed);
+
+    /// Tries again to connect to a bus that has not answered since the last check: nothing tells
+    /// when somebody begins to listen at a socket.
+    void Check();
 
     /// Calls @p member of @p interface. @p timeout is in microseconds. The reply comes later,
     /// always; without a connection it is the error "org.freedesktop.DBus.Error.Disconnected".
@@ -67,14 +85,22 @@ class Bus {
     void OnLocal(sd_bus_message* message);
     void SetConnected(bool newConnected);
     void TellListeners();
+    void TellListenersSoon();
+    void OnNoAnswer();
+    void Complain(const std::string& what);
 
     sd_event* event;
+    std::uint64_t limit;
     std::unique_ptr<sd_bus, BusDeleter> bus;
     bool connected = false;
     EventSource reopening;
     EventSource absence;
+    EventSource answerLimit;
+    /// Whether the last check has found a socket and no connection.
+    bool wasUnanswered = false;
     std::vector<std::weak_ptr<std::function<void(bool)>>> listeners;
-    std::string problem;
+    /// Whether it has been said that there is no connection.
+    bool hasComplained = false;
 };
 
 /// Receives signals for as long as it and the connection exist.
@@ -96,12 +122,5 @@ class BusMatch {
     BusSlot slot;
     Bus::OnSignal onSignal;
 };
-
-/// The error with which sd-bus ends a call that has not been answered in time.
-constexpr const char* kNoReply = "org.freedesktop.DBus.Error.NoReply";
-constexpr const char* kTimedOut = "System.Error.ETIMEDOUT";
-
-/// Whether @p error says that the other side does not answer.
-bool IsSilence(const std::string& error);
 
 }  // namespace binding

@@ -75,10 +75,10 @@ void BusObjects::AskForOwner() {
     const std::uint64_t number = nextCall++;
     calls[number] = bus.Call(
         kBusName, kBusPath, kBusName, "GetNameOwner", service,
-        [this, number](const json& arguments, const std::string& error) {
+        [this, number](const json& arguments, const BusError& error) {
             const auto kept = calls.extract(number);
             // Any other error leaves it open whether somebody has the name.
-            isOwnerKnown = error.empty() || error == kNameHasNoOwner;
+            isOwnerKnown = !error || error.name == kNameHasNoOwner;
             OnOwner(TextAt(arguments, 0));
         },
         daemon.limit);
@@ -155,13 +155,13 @@ void BusObjects::Ask(const std::string& path, const std::string& interface,
     const std::uint64_t number = nextCall++;
     calls[number] = bus.Call(
         owner, path, interface, member, append,
-        [this, number, onResult](const json& arguments, const std::string& error) {
+        [this, number, onResult](const json& arguments, const BusError& error) {
             const auto kept = calls.extract(number);
-            if (IsSilence(error)) {
+            if (error.IsSilence()) {
                 SetPresence(Presence::silent);
                 return;
             }
-            if (error.empty()) {
+            if (!error) {
                 onResult(arguments);
             }
             // An error concerns one object, which may have gone meanwhile.
@@ -251,10 +251,10 @@ void BusObjects::Check() {
     }
     ping = bus.Call(
         owner, "/", "org.freedesktop.DBus.Peer", "Ping", nullptr,
-        [this](const json& /*arguments*/, const std::string& error) {
+        [this](const json& /*arguments*/, const BusError& error) {
             const auto kept = std::move(ping);
             ping.reset();
-            if (IsSilence(error)) {
+            if (error.IsSilence()) {
                 SetPresence(Presence::silent);
             } else if (presence == Presence::silent) {
                 // Changes may have been missed.

@@ -24,8 +24,8 @@ constexpr const char* kWrongState = "org.freedesktop.ModemManager1.Error.Core.Wr
 constexpr const char* kInProgress = "org.freedesktop.ModemManager1.Error.Core.InProgress";
 
 /// Whether asking again later may help.
-bool MayPass(const std::string& error) {
-    return error == kWrongState || error == kInProgress || IsSilence(error);
+bool MayPass(const BusError& error) {
+    return error.name == kWrongState || error.name == kInProgress || error.IsSilence();
 }
 
 /// What changes when the modem goes to another cell, as far as it tells.
@@ -87,9 +87,9 @@ void CellQuery::SetUpSignal(const json& object) {
     signalCall = bus.Call(
         kModemManager, modem, kSignalInterface, "Setup",
         [](sd_bus_message* message) { return sd_bus_message_append(message, "u", kSignalRate); },
-        [this](const json& /*arguments*/, const std::string& error) {
+        [this](const json& /*arguments*/, const BusError& error) {
             signalCall.reset();
-            if (error.empty()) {
+            if (!error) {
                 return;
             }
             signalSetUp = !MayPass(error);
@@ -101,9 +101,9 @@ void CellQuery::SetUpSignal(const json& object) {
 void CellQuery::AskForCells() {
     cellCall = bus.Call(
         kModemManager, modem, kModemInterface, "GetCellInfo", nullptr,
-        [this](const json& arguments, const std::string& error) {
+        [this](const json& arguments, const BusError& error) {
             cellCall.reset();
-            if (error.empty()) {
+            if (!error) {
                 cells = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
             } else {
                 cells = nullptr;
@@ -115,10 +115,10 @@ void CellQuery::AskForCells() {
         kLimit);
 }
 
-void CellQuery::Note(const char* what, const std::string& error) {
+void CellQuery::Note(const char* what, const BusError& error) {
     // Many modems cannot; an owner can only mend what is forbidden or fails.
-    if (error != kUnsupported && noted.insert(what + (": " + error)).second) {
-        LINUX_LOG(TORU_DBG_NOTICE, "modem: %s: %s", what, error.c_str());
+    if (error.name != kUnsupported && noted.insert(what + (": " + error.name)).second) {
+        LINUX_LOG(TORU_DBG_NOTICE, "modem: %s: %s", what, error.Text().c_str());
     }
 }
 

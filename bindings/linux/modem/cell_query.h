@@ -26,7 +26,7 @@ class CellQuery {
   private:
     void SetUpSignal(const nlohmann::json& object);
     void AskForCells();
-    void Note(const char* what, const std::string& error);
+    void Note(const char* what, const BusError& error);
 
     Bus& bus;
     std::function<void()> changed;

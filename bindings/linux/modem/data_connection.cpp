@@ -119,7 +119,7 @@ void DataConnection::Send(DataAction::Kind kind) {
 void DataConnection::SendConnect() {
     if (manager.HasProfile()) {
         call = manager.Activate(
-            [this](const std::string& error) { OnAnswer(DataAction::Kind::connect, error); });
+            [this](const BusError& error) { OnAnswer(DataAction::Kind::connect, error); });
         return;
     }
     if (modem->state.value_or(kModemStateUnknown) >= kModemEnabled) {
@@ -129,8 +129,8 @@ void DataConnection::SendConnect() {
     call = board.SystemBus().Call(
         kModemManager, modem->path, kModemInterface, "Enable",
         [](sd_bus_message* message) { return sd_bus_message_append(message, "b", 1); },
-        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
-            if (error.empty() && action.UnderWay() == DataAction::Kind::connect) {
+        [this](const nlohmann::json& /*arguments*/, const BusError& error) {
+            if (!error && action.UnderWay() == DataAction::Kind::connect) {
                 SendSimpleConnect();
             } else {
                 OnAnswer(DataAction::Kind::connect, error);
@@ -149,7 +149,7 @@ void DataConnection::SendSimpleConnect() {
                                : sd_bus_message_append(message, "a{sv}", 2, kRoaming, "b", roaming,
                                                        "apn", "s", apn.c_str());
         },
-        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
+        [this](const nlohmann::json& /*arguments*/, const BusError& error) {
             OnAnswer(DataAction::Kind::connect, error);
         },
         kNetworkLimit);
@@ -158,28 +158,29 @@ void DataConnection::SendSimpleConnect() {
 void DataConnection::SendDisconnect() {
     if (manager.HasConnection()) {
         call = manager.Deactivate(
-            [this](const std::string& error) { OnAnswer(DataAction::Kind::disconnect, error); });
+            [this](const BusError& error) { OnAnswer(DataAction::Kind::disconnect, error); });
         return;
     }
     call = board.SystemBus().Call(
         kModemManager, modem->path, kSimpleInterface, "Disconnect",
         // The path of no bearer stands for all bearers.
         [](sd_bus_message* message) { return sd_bus_message_append(message, "o", kNoObject); },
-        [this](const nlohmann::json& /*arguments*/, const std::string& error) {
+        [this](const nlohmann::json& /*arguments*/, const BusError& error) {
             OnAnswer(DataAction::Kind::disconnect, error);
         },
         kNetworkLimit);
 }
 
-void DataConnection::OnAnswer(DataAction::Kind kind, const std::string& error) {
+void DataConnection::OnAnswer(DataAction::Kind kind, const BusError& error) {
     call.reset();
-    if (!error.empty()) {
+    if (error) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not %s: %s",
-                  kind == DataAction::Kind::connect ? "connected" : "disconnected", error.c_str());
+                  kind == DataAction::Kind::connect ? "connected" : "disconnected",
+                  error.Text().c_str());
     }
     // What NetworkManager has answered tells of its connection, too.
     Refresh();
-    Send(action.Answered(!error.empty()));
+    Send(action.Answered(static_cast<bool>(error)));
     SetLimit();
     changed();
 }

@@ -46,7 +46,7 @@ class DataConnection final : public DataCall {
     void SendConnect();
     void SendSimpleConnect();
     void SendDisconnect();
-    void OnAnswer(DataAction::Kind kind, const std::string& error);
+    void OnAnswer(DataAction::Kind kind, const BusError& error);
     void SetLimit();
 
     Board& board;

@@ -77,7 +77,7 @@ void NetworkManager::ReadProfiles(const std::vector<std::string>& paths) {
         }
         questions[path] = bus.Call(
             kService, path, kProfileInterface, "GetSettings", nullptr,
-            [this, path](const json& arguments, const std::string& /*error*/) {
+            [this, path](const json& arguments, const BusError& /*error*/) {
                 const auto kept = questions.extract(path);
                 const json settings =
                     arguments.is_array() && !arguments.empty() ? arguments.front() : json();
@@ -175,7 +175,7 @@ Bus::PendingCall NetworkManager::Activate(OnDone onDone) {
         [profile = ProfilePath()](sd_bus_message* message) {
             return sd_bus_message_append(message, "ooo", profile.c_str(), kNoObject, kNoObject);
         },
-        [this, onDone = std::move(onDone)](const json& arguments, const std::string& error) {
+        [this, onDone = std::move(onDone)](const json& arguments, const BusError& error) {
             const bool isPath =
                 arguments.is_array() && !arguments.empty() && arguments.front().is_string();
             begun = isPath ? arguments.front().get<std::string>() : "";
@@ -193,8 +193,8 @@ Bus::PendingCall NetworkManager::Deactivate(OnDone onDone) {
         [active = listed.empty() ? begun : listed](sd_bus_message* message) {
             return sd_bus_message_append(message, "o", active.empty() ? kNoObject : active.c_str());
         },
-        [this, onDone = std::move(onDone)](const json& /*arguments*/, const std::string& error) {
-            if (!error.empty()) {
+        [this, onDone = std::move(onDone)](const json& /*arguments*/, const BusError& error) {
+            if (error) {
                 begun.clear();
             }
             onDone(error);

@@ -15,8 +15,7 @@ namespace binding {
 
 class NetworkManager {
   public:
-    /// Receives an empty text, or the error.
-    using OnDone = std::function<void(const std::string& error)>;
+    using OnDone = std::function<void(const BusError& error)>;
 
     /// Takes the profile with the name @p newProfile, or the first one if it is empty. Calls
     /// @p newChanged after each change.

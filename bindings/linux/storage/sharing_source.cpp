@@ -50,7 +50,7 @@ void SharingSource::Evaluate() {
         subscribed = true;
         subscription = GetBoard().SystemBus().Call(
             kManager, kManagerPath, "org.freedesktop.systemd1.Manager", "Subscribe", nullptr,
-            [](const nlohmann::json& /*arguments*/, const std::string& /*error*/) {}, 0);
+            [](const nlohmann::json& /*arguments*/, const BusError& /*error*/) {}, 0);
     }
     if (presence == Presence::silent) {
         Lost("the service manager does not answer");

@@ -60,7 +60,7 @@ void RaucSource::AskForVersion() {
     }
     slots = GetBoard().SystemBus().Call(
         rauc->Service(), "/", kInstaller, "GetSlotStatus", nullptr,
-        [this](const nlohmann::json& arguments, const std::string& /*error*/) {
+        [this](const nlohmann::json& arguments, const BusError& /*error*/) {
             if (arguments.is_array() && !arguments.empty()) {
                 state.version = LastInstalledVersion(arguments[0]);
                 Changed();
