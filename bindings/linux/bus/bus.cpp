@@ -2,11 +2,14 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -262,6 +265,16 @@ int Bus::AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_ha
 
 bool BusError::IsSilence() const {
     return name == kNoReply || name == kTimedOut || name == "org.freedesktop.DBus.Error.Timeout";
+}
+
+bool BusError::IsAbsence() const {
+    // Libraries have prefixes of their own. InvalidArgs is GLib's error for an interface that the
+    // object does not have.
+    constexpr std::array<std::string_view, 6> kKinds = {"UnknownObject",  "UnknownInterface",
+                                                        "UnknownMethod",  "InvalidArgs",
+                                                        "ServiceUnknown", "Disconnected"};
+    const std::string kind = name.substr(name.rfind('.') + 1);
+    return std::find(kKinds.begin(), kKinds.end(), kind) != kKinds.end();
 }
 
 std::string BusError::Text() const {

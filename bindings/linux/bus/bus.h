@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "bindings/linux/bus/complaints.h"
 #include "bindings/linux/event.h"
 
 namespace binding {
@@ -32,6 +33,8 @@ struct BusError {
     explicit operator bool() const { return !name.empty(); }
     /// Whether the other side does not answer.
     bool IsSilence() const;
+    /// Whether there is no such object or interface, or nobody to have one.
+    bool IsAbsence() const;
     /// Name and message, for the log.
     std::string Text() const;
 };
@@ -56,6 +59,9 @@ class Bus {
     ~Bus();
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
+
+    /// What is wrong with what daemons tell.
+    Complaints& GetComplaints() { return complaints; }
 
     bool IsConnected() const { return connected; }
 
@@ -101,6 +107,7 @@ class Bus {
     std::vector<std::weak_ptr<std::function<void(bool)>>> listeners;
     /// Whether it has been said that there is no connection.
     bool hasComplained = false;
+    Complaints complaints;
 };
 
 /// Receives signals for as long as it and the connection exist.

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "bindings/linux/bus/message.h"
-#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/text.h"
 
 namespace binding {
 
@@ -35,25 +35,13 @@ std::string TextAt(const json& arguments, std::size_t index) {
     return value.is_string() ? value.get<std::string>() : "";
 }
 
-/// Object @p name of @p parent; made, unless it is one already.
-json& MemberObject(json& parent, std::string_view name) {
-    json& member = parent[std::string(name)];
-    if (!member.is_object()) {
-        member = json::object();
-    }
-    return member;
-}
-
-void Put(json& object, const json& members) {
-    if (members.is_object()) {
-        object.update(members);
-    }
-}
-
 }  // namespace
 
 BusObjects::BusObjects(Bus& newBus, Daemon newDaemon, std::function<void()> newChanged)
-    : bus(newBus), daemon(std::move(newDaemon)), changed(std::move(newChanged)) {
+    : bus(newBus),
+      daemon(std::move(newDaemon)),
+      changed(std::move(newChanged)),
+      tree(bus.GetComplaints(), daemon.service, daemon.kinds) {
     connection = bus.OnConnection([this](bool connected) { OnConnection(connected); });
 }
 
@@ -91,8 +79,9 @@ void BusObjects::OnOwner(const std::string& newOwner) {
     owner = newOwner;
     calls.clear();
     ping.reset();
+    untold.clear();
     watched.clear();
-    tree = json::object();
+    tree.Clear();
     propertyChanges.End();
     additions.End();
     removals.End();
@@ -110,72 +99,126 @@ void BusObjects::OnOwner(const std::string& newOwner) {
         removals.Begin(bus, SignalRule(owner, kObjectManager, "InterfacesRemoved") + path,
                        [this](sd_bus_message* message) { OnInterfaces(message, false); });
     }
-    SetPresence(Presence::reading);
     ReadAll();
 }
 
 void BusObjects::ReadAll() {
+    hasTimedOut = false;
+    refused.clear();
+    untold.clear();
+    calls.clear();
+    SetPresence(Presence::reading);
     watched = daemon.objects;
     if (!daemon.manager.empty()) {
-        Ask(daemon.manager, kObjectManager, "GetManagedObjects", nullptr,
-            [this](const json& arguments) {
-                // What has been told by objects that are not managed stays.
-                const json& managed = At(arguments, 0);
-                if (managed.is_object()) {
-                    tree.update(managed);
-                }
-            });
+        ReadManaged();
     }
     for (const auto& [path, interfaces] : daemon.objects) {
-        ReadObjects(path, interfaces);
+        for (const std::string& interface : interfaces) {
+            ReadObject(path, interface);
+        }
     }
     if (calls.empty()) {
         Answered();
     }
 }
 
-void BusObjects::ReadObjects(const std::string& path, const std::vector<std::string>& interfaces) {
-    for (const std::string& interface : interfaces) {
-        Ask(
-            path, kProperties, "GetAll",
-            [&interface](sd_bus_message* message) {
-                return sd_bus_message_append(message, "s", interface.c_str());
-            },
-            [this, path, interface](const json& arguments) {
-                if (IsWatched(path)) {
-                    Put(MemberObject(MemberObject(tree, path), interface), At(arguments, 0));
-                }
-            });
-    }
+void BusObjects::ReadManaged() {
+    Ask({daemon.manager, ""}, kObjectManager, "GetManagedObjects", nullptr,
+        // What has been told by objects that are not managed stays.
+        [this](const json& managed) { tree.Replace(managed); });
 }
 
-void BusObjects::Ask(const std::string& path, const std::string& interface,
+void BusObjects::ReadObject(const std::string& path, const std::string& interface) {
+    Ask(
+        {path, interface}, kProperties, "GetAll",
+        [&interface](sd_bus_message* message) {
+            return sd_bus_message_append(message, "s", interface.c_str());
+        },
+        [this, path, interface](const json& properties) {
+            if (IsWatched(path)) {
+                tree.Put(path, interface, properties);
+            }
+        });
+}
+
+void BusObjects::Ask(const Question& question, const std::string& interface,
                      const std::string& member, const Bus::Append& append,
                      const std::function<void(const json&)>& onResult) {
     const std::uint64_t number = nextCall++;
     calls[number] = bus.Call(
-        owner, path, interface, member, append,
-        [this, number, onResult](const json& arguments, const BusError& error) {
+        owner, question.path, interface, member, append,
+        [this, number, question, onResult](const json& arguments, const BusError& error) {
             const auto kept = calls.extract(number);
             if (error.IsSilence()) {
-                SetPresence(Presence::silent);
+                TimedOut();
                 return;
             }
-            if (!error) {
-                onResult(arguments);
+            const json& result = At(arguments, 0);
+            if (error) {
+                NotTold(question, error);
+            } else if (!result.is_object()) {
+                NotTold(question, {"the answer is no dictionary"});
+            } else {
+                Told(question);
+                onResult(result);
             }
-            // An error concerns one object, which may have gone meanwhile.
             Answered();
         },
         daemon.limit);
 }
 
+void BusObjects::Told(const Question& question) {
+    untold.erase(question);
+    refused.erase(question);
+    bus.GetComplaints().Settle(Subject(question), question.path, Tree());
+}
+
+void BusObjects::NotTold(const Question& question, const BusError& error) {
+    untold.insert(question);
+    // An object may have gone meanwhile, or come later.
+    if (error.IsAbsence()) {
+        return;
+    }
+    if (IsEssential(question)) {
+        refused.insert(question);
+    }
+    constexpr std::size_t kMostBytes = 256;
+    const std::string what =
+        question.interface.empty() ? "GetManagedObjects" : "GetAll of " + question.interface;
+    bus.GetComplaints().Raise(Subject(question), question.path,
+                              daemon.service + ": " + Printable(question.path, kMostBytes) + ": " +
+                                  what + ": " + error.Text());
+}
+
+std::string BusObjects::Subject(const Question& question) const {
+    return daemon.service + " " + question.interface;
+}
+
+bool BusObjects::IsEssential(const Question& question) const {
+    return question.path == daemon.manager || daemon.objects.count(question.path) != 0;
+}
+
 void BusObjects::Answered() {
+    if (presence == Presence::silent && hasTimedOut) {
+        // What was asked for meanwhile is missing, and changes may be.
+        ReadAll();
+        return;
+    }
     // The tree is shown when it is whole.
     if (presence == Presence::reading && !calls.empty()) {
         return;
     }
-    SetPresence(Presence::present);
+    SetPresence(refused.empty() ? Presence::present : Presence::silent);
+}
+
+void BusObjects::TimedOut() {
+    hasTimedOut = true;
+    calls.clear();
+    SetPresence(Presence::silent);
+}
+
+std::string BusObjects::Problem() const {
+    return hasTimedOut ? "does not answer" : "does not tell what it is asked for";
 }
 
 void BusObjects::SetPresence(Presence newPresence) {
@@ -187,20 +230,13 @@ void BusObjects::OnProperties(sd_bus_message* message) {
     const char* const sender = sd_bus_message_get_path(message);
     const std::string path = sender == nullptr ? "" : sender;
     // Objects that nobody has asked about are not kept.
-    if (!tree.contains(path)) {
+    if (!Tree().contains(path)) {
         return;
     }
     const json arguments = Arguments(message);
-    json& interface = MemberObject(MemberObject(tree, path), TextAt(arguments, 0));
-    Put(interface, At(arguments, 1));
-    const json& invalidated = At(arguments, 2);
-    if (invalidated.is_array()) {
-        for (const json& name : invalidated) {
-            if (name.is_string()) {
-                interface.erase(name.get<std::string>());
-            }
-        }
-    }
+    const std::string interface = TextAt(arguments, 0);
+    tree.Put(path, interface, At(arguments, 1));
+    tree.Invalidate(path, interface, At(arguments, 2));
     Answered();
 }
 
@@ -211,18 +247,12 @@ void BusObjects::OnInterfaces(sd_bus_message* message, bool added) {
         return;
     }
     if (added) {
-        Put(MemberObject(tree, path), At(arguments, 1));
-    } else if (tree.contains(path)) {
-        const json& interfaces = At(arguments, 1);
-        json& object = MemberObject(tree, path);
-        for (const json& name : interfaces) {
-            if (name.is_string()) {
-                object.erase(name.get<std::string>());
-            }
+        tree.Add(path, At(arguments, 1));
+        for (const auto& [interface, properties] : At(arguments, 1).items()) {
+            Told({path, interface});
         }
-        if (object.empty()) {
-            tree.erase(path);
-        }
+    } else {
+        tree.Remove(path, At(arguments, 1));
     }
     Answered();
 }
@@ -232,13 +262,16 @@ void BusObjects::Watch(const std::string& path, const std::vector<std::string>& 
         return;
     }
     watched[path] = interfaces;
-    MemberObject(tree, path);
-    ReadObjects(path, interfaces);
+    tree.Expect(path);
+    for (const std::string& interface : interfaces) {
+        ReadObject(path, interface);
+    }
 }
 
 void BusObjects::Forget(const std::string& path) {
     watched.erase(path);
-    tree.erase(path);
+    tree.Forget(path);
+    std::erase_if(untold, [&path](const Question& question) { return question.path == path; });
 }
 
 void BusObjects::Check() {
@@ -255,14 +288,25 @@ void BusObjects::Check() {
             const auto kept = std::move(ping);
             ping.reset();
             if (error.IsSilence()) {
-                SetPresence(Presence::silent);
+                TimedOut();
             } else if (presence == Presence::silent) {
-                // Changes may have been missed.
-                SetPresence(Presence::reading);
                 ReadAll();
+            } else {
+                ReadUntold();
             }
         },
         daemon.limit);
+}
+
+void BusObjects::ReadUntold() {
+    const std::set<Question> questions = untold;
+    for (const auto& [path, interface] : questions) {
+        if (interface.empty()) {
+            ReadManaged();
+        } else {
+            ReadObject(path, interface);
+        }
+    }
 }
 
 }  // namespace binding

@@ -6,10 +6,13 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "bindings/linux/bus/bus.h"
+#include "bindings/linux/bus/bus_tree.h"
 
 namespace binding {
 
@@ -20,7 +23,7 @@ class BusObjects {
         absent,   ///< nobody has the name of the daemon
         reading,  ///< the daemon is there, and its objects are being read
         present,
-        silent,  ///< the daemon is there and does not answer
+        silent,  ///< the daemon is there and does not answer, or does not tell what it is asked for
     };
 
     struct Daemon {
@@ -29,6 +32,8 @@ class BusObjects {
         std::string manager;
         /// Objects that are read besides: path to interfaces.
         std::map<std::string, std::vector<std::string>> objects;
+        /// What its properties must be to be understood.
+        ExpectedKinds kinds;
         /// Microseconds after which a daemon that does not answer is silent.
         std::uint64_t limit = 10'000'000;
     };
@@ -41,9 +46,12 @@ class BusObjects {
 
     Presence GetPresence() const { return presence; }
 
+    /// What a daemon that is silent does.
+    std::string Problem() const;
+
     /// The objects: path, interface, property. It is empty unless the daemon is present or silent;
     /// then it is what the daemon has told before.
-    const nlohmann::json& Tree() const { return tree; }
+    const nlohmann::json& Tree() const { return tree.Objects(); }
 
     /// Also reads the @p interfaces of the object @p path and follows them, until the object
     /// disappears or the daemon does.
@@ -51,31 +59,54 @@ class BusObjects {
     void Forget(const std::string& path);
     bool IsWatched(const std::string& path) const { return watched.count(path) != 0; }
 
-    /// Asks a daemon that is present or silent for a sign of life.
+    /// Asks a daemon that is present or silent for a sign of life, and again for what it has not
+    /// told.
     void Check();
 
     const std::string& Service() const { return daemon.service; }
     Bus& GetBus() { return bus; }
 
   private:
+    /// What is read: properties of an interface of an object; or, without an interface, all that is
+    /// managed.
+    struct Question {
+        std::string path;
+        std::string interface;
+
+        bool operator<(const Question& other) const {
+            return std::tie(path, interface) < std::tie(other.path, other.interface);
+        }
+    };
+
     void OnConnection(bool connected);
     void AskForOwner();
     void OnOwner(const std::string& newOwner);
     void OnProperties(sd_bus_message* message);
     void OnInterfaces(sd_bus_message* message, bool added);
     void ReadAll();
-    void ReadObjects(const std::string& path, const std::vector<std::string>& interfaces);
-    void Ask(const std::string& path, const std::string& interface, const std::string& member,
+    void ReadManaged();
+    void ReadObject(const std::string& path, const std::string& interface);
+    void Ask(const Question& question, const std::string& interface, const std::string& member,
              const Bus::Append& append,
-             const std::function<void(const nlohmann::json& arguments)>& onResult);
+             const std::function<void(const nlohmann::json& result)>& onResult);
+    std::string Subject(const Question& question) const;
+    /// Whether the daemon tells nothing without the answer.
+    bool IsEssential(const Question& question) const;
+    void Told(const Question& question);
+    void NotTold(const Question& question, const BusError& error);
+    void ReadUntold();
     void Answered();
+    void TimedOut();
     void SetPresence(Presence newPresence);
 
     Bus& bus;
     Daemon daemon;
     std::function<void()> changed;
     Presence presence = Presence::unknown;
-    nlohmann::json tree = nlohmann::json::object();
+    /// Why the daemon is silent: a call has not been answered, or something essential is refused.
+    bool hasTimedOut = false;
+    std::set<Question> refused;
+    BusTree tree;
     std::map<std::string, std::vector<std::string>> watched;
     std::string owner;
     bool isOwnerKnown = true;
@@ -85,6 +116,8 @@ class BusObjects {
     BusMatch propertyChanges;
     BusMatch additions;
     BusMatch removals;
+    /// What the daemon has refused to tell, or has not got yet.
+    std::set<Question> untold;
     std::map<std::uint64_t, Bus::PendingCall> calls;
     std::uint64_t nextCall = 0;
     Bus::PendingCall ping;

@@ -14,14 +14,15 @@ const json& Member(const json& object, std::string_view name) {
     return found == object.end() ? nothing : *found;
 }
 
+std::optional<std::int64_t> Integer(const json& value) {
+    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    const bool fits = value.is_number_unsigned() ? value.get<std::uint64_t>() <= kMost
+                                                 : value.is_number_integer();
+    return fits ? std::optional(value.get<std::int64_t>()) : std::nullopt;
+}
+
 std::optional<std::int64_t> Number(const json& object, std::string_view name) {
-    const json& value = Member(object, name);
-    if (value.is_number_unsigned()) {
-        const auto number = value.get<std::uint64_t>();
-        constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-        return number > kMost ? std::nullopt : std::optional(static_cast<std::int64_t>(number));
-    }
-    return value.is_number_integer() ? std::optional(value.get<std::int64_t>()) : std::nullopt;
+    return Integer(Member(object, name));
 }
 
 std::optional<double> Real(const json& object, std::string_view name) {

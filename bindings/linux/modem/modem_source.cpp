@@ -40,7 +40,11 @@ ModemSource::ModemSource(Board& board, MessagesSource& newMessages)
       connection(board, [this] { RefreshSoon(); }),
       traffic(board),
       objects(board.SystemBus(),
-              {kModemManager, kModemManagerPath, {}, board.GetSettings().silenceSeconds * kSecond},
+              {.service = kModemManager,
+               .manager = kModemManagerPath,
+               .objects = {},
+               .kinds = ModemManagerKinds(),
+               .limit = board.GetSettings().silenceSeconds * kSecond},
               [this] { RefreshSoon(); }) {}
 
 void ModemSource::Start() {
@@ -71,7 +75,7 @@ void ModemSource::Refresh() {
         case BusObjects::Presence::silent:
             connection.Update(nullptr);
             messages.None();
-            Lost("ModemManager does not answer");
+            Lost("ModemManager " + objects.Problem());
             return;
         case BusObjects::Presence::present:
             RefreshModem();

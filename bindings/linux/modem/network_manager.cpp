@@ -1,6 +1,7 @@
 #include "bindings/linux/modem/network_manager.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,17 @@ constexpr const char* kProfileInterface = "org.freedesktop.NetworkManager.Settin
 constexpr const char* kActiveInterface = "org.freedesktop.NetworkManager.Connection.Active";
 constexpr const char* kDeviceInterface = "org.freedesktop.NetworkManager.Device";
 
+constexpr auto kKinds = std::to_array<ExpectedKind>({
+    {kManagerInterface, "WwanEnabled", ValueKind::boolean},
+    {kManagerInterface, "WwanHardwareEnabled", ValueKind::boolean},
+    {kManagerInterface, "ActiveConnections", ValueKind::texts},
+    {kSettingsInterface, "Connections", ValueKind::texts},
+    {kActiveInterface, "Connection", ValueKind::text},
+    {kActiveInterface, "State", ValueKind::integer},
+    {kActiveInterface, "Devices", ValueKind::texts},
+    {kDeviceInterface, "IpInterface", ValueKind::text},
+});
+
 /// Type of the profiles of modems, also of those for LTE and 5G.
 constexpr const char* kGsm = "gsm";
 
@@ -40,10 +52,11 @@ NetworkManager::NetworkManager(Bus& newBus, std::string newProfile, std::uint64_
       wantedProfile(std::move(newProfile)),
       changed(std::move(newChanged)),
       objects(newBus,
-              {kService,
-               "",
-               {{kPath, {kManagerInterface}}, {kSettingsPath, {kSettingsInterface}}},
-               limit},
+              {.service = kService,
+               .manager = "",
+               .objects = {{kPath, {kManagerInterface}}, {kSettingsPath, {kSettingsInterface}}},
+               .kinds = kKinds,
+               .limit = limit},
               [this] { OnChange(); }) {}
 
 bool NetworkManager::IsReading() const {

@@ -1,7 +1,6 @@
 #include "bindings/linux/modem/tree_lists.h"
 
 #include <algorithm>
-#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "bindings/linux/bus/tree.h"
@@ -9,13 +8,6 @@
 namespace binding {
 
 using nlohmann::json;
-
-std::optional<std::int64_t> Integer(const json& value) {
-    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    const bool fits = value.is_number_unsigned() ? value.get<std::uint64_t>() <= kMost
-                                                 : value.is_number_integer();
-    return fits ? std::optional(value.get<std::int64_t>()) : std::nullopt;
-}
 
 const json& Element(const json& object, const char* name, std::size_t index) {
     static const json nothing;

@@ -11,9 +11,6 @@
 
 namespace binding {
 
-/// The integer that @p value is.
-std::optional<std::int64_t> Integer(const nlohmann::json& value);
-
 /// Element @p index of the list @p name of @p object; null without one.
 const nlohmann::json& Element(const nlohmann::json& object, const char* name, std::size_t index);
 

@@ -1,5 +1,6 @@
 #include "bindings/linux/power/power_source.h"
 
+#include <array>
 #include <nlohmann/json.hpp>
 #include <system_error>
 
@@ -14,6 +15,12 @@ namespace {
 
 constexpr const char* kDisplayDevice = "/org/freedesktop/UPower/devices/DisplayDevice";
 constexpr const char* kDeviceInterface = "org.freedesktop.UPower.Device";
+
+constexpr auto kKinds = std::to_array<ExpectedKind>({
+    {kDeviceInterface, "IsPresent", ValueKind::boolean},
+    {kDeviceInterface, "Percentage", ValueKind::number},
+    {kDeviceInterface, "State", ValueKind::integer},
+});
 
 }  // namespace
 
@@ -31,6 +38,7 @@ void PowerSource::Start() {
         BusObjects::Daemon{.service = "org.freedesktop.UPower",
                            .manager = "",
                            .objects = {{kDisplayDevice, {kDeviceInterface}}},
+                           .kinds = kKinds,
                            .limit = GetBoard().GetSettings().silenceSeconds * kSecond},
         [this] { Evaluate(); });
     ReadKernel();
@@ -59,7 +67,7 @@ void PowerSource::Evaluate() {
         // UPower may know of a battery that the kernel does not show.
         supplies = before;
         if (presence == Presence::silent) {
-            Lost("UPower does not answer");
+            Lost("UPower " + upower->Problem());
         }
         return;
     } else if (!kernel.battery && (GetState() == State::lost || before.battery)) {

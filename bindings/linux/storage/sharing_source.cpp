@@ -1,5 +1,6 @@
 #include "bindings/linux/storage/sharing_source.h"
 
+#include <array>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
@@ -14,6 +15,11 @@ namespace {
 constexpr const char* kManager = "org.freedesktop.systemd1";
 constexpr const char* kManagerPath = "/org/freedesktop/systemd1";
 constexpr const char* kUnitInterface = "org.freedesktop.systemd1.Unit";
+
+constexpr auto kKinds = std::to_array<ExpectedKind>({
+    {kUnitInterface, "ActiveState", ValueKind::text},
+    {kUnitInterface, "LoadState", ValueKind::text},
+});
 
 /// The object of the unit @p name; empty when there can be none of this name.
 std::string UnitPath(const std::string& name) {
@@ -35,6 +41,7 @@ void SharingSource::Start() {
         BusObjects::Daemon{.service = kManager,
                            .manager = "",
                            .objects = {{unitPath, {kUnitInterface}}},
+                           .kinds = kKinds,
                            .limit = GetBoard().GetSettings().silenceSeconds * kSecond},
         [this] { Evaluate(); });
     Evaluate();
@@ -53,7 +60,7 @@ void SharingSource::Evaluate() {
             [](const nlohmann::json& /*arguments*/, const BusError& /*error*/) {}, 0);
     }
     if (presence == Presence::silent) {
-        Lost("the service manager does not answer");
+        Lost("the service manager " + manager->Problem());
     } else if (presence == Presence::absent) {
         if (GetState() == State::unknown || GetState() == State::absent) {
             Absent();

@@ -1,5 +1,6 @@
 #include "bindings/linux/update/rauc_source.h"
 
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "bindings/linux/board.h"
@@ -13,6 +14,12 @@ namespace {
 constexpr std::uint64_t kSecond = 1'000'000;
 constexpr const char* kInstaller = "de.pengutronix.rauc.Installer";
 
+constexpr auto kKinds = std::to_array<ExpectedKind>({
+    {kInstaller, "Operation", ValueKind::text},
+    {kInstaller, "LastError", ValueKind::text},
+    {kInstaller, "Progress", ValueKind::integerFirst},
+});
+
 }  // namespace
 
 void RaucSource::Start() {
@@ -21,6 +28,7 @@ void RaucSource::Start() {
         BusObjects::Daemon{.service = "de.pengutronix.rauc",
                            .manager = "",
                            .objects = {{"/", {kInstaller}}},
+                           .kinds = kKinds,
                            .limit = GetBoard().GetSettings().silenceSeconds * kSecond},
         [this] { Evaluate(); });
     Evaluate();
@@ -40,7 +48,7 @@ void RaucSource::Evaluate() {
             }
             break;
         case Presence::silent:
-            Lost("RAUC does not answer");
+            Lost("RAUC " + rauc->Problem());
             break;
         case Presence::present:
             state = NextRaucState(state, Member(Member(rauc->Tree(), "/"), kInstaller));

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "bindings/linux/modem/tree_lists.h"
+#include "bindings/linux/bus/tree.h"
 #include "platform/sysint.h"
 
 namespace binding {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -18,7 +19,6 @@ using binding::Bus;
 using binding::BusObjects;
 using nlohmann::json;
 using Presence = binding::BusObjects::Presence;
-using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -34,7 +34,7 @@ constexpr const char* kGetAll = "org.freedesktop.DBus.Properties.GetAll";
 class OnABus : public SimulatedDevice {
   protected:
     OnABus() {
-        environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + path);
+        environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + socketPath);
         sd_event* made = nullptr;
         EXPECT_GE(sd_event_new(&made), 0);
         event.reset(made);
@@ -55,14 +55,14 @@ class OnABus : public SimulatedDevice {
     }
 
     void Connect() {
-        daemons.emplace(path);
+        daemons.emplace(socketPath);
         daemons->Listen();
         daemons->owners[kService] = ":1.7";
         bus.emplace(event.get(), limit);
         Await([this] { return bus->IsConnected(); });
     }
 
-    const std::string path = directory / "bus";
+    const std::string socketPath = directory / "bus";
     std::uint64_t limit = 10 * kSecond;
     binding::EventPointer event;
     std::optional<FakeBus> daemons;
@@ -88,7 +88,7 @@ class BusThatDoesNotAnswer : public OnABus {
 
     /// The bus has a socket, at which nobody listens, or answers.
     void Begin() {
-        daemons.emplace(path);
+        daemons.emplace(socketPath);
         bus.emplace(event.get(), limit);
         listening = bus->OnConnection([this](bool connected) { told.push_back(connected); });
         Await([this] { return !told.empty(); });
@@ -120,6 +120,159 @@ TEST_F(BusThatDoesNotAnswer, IsConnectedToWhenSomebodyListensAtLast) {
     daemons->Listen();
     CheckTwice();
     Await([this] { return told.back(); });
+}
+
+/// A daemon with the objects /lamp and /fan.
+class Daemon : public OnABus {
+  protected:
+    static constexpr std::array<binding::ExpectedKind, 2> kKinds = {{
+        {kInterface, "On", binding::ValueKind::boolean},
+        {kInterface, "Times.last", binding::ValueKind::integer},
+    }};
+
+    Daemon() {
+        Connect();
+        daemons->properties["/lamp org.example.Thing"] = {Property("On", "b", 1)};
+        daemons->properties["/fan org.example.Thing"] = {Property("On", "b", 0)};
+    }
+
+    void Begin(std::uint64_t silenceLimit = 10 * kSecond) {
+        objects.emplace(*bus,
+                        BusObjects::Daemon{.service = kService,
+                                           .manager = "",
+                                           .objects = {{kLamp, {kInterface}}, {kFan, {kInterface}}},
+                                           .kinds = kKinds,
+                                           .limit = silenceLimit},
+                        [this] { ++changes; });
+    }
+
+    void BeginAs(Presence presence, std::uint64_t silenceLimit = 10 * kSecond) {
+        Begin(silenceLimit);
+        AwaitPresence(presence);
+    }
+
+    void AwaitPresence(Presence presence) {
+        Await([&] { return objects->GetPresence() == presence; });
+    }
+
+    /// Changes a property, and waits until that has been heard.
+    void Change(const char* path, const FakeBus::Append& property) {
+        daemons->ChangeProperties(kService, path, kInterface, {property});
+        Await([this, before = changes] { return changes > before; });
+    }
+
+    const json& On(const char* path) { return objects->Tree().at(path).at(kInterface).at("On"); }
+
+    std::optional<BusObjects> objects;
+    int changes = 0;
+};
+
+constexpr const char* kOnIsAText =
+    "[LINUX]:[ERROR] - org.example.Daemon: /lamp: org.example.Thing.On is a text, not a boolean";
+
+TEST_F(Daemon, ValueOfAWrongKindIsSaidOnceUntilItIsRightAgain) {
+    daemons->properties["/lamp org.example.Thing"] = {Property("On", "s", "yes")};
+    BeginAs(Presence::present);
+    Change(kLamp, Property("On", "s", "no"));
+    EXPECT_THAT(Log(), ElementsAre(kOnIsAText));
+    Change(kLamp, Property("On", "b", 1));
+    EXPECT_THAT(Log(), ElementsAre(kOnIsAText));
+    Change(kLamp, Property("On", "u", 1));
+    EXPECT_THAT(Log(), ElementsAre(kOnIsAText, HasSubstr(".On is an integer, not a boolean")));
+}
+
+TEST_F(Daemon, WrongValueIsSaidForOneObjectAndRemainsUntilThatOneIsRight) {
+    daemons->properties["/lamp org.example.Thing"] = {Property("On", "s", "yes")};
+    BeginAs(Presence::present);
+    Change(kFan, Property("On", "s", "yes"));
+    Change(kFan, Property("On", "b", 1));
+    Change(kLamp, Property("On", "s", "no"));
+    EXPECT_THAT(Log(), ElementsAre(kOnIsAText));
+}
+
+TEST_F(Daemon, EntryOfADictionaryCanBeWrongToo) {
+    BeginAs(Presence::present);
+    Change(kFan, Property("Times", "a{sv}", 1, "last", "t", UINT64_MAX));
+    Change(kLamp, Property("Times", "a{sv}", 1, "last", "u", 7));
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("/fan: org.example.Thing.Times.last is a number that "
+                                             "is too large, not an integer of 64 bits")));
+}
+
+TEST_F(Daemon, WhatIsRefusedMakesTheDaemonSilentUntilItIsTold) {
+    daemons->methods[std::string("/fan ") + kGetAll] =
+        Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
+    BeginAs(Presence::silent);
+    EXPECT_EQ(objects->Problem(), "does not tell what it is asked for");
+    daemons->ChangeProperties(kService, kLamp, kInterface, {Property("On", "b", 0)});
+    Await([this] { return On(kLamp) == false; });
+    EXPECT_EQ(objects->GetPresence(), Presence::silent);
+    daemons->methods.clear();
+    objects->Check();
+    AwaitPresence(Presence::present);
+    EXPECT_EQ(On(kFan), false);
+    EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - org.example.Daemon: /fan: GetAll of "
+                                   "org.example.Thing: org.freedesktop.DBus.Error.AccessDenied: "
+                                   "not for you"));
+}
+
+TEST_F(Daemon, WhatIsRefusedAtFirstIsTakenFromASignal) {
+    daemons->methods[std::string("/fan ") + kGetAll] = Fails("org.example.Error.Busy", "later");
+    BeginAs(Presence::silent);
+    daemons->Signal(kService, "/", "org.freedesktop.DBus.ObjectManager", "InterfacesAdded",
+                    [](sd_bus_message* message) {
+                        return sd_bus_message_append(message, "oa{sa{sv}}", kFan, 1, kInterface, 1,
+                                                     "On", "b", 1);
+                    });
+    AwaitPresence(Presence::present);
+    EXPECT_EQ(On(kFan), true);
+}
+
+TEST_F(Daemon, AnswerThatIsNoDictionaryIsRefused) {
+    daemons->methods[std::string("/fan ") + kGetAll] = [](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "s", "off");
+    };
+    BeginAs(Presence::silent);
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("GetAll of org.example.Thing: the answer is no")));
+}
+
+TEST_F(Daemon, ObjectThatIsMissingIsLookedForAgain) {
+    daemons->properties.erase("/fan org.example.Thing");
+    BeginAs(Presence::present);
+    daemons->properties["/fan org.example.Thing"] = {Property("On", "b", 1)};
+    objects->Check();
+    Await([this] { return objects->Tree().contains(kFan); });
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(Daemon, HalfOfWhichDoesNotAnswerIsSilentUntilItIsWhole) {
+    daemons->methods[std::string("/fan ") + kGetAll] = StaysSilent;
+    BeginAs(Presence::silent, kSecond / 20);
+    EXPECT_EQ(objects->Problem(), "does not answer");
+    // A sign of life of the other half.
+    Change(kLamp, Property("On", "b", 0));
+    EXPECT_EQ(objects->GetPresence(), Presence::reading);
+    AwaitPresence(Presence::silent);
+    daemons->methods.clear();
+    Change(kLamp, Property("On", "b", 1));
+    AwaitPresence(Presence::present);
+    EXPECT_EQ(On(kFan), false);
+}
+
+TEST_F(Daemon, OneObjectThatIsRefusedIsMissingUntilItIsTold) {
+    BeginAs(Presence::present);
+    constexpr const char* kClock = "/clock";
+    daemons->methods[std::string("/clock ") + kGetAll] = Fails("org.example.Error.Busy", "later");
+    daemons->properties["/clock org.example.Thing"] = {Property("On", "b", 1)};
+    objects->Watch(kClock, {kInterface});
+    for (int again = 0; again < 2; ++again) {
+        Await([this, before = changes] { return changes > before; });
+        EXPECT_EQ(objects->GetPresence(), Presence::present);
+        objects->Check();
+    }
+    daemons->methods.clear();
+    Await([this] { return objects->Tree().at("/clock").contains(kInterface); });
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("/clock: GetAll of org.example.Thing: "
+                                             "org.example.Error.Busy: later")));
 }
 
 }  // namespace
