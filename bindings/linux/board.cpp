@@ -289,6 +289,7 @@ void Board::Publish() {
     renewal.Reset();
     Device device = AbsentDevice();
     for (const auto& source : sources) {
+        source->Recall(device);
         if (source->GetState() == Source::State::lost) {
             source->Fail(device, kSourceLost);
         }

@@ -43,6 +43,10 @@ class Source {
     /// Asks a source that can hang for a sign of life. It is called every Settings::checkSeconds.
     virtual void Check() {}
 
+    /// Writes what is known of the source whatever its state, because it has told it at another
+    /// time. It is called before Fill and Fail.
+    virtual void Recall(Device& /*device*/) const {}
+
     /// Writes what the source tells into the record. It is called while the source is present.
     virtual void Fill(Device& device) const = 0;
 

@@ -43,9 +43,11 @@ DataAction::Manager StateOf(const NetworkManager& manager) {
 
 }  // namespace
 
-DataConnection::DataConnection(Board& newBoard, std::function<void()> newChanged)
+DataConnection::DataConnection(Board& newBoard, ModemMemory& newMemory,
+                               std::function<void()> newChanged)
     : board(newBoard),
       changed(std::move(newChanged)),
+      memory(newMemory),
       manager(newBoard.SystemBus(), newBoard.GetSettings().profile,
               newBoard.GetSettings().silenceSeconds * kSecond, [this] {
                   Refresh();
@@ -69,15 +71,21 @@ void DataConnection::Refresh() {
         action.Status() == SYS_DATA_CONNECTION_READY) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
     }
-    if (status == SYS_DATA_CONNECTION_CONNECTED &&
+    endsElsewhere = endsElsewhere && status && status != SYS_DATA_CONNECTION_READY;
+    if (status == SYS_DATA_CONNECTION_CONNECTED && !endsElsewhere &&
         action.UnderWay() != DataAction::Kind::disconnect) {
-        stoppedByUser = false;
+        memory.SetDataOff(false);
     }
     SetLimit();
 }
 
+void DataConnection::OnMemory() {
+    endsElsewhere = memory.IsDataOff();
+    Refresh();
+}
+
 bool DataConnection::IsEnabled() const {
-    return !stoppedByUser && manager.IsWwanEnabled().value_or(true);
+    return !memory.IsDataOff() && manager.IsWwanEnabled().value_or(true);
 }
 
 DataOutlook DataConnection::Outlook() const {
@@ -102,7 +110,7 @@ void DataConnection::Make(DataRequest request) {
     }
     const DataAction::Kind kind =
         request == DataRequest::connect ? DataAction::Kind::connect : DataAction::Kind::disconnect;
-    stoppedByUser = kind == DataAction::Kind::disconnect;
+    memory.SetDataOff(kind == DataAction::Kind::disconnect);
     Send(action.Ask(kind, manager.HasProfile()));
     SetLimit();
     changed();

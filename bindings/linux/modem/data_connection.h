@@ -11,6 +11,7 @@
 #include "bindings/linux/event.h"
 #include "bindings/linux/modem/data_action.h"
 #include "bindings/linux/modem/modem.h"
+#include "bindings/linux/modem/modem_memory.h"
 #include "bindings/linux/modem/network_manager.h"
 
 namespace binding {
@@ -21,7 +22,10 @@ namespace binding {
 class DataConnection final : public DataCall {
   public:
     /// Calls @p newChanged when the status may have changed for another reason than the modem.
-    DataConnection(Board& newBoard, std::function<void()> newChanged);
+    DataConnection(Board& newBoard, ModemMemory& newMemory, std::function<void()> newChanged);
+
+    /// Another program has changed the memory.
+    void OnMemory();
 
     /// Follows a modem; null for none.
     void Update(const Modem* newModem);
@@ -56,7 +60,9 @@ class DataConnection final : public DataCall {
     DataAction::Wait limited = DataAction::Wait::nothing;
     EventSource limit;
     Bus::PendingCall call;
-    bool stoppedByUser = false;
+    /// Whether another program ends the connection that the modem tells of.
+    bool endsElsewhere = false;
+    ModemMemory& memory;
     NetworkManager manager;
 };
 

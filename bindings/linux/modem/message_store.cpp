@@ -34,11 +34,15 @@ void EachKey(std::string_view contents, Visit visit) {
 
 }  // namespace
 
-std::string MessageStorePath() {
+std::string StatePath(const std::string& name) {
     const char* const folders = std::getenv("STATE_DIRECTORY");
     std::string folder = folders == nullptr ? "" : folders;
     folder.resize(std::min(folder.find(':'), folder.size()));
-    return (folder.empty() ? "/var/lib/kestal" : folder) + "/read-messages";
+    return (folder.empty() ? "/var/lib/kestal" : folder) + "/" + name;
+}
+
+std::string MessageStorePath() {
+    return StatePath("read-messages");
 }
 
 MessageKeys ParseMessageKeys(std::string_view contents) {

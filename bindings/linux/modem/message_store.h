@@ -11,7 +11,10 @@ namespace binding {
 
 using MessageKeys = std::set<std::string, std::less<>>;
 
-/// Path of the file: in the first folder of STATE_DIRECTORY, or else in /var/lib/kestal.
+/// Path of the file @p name in the first folder of STATE_DIRECTORY, or else in /var/lib/kestal.
+std::string StatePath(const std::string& name);
+
+/// Path of the file of the messages.
 std::string MessageStorePath();
 
 /// The keys in the file's @p contents, one a line. Other lines are ignored.

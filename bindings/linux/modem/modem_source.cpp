@@ -36,8 +36,13 @@ json WithoutSubscriber(const std::optional<std::string>& imsi) {
 ModemSource::ModemSource(Board& board, MessagesSource& newMessages)
     : Source(board, "modem"),
       messages(newMessages),
+      memory(board.Event(),
+             [this] {
+                 connection.OnMemory();
+                 RefreshSoon();
+             }),
       cellQuery(board.SystemBus(), [this] { RefreshSoon(); }),
-      connection(board, [this] { RefreshSoon(); }),
+      connection(board, memory, [this] { RefreshSoon(); }),
       traffic(board),
       objects(board.SystemBus(),
               {.service = kModemManager,
@@ -117,6 +122,7 @@ void ModemSource::RefreshModem() {
     }
     connection.Update(&*modem);
     modem->dataConnectionStatus = connection.Status();
+    memory.SetSeveralSlots(modem->slots.size() > 1);
     traffic.Update(*modem, connection.Manager().Interface());
     UpdateMessages(messaging, sms);
     Present();
@@ -165,6 +171,10 @@ void ModemSource::FollowObjects(const json& properties, const std::vector<std::s
         want(message, kSmsInterface);
     }
     followed.Follow(objects, wanted);
+}
+
+void ModemSource::Recall(Device& device) const {
+    Tell(device.getMultiSimEnabled, memory.HasSeveralSlots() ? 1 : 0);
 }
 
 void ModemSource::Fill(Device& device) const {

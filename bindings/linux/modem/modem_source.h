@@ -13,6 +13,7 @@
 #include "bindings/linux/modem/followed_objects.h"
 #include "bindings/linux/modem/messages_source.h"
 #include "bindings/linux/modem/modem.h"
+#include "bindings/linux/modem/modem_memory.h"
 #include "bindings/linux/modem/traffic_follower.h"
 
 namespace binding {
@@ -24,6 +25,7 @@ class ModemSource final : public Source {
 
     void Start() override;
     void Check() override;
+    void Recall(Device& device) const override;
     void Fill(Device& device) const override;
     void Fail(Device& device, int code) const override;
     nlohmann::json Said() const override;
@@ -43,6 +45,7 @@ class ModemSource final : public Source {
     EventSource patience;
     /// The modem that is shown although not everything has been told in time.
     std::string incomplete;
+    ModemMemory memory;
     CellQuery cellQuery;
     DataConnection connection;
     TrafficFollower traffic;

@@ -1,0 +1,89 @@
+#include "bindings/linux/modem/modem_memory.h"
+
+#include <sys/inotify.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "bindings/linux/bus/tree.h"
+#include "bindings/linux/log.h"
+#include "bindings/linux/modem/message_store.h"
+#include "bindings/posix/files/file_io.h"
+#include "bindings/posix/files/file_update.h"
+
+namespace binding {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* kDataOff = "dataOff";
+constexpr const char* kSeveralSlots = "severalSlots";
+
+}  // namespace
+
+ModemMemory::ModemMemory(sd_event* event, std::function<void()> newChanged)
+    : path(StatePath("modem")), changed(std::move(newChanged)) {
+    const std::filesystem::path file(path);
+    try {
+        watch.WatchFolder(event, file.parent_path().c_str(), IN_CLOSE_WRITE | IN_MOVED_TO,
+                          [this, name = file.filename().string()](const char* entry) {
+                              if (entry != nullptr && name == entry) {
+                                  const Known before = known;
+                                  Read();
+                                  if (!(known == before)) {
+                                      changed();
+                                  }
+                              }
+                          });
+    } catch (const std::system_error& error) {
+        LINUX_LOG(TORU_DBG_NOTICE, "modem: %s (nothing is remembered)", error.what());
+    }
+    Read();
+}
+
+ModemMemory::Known ModemMemory::Parse(const std::string& contents) {
+    const json parsed = json::parse(contents, nullptr, false);
+    return {.isDataOff = Boolean(parsed, kDataOff).value_or(false),
+            .hasSeveralSlots = Boolean(parsed, kSeveralSlots).value_or(false)};
+}
+
+void ModemMemory::Read() {
+    try {
+        FileStamp stamp;
+        known = Parse(ReadFile(path, stamp));
+    } catch (const std::system_error&) {
+        // There is nothing to remember yet, or nowhere.
+    }
+}
+
+void ModemMemory::SetDataOff(bool isDataOff) {
+    Change([isDataOff](Known& changing) { changing.isDataOff = isDataOff; });
+}
+
+void ModemMemory::SetSeveralSlots(bool hasSeveralSlots) {
+    Change([hasSeveralSlots](Known& changing) { changing.hasSeveralSlots = hasSeveralSlots; });
+}
+
+void ModemMemory::Change(const std::function<void(Known&)>& change) {
+    const Known before = known;
+    change(known);
+    if (known == before) {
+        return;
+    }
+    try {
+        UpdateFile(path, MissingFile::createdForAll, [&change](const std::string& contents) {
+            Known stored = Parse(contents);
+            change(stored);
+            return json({{kDataOff, stored.isDataOff}, {kSeveralSlots, stored.hasSeveralSlots}})
+                       .dump() +
+                   "\n";
+        });
+    } catch (const std::exception& error) {
+        LINUX_LOG(TORU_DBG_ERROR, "modem: not remembered: %s", error.what());
+    }
+}
+
+}  // namespace binding
