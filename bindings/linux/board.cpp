@@ -25,6 +25,8 @@ namespace binding {
 namespace {
 
 constexpr std::uint64_t kSecond = 1'000'000;
+constexpr std::chrono::seconds kRestartAfter{1};
+constexpr std::chrono::seconds kFinishLimit{1};
 
 /// All signals are for the threads of the product, but for those that a thread raises by its own
 /// fault.
@@ -119,10 +121,24 @@ void Board::SetTraffic(const std::optional<TrafficMeter::Connection>& newConnect
 }
 
 void Board::Run() {
+    RunOnce();
+    while (!ending) {
+        // Whatever has failed, such as to allocate memory, would fail again at once.
+        std::this_thread::sleep_for(kRestartAfter);
+        startsAnew = true;
+        RunOnce();
+    }
+}
+
+void Board::RunOnce() {
     try {
+        if (startsAnew) {
+            event.reset(NewEvent());
+        }
         Loop();
     } catch (const std::exception& error) {
-        LINUX_LOG(TORU_DBG_ERROR, "the board's thread has ended: %s", error.what());
+        LINUX_LOG(TORU_DBG_ERROR, "the board's thread has failed and starts anew: %s",
+                  error.what());
         GiveUp();
     }
     reportServer.reset();
@@ -131,6 +147,7 @@ void Board::Run() {
     documentWatch.Reset();
     notificationEnd.Reset();
     renewal.Reset();
+    dataCall = nullptr;
     sources.clear();
     bus.reset();
     wakeUp.Reset();
@@ -139,6 +156,7 @@ void Board::Run() {
 void Board::GiveUp() {
     Device device = AbsentDevice();
     for (const auto& source : sources) {
+        source->Recall(device);
         source->Fail(device, kSourceLost);
     }
     snapshots.Publish(std::move(device), {.document = document.device,
@@ -160,14 +178,32 @@ void Board::Loop() {
                            });
     ReadDocument();
     bus = std::make_unique<Bus>(event.get(), document.settings.silenceSeconds * kSecond);
-    MakeSources();
+    if (startsAnew) {
+        RenewSources();
+    } else {
+        MakeSources();
+    }
     ServeReports();
-    do {
-        const int result = sd_event_run(event.get(), UINT64_MAX);
-        if (result < 0) {
-            throw std::system_error(-result, std::generic_category(), "event loop");
-        }
-    } while (!ending);
+    while (!ending) {
+        Turn(UINT64_MAX);
+    }
+    FinishRequest();
+}
+
+void Board::Turn(std::uint64_t limit) {
+    const int result = sd_event_run(event.get(), limit);
+    if (result < 0) {
+        throw std::system_error(-result, std::generic_category(), "event loop");
+    }
+}
+
+void Board::FinishRequest() {
+    constexpr std::uint64_t kStep = kSecond / 10;
+    const auto end = std::chrono::steady_clock::now() + kFinishLimit;
+    MakeRequest();
+    while (dataCall != nullptr && dataCall->IsSending() && std::chrono::steady_clock::now() < end) {
+        Turn(kStep);
+    }
 }
 
 void Board::MakeRequest() {

@@ -31,6 +31,8 @@ class DataCall {
     virtual ~DataCall() = default;
     virtual DataOutlook Outlook() const = 0;
     virtual void Make(DataRequest request) = 0;
+    /// Whether something has been sent that has not been answered.
+    virtual bool IsSending() const = 0;
 };
 
 using Sources = std::vector<std::unique_ptr<Source>>;
@@ -46,14 +48,16 @@ class Board {
     /// Starts the thread.
     explicit Board(SourceFactory newFactory,
                    std::chrono::microseconds newRenewalLimit = kRenewalLimit);
+    /// A request that has been accepted is made before, and its answer awaited for a second at
+    /// most: a daemon may refuse what has been asked by somebody who is gone.
     ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
 
-    // For all threads.
+    // For all threads. The first snapshot is waited for by each function that needs it, until each
+    // source has said whether it is there, but for a second at most.
 
-    /// The newest snapshot. The first one is waited for, until each source has said whether it is
-    /// there, but for a second at most.
+    /// The newest snapshot.
     std::shared_ptr<const Device> Newest();
 
     /// Hand a request over to the board's thread. Return SYS_SUCCESS, or the code with which the
@@ -86,8 +90,11 @@ class Board {
     void WakeUp();
 
     void Run();
+    void RunOnce();
     void GiveUp();
     void Loop();
+    void Turn(std::uint64_t limit);
+    void FinishRequest();
     void ReadDocument();
     void ServeReports();
     void MakeSources();
@@ -113,6 +120,7 @@ class Board {
     std::unique_ptr<ReportServer> reportServer;
     BoardDocument document;
     bool documentRead = false;
+    bool startsAnew = false;
     std::string documentProblem;
     Sources sources;
     DataCall* dataCall = nullptr;

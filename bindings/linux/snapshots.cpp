@@ -28,11 +28,7 @@ Snapshots::Snapshots()
 
 Snapshots::Taken Snapshots::Newest() {
     std::unique_lock lock(mutex);
-    if (!settled) {
-        settling.wait_for(lock, kFirstAnswer, [this] { return settled; });
-        // The next request does not wait, whatever is missing.
-        settled = true;
-    }
+    AwaitFirst(lock);
     const bool hasCounted = traffic.Update(std::chrono::steady_clock::now()) && told.traffic;
     if (hasCounted) {
         auto fresh = std::make_shared<Device>(*published);
@@ -42,8 +38,17 @@ Snapshots::Taken Snapshots::Newest() {
     return {.device = published, .hasCounted = hasCounted};
 }
 
+void Snapshots::AwaitFirst(std::unique_lock<std::mutex>& lock) {
+    if (!settled) {
+        settling.wait_for(lock, kFirstAnswer, [this] { return settled; });
+        // The next request does not wait, whatever is missing.
+        settled = true;
+    }
+}
+
 int Snapshots::Ask(DataRequest request) {
-    const std::scoped_lock lock(mutex);
+    std::unique_lock lock(mutex);
+    AwaitFirst(lock);
     if (outlook.readiness == SYS_SUCCESS) {
         auto fresh = std::make_shared<Device>(*published);
         ShowDataStatus(*fresh, request);

@@ -32,14 +32,14 @@ class Snapshots {
   public:
     Snapshots();
 
-    // For requests.
+    // For requests. The first snapshot is waited for, but for a second at most.
 
     struct Taken {
         std::shared_ptr<const Device> device;
         bool hasCounted;  ///< whether the traffic has just been read anew
     };
 
-    /// The newest snapshot. The first one is waited for, but for a second at most.
+    /// The newest snapshot.
     Taken Newest();
 
     /// Accepts a request for the data call and lets the newest snapshot tell so, or returns the
@@ -74,6 +74,7 @@ class Snapshots {
         bool slots = false;
     };
 
+    void AwaitFirst(std::unique_lock<std::mutex>& lock);
     void ShowDataStatus(Device& device, DataRequest request) const;
 
     std::mutex mutex;

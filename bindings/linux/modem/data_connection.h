@@ -42,6 +42,7 @@ class DataConnection final : public DataCall {
     // DataCall.
     DataOutlook Outlook() const override;
     void Make(DataRequest request) override;
+    bool IsSending() const override { return action.WaitsFor() == DataAction::Wait::answer; }
 
   private:
     sys_data_connection_status_e StatusAfter(DataAction::Kind kind) const;

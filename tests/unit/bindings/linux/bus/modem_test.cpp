@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <chrono>
+#include <future>
 
 #include "bindings/device/codes.h"
 #include "tests/unit/bindings/linux/bus/fake_bus.h"
@@ -11,6 +12,7 @@
 namespace {
 
 using binding::Device;
+using ::testing::Contains;
 
 constexpr const char* kService = "org.freedesktop.ModemManager1";
 constexpr const char* kModem = "/org/freedesktop/ModemManager1/Modem/0";
@@ -62,6 +64,26 @@ class BoardWithAModem : public ServiceTest {
         return result;
     }
 
+    void End() {
+        Await(std::async(std::launch::async, [this] { board.reset(); }));
+    }
+
+    /// Serves the daemons until @p result is there.
+    template <typename Result>
+    Result Await(std::future<Result> result) {
+        while (result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+            Serve();
+        }
+        return result.get();
+    }
+
+    bool WaitForStatus(sys_data_connection_status_e status) {
+        return WaitFor([status](const Device& now) {
+            return now.getSIMStatus.value == SYS_SIM_READY &&
+                   now.getCellularDataConnectionStatus.value == status;
+        });
+    }
+
     bool WaitForDataEnabled(int enabled) {
         return WaitFor([enabled](const Device& now) {
             return now.getSIMStatus.value == SYS_SIM_READY &&
@@ -85,33 +107,70 @@ TEST_F(BoardWithAModem, DataThatTheUserHasSwitchedOffStaysOffUntilTheUserConnect
     Document(nlohmann::json{{"linux", settings}, {"sys", {{"getSMSUnreadCount", 7}}}}.dump());
     ASSERT_TRUE(WaitFor([](const Device& now) { return now.getSMSUnreadCount.value == 7; }));
     EXPECT_EQ(board->Newest()->getCellularDataEnabled.value, 0);
-    board.reset();
+    End();
     Begin();
     ASSERT_TRUE(WaitForDataEnabled(0));
     ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
     ASSERT_TRUE(WaitForDataEnabled(1));
-    board.reset();
+    End();
     Begin();
     EXPECT_TRUE(WaitForDataEnabled(1));
 }
 
-TEST_F(BoardWithAModem, DataThatAnotherProgramSwitchesOffIsOff) {
+TEST_F(BoardWithAModem, DataThatAnotherProgramSwitchesOffStaysOffWhileItDisconnects) {
+    const std::string bearer = "/org/freedesktop/ModemManager1/Bearer/0";
+    const std::string bearerInterface = "org.freedesktop.ModemManager1.Bearer";
+    bus.properties[bearer + " " + bearerInterface] = {Property("Connected", "b", 1)};
+    modem.front() = Property("State", "i", 11);
+    modem.push_back(Property("Bearers", "ao", 1, "/org/freedesktop/ModemManager1/Bearer/0"));
     StartModemManager();
     Begin();
-    ASSERT_TRUE(WaitForDataEnabled(1));
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
     WriteFile(directory / "modem", R"({"dataOff": true})");
-    EXPECT_TRUE(WaitForDataEnabled(0));
+    ASSERT_TRUE(WaitForDataEnabled(0));
+    bus.ChangeProperties(kService, kModem, kModemInterface, {Property("State", "i", 9)});
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_DISCONNECTING));
+    // The bearer tells later than the modem.
+    bus.ChangeProperties(kService, kModem, kModemInterface, {Property("State", "i", 8)});
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    bus.ChangeProperties(kService, bearer, bearerInterface, {Property("Connected", "b", 0)});
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
+    EXPECT_EQ(board->Newest()->getCellularDataEnabled.value, 0);
+}
+
+/// A process that asks for the data call at once, and ends then.
+class ShortProcess : public BoardWithAModem {
+  protected:
+    int Connect() {
+        StartModemManager();
+        Document(nlohmann::json{{"linux", settings}}.dump());
+        return Await(std::async(std::launch::async, [] {
+            binding::Board shortLived(binding::MakeSources);
+            return shortLived.StartDataCall();
+        }));
+    }
+};
+
+TEST_F(ShortProcess, EndsWhenItsRequestHasBeenAnswered) {
+    EXPECT_EQ(Connect(), SYS_SUCCESS);
+    EXPECT_THAT(bus.calls, Contains(Method("Connect")));
+}
+
+TEST_F(ShortProcess, EndsAlsoWhenItsRequestIsNotAnswered) {
+    bus.methods[Method("Connect")] = StaysSilent;
+    EXPECT_EQ(Connect(), SYS_SUCCESS);
+    EXPECT_THAT(bus.calls, Contains(Method("Connect")));
 }
 
 TEST_F(BoardWithAModem, SeveralSlotsAreRememberedWhileThereIsNoModemYet) {
     Begin();
     EXPECT_EQ(board->Newest()->getMultiSimEnabled.value, 0);
-    board.reset();
+    End();
     StartModemManager();
     Begin();
     ASSERT_TRUE(WaitForDataEnabled(1));
     EXPECT_EQ(board->Newest()->getMultiSimEnabled.value, 1);
-    board.reset();
+    End();
     bus.owners.clear();
     Begin();
     EXPECT_EQ(board->Newest()->getSIMStatus.value, SYS_SIM_NOT_FOUND);
@@ -124,7 +183,7 @@ TEST_F(BoardWithAModem, WhatCannotBeReadIsNotRemembered) {
         WriteFile(directory / "modem", contents);
         Begin();
         EXPECT_TRUE(WaitForDataEnabled(1)) << contents;
-        board.reset();
+        End();
     }
 }
 

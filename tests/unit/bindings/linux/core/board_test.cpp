@@ -287,6 +287,7 @@ class TestDataCall : public binding::DataCall {
                 .afterDisconnect = SYS_DATA_CONNECTION_READY};
     }
     void Make(binding::DataRequest request) override { requests.push_back(request); }
+    bool IsSending() const override { return false; }
 
     std::vector<binding::DataRequest> requests;
 };
@@ -436,7 +437,7 @@ TEST_F(BoardOfOneSource, SourceThatCannotBeStartedIsLost) {
     EXPECT_THAT(Log(), ElementsAre("[LINUX]:[ERROR] - position: lost: not started: no descriptor"));
 }
 
-TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFail) {
+TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFailUntilItHasStartedAnew) {
     Document("{\"sys\": {\"getSMSUnreadCount\": 2}}");
     Begin();
     AwaitStatus(SYS_GPS_SEARCHING);
@@ -447,7 +448,11 @@ TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFail) {
     Await([](const Device& now) { return now.getGPSStatus.error == binding::kSourceLost; });
     EXPECT_EQ(board->Newest()->getSMSUnreadCount.value, 2);
     EXPECT_EQ(board->StartDataCall(), binding::kNothingToConnect);
-    EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has ended: ")));
+    AwaitStatus(SYS_GPS_SEARCHING);
+    EXPECT_EQ(madeCount, 2);
+    OnBoard([this] { source->Say(SYS_GPS_GOT_FIX); });
+    AwaitStatus(SYS_GPS_GOT_FIX);
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: ")));
 }
 
 class Reports : public BoardOfOneSource {

@@ -86,7 +86,6 @@ TEST_F(DataCallInSnapshots, RequestAfterOneThatHasJustBeenTakenIsUnderWay) {
 }
 
 TEST_F(DataCallInSnapshots, RequestFailsAndChangesNothingWithoutAnythingToConnect) {
-    EXPECT_EQ(snapshots.Ask(DataRequest::connect), binding::kNothingToConnect);
     Publish({binding::kNothingToConnect});
     EXPECT_EQ(snapshots.Ask(DataRequest::connect), binding::kNothingToConnect);
     EXPECT_EQ(Status(), SYS_DATA_CONNECTION_READY);
