@@ -2,30 +2,22 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <nlohmann/json.hpp>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "bindings/linux/bus/message.h"
 #include "bindings/linux/log.h"
-#include "bindings/linux/text.h"
 
 namespace binding {
 
 namespace {
 
 constexpr const char* kDefaultAddress = "unix:path=/run/dbus/system_bus_socket";
-constexpr const char* kDisconnected = "org.freedesktop.DBus.Error.Disconnected";
-/// The errors with which sd-bus ends a call that has not been answered in time.
-constexpr const char* kNoReply = "org.freedesktop.DBus.Error.NoReply";
-constexpr const char* kTimedOut = "System.Error.ETIMEDOUT";
 constexpr std::uint64_t kReopenAfter = 1'000'000;
 /// For a bus that has refused a connection, which is not a passing trouble.
 constexpr std::uint64_t kRetryAfter = 60'000'000;
@@ -261,25 +253,6 @@ int Bus::AddMatch(sd_bus_slot** slot, const std::string& rule, sd_bus_message_ha
     return connected
                ? sd_bus_add_match_async(bus.get(), slot, rule.c_str(), onMessage, nullptr, owner)
                : -ENOTCONN;
-}
-
-bool BusError::IsSilence() const {
-    return name == kNoReply || name == kTimedOut || name == "org.freedesktop.DBus.Error.Timeout";
-}
-
-bool BusError::IsAbsence() const {
-    // Libraries have prefixes of their own. InvalidArgs is GLib's error for an interface that the
-    // object does not have.
-    constexpr std::array<std::string_view, 6> kKinds = {"UnknownObject",  "UnknownInterface",
-                                                        "UnknownMethod",  "InvalidArgs",
-                                                        "ServiceUnknown", "Disconnected"};
-    const std::string kind = name.substr(name.rfind('.') + 1);
-    return std::find(kKinds.begin(), kKinds.end(), kind) != kKinds.end();
-}
-
-std::string BusError::Text() const {
-    constexpr std::size_t kMostBytes = 256;
-    return Printable(message.empty() ? name : name + ": " + message, kMostBytes);
 }
 
 }  // namespace binding

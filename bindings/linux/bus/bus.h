@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "bindings/linux/bus/bus_error.h"
 #include "bindings/linux/bus/complaints.h"
 #include "bindings/linux/event.h"
 
@@ -24,20 +25,6 @@ struct SlotDeleter {
 };
 /// A registration with the bus, which ends with this object.
 using BusSlot = std::unique_ptr<sd_bus_slot, SlotDeleter>;
-
-/// Why a call has failed; it has not failed if there is no name.
-struct BusError {
-    std::string name;
-    std::string message = {};
-
-    explicit operator bool() const { return !name.empty(); }
-    /// Whether the other side does not answer.
-    bool IsSilence() const;
-    /// Whether there is no such object or interface, or nobody to have one.
-    bool IsAbsence() const;
-    /// Name and message, for the log.
-    std::string Text() const;
-};
 
 /// One connection to the system bus, which never blocks. While there is no bus, the kernel is asked
 /// to tell when one appears; when the bus goes away, the connection is made anew.
