@@ -7,13 +7,12 @@
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string_view>
-#include <type_traits>
 
-#include "platform/fixed_text.h"
 #include "platform/sysint.h"
 #include "platform/sysint_queries.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"
+#include "tools/sysint_answers.h"
 
 namespace {
 
@@ -97,95 +96,12 @@ Command Action(std::string name, std::string description, int (*call)(int)) {
                    [call](const Arguments& /*arguments*/, Json& /*answer*/) { return call(0); });
 }
 
-Json Described(const sys_cellular_service_stats_t& stats) {
-    return Json::object({{"technology", Named(stats.technology, binding::kTechnology)},
-                         {"roaming", Named(stats.roaming, binding::kRoaming)},
-                         {"signalBars", stats.signalBars},
-                         {"sinr", stats.sinr},
-                         {"pci", stats.pci},
-                         {"snr", stats.snr},
-                         {"networkName", FixedText(stats.networkName)},
-                         {"networkId", FixedText(stats.networkId)},
-                         {"femtoCell", stats.femtoCell},
-                         {"fiveGType", Named(stats.fiveGType, binding::kFiveGType)}});
-}
-
-Json Described(const sys_cellular_data_connection_stats_t& stats) {
-    return Json::object({{"trafficStatus", Named(stats.trafficStatus, binding::kTrafficStatus)},
-                         {"duration", stats.duration},
-                         {"bytesReceived1", stats.bytesReceived1},
-                         {"bytesTransmitted1", stats.bytesTransmitted1},
-                         {"bytesReceived2", stats.bytesReceived2},
-                         {"bytesTransmitted2", stats.bytesTransmitted2}});
-}
-
-Json Described(const sys_subscriber_info_t& info) {
-    return Json::object({{"identity", FixedText(info.identity)}});
-}
-
-Json Described(const sys_network_sim_lock_t& lock) {
-    return Json::object({{"carrierBlocked", lock.carrierBlocked}});
-}
-
-Json Described(const sys_all_sim_slots_t& all) {
-    const std::span<const sys_sim_slot_t> slots = all.slots;
-    const auto valid = static_cast<std::size_t>(std::max(all.count, 0));
-    Json list = Json::array();
-    for (const sys_sim_slot_t& slot : slots.first(std::min(valid, slots.size()))) {
-        list.push_back(
-            Json::object({{"networkName", FixedText(slot.networkName)},
-                          {"active", slot.active},
-                          {"simStatus", Named(slot.simStatus, binding::kSimStatus)},
-                          {"dataConnectionStatus",
-                           Named(slot.dataConnectionStatus, binding::kDataConnectionStatus)},
-                          {"serviceStatus", Named(slot.serviceStatus, binding::kServiceStatus)}}));
-    }
-    return Json::object({{"count", all.count}, {"slots", list}});
-}
-
-Json Described(const GpioCustomSettings& settings) {
-    return Json::object({{"name", FixedText(settings.name)},
-                         {"lowState", FixedText(settings.lowState)},
-                         {"highState", FixedText(settings.highState)}});
-}
-
-Json Described(const sys_sd_card_info_t& info) {
-    return Json::object({{"totalCapacity", info.totalCapacity}, {"freeSpace", info.freeSpace}});
-}
-
-Json Described(const sys_samba_share_info_t& info) {
-    return Json::object({{"cardInUse", info.cardInUse}});
-}
-
-Json Described(const sys_battery_status_t& status) {
-    return Json::object(
-        {{"chargePercent", status.chargePercent},
-         {"chargingState", status.chargingState},
-         {"detection", Named(status.detection, binding::kBatteryDetection)},
-         {"chargingSource", Named(status.chargingSource, binding::kChargingSource)}});
-}
-
-/// Returns a function that describes a record by its fields, and a number as @p field.
-template <typename Meaning>
-auto As(const char* field) {
-    return [field](const auto& value) {
-        if constexpr (std::is_class_v<Meaning>) {
-            return Described(value);
-        } else if constexpr (std::is_enum_v<Meaning>) {
-            return Json::object({{field, Named(value, binding::NamesOfMeaning<Meaning>())}});
-        } else {
-            return Json::object({{field, value}});
-        }
-    };
-}
-
 int NetworkSelection(const Arguments& /*arguments*/, Json& answer) {
     int allowed = 0;
     int selected = 0;
     int scanStatus = 0;
     const int code = sys_getModemMnsInfo(&allowed, &selected, &scanStatus);
-    answer =
-        Json::object({{"allowed", allowed}, {"selected", selected}, {"scanStatus", scanStatus}});
+    answer = DescribedSelection({allowed, selected, scanStatus});
     return code;
 }
 
@@ -193,7 +109,7 @@ int NrBand(const Arguments& /*arguments*/, Json& answer) {
     int band = 0;
     int second = 0;
     const int code = sys_getCellular5GBand(&band, &second);
-    answer = Json::object({{"band", band}, {"second", second}});
+    answer = DescribedBands({band, second});
     return code;
 }
 
@@ -220,8 +136,7 @@ int ConnectedDevices(const Arguments& /*arguments*/, Json& answer) {
         sys_getConnectedDeviceList);
     Json list = Json::array();
     for (const sys_connected_device_t& device : devices) {
-        list.push_back(Json::object(
-            {{"connectionKind", Named(device.connectionKind, binding::kConnectionKind)}}));
+        list.push_back(Described(device));
     }
     answer = Json::object({{"devices", list}});
     return SYS_SUCCESS;

@@ -1,5 +1,7 @@
 #include "tools/webui_commands.h"
 
+#include <cstring>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "platform/fixed_text.h"
@@ -166,7 +168,55 @@ std::vector<Command> Commands() {
     };
 }
 
+using Bytes = std::span<const std::byte>;
+
+template <typename Record>
+Json OfRecord(Bytes answer) {
+    Record record{};
+    if (answer.size() != sizeof record) {
+        return {};
+    }
+    std::memcpy(&record, answer.data(), sizeof record);
+    return Describe(record);
+}
+
+/// Describes the records that are complete.
+template <typename Record>
+Json OfList(Bytes answer) {
+    Json list = Json::array();
+    for (; answer.size() >= sizeof(Record); answer = answer.subspan(sizeof(Record))) {
+        list.push_back(OfRecord<Record>(answer.first(sizeof(Record))));
+    }
+    return list;
+}
+
+Json OfDuration(Bytes answer) {
+    int duration = 0;
+    if (answer.size() != sizeof duration) {
+        return {};
+    }
+    std::memcpy(&duration, answer.data(), sizeof duration);
+    return Json::object({{"duration", duration}});
+}
+
 }  // namespace
+
+Json DescribedWebuiAnswer(std::string_view call, Bytes answer) {
+    static const std::map<std::string_view, Json (*)(Bytes)> kDescriptions = {
+        {"webui_get_common_features", OfList<webui_feature_t>},
+        {"webui_get_app_features", OfList<webui_feature_t>},
+        {"webui_get_common_configurations", OfList<webui_configuration_t>},
+        {"webui_get_app_configurations", OfList<webui_configuration_t>},
+        {"webui_get_uri_data", OfRecord<webui_uri_data_t>},
+        {"webui_get_external_uri_data", OfRecord<webui_external_uri_data_t>},
+        {"webui_get_i18n_settings", OfRecord<webui_i18n_settings_t>},
+        {"webui_get_software_update_status", OfRecord<webui_software_update_status_t>},
+        {"webui_get_software_installation_duration", OfDuration},
+        {"webui_get_software_update_custom_msgs", OfRecord<SoftwareUpdateCustomMessages>},
+    };
+    const auto found = kDescriptions.find(call);
+    return found == kDescriptions.end() ? Json() : found->second(answer);
+}
 
 Tool WebuiTool(binding::Enumeration bindingCodes) {
     return {

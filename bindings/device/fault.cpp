@@ -4,6 +4,7 @@
 
 #include "bindings/device/codes.h"
 #include "bindings/device/device_clock.h"
+#include "bindings/device/seen_call.h"
 #include "bindings/device/snapshot.h"
 
 namespace binding {
@@ -19,6 +20,11 @@ bool IsCleared(const Fault& fault) {
 }
 
 Waited Wait(const Fault& fault) {
+    CallWatcher* const watcher = theCallWatcher;
+    if (watcher != nullptr &&
+        (fault.Plan().hangs || fault.Plan().delay > std::chrono::milliseconds(0))) {
+        watcher->Waits(fault.Plan());
+    }
     // How often to look whether the wait is to end early; short enough for whoever waits for that.
     constexpr auto kLook = std::chrono::milliseconds(100);
     DeviceClock& clock = CurrentDeviceClock();

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "bindings/device/calls.h"
+#include "bindings/device/seen_call.h"
 
 using binding::Device;
 using binding::FailureOf;
@@ -37,7 +39,7 @@ int MsgbusHandler::GetData(const std::string& channel, void* buffer, unsigned in
     if (!state->joined) {
         return binding::kBusNotJoined;
     }
-    return WithDevice(kCodeBase, [&](const Device& device) {
+    const auto read = [&](const Device& device) {
         const auto found = device.channels.find(channel);
         if (found == device.channels.end()) {
             return static_cast<int>(binding::kNotAnswered);
@@ -54,7 +56,11 @@ int MsgbusHandler::GetData(const std::string& channel, void* buffer, unsigned in
         }
         std::copy(block.begin(), block.end(), static_cast<std::byte*>(buffer));
         return static_cast<int>(MSGBUS_SUCCESS);
-    });
+    };
+    return binding::Watched(
+        "MsgbusHandler::GetData", std::string_view(channel), MSGBUS_SUCCESS,
+        [&] { return WithDevice(kCodeBase, read); },
+        [&] { return std::span(static_cast<const std::byte*>(buffer), size); });
 }
 
 int MsgbusHandler::Uninitialize() {

@@ -2,8 +2,10 @@
 #include "platform/webui.h"
 
 #include <algorithm>
+#include <span>
 
 #include "bindings/device/calls.h"
+#include "bindings/device/seen_call.h"
 
 using binding::Answer;
 using binding::Device;
@@ -45,69 +47,92 @@ int DeliverNamed(const Answer<NamedAnswers<T>>& answers, const char* name, Deliv
     return binding::DeliverNamed(answers, name, kWebuiCodeBase, deliver);
 }
 
+/// Makes the call @p name, which has one record as its answer.
+template <typename Record, typename Call>
+int AnswerOne(std::string_view name, const binding::CallArgument& argument, Record* record,
+              Call call) noexcept {
+    return binding::Watched(
+        name, argument, WEBUI_SUCCESS, [&] { return WithDevice(kWebuiCodeBase, call); },
+        [&] { return binding::BytesOf(*record); });
+}
+
+/// Makes the call @p name, which has a list as its answer.
+template <typename Record, typename Call>
+int AnswerList(std::string_view name, const binding::CallArgument& argument, Record* buffer,
+               const int* count, Call call) noexcept {
+    return binding::Watched(
+        name, argument, WEBUI_SUCCESS, [&] { return WithDevice(kWebuiCodeBase, call); },
+        [&] { return std::as_bytes(std::span(buffer, static_cast<std::size_t>(*count))); });
+}
+
 }  // namespace
 
 int webui_get_common_features(webui_feature_t* buffer, int* count) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+    return AnswerList("webui_get_common_features", {}, buffer, count, [&](const Device& device) {
         return DeliverList(device.commonFeatures, buffer, count);
     });
 }
 
 int webui_get_app_features(const char* appName, webui_feature_t* buffer, int* count) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+    return AnswerList("webui_get_app_features", appName, buffer, count, [&](const Device& device) {
         return DeliverNamed(device.appFeatures, appName,
                             [&](const auto& answer) { return DeliverList(answer, buffer, count); });
     });
 }
 
 int webui_get_common_configurations(webui_configuration_t* buffer, int* count) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
-        return DeliverList(device.commonConfigurations, buffer, count);
-    });
+    return AnswerList("webui_get_common_configurations", {}, buffer, count,
+                      [&](const Device& device) {
+                          return DeliverList(device.commonConfigurations, buffer, count);
+                      });
 }
 
 int webui_get_app_configurations(const char* appName, webui_configuration_t* buffer, int* count) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
-        return DeliverNamed(device.appConfigurations, appName,
-                            [&](const auto& answer) { return DeliverList(answer, buffer, count); });
-    });
+    return AnswerList(
+        "webui_get_app_configurations", appName, buffer, count, [&](const Device& device) {
+            return DeliverNamed(device.appConfigurations, appName, [&](const auto& answer) {
+                return DeliverList(answer, buffer, count);
+            });
+        });
 }
 
 int webui_get_uri_data(const char* uriId, webui_uri_data_t* data) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+    return AnswerOne("webui_get_uri_data", uriId, data, [&](const Device& device) {
         return DeliverNamed(device.uriData, uriId,
                             [&](const auto& answer) { return Deliver(answer, data); });
     });
 }
 
 int webui_get_external_uri_data(const char* uriId, webui_external_uri_data_t* data) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+    return AnswerOne("webui_get_external_uri_data", uriId, data, [&](const Device& device) {
         return DeliverNamed(device.externalUriData, uriId,
                             [&](const auto& answer) { return Deliver(answer, data); });
     });
 }
 
 int webui_get_i18n_settings(webui_i18n_settings_t* settings) {
-    return WithDevice(kWebuiCodeBase,
-                      [&](const Device& device) { return Deliver(device.i18nSettings, settings); });
+    return AnswerOne("webui_get_i18n_settings", {}, settings,
+                     [&](const Device& device) { return Deliver(device.i18nSettings, settings); });
 }
 
 int webui_get_software_update_status(webui_software_update_status_t* status) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
+    return AnswerOne("webui_get_software_update_status", {}, status, [&](const Device& device) {
         return Deliver(device.softwareUpdateStatus, status);
     });
 }
 
 int webui_get_software_installation_duration(int* duration) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
-        return Deliver(device.softwareInstallationDuration, duration);
-    });
+    return AnswerOne("webui_get_software_installation_duration", {}, duration,
+                     [&](const Device& device) {
+                         return Deliver(device.softwareInstallationDuration, duration);
+                     });
 }
 
 int webui_get_software_update_custom_msgs(const char* language,
                                           SoftwareUpdateCustomMessages* messages) {
-    return WithDevice(kWebuiCodeBase, [&](const Device& device) {
-        return DeliverNamed(device.softwareUpdateCustomMsgs, language,
-                            [&](const auto& answer) { return Deliver(answer, messages); });
-    });
+    return AnswerOne(
+        "webui_get_software_update_custom_msgs", language, messages, [&](const Device& device) {
+            return DeliverNamed(device.softwareUpdateCustomMsgs, language,
+                                [&](const auto& answer) { return Deliver(answer, messages); });
+        });
 }

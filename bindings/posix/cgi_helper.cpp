@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "bindings/log.h"
+#include "bindings/posix/request_title.h"
 
 namespace {
 
@@ -88,6 +89,9 @@ void CgiHelper::SendResponse(int status, const std::string& body) {
 }
 
 std::string CgiHelper::GetIp(const cgicc::CgiEnvironment& environment) const {
+    // Asking for the address is the first thing that a request does with its environment.
+    binding::NoteRequest(environment.getRequestMethod(), environment.getScriptName(),
+                         environment.getPathInfo());
     return environment.getRemoteAddr();
 }
 

@@ -10,6 +10,7 @@
 #include "bindings/posix/files/watched_file.h"
 #include "bindings/posix/session/session_store.h"
 #include "bindings/simulator/log.h"
+#include "bindings/simulator/watch/call_reporter.h"
 
 namespace binding {
 
@@ -73,6 +74,7 @@ std::string DefaultDevicePath() {
 std::shared_ptr<const Device> NewestDevice() {
     // Built on first use: static objects of the product may call the platform.
     static DeviceFile file;
+    LookForWatcher(DevicePath());
     return file.Newest();
 }
 

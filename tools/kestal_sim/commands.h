@@ -20,5 +20,8 @@ Command SessionCommand();
 /// play: scenarios.
 Command PlayCommand();
 
+/// watch: the calls of the platform.
+Command WatchCommand();
+
 /// control: one of the commands of @p tool, as a JSON object.
 Command ControlCommand(Tool tool);

@@ -1,0 +1,7 @@
+#include "bindings/device/seen_call.h"
+
+namespace binding {
+
+constinit std::atomic<CallWatcher*> theCallWatcher = nullptr;
+
+}  // namespace binding
