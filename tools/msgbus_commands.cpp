@@ -138,6 +138,13 @@ void MsgBusGet(const Arguments& arguments, std::ostream& out) {
 
 }  // namespace
 
+Json PublishedNotifications() {
+    BusVisit bus;
+    const Block block = ReadChannel(bus, ANS_NOTIFICATION_CHANNEL);
+    bus.End();
+    return NotificationList(block);
+}
+
 Tool MsgbusTool(binding::Enumeration bindingCodes) {
     static const std::string kChannel =
         std::string("Name of the channel, such as ") + ANS_NOTIFICATION_CHANNEL;

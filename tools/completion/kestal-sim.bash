@@ -26,7 +26,7 @@ _kestal_sim_offer_files() {
 
 _kestal_sim() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='show set fail heal devices scenarios load reset notify session play watch'
+    local commands='show set fail heal devices scenarios load reset notify session play status watch'
     local command='' member='' device=() index words='' names=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [ "${COMP_WORDS[index]}" = --device ]; then
@@ -60,6 +60,9 @@ _kestal_sim() {
             ;;
         reset)
             words='--restart --help'
+            ;;
+        status)
+            words='--follow --help'
             ;;
         devices | scenarios | watch)
             words=--help

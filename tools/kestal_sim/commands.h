@@ -20,6 +20,9 @@ Command SessionCommand();
 /// play: scenarios.
 Command PlayCommand();
 
+/// status: the device, drawn for people.
+Command StatusCommand();
+
 /// watch: the calls of the platform.
 Command WatchCommand();
 

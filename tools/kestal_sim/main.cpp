@@ -52,7 +52,8 @@ Tool SimTool() {
 
 int main(int argc, char** argv) {
     Tool tool = SimTool();
-    // Not for callers that are not shells, because it has no end.
+    // Not for callers that are not shells, because these may have no end.
+    tool.commands.push_back(StatusCommand());
     tool.commands.push_back(WatchCommand());
     tool.commands.push_back(ControlCommand(SimTool()));
     return RunTool(tool, argc, argv);

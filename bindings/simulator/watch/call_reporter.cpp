@@ -26,6 +26,9 @@ namespace {
 /// out: a call never waits for the watcher.
 class CallReporter : public CallWatcher {
   public:
+    CallReporter() = default;
+    CallReporter(const CallReporter&) = delete;
+    CallReporter& operator=(const CallReporter&) = delete;
     ~CallReporter() override { Disconnect(); }
 
     void Look(const std::string& device) {
