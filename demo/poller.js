@@ -1,8 +1,10 @@
-// Decides when to send requests: only one at a time, seldom while the page is hidden, less and less
-// often while there is no answer, and soon after an action.
+// Decides when to send requests: only one at a time, seldom while the page is hidden, none after it
+// has been hidden for long, less and less often while there is no answer, and soon after an action.
 
 const PERIOD = 3_000;
 const HIDDEN_PERIOD = 60_000;
+/** After this time, nobody is expected to look soon, and each request wakes the hotspot up. */
+const HIDDEN_LIMIT = 600_000;
 const FIRST_RETRY = 1_000;
 const LAST_RETRY = 15_000;
 /** Pauses before the first requests after an action, which takes effect only after its answer. */
@@ -14,6 +16,7 @@ export class Poller {
     #running = null;
     #retry = FIRST_RETRY;
     #soon = [];
+    #hiddenSince = 0;
 
     /** @param ask sends one request, returns whether there was an answer, and never throws */
     constructor(ask) {
@@ -21,14 +24,20 @@ export class Poller {
     }
 
     start() {
+        this.#hiddenSince = Date.now();
         document.addEventListener("visibilitychange", () => {
             if (document.hidden) {
+                this.#hiddenSince = Date.now();
                 this.#plan();
             } else {
                 this.now();
             }
         });
-        window.addEventListener("online", () => this.now());
+        window.addEventListener("online", () => {
+            if (!this.#isForgotten) {
+                this.now();
+            }
+        });
         return this.now();
     }
 
@@ -71,7 +80,14 @@ export class Poller {
             return;
         }
         clearTimeout(this.#timer);
-        this.#timer = setTimeout(() => this.now(), this.#pause(answered));
+        this.#timer = null;
+        if (!this.#isForgotten) {
+            this.#timer = setTimeout(() => this.now(), this.#pause(answered));
+        }
+    }
+
+    get #isForgotten() {
+        return document.hidden && Date.now() - this.#hiddenSince >= HIDDEN_LIMIT;
     }
 
     #pause(answered) {

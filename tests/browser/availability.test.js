@@ -101,33 +101,63 @@ for (const [cause, answer] of [
     });
 }
 
+/** Makes the page think that it is hidden, or visible. */
+function hide(page, hidden) {
+    return page.evaluate((value) => {
+        Object.defineProperty(document, "hidden", { configurable: true, get: () => value });
+        document.dispatchEvent(new Event("visibilitychange"));
+    }, hidden);
+}
+
+/** Counts the requests of the page, as `asked()`. */
+function counting(page) {
+    let number = 0;
+    page.on("request", (request) => {
+        number += request.url().endsWith("/srv/status") ? 1 : 0;
+    });
+    return () => number;
+}
+
 test("a visible page sends a request every three seconds, a hidden one every minute", async (t) => {
     const server = await serve(t);
     const page = await visit(t, server, { answered: false });
     await stopClock(page);
-    let asked = 0;
-    page.on("request", (request) => {
-        asked += request.url().endsWith("/srv/status") ? 1 : 0;
-    });
-    const hide = (hidden) =>
-        page.evaluate((value) => {
-            Object.defineProperty(document, "hidden", { configurable: true, get: () => value });
-            document.dispatchEvent(new Event("visibilitychange"));
-        }, hidden);
+    const asked = counting(page);
     const asksAfter = async (seconds) => {
-        const before = asked;
+        const before = asked();
         await page.clock.runFor(seconds * 1000 - 100);
         await settled(page);
-        assert.equal(asked, before, `asked before ${seconds} s had passed`);
+        assert.equal(asked(), before, `asked before ${seconds} s had passed`);
         await answers(page, () => page.clock.runFor(100));
-        assert.equal(asked, before + 1);
+        assert.equal(asked(), before + 1);
     };
     await asksAfter(3);
     await asksAfter(3);
-    await hide(true);
+    await hide(page, true);
     await asksAfter(60);
     await asksAfter(60);
     await page.clock.runFor(1000);
-    await answers(page, () => hide(false));
+    await answers(page, () => hide(page, false));
     await asksAfter(3);
+});
+
+test("a page that has been hidden for ten minutes asks no more until it is visible", async (t) => {
+    const server = await serve(t);
+    const page = await visit(t, server, { answered: false });
+    await stopClock(page);
+    const asked = counting(page);
+    await hide(page, true);
+    for (let minute = 0; minute < 10; ++minute) {
+        await answers(page, () => page.clock.runFor(60_000));
+    }
+    assert.equal(asked(), 10);
+    await page.clock.runFor(3_600_000);
+    await page.evaluate(() => window.dispatchEvent(new Event("online")));
+    await page.clock.runFor(60_000);
+    await settled(page);
+    assert.equal(asked(), 10);
+    await answers(page, () => hide(page, false));
+    assert.equal(asked(), 11);
+    await answers(page, () => page.clock.runFor(3_000));
+    assert.equal(asked(), 12);
 });
