@@ -358,6 +358,19 @@ def test_invalid_settings_are_reported(run, variable, value, message):
     assert script.left_behind() == ([], [])
 
 
+@pytest.mark.parametrize(
+    ("arguments", "message"),
+    [
+        (("--device", "roming"), "cannot read the device's file roming, and devices/ has only 3g-old-sim "),
+        (("--scenario", "comute"), "the device cannot play comute: there is no such file, and scenarios/ has only battery "),
+    ],
+)
+def test_what_does_not_exist_is_refused_before_anything_is_built(run, arguments, message):
+    script = run(*arguments, KESTAL_BUILD="")
+    assert script.end() == 1
+    assert script.output.startswith(f"scripts/run: {message}") and script.output.count("\n") == 1
+
+
 def test_options_choose_device_scenario_and_page(run, work):
     (work / "page").mkdir()
     (work / "page" / "index.html").write_text("my own page")
