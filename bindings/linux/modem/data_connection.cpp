@@ -64,9 +64,10 @@ void DataConnection::Update(const Modem* newModem) {
 }
 
 void DataConnection::Refresh() {
-    const auto status = modem ? modem->dataConnectionStatus : std::nullopt;
+    constexpr auto kNone = SYS_DATA_CONNECTION_READY;
+    const auto status = modem ? modem->dataConnectionStatus.value_or(kNone) : kNone;
     const bool wasConnecting = action.UnderWay() == DataAction::Kind::connect;
-    action.Update(status.value_or(SYS_DATA_CONNECTION_READY), StateOf(manager));
+    action.Update(status, StateOf(manager));
     if (wasConnecting && action.UnderWay() == DataAction::Kind::none &&
         action.Status() == SYS_DATA_CONNECTION_READY) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
