@@ -8,29 +8,34 @@ set(KESTAL_MAN_DATE 1767225600)
 # The build writes the version and commit into this file.
 set(KESTAL_VERSION_FILE ${PROJECT_BINARY_DIR}/version/version.txt)
 
-# kestal_add_man_page(NAME [NOT_INSTALLED]): builds docs/man/NAME.1.scd, which tells the version, and
-# installs it.
+# kestal_add_man_page(NAME [SECTION number] [NOT_INSTALLED]): builds docs/man/NAME.SECTION.scd, which tells the
+# version, and installs it. SECTION is 1 unless given.
 function(kestal_add_man_page name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "NOT_INSTALLED" "" "")
-    set(folder ${PROJECT_BINARY_DIR}/man/man1)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "NOT_INSTALLED" "SECTION" "")
+    if(NOT arg_SECTION)
+        set(arg_SECTION 1)
+    endif()
+    set(section man${arg_SECTION})
+    set(page ${name}.${arg_SECTION})
+    set(folder ${PROJECT_BINARY_DIR}/man/${section})
     file(MAKE_DIRECTORY ${folder})
-    set(source ${PROJECT_SOURCE_DIR}/docs/man/${name}.1.scd)
+    set(source ${PROJECT_SOURCE_DIR}/docs/man/${page}.scd)
     set(script ${PROJECT_SOURCE_DIR}/cmake/write_man_page.cmake)
-    add_custom_command(OUTPUT ${folder}/${name}.1
+    add_custom_command(OUTPUT ${folder}/${page}
         COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=${KESTAL_MAN_DATE}
-            ${CMAKE_COMMAND} -D source=${source} -D temporary=${PROJECT_BINARY_DIR}/man/${name}.1.scd
-                -D page=${folder}/${name}.1 -D version_file=${KESTAL_VERSION_FILE}
+            ${CMAKE_COMMAND} -D source=${source} -D temporary=${PROJECT_BINARY_DIR}/man/${page}.scd
+                -D page=${folder}/${page} -D version_file=${KESTAL_VERSION_FILE}
                 -D scdoc=${KESTAL_SCDOC} -P ${script}
         DEPENDS ${source} ${script} ${KESTAL_VERSION_FILE}
-        COMMENT "Building the man page ${name}(1)"
+        COMMENT "Building the man page ${name}(${arg_SECTION})"
         VERBATIM)
-    add_custom_target(${name}_man_page DEPENDS ${folder}/${name}.1)
+    add_custom_target(${name}_man_page DEPENDS ${folder}/${page})
     add_dependencies(${name}_man_page kestal_version_source)
     add_dependencies(kestal_man_pages ${name}_man_page)
     if(arg_NOT_INSTALLED)
         return()
     endif()
-    install(FILES ${folder}/${name}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${folder}/${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section})
 endfunction()
 
 # kestal_add_completion(NAME): installs tools/completion/NAME.bash, which completes NAME in bash.

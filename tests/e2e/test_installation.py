@@ -7,7 +7,9 @@ import subprocess
 
 import pytest
 
-from support import paths
+from support import paths, web
+from support.ports import Port
+from support.waiting import wait_until
 
 LANGUAGES = {path.stem for path in (paths.ROOT / "catalogue").glob("*.po")}
 
@@ -41,6 +43,7 @@ def test_everything_needed_at_run_time_is_installed(prefix, configuration):
     files = {str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file()}
     assert files >= {
         "bin/kestal-conformance",
+        "bin/kestal-demo",
         "bin/kestal-sim",
         "bin/msgbus_cli",
         "bin/sysinicli",
@@ -75,6 +78,27 @@ def test_the_installed_service_serves(prefix, configuration, make_server):
     server.environment["KESTAL_DEVICE"] = str(prefix / "share" / "kestal" / "devices" / "default.json")
     assert server.start().ask("/srv/status").json()["statusData"]
     assert server.ask("/").body == (paths.ROOT / "demo" / "index.html").read_bytes()
+
+
+def test_kestal_demo_serves_a_shipped_device_with_the_installed_files_alone(prefix, work):
+    claim = Port()
+    order = [prefix / "bin" / "kestal-demo", f"--port={claim.number}", "--device=roaming"]
+    temporary = work / "tmp"
+    temporary.mkdir()
+    environment = {**paths.CLEAN_ENVIRONMENT, "TMPDIR": str(temporary)}
+    output = work / "output"
+    with open(output, "wb") as file:
+        demo = subprocess.Popen(order, cwd="/", env=environment, stdout=file, stderr=file)
+    try:
+        wait_until(lambda: "Ctrl-C stops it." in output.read_text() or demo.poll() is not None, "it serves")
+        assert demo.poll() is None, output.read_text()
+        assert web.ask(claim.number, "/srv/status").json()["statusData"]["statusBarNetwork"] == "Velta Mobil"
+        assert web.ask(claim.number, "/").body == (paths.ROOT / "demo" / "index.html").read_bytes()
+    finally:
+        demo.terminate()
+        status = demo.wait(30)
+        claim.close()
+    assert status == 0 and list(temporary.iterdir()) == []
 
 
 @pytest.mark.parametrize("prefix", ["usr", "usr/local", "opt/kestal"])

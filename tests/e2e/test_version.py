@@ -45,7 +45,8 @@ def test_the_launcher_prints_the_version_of_the_service():
 
 @pytest.mark.parametrize("page", sorted((paths.ROOT / "docs" / "man").iterdir()), ids=lambda path: path.name)
 def test_a_man_page_contains_the_version_of_the_build(page):
-    built = paths.BUILD / "man" / "man1" / page.name.removesuffix(".scd")
+    name = page.name.removesuffix(".scd")
+    built = paths.BUILD / "man" / f"man{name[-1]}" / name
     told = run(paths.SERVICE, "--version").strip().removeprefix("kestal.cgi ")
     assert f'"kestal {told}"' in built.read_text()
 

@@ -1,5 +1,5 @@
 #!/bin/sh
-# CGI program of scripts/run: logs in the browser that asks, and shows it the page.
+# CGI program of serve.sh: logs in the browser that asks, and shows it the page.
 set -eu
 
 if [ "$REQUEST_METHOD" != GET ]; then
