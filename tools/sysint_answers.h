@@ -10,20 +10,8 @@
 
 #include "platform/sysint.h"
 #include "platform/sysint_queries.h"
+#include "tools/described.h"
 #include "tools/json_output.h"
-
-// Each describes a record by its fields.
-
-Json Described(const sys_cellular_service_stats_t& value);
-Json Described(const sys_cellular_data_connection_stats_t& value);
-Json Described(const sys_subscriber_info_t& value);
-Json Described(const sys_network_sim_lock_t& value);
-Json Described(const sys_all_sim_slots_t& value);
-Json Described(const GpioCustomSettings& value);
-Json Described(const sys_sd_card_info_t& value);
-Json Described(const sys_samba_share_info_t& value);
-Json Described(const sys_battery_status_t& value);
-Json Described(const sys_connected_device_t& value);
 
 /// Manual network selection: whether it is allowed, whether it is in use, state of the scan.
 Json DescribedSelection(const std::array<int, 3>& info);

@@ -6,6 +6,7 @@
 
 #include "platform/fixed_text.h"
 #include "platform/webui.h"
+#include "tools/described.h"
 #include "tools/json_output.h"
 #include "tools/list_reading.h"
 
@@ -16,43 +17,6 @@ using Parameters = std::vector<Parameter>;
 
 std::string CallName(const Names& names) {
     return "webui_" + names.front();
-}
-
-Json Describe(const webui_feature_t& feature) {
-    return Json::object({{"name", FixedText(feature.name)}, {"value", feature.value}});
-}
-
-Json Describe(const webui_configuration_t& configuration) {
-    return Json::object(
-        {{"name", FixedText(configuration.name)}, {"value", FixedText(configuration.value)}});
-}
-
-Json Describe(const webui_uri_data_t& data) {
-    return Json::object(
-        {{"address", FixedText(data.address)}, {"titleId", FixedText(data.titleId)}});
-}
-
-Json Describe(const webui_external_uri_data_t& data) {
-    return Json::object({{"address", FixedText(data.address)}});
-}
-
-Json Describe(const webui_i18n_settings_t& settings) {
-    return Json::object({{"language", FixedText(settings.language)}});
-}
-
-Json Describe(const webui_software_update_status_t& status) {
-    return Json::object({{"status", status.status},
-                         {"userInitiated", status.userInitiated},
-                         {"value", status.value},
-                         {"version", FixedText(status.version)}});
-}
-
-Json Describe(const SoftwareUpdateCustomMessages& messages) {
-    return Json::object({{"description", FixedText(messages.description)},
-                         {"download", FixedText(messages.download)},
-                         {"readyToInstall", FixedText(messages.readyToInstall)},
-                         {"installSuccess", FixedText(messages.installSuccess)},
-                         {"installFail", FixedText(messages.installFail)}});
 }
 
 /// The call of a command: it fills the answer and returns its code.
@@ -79,7 +43,7 @@ Command Query(Names names, std::string description, int (*call)(Record*)) {
                    [call](const Arguments& /*arguments*/, Json& answer) {
                        Record record{};
                        const int code = call(&record);
-                       answer = Describe(record);
+                       answer = Described(record);
                        return code;
                    });
 }
@@ -92,7 +56,7 @@ Command Query(Names names, std::string description, Parameter parameter,
                    [call](const Arguments& arguments, Json& answer) {
                        Record record{};
                        const int code = call(arguments.Text(0), &record);
-                       answer = Describe(record);
+                       answer = Described(record);
                        return code;
                    });
 }
@@ -104,7 +68,7 @@ int List(const std::string& callName, const char* field, Read read, Json& answer
     Json list = Json::array();
     for (const Record& record :
          ReadList<Record, int>(callName, WEBUI_SUCCESS, WEBUI_BUFFER_NEEDED, read)) {
-        list.push_back(Describe(record));
+        list.push_back(Described(record));
     }
     answer = Json::object({{field, list}});
     return WEBUI_SUCCESS;
@@ -177,7 +141,7 @@ Json OfRecord(Bytes answer) {
         return {};
     }
     std::memcpy(&record, answer.data(), sizeof record);
-    return Describe(record);
+    return Described(record);
 }
 
 /// Describes the records that are complete.

@@ -4,9 +4,9 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "bindings/json/formatted.h"
 #include "bindings/simulator/edit/device_edit.h"
 #include "bindings/simulator/edit/device_path.h"
-#include "bindings/simulator/edit/json_patch.h"
 #include "bindings/simulator/edit/printed_answer.h"
 #include "tools/kestal_sim/commands.h"
 #include "tools/kestal_sim/document.h"

@@ -1,48 +1,16 @@
 #include "tools/kestal_sim/fault.h"
 
-#include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "tools/kestal_sim/document.h"
+#include "tools/time_argument.h"
 
 namespace {
 
 using json = nlohmann::ordered_json;
-
-/// The number with which @p text begins; @p text is then what follows. Not a number if there is
-/// none.
-double TakeNumber(std::string_view& text) {
-    double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc()) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-    return number;
-}
-
-/// A time such as 2s, 500ms or 2, in seconds.
-json SecondsIn(const std::string& text) {
-    std::string_view unit = text;
-    double milliseconds = TakeNumber(unit) * 1000;
-    if (unit == "m") {
-        milliseconds *= 60;
-    } else if (unit == "ms") {
-        milliseconds /= 1000;
-    }
-    constexpr double kWeek = 604'800'000;
-    const bool isKnown = unit.empty() || unit == "s" || unit == "ms" || unit == "m";
-    // The condition is negated so that it also refuses what is not a number.
-    if (!isKnown || !(milliseconds >= 1 && milliseconds <= kWeek)) {
-        throw UsageError("--delay: '" + text + "' is not a time from 1ms to 604800s");
-    }
-    const std::int64_t whole = std::llround(milliseconds);
-    return whole % 1000 == 0 ? json(whole / 1000) : json(static_cast<double>(whole) / 1000);
-}
 
 double ProbabilityIn(const std::string& text) {
     std::string_view rest = text;
@@ -100,7 +68,7 @@ json FaultOf(const Arguments& arguments) {
         fault["seed"] = std::stoll(arguments.Value("--seed"));
     }
     if (isDelayed) {
-        fault["delay"] = SecondsIn(arguments.Value("--delay"));
+        fault["delay"] = SecondsOf(TimeIn(arguments, "--delay"));
     }
     if (hangs) {
         fault["hang"] = true;

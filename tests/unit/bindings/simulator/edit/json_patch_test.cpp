@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bindings/json/formatted.h"
+
 namespace {
 
 using json = nlohmann::ordered_json;
