@@ -1,5 +1,4 @@
 // The object "msgbus": what has been published on the channels of the message bus.
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,27 +28,6 @@ Block ReadNotifications(const Node& list) {
         AnsNotificationRecord record{};
         ReadNotification(list.Element(index), record);
         Append(block, record);
-    }
-    return block;
-}
-
-Block ReadBytes(const Node& node) {
-    constexpr const char* kExpected = "a text of pairs of hexadecimal digits";
-    const std::string* const digits = node.Text();
-    if (digits == nullptr) {
-        node.Expected(kExpected);
-    }
-    if (digits->size() % 2 != 0) {
-        node.Expected(kExpected, std::to_string(digits->size()) + " characters");
-    }
-    Block block;
-    for (std::size_t index = 0; index < digits->size(); index += 2) {
-        const char* const pair = digits->data() + index;
-        std::uint8_t byte = 0;
-        if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2) {
-            node.Expected(kExpected, "other characters");
-        }
-        block.push_back(std::byte{byte});
     }
     return block;
 }

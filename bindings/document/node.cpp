@@ -1,6 +1,7 @@
 #include "bindings/document/node.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <nlohmann/json.hpp>
 
@@ -180,9 +181,53 @@ void Read(const Node& node, bool& value) {
     value = node.Value().get<bool>();
 }
 
+std::vector<std::byte> ReadBytes(const Node& node) {
+    constexpr const char* kExpected = "a text of pairs of hexadecimal digits";
+    const std::string* const digits = node.Text();
+    if (digits == nullptr) {
+        node.Expected(kExpected);
+    }
+    if (digits->size() % 2 != 0) {
+        node.Expected(kExpected, std::to_string(digits->size()) + " characters");
+    }
+    std::vector<std::byte> block;
+    for (std::size_t index = 0; index < digits->size(); index += 2) {
+        const char* const pair = digits->data() + index;
+        std::uint8_t byte = 0;
+        if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2) {
+            node.Expected(kExpected, "other characters");
+        }
+        block.push_back(std::byte{byte});
+    }
+    return block;
+}
+
+namespace {
+
+/// A text that is not UTF-8, or that fills its field without a terminator.
+void ReadTextOfBytes(const Node& node, std::span<char> field) {
+    Members members(node);
+    const Node member = *members.Find("bytes");
+    const std::vector<std::byte> bytes = ReadBytes(member);
+    members.RejectOthers();
+    if (bytes.size() > field.size()) {
+        member.Expected("at most " + std::to_string(field.size()) + " bytes",
+                        std::to_string(bytes.size()));
+    }
+    std::fill(field.begin(), field.end(), '\0');
+    std::transform(bytes.begin(), bytes.end(), field.begin(),
+                   [](std::byte byte) { return static_cast<char>(byte); });
+}
+
+}  // namespace
+
 void ReadText(const Node& node, std::span<char> field) {
     const std::string expected = "a text of at most " + std::to_string(field.size() - 1) + " bytes";
     const std::string* const text = node.Text();
+    if (node.IsObject() && node.HasMember("bytes")) {
+        ReadTextOfBytes(node, field);
+        return;
+    }
     if (text == nullptr) {
         node.Expected(expected);
     }

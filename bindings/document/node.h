@@ -89,7 +89,11 @@ void Read(const Node& node, std::uint32_t& number);
 void Read(const Node& node, std::uint64_t& number);
 void Read(const Node& node, bool& value);
 
-/// Fills @p field, which must have room for the text and its terminator.
+/// Pairs of hexadecimal digits.
+std::vector<std::byte> ReadBytes(const Node& node);
+
+/// Fills @p field, which must have room for the text and its terminator. {"bytes": digits} stands
+/// for a text that is not UTF-8; it may fill the field without a terminator.
 void ReadText(const Node& node, std::span<char> field);
 
 template <std::size_t Size>

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/fixed_text.h"
 #include "tests/unit/bindings/document/document_reading.h"
 
 namespace {
@@ -304,6 +305,30 @@ TEST(DeviceDocument, GuestProfilesHaveOneValueOrAValueEach) {
     EXPECT_EQ(SysComplaint("getWiFiGuestProfileEnabled", "{\"2\": \"on\"}"),
               "device.json:3: sys.getWiFiGuestProfileEnabled.2: expected a 32-bit integer or "
               "{\"error\": N}, found a text");
+}
+
+TEST(DeviceDocument, BytesStandForATextThatIsNotUtf8OrNotTerminated) {
+    const auto pin = Read(R"({"sys": {"getGpioPin1CustomSettings": {
+        "name": {"bytes": "4Fff00"}, "lowState": {"bytes": ""}, "highState": {"bytes": ")" +
+                          std::string(128, 'a') + R"("}}}})")
+                         .getGpioPin1CustomSettings.value;
+    EXPECT_EQ(FixedText(pin.name), "O\xFF");
+    EXPECT_EQ(FixedText(pin.lowState), "");
+    EXPECT_EQ(FixedText(pin.highState), std::string(64, '\xAA'));
+    EXPECT_EQ(SysComplaint("getSubscriberInfo",
+                           "{\"identity\": {\"bytes\": \"" + std::string(66, '0') + "\"}}"),
+              "device.json:3: sys.getSubscriberInfo.identity.bytes: expected at most 32 bytes, "
+              "found 33");
+    EXPECT_EQ(SysComplaint("getSubscriberInfo", R"({"identity": {"bytes": "0g"}})"),
+              "device.json:3: sys.getSubscriberInfo.identity.bytes: expected a text of pairs of "
+              "hexadecimal digits, found other characters");
+    EXPECT_EQ(SysComplaint("getSubscriberInfo", R"({"identity": {"bytes": "00", "text": ""}})"),
+              "device.json:3: sys.getSubscriberInfo.identity.text: expected one of bytes, found "
+              "an unknown name");
+    EXPECT_EQ(SysComplaint("getSubscriberInfo", R"({"identity": {"digits": "00"}})"),
+              "device.json:3: sys.getSubscriberInfo.identity: expected a text of at most 31 "
+              "bytes, found an object");
+    EXPECT_EQ(WebuiComplaint("externalUriData", R"({"a": {"bytes": "ff"}})"), "");
 }
 
 TEST(DeviceDocument, GpioPinsHaveThreeTextsOf63Bytes) {
