@@ -110,6 +110,20 @@ Arguments Collected(const CLI::App& app, const Command& command) {
     return arguments;
 }
 
+/// Lets @p app take the arguments of @p command and store them in @p choice. Keeps references to
+/// both.
+void AddArguments(CLI::App& app, const Command& command, Choice& choice) {
+    for (const Parameter& parameter : command.parameters) {
+        AddParameter(app, parameter);
+    }
+    for (const Option& option : command.options) {
+        AddOption(app, option);
+    }
+    app.callback([&command, &choice, &app] {
+        choice = {.command = &command, .arguments = Collected(app, command)};
+    });
+}
+
 /// Adds @p command to @p app, whose parser stores it in @p choice when the caller chooses it. Keeps
 /// references to @p command and @p choice.
 void AddCommand(CLI::App& app, const Command& command, Choice& choice) {
@@ -126,36 +140,41 @@ void AddCommand(CLI::App& app, const Command& command, Choice& choice) {
         }
         return;
     }
-    for (const Parameter& parameter : command.parameters) {
-        AddParameter(*added, parameter);
-    }
-    for (const Option& option : command.options) {
-        AddOption(*added, option);
-    }
-    added->callback([&command, &choice, added] {
-        choice = {.command = &command, .arguments = Collected(*added, command)};
-    });
+    AddArguments(*added, command, choice);
 }
 
-void Describe(CLI::App& app, const Tool& tool, Choice& choice) {
+/// Whether @p tool is itself its only command.
+bool IsCommand(const Tool& tool) {
+    return tool.commands.size() == 1 && tool.commands.front().names.empty();
+}
+
+void DescribeCommands(CLI::App& app, const Tool& tool, Choice& choice) {
     app.require_subcommand(1);
     app.footer("'" + tool.name + " COMMAND --help' tells what a command takes.");
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.get_formatter()->label("Positionals", "Arguments");
-    app.get_formatter()->column_width(44);
     app.add_flag_callback(
            "--commands", [&tool] { throw AnswerAtOnce(CommandNames(tool)); },
            "Print the names of all commands, one a line, and exit")
         ->trigger_on_parse();
+    for (const Command& command : tool.commands) {
+        AddCommand(app, command, choice);
+    }
+}
+
+void Describe(CLI::App& app, const Tool& tool, Choice& choice) {
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.get_formatter()->label("Positionals", "Arguments");
+    app.get_formatter()->column_width(44);
+    if (IsCommand(tool)) {
+        AddArguments(app, tool.commands.front(), choice);
+    } else {
+        DescribeCommands(app, tool, choice);
+    }
     app.add_flag_callback(
            "--version", [&tool] { throw AnswerAtOnce(tool.name + " " + KestalVersion() + "\n"); },
            "Print the version and exit")
         ->trigger_on_parse();
     for (const Setting& setting : tool.settings) {
         AddOption(app, setting.option);
-    }
-    for (const Command& command : tool.commands) {
-        AddCommand(app, command, choice);
     }
 }
 

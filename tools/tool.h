@@ -68,6 +68,7 @@ struct Tool {
     std::string description;
     /// Names of the codes with which calls fail.
     binding::Enumeration codes;
+    /// A tool with one command that has no name takes the arguments of that command itself.
     std::vector<Command> commands;
     std::vector<Setting> settings = {};
     /// Names of the codes of the binding that the tool is linked with, and what the binding adds to

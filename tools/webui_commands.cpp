@@ -4,7 +4,6 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "platform/fixed_text.h"
 #include "platform/webui.h"
 #include "tools/described.h"
 #include "tools/json_output.h"

@@ -44,6 +44,7 @@ def test_everything_needed_at_run_time_is_installed(prefix, configuration):
     assert files >= {
         "bin/kestal-conformance",
         "bin/kestal-demo",
+        "bin/kestal-record",
         "bin/kestal-sim",
         "bin/msgbus_cli",
         "bin/sysinicli",

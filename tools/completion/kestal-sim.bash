@@ -26,7 +26,7 @@ _kestal_sim_offer_files() {
 
 _kestal_sim() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='show set fail heal devices scenarios load reset notify session play status watch'
+    local commands='show set fail heal devices scenarios load reset notify session play status watch record'
     local command='' member='' device=() index words='' names=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [ "${COMP_WORDS[index]}" = --device ]; then
@@ -82,6 +82,10 @@ _kestal_sim() {
                 close) words='--all --help' ;;
                 *) words=--help ;;
             esac
+            ;;
+        record)
+            words='--for --every --names --channels --keep-identities --bundle --log --force --help'
+            _kestal_sim_offer_files "$word"
             ;;
         play)
             words='--speed --loop --quiet --check --help'

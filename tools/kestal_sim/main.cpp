@@ -1,9 +1,12 @@
 // kestal-sim: changes the device that the simulator simulates.
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "bindings/document/document_error.h"
+#include "tools/kestal_record/record_command.h"
 #include "tools/kestal_sim/commands.h"
+#include "tools/kestal_sim/document.h"
 
 namespace {
 
@@ -48,6 +51,16 @@ Tool SimTool() {
                           }}}};
 }
 
+/// The recorder. Without a good document it refuses, because then every call only fails.
+Command RecordSimulated() {
+    Command command = RecordCommand("record", {"simulator", binding::kBindingCode});
+    command.run = [run = std::move(command.run)](const Arguments& arguments, std::ostream& out) {
+        (void)CurrentDocument();
+        run(arguments, out);
+    };
+    return command;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -55,6 +68,8 @@ int main(int argc, char** argv) {
     // Not for callers that are not shells, because these may have no end.
     tool.commands.push_back(StatusCommand());
     tool.commands.push_back(WatchCommand());
+    // Not among the commands that others may give over HTTP, because it writes any file.
+    tool.commands.push_back(RecordSimulated());
     tool.commands.push_back(ControlCommand(SimTool()));
     return RunTool(tool, argc, argv);
 }

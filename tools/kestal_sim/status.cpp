@@ -11,10 +11,10 @@
 
 #include "bindings/device/device_clock.h"
 #include "bindings/device/seen_call.h"
+#include "bindings/json/formatted.h"
 #include "bindings/posix/files/file_io.h"
 #include "bindings/posix/json/json_text.h"
 #include "bindings/simulator/device_file.h"
-#include "bindings/simulator/edit/json_patch.h"
 #include "tools/device_status.h"
 #include "tools/kestal_sim/commands.h"
 #include "tools/kestal_sim/document.h"

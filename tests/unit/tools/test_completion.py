@@ -59,6 +59,14 @@ def test_arguments_with_few_values_are_offered():
     assert offered("msgbus_cli", "MsgBusGet", "--r") == ["--raw"]
 
 
+def test_options_and_files_of_the_recorder_are_offered(tmp_path):
+    (tmp_path / "afternoon.json").touch()
+    assert offered("kestal-record", "--na") == ["--names"]
+    assert offered("kestal-sim", "record", "--bu") == ["--bundle"]
+    for words in (["kestal-record"], ["kestal-sim", "record"]):
+        assert offered(*words, f"{tmp_path}/aft") == [f"{tmp_path}/afternoon.json"]
+
+
 def test_other_commands_offer_only_help():
     assert offered("sysintcli", "getSIMStatus", "") == ["--help"]
     assert offered("sysintcli", "getWiFiGuestProfileEnabled", "1", "") == ["--help"]

@@ -129,6 +129,20 @@ TEST_F(SimCommand, RefusesWhatTheReaderRefuses) {
     EXPECT_EQ(ReadFile(device), kDocument);
 }
 
+TEST_F(SimCommand, RecordsTheDeviceAsADocument) {
+    const std::string file = (directory / "recorded.json").string();
+    EXPECT_EQ(Run("record " + file), "0 ");
+    EXPECT_EQ(Run("--device " + file + " show getSIMStatus"), "0 \"ready\"\n");
+    EXPECT_EQ(Run("--device " + file + " show getGPSStatus"), "0 {\"error\": \"not_answered\"}\n");
+    EXPECT_EQ(Run("record " + file),
+              "1 kestal-sim: " + file + ": exists already; --force replaces it\n");
+    EXPECT_EQ(Run("record --force " + file), "0 ");
+    EXPECT_EQ(Run("record"), "2 kestal-sim: FILE is required\nTry 'kestal-sim --help'.\n");
+    EXPECT_EQ(Run("record --every 1s " + file),
+              "2 kestal-sim: --every requires --for\nTry 'kestal-sim --help'.\n");
+    EXPECT_THAT(Run("record --help"), HasSubstr("--keep-identities"));
+}
+
 TEST_F(SimCommand, FailsAndHeals) {
     EXPECT_EQ(Run("fail getSIMStatus 5"), "0 ");
     EXPECT_EQ(ReadFile(device), With("\": 7", "\": {\"error\": 5, \"healed\": 7}"));

@@ -1,0 +1,221 @@
+#include "tools/kestal_record/record_command.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+
+#include "bindings/json/formatted.h"
+#include "tools/kestal_record/bundle.h"
+#include "tools/kestal_record/document_form.h"
+#include "tools/kestal_record/identities.h"
+#include "tools/kestal_record/new_files.h"
+#include "tools/kestal_record/record_device.h"
+#include "tools/kestal_record/record_order.h"
+#include "tools/kestal_record/stop_signals.h"
+#include "tools/kestal_record/timeline.h"
+#include "version/version.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Time = Timeline::Time;
+
+/// Beside the document: afternoon-scenario.json for afternoon.json.
+std::string ScenarioFile(const std::string& file) {
+    const std::string ending = ".json";
+    const std::string name =
+        file.ends_with(ending) ? file.substr(0, file.size() - ending.size()) : file;
+    return name + "-scenario" + ending;
+}
+
+struct Recording {
+    Timeline timeline;
+    Time length;
+};
+
+/// Looks at the device until the time is over, or until a signal or a full scenario ends that.
+Recording Record(const Order& order, Remarks& remarks) {
+    if (order.length == Time(0)) {
+        return {Timeline(RecordDevice(order.questions, remarks)), Time(0)};
+    }
+    const StopSignals signals;
+    const Clock::time_point begin = Clock::now();
+    const auto passed = [begin] { return std::chrono::floor<Time>(Clock::now() - begin); };
+    Timeline timeline(RecordDevice(order.questions, remarks));
+    Time next = order.interval;
+    while (signals.WaitUntil(begin + std::min(next, order.length))) {
+        const Time now = std::min(passed(), order.length);
+        if (!timeline.Add(now, RecordDevice(order.questions, remarks))) {
+            remarks.insert("the recording ended after " + std::to_string(now.count() / 1000) +
+                           " s, because a scenario cannot hold more changes; --every makes the "
+                           "next one longer");
+            return {std::move(timeline), now};
+        }
+        if (now >= order.length) {
+            return {std::move(timeline), order.length};
+        }
+        // Looks that the device was too slow for are left out.
+        while (next <= passed()) {
+            next += order.interval;
+        }
+    }
+    return {std::move(timeline), std::min(passed(), order.length)};
+}
+
+std::string NowText() {
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    (void)gmtime_r(&now, &utc);
+    std::array<char, sizeof("9999-12-31T23:59:59Z")> text{};
+    (void)std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+    return text.data();
+}
+
+/// The recorded parts, with or without identities.
+class Parts {
+  public:
+    Parts(const Order& newOrder, const Recording& recording, const RecordedBinding& binding)
+        : order(newOrder), device(recording.timeline.First()) {
+        identities.LearnFromRecording(device);
+        if (order.length > Time(0)) {
+            scenario = recording.timeline.Scenario(recording.length);
+            identities.LearnFromRecording(*scenario);
+        }
+        if (order.isBundle) {
+            log = LastLogLines(order.log);
+            if (binding.hasSources) {
+                sources = SourceReport();
+            }
+            if (sources.is_array()) {
+                identities.LearnFromSources(sources);
+            } else if (sources.is_string()) {
+                identities.LearnFrom(sources.get<std::string>());
+            }
+            for (const Json& line : log) {
+                identities.LearnFrom(line.get<std::string>());
+            }
+        }
+        title = "A recorded device (" + binding.name + " binding, kestal " + KestalVersion() + ")";
+    }
+
+    Json Device() {
+        Json document = {{"title", title}};
+        document.update(Document(device));
+        return document;
+    }
+
+    std::optional<Json> Scenario() {
+        if (!scenario) {
+            return std::nullopt;
+        }
+        Json document = {{"title", title}};
+        document.update(Document(*scenario));
+        return document;
+    }
+
+    Json Bundle(const RecordedBinding& binding) {
+        Json bundle = {{"recorded", NowText()},
+                       {"versions", Versions(binding)},
+                       {"identities", order.keepsIdentities ? "kept" : "replaced"},
+                       {"device", Device()}};
+        if (const auto document = Scenario()) {
+            bundle["scenario"] = *document;
+        }
+        if (!sources.is_null()) {
+            bundle["sources"] = Sources();
+        }
+        bundle["log"] = Plain(log);
+        return bundle;
+    }
+
+  private:
+    Json Document(const Json& recorded) {
+        return Finished(recorded, [this](const std::string& text) {
+            return order.keepsIdentities ? text : identities.Replaced(text);
+        });
+    }
+
+    Json Plain(const Json& value) {
+        return order.keepsIdentities ? value : identities.ReplacedIn(value);
+    }
+
+    /// What they have said, and why they are lost, comes from outside; names and states do not.
+    Json Sources() {
+        if (!sources.is_array()) {
+            return Plain(sources);
+        }
+        Json report = sources;
+        for (Json& source : report) {
+            for (const char* const part : {"said", "reason"}) {
+                if (source.contains(part)) {
+                    source[part] = Plain(source[part]);
+                }
+            }
+        }
+        return report;
+    }
+
+    const Order& order;
+    const Json& device;
+    std::optional<Json> scenario;
+    Json sources;
+    Json log = Json::array();
+    Identities identities;
+    std::string title;
+};
+
+std::string Text(const Json& document) {
+    return binding::Formatted(document) + "\n";
+}
+
+/// The text of a document, which the simulator must be able to read.
+std::string DocumentText(const std::string& file, const Json& document) {
+    constexpr std::size_t kMost = 4U << 20U;
+    std::string text = Text(document);
+    if (text.size() > kMost) {
+        throw std::runtime_error(file + ": would have " + std::to_string(text.size()) +
+                                 " bytes, and a document has at most " + std::to_string(kMost));
+    }
+    return text;
+}
+
+void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
+    const Order order = OrderOf(arguments, binding);
+    const bool hasScenarioFile = order.length > Time(0) && !order.isBundle;
+    MustBeWritable(order.file, order.existing);
+    if (hasScenarioFile) {
+        MustBeWritable(ScenarioFile(order.file), order.existing);
+    }
+    Remarks remarks;
+    const Recording recording = Record(order, remarks);
+    Parts parts(order, recording, binding);
+    std::vector<NewFile> files;
+    if (order.isBundle) {
+        files.push_back({order.file, Text(parts.Bundle(binding))});
+    } else {
+        files.push_back({order.file, DocumentText(order.file, parts.Device())});
+    }
+    if (hasScenarioFile) {
+        files.push_back({ScenarioFile(order.file), Text(*parts.Scenario())});
+    }
+    WriteFiles(files, order.existing);
+    for (const std::string& remark : remarks) {
+        (void)std::fprintf(stderr, "%s\n", remark.c_str());
+    }
+}
+
+}  // namespace
+
+Command RecordCommand(const std::string& name, const RecordedBinding& recorded) {
+    return {.names = name.empty() ? std::vector<std::string>() : std::vector<std::string>{name},
+            .description = "Record the device as a document, with a time also what changes",
+            .parameters = {{"FILE", "The document to write"}},
+            .run = [recorded](const Arguments& arguments,
+                              std::ostream& /*out*/) { RunRecord(arguments, recorded); },
+            .options = RecordOptions()};
+}

@@ -1,0 +1,65 @@
+#include "tools/kestal_record/stop_signals.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <system_error>
+
+namespace {
+
+/// Where the handler writes a byte.
+std::atomic<int> writeEnd = -1;
+
+void Stop(int /*signal*/) {
+    const int error = errno;
+    constexpr char kByte = 0;
+    (void)!write(writeEnd, &kByte, 1);
+    errno = error;
+}
+
+}  // namespace
+
+StopSignals::StopSignals() {
+    if (pipe2(pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe");
+    }
+    writeEnd = pipe[1];
+    struct sigaction action {};
+    action.sa_handler = Stop;
+    // The default action is in force again after the first signal.
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigemptyset(&action.sa_mask);
+    for (std::size_t index = 0; index < kSignals.size(); ++index) {
+        (void)sigaction(kSignals.at(index), &action, &before.at(index));
+    }
+}
+
+StopSignals::~StopSignals() {
+    for (std::size_t index = 0; index < kSignals.size(); ++index) {
+        (void)sigaction(kSignals.at(index), &before.at(index), nullptr);
+    }
+    writeEnd = -1;
+    (void)close(pipe[0]);
+    (void)close(pipe[1]);
+}
+
+bool StopSignals::WaitUntil(Time time) const {
+    pollfd descriptor = {.fd = pipe[0], .events = POLLIN, .revents = 0};
+    while (true) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(time - std::chrono::steady_clock::now());
+        const auto timeout = static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+        const int ready = poll(&descriptor, 1, timeout);
+        if (ready > 0) {
+            return false;
+        }
+        if (ready == 0 && left.count() <= 0) {
+            return true;
+        }
+    }
+}
