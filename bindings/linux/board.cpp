@@ -48,6 +48,13 @@ sd_event* NewEvent() {
     return event;
 }
 
+/// Where the service tells what its sources have told. Only the service gets this path: other
+/// programs with this binding would take its place.
+const char* ReportPath() {
+    const char* const path = std::getenv("KESTAL_SOURCES");
+    return path == nullptr || *path == '\0' ? nullptr : path;
+}
+
 bool AllKnown(const Sources& sources) {
     for (const auto& source : sources) {
         if (source->GetState() == Source::State::unknown) {
@@ -62,6 +69,7 @@ bool AllKnown(const Sources& sources) {
 Board::Board(SourceFactory newFactory, std::chrono::microseconds newRenewalLimit)
     : factory(std::move(newFactory)),
       renewalLimit(newRenewalLimit),
+      isService(ReportPath() != nullptr),
       event(NewEvent()),
       wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (wakeUpDescriptor < 0) {
@@ -267,9 +275,8 @@ void Board::ReadDocument() {
 }
 
 void Board::ServeReports() {
-    // Only the service gets this path: other programs with this binding would take its place.
-    const char* const path = std::getenv("KESTAL_SOURCES");
-    if (path == nullptr || *path == '\0') {
+    const char* const path = ReportPath();
+    if (path == nullptr) {
         return;
     }
     try {

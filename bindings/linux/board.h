@@ -70,6 +70,9 @@ class Board {
 
     // For the board's thread.
 
+    /// Whether this is the board of the service. Other programs have one for a short time.
+    bool IsService() const { return isService; }
+
     sd_event* Event() const { return event.get(); }
     Bus& SystemBus() { return *bus; }
     const Settings& GetSettings() const { return document.settings; }
@@ -106,6 +109,7 @@ class Board {
 
     SourceFactory factory;
     std::chrono::microseconds renewalLimit;
+    bool isService;
 
     // Of the board's thread.
     EventPointer event;

@@ -64,25 +64,59 @@ void DataConnection::Update(const Modem* newModem) {
 }
 
 void DataConnection::Refresh() {
-    constexpr auto kNone = SYS_DATA_CONNECTION_READY;
-    const auto status = modem ? modem->dataConnectionStatus.value_or(kNone) : kNone;
     const bool wasConnecting = action.UnderWay() == DataAction::Kind::connect;
-    action.Update(status, StateOf(manager));
+    action.Update(ModemStatus(), StateOf(manager));
     if (wasConnecting && action.UnderWay() == DataAction::Kind::none &&
         action.Status() == SYS_DATA_CONNECTION_READY) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
     }
-    endsElsewhere = endsElsewhere && status && status != SYS_DATA_CONNECTION_READY;
-    if (status == SYS_DATA_CONNECTION_CONNECTED && !endsElsewhere &&
-        action.UnderWay() != DataAction::Kind::disconnect) {
-        memory.SetDataOff(false);
-    }
+    RefreshMemory();
     SetLimit();
 }
 
+void DataConnection::RefreshMemory() {
+    if (!modem || !modem->dataConnectionStatus) {
+        wasReady = false;
+        return;
+    }
+    const auto status = *modem->dataConnectionStatus;
+    if (status == SYS_DATA_CONNECTION_READY) {
+        wasReady = true;
+    } else if (status == SYS_DATA_CONNECTION_CONNECTED && std::exchange(wasReady, false) &&
+               action.UnderWay() != DataAction::Kind::disconnect && board.IsService()) {
+        // Another program has connected.
+        memory.SetDataOff(false);
+    }
+}
+
+sys_data_connection_status_e DataConnection::ModemStatus() const {
+    constexpr auto kNone = SYS_DATA_CONNECTION_READY;
+    return modem ? modem->dataConnectionStatus.value_or(kNone) : kNone;
+}
+
 void DataConnection::OnMemory() {
-    endsElsewhere = memory.IsDataOff();
-    Refresh();
+    // Another program that switches data off ends also a connection that is being made.
+    wasReady = wasReady && ModemStatus() == SYS_DATA_CONNECTION_READY;
+    wasConnectedInVain = false;
+}
+
+void DataConnection::Check() {
+    manager.Check();
+    // The program that has switched data off may have failed to disconnect, and not told so.
+    const bool isConnectedInVain = memory.IsDataOff() &&
+                                   action.UnderWay() == DataAction::Kind::none &&
+                                   ModemStatus() == SYS_DATA_CONNECTION_CONNECTED;
+    if (std::exchange(wasConnectedInVain, isConnectedInVain) && isConnectedInVain &&
+        board.IsService()) {
+        TakeBackDataOff();
+        changed();
+    }
+}
+
+void DataConnection::TakeBackDataOff() {
+    if (ModemStatus() != SYS_DATA_CONNECTION_READY) {
+        memory.SetDataOff(false);
+    }
 }
 
 bool DataConnection::IsEnabled() const {
@@ -111,6 +145,7 @@ void DataConnection::Make(DataRequest request) {
     }
     const DataAction::Kind kind =
         request == DataRequest::connect ? DataAction::Kind::connect : DataAction::Kind::disconnect;
+    // At once, because this process may end before it is done.
     memory.SetDataOff(kind == DataAction::Kind::disconnect);
     Send(action.Ask(kind, manager.HasProfile()));
     SetLimit();
@@ -190,6 +225,10 @@ void DataConnection::OnAnswer(DataAction::Kind kind, const BusError& error) {
     // What NetworkManager has answered tells of its connection, too.
     Refresh();
     Send(action.Answered(static_cast<bool>(error)));
+    if (error && kind == DataAction::Kind::disconnect &&
+        action.UnderWay() == DataAction::Kind::none) {
+        TakeBackDataOff();
+    }
     SetLimit();
     changed();
 }
@@ -210,6 +249,9 @@ void DataConnection::SetLimit() {
                     LINUX_LOG(TORU_DBG_ERROR, "data connection: not %s in time",
                               action.UnderWay() == DataAction::Kind::connect ? "connected"
                                                                              : "disconnected");
+                    if (action.UnderWay() == DataAction::Kind::disconnect) {
+                        TakeBackDataOff();
+                    }
                     action.GiveUp();
                     SetLimit();
                     changed();

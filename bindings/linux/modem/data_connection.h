@@ -37,7 +37,7 @@ class DataConnection final : public DataCall {
     bool IsEnabled() const;
 
     const NetworkManager& Manager() const { return manager; }
-    void Check() { manager.Check(); }
+    void Check();
 
     // DataCall.
     DataOutlook Outlook() const override;
@@ -47,10 +47,13 @@ class DataConnection final : public DataCall {
   private:
     sys_data_connection_status_e StatusAfter(DataAction::Kind kind) const;
     void Refresh();
+    void RefreshMemory();
+    void TakeBackDataOff();
     void Send(DataAction::Kind kind);
     void SendConnect();
     void SendSimpleConnect();
     void SendDisconnect();
+    sys_data_connection_status_e ModemStatus() const;
     void OnAnswer(DataAction::Kind kind, const BusError& error);
     void SetLimit();
 
@@ -61,8 +64,10 @@ class DataConnection final : public DataCall {
     DataAction::Wait limited = DataAction::Wait::nothing;
     EventSource limit;
     Bus::PendingCall call;
-    /// Whether another program ends the connection that the modem tells of.
-    bool endsElsewhere = false;
+    /// Whether the modem has told that it has no connection, and of none since.
+    bool wasReady = false;
+    /// Whether the last check has found a connection although data is off.
+    bool wasConnectedInVain = false;
     ModemMemory& memory;
     NetworkManager manager;
 };

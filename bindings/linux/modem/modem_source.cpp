@@ -122,7 +122,9 @@ void ModemSource::RefreshModem() {
     }
     connection.Update(&*modem);
     modem->dataConnectionStatus = connection.Status();
-    memory.SetSeveralSlots(modem->slots.size() > 1);
+    if (GetBoard().IsService()) {
+        memory.SetSeveralSlots(modem->slots.size() > 1);
+    }
     traffic.Update(*modem, connection.Manager().Interface());
     UpdateMessages(messaging, sms);
     Present();

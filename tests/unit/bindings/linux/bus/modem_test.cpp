@@ -13,16 +13,22 @@ namespace {
 
 using binding::Device;
 using ::testing::Contains;
+using ::testing::HasSubstr;
 
 constexpr const char* kService = "org.freedesktop.ModemManager1";
 constexpr const char* kModem = "/org/freedesktop/ModemManager1/Modem/0";
 constexpr const char* kSim = "/org/freedesktop/ModemManager1/SIM/0";
 constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
+constexpr const char* kBearer = "/org/freedesktop/ModemManager1/Bearer/0";
+constexpr const char* kBearerInterface = "org.freedesktop.ModemManager1.Bearer";
+constexpr int kRegisteredState = 8;
+constexpr int kConnectedState = 11;
 constexpr const char* kSimple = "org.freedesktop.ModemManager1.Modem.Simple";
 
 class BoardWithAModem : public ServiceTest {
   protected:
     BoardWithAModem() : bus(directory / "bus") {
+        environment.Set("KESTAL_SOURCES", directory / "sources");
         bus.Listen();
         daemons.emplace_back([this] { bus.Serve(); });
         bus.properties[kSim + std::string(" org.freedesktop.ModemManager1.Sim")] = {
@@ -37,6 +43,30 @@ class BoardWithAModem : public ServiceTest {
              "org.freedesktop.DBus.ObjectManager.GetManagedObjects"] =
             [this](sd_bus_message* call) { return TellObjects(call); };
     }
+
+    /// The modem has a connection.
+    void Connected() {
+        bus.properties[kBearer + std::string(" ") + kBearerInterface] = {
+            Property("Connected", "b", 1)};
+        modem.front() = Property("State", "i", kConnectedState);
+        modem.push_back(Property("Bearers", "ao", 1, kBearer));
+    }
+
+    /// The connection has ended.
+    void TellReady() {
+        bus.ChangeProperties(kService, kModem, kModemInterface,
+                             {Property("State", "i", kRegisteredState)});
+        bus.ChangeProperties(kService, kBearer, kBearerInterface, {Property("Connected", "b", 0)});
+    }
+
+    /// There is a connection again.
+    void TellConnected() {
+        bus.ChangeProperties(kService, kModem, kModemInterface,
+                             {Property("State", "i", kConnectedState)});
+        bus.ChangeProperties(kService, kBearer, kBearerInterface, {Property("Connected", "b", 1)});
+    }
+
+    std::filesystem::path Memory() const { return directory / "modem"; }
 
     static std::string Method(const std::string& name) {
         return std::string(kModem) + " " + kSimple + "." + name;
@@ -118,11 +148,8 @@ TEST_F(BoardWithAModem, DataThatTheUserHasSwitchedOffStaysOffUntilTheUserConnect
 }
 
 TEST_F(BoardWithAModem, DataThatAnotherProgramSwitchesOffStaysOffWhileItDisconnects) {
-    const std::string bearer = "/org/freedesktop/ModemManager1/Bearer/0";
-    const std::string bearerInterface = "org.freedesktop.ModemManager1.Bearer";
-    bus.properties[bearer + " " + bearerInterface] = {Property("Connected", "b", 1)};
-    modem.front() = Property("State", "i", 11);
-    modem.push_back(Property("Bearers", "ao", 1, "/org/freedesktop/ModemManager1/Bearer/0"));
+    settings["checkSeconds"] = 60;
+    Connected();
     StartModemManager();
     Begin();
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
@@ -133,9 +160,60 @@ TEST_F(BoardWithAModem, DataThatAnotherProgramSwitchesOffStaysOffWhileItDisconne
     // The bearer tells later than the modem.
     bus.ChangeProperties(kService, kModem, kModemInterface, {Property("State", "i", 8)});
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
-    bus.ChangeProperties(kService, bearer, bearerInterface, {Property("Connected", "b", 0)});
+    bus.ChangeProperties(kService, kBearer, kBearerInterface, {Property("Connected", "b", 0)});
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
     EXPECT_EQ(board->Newest()->getCellularDataEnabled.value, 0);
+}
+
+TEST_F(BoardWithAModem, DataIsNotOffWhenTheDisconnectionIsRefused) {
+    bus.methods[Method("Disconnect")] = Fails("org.example.Error.Busy", "not now");
+    Connected();
+    StartModemManager();
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    ASSERT_EQ(board->StopDataCall(), SYS_SUCCESS);
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) { return !Log().empty(); }));
+    EXPECT_TRUE(WaitForDataEnabled(1));
+    EXPECT_THAT(ReadFile(Memory()), HasSubstr("\"dataOff\":false"));
+}
+
+TEST_F(BoardWithAModem, DataThatIsConnectedIsOffOnlyUntilTheServiceHasCheckedTwice) {
+    WriteFile(Memory(), R"({"dataOff": true})");
+    Connected();
+    StartModemManager();
+    Begin();
+    EXPECT_TRUE(WaitForDataEnabled(1));
+}
+
+TEST_F(BoardWithAModem, DataThatAnotherProgramConnectsIsNotOffAnyMore) {
+    settings["checkSeconds"] = 60;
+    WriteFile(Memory(), R"({"dataOff": true})");
+    Connected();
+    StartModemManager();
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    EXPECT_EQ(board->Newest()->getCellularDataEnabled.value, 0);
+    TellReady();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
+    EXPECT_EQ(board->Newest()->getCellularDataEnabled.value, 0);
+    TellConnected();
+    EXPECT_TRUE(WaitForDataEnabled(1));
+}
+
+TEST_F(BoardWithAModem, ProgramThatOnlyReadsRemembersNothing) {
+    environment.Unset("KESTAL_SOURCES");
+    constexpr const char* kWritten = R"({"dataOff": true, "severalSlots": false})";
+    WriteFile(Memory(), kWritten);
+    Connected();
+    StartModemManager();
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    TellReady();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
+    TellConnected();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    End();
+    EXPECT_EQ(ReadFile(Memory()), kWritten);
 }
 
 /// A process that asks for the data call at once, and ends then.
