@@ -174,6 +174,10 @@ void BusObjects::Told(const Question& question) {
 }
 
 void BusObjects::NotTold(const Question& question, const BusError& error) {
+    if (!IsEssential(question) && !IsWatched(question.path)) {
+        // Nobody wants to know any more.
+        return;
+    }
     untold.insert(question);
     // An object may have gone meanwhile, or come later.
     if (error.IsAbsence()) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -273,6 +274,23 @@ TEST_F(Daemon, OneObjectThatIsRefusedIsMissingUntilItIsTold) {
     Await([this] { return objects->Tree().at("/clock").contains(kInterface); });
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("/clock: GetAll of org.example.Thing: "
                                              "org.example.Error.Busy: later")));
+}
+
+TEST_F(Daemon, ObjectThatIsForgottenBeforeItIsRefusedIsNotAskedForAgain) {
+    BeginAs(Presence::present);
+    const std::string asked = std::string("/clock ") + kGetAll;
+    daemons->methods[asked] = Fails("org.example.Error.Busy", "later");
+    objects->Watch("/clock", {kInterface});
+    objects->Forget("/clock");
+    Await([this, before = changes] { return changes > before; });
+    objects->Check();
+    // The answer to what is asked for next comes after that to the check.
+    constexpr const char* kPing = "/ org.freedesktop.DBus.Peer.Ping";
+    Await([&] { return std::count(daemons->calls.begin(), daemons->calls.end(), kPing) == 1; });
+    objects->Watch("/bell", {kInterface});
+    Await([this, before = changes] { return changes > before; });
+    EXPECT_EQ(std::count(daemons->calls.begin(), daemons->calls.end(), asked), 1);
+    EXPECT_THAT(Log(), IsEmpty());
 }
 
 }  // namespace
