@@ -74,7 +74,8 @@ void ModemMemory::Change(const std::function<void(Known&)>& change) {
         return;
     }
     try {
-        UpdateFile(path, MissingFile::createdForAll, [&change](const std::string& contents) {
+        // The loop must wait for nobody who has locked the folder.
+        UpdateFileAtOnce(path, MissingFile::createdForAll, [&change](const std::string& contents) {
             Known stored = Parse(contents);
             change(stored);
             return json({{kDataOff, stored.isDataOff}, {kSeveralSlots, stored.hasSeveralSlots}})

@@ -4,6 +4,7 @@
 
 #include "bindings/linux/bus/tree.h"
 #include "bindings/linux/modem/modem_manager.h"
+#include "bindings/linux/modem/tables/modem_numbers.h"
 #include "bindings/linux/modem/tree_lists.h"
 
 namespace binding {
@@ -122,8 +123,11 @@ void ModemSource::RefreshModem() {
     }
     connection.Update(&*modem);
     modem->dataConnectionStatus = connection.Status();
-    if (GetBoard().IsService()) {
-        memory.SetSeveralSlots(modem->slots.size() > 1);
+    const bool hasSeveralSlots = modem->slots.size() > 1;
+    // A modem that has failed, or does not work yet, may not tell all its slots.
+    const bool isWorking = modem->state.value_or(kModemStateUnknown) >= kModemLocked;
+    if (GetBoard().IsService() && (hasSeveralSlots || isWorking)) {
+        memory.SetSeveralSlots(hasSeveralSlots);
     }
     traffic.Update(*modem, connection.Manager().Interface());
     UpdateMessages(messaging, sms);

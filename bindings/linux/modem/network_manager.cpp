@@ -69,6 +69,7 @@ void NetworkManager::OnChange() {
     if (objects.GetPresence() != BusObjects::Presence::present) {
         profiles.clear();
         questions.clear();
+        untold.clear();
         begun.clear();
     } else {
         ReadProfiles(Texts(Member(Member(objects.Tree(), kSettingsPath), kSettingsInterface),
@@ -84,21 +85,55 @@ void NetworkManager::ReadProfiles(const std::vector<std::string>& paths) {
     };
     std::erase_if(profiles, isGone);
     std::erase_if(questions, isGone);
+    std::erase_if(untold, [&profile = profiles](const std::string& path) {
+        return profile.count(path) == 0;
+    });
     for (const std::string& path : paths) {
-        if (profiles.count(path) != 0 || questions.count(path) != 0) {
-            continue;
+        if (profiles.count(path) == 0 && questions.count(path) == 0) {
+            ReadProfile(path);
         }
-        questions[path] = bus.Call(
-            kService, path, kProfileInterface, "GetSettings", nullptr,
-            [this, path](const json& arguments, const BusError& /*error*/) {
-                const auto kept = questions.extract(path);
-                const json settings =
-                    arguments.is_array() && !arguments.empty() ? arguments.front() : json();
-                const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
-                profiles[path] = isGsm ? settings : json();
-                changed();
-            },
-            kLimit);
+    }
+}
+
+void NetworkManager::ReadProfile(const std::string& path) {
+    questions[path] = bus.Call(
+        kService, path, kProfileInterface, "GetSettings", nullptr,
+        [this, path](const json& arguments, const BusError& error) {
+            const auto kept = questions.extract(path);
+            OnProfile(path, arguments, error);
+            changed();
+        },
+        kLimit);
+}
+
+void NetworkManager::OnProfile(const std::string& path, const json& arguments,
+                               const BusError& error) {
+    constexpr const char* kSubject = "settings of NetworkManager's profiles";
+    if (error) {
+        profiles[path] = json();
+        untold.insert(path);
+        // A profile may have gone meanwhile.
+        if (!error.IsAbsence()) {
+            bus.GetComplaints().Raise(kSubject, path,
+                                      "NetworkManager: " + path + ": GetSettings: " + error.Text());
+        }
+        return;
+    }
+    const json settings = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
+    const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
+    profiles[path] = isGsm ? settings : json();
+    untold.erase(path);
+    if (untold.empty()) {
+        bus.GetComplaints().Settle(kSubject, path, json::object());
+    }
+}
+
+void NetworkManager::Check() {
+    objects.Check();
+    for (const std::string& path : untold) {
+        if (questions.count(path) == 0) {
+            ReadProfile(path);
+        }
     }
 }
 

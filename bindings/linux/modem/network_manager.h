@@ -5,6 +5,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,11 +49,13 @@ class NetworkManager {
     [[nodiscard]] Bus::PendingCall Activate(OnDone onDone);
     [[nodiscard]] Bus::PendingCall Deactivate(OnDone onDone);
 
-    void Check() { objects.Check(); }
+    void Check();
 
   private:
     void OnChange();
     void ReadProfiles(const std::vector<std::string>& paths);
+    void ReadProfile(const std::string& path);
+    void OnProfile(const std::string& path, const nlohmann::json& arguments, const BusError& error);
     void FollowActive();
     std::string ProfilePath() const;
     /// Paths of all active connections, and of that of the profile, which is empty without one.
@@ -65,6 +68,8 @@ class NetworkManager {
     /// Settings of the profiles of type gsm, by path. Others are null.
     std::map<std::string, nlohmann::json> profiles;
     std::map<std::string, Bus::PendingCall> questions;
+    /// Profiles of which NetworkManager has not told the settings.
+    std::set<std::string> untold;
     FollowedObjects followed;
     /// The connection that NetworkManager has begun and not told the properties of yet.
     std::string begun;

@@ -6,6 +6,7 @@
 
 #include "bindings/linux/board.h"
 #include "bindings/linux/bus/tree.h"
+#include "bindings/linux/log.h"
 #include "bindings/linux/text.h"
 
 namespace binding {
@@ -57,7 +58,14 @@ void SharingSource::Evaluate() {
         subscribed = true;
         subscription = GetBoard().SystemBus().Call(
             kManager, kManagerPath, "org.freedesktop.systemd1.Manager", "Subscribe", nullptr,
-            [](const nlohmann::json& /*arguments*/, const BusError& /*error*/) {}, 0);
+            [](const nlohmann::json& /*arguments*/, const BusError& error) {
+                // The sources before a change of the settings have had the same connection.
+                if (error && error.name != "org.freedesktop.systemd1.AlreadySubscribed") {
+                    LINUX_LOG(TORU_DBG_ERROR, "the service manager: Subscribe: %s",
+                              error.Text().c_str());
+                }
+            },
+            0);
     }
     if (presence == Presence::silent) {
         Lost("the service manager " + manager->Problem());

@@ -5,6 +5,7 @@
 
 #include "bindings/linux/board.h"
 #include "bindings/linux/bus/tree.h"
+#include "bindings/linux/log.h"
 #include "bindings/linux/update/rauc.h"
 
 namespace binding {
@@ -68,8 +69,10 @@ void RaucSource::AskForVersion() {
     }
     slots = GetBoard().SystemBus().Call(
         rauc->Service(), "/", kInstaller, "GetSlotStatus", nullptr,
-        [this](const nlohmann::json& arguments, const BusError& /*error*/) {
-            if (arguments.is_array() && !arguments.empty()) {
+        [this](const nlohmann::json& arguments, const BusError& error) {
+            if (error) {
+                LINUX_LOG(TORU_DBG_ERROR, "RAUC: GetSlotStatus: %s", error.Text().c_str());
+            } else if (arguments.is_array() && !arguments.empty()) {
                 state.version = LastInstalledVersion(arguments[0]);
                 Changed();
             }

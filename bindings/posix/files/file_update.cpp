@@ -92,8 +92,15 @@ class Replacement {
         }
     }
 
+    /// Writes the new contents to disk, so that they are there when the name is.
+    void Synchronise() const {
+        if (fsync(file.Number()) != 0) {
+            ThrowSystemError(target);
+        }
+    }
+
     void ReplaceTarget() {
-        if (fsync(file.Number()) != 0 || rename(name.c_str(), target.c_str()) != 0) {
+        if (rename(name.c_str(), target.c_str()) != 0) {
             ThrowSystemError(target);
         }
         used = true;
@@ -106,24 +113,25 @@ class Replacement {
     bool used = false;
 };
 
-}  // namespace
+/// The file at @p path. Where the path is a symbolic link, the file that it points to is replaced,
+/// not the link.
+std::filesystem::path TargetOf(const std::string& path) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(path));
+}
 
-void UpdateFile(const std::string& path, MissingFile missing,
-                const std::function<std::string(const std::string&)>& change) {
-    // Where the path is a symbolic link, the file that it points to is replaced, not the link.
-    const std::filesystem::path target =
-        std::filesystem::weakly_canonical(std::filesystem::absolute(path));
-    const LockedDirectory directory(target.parent_path());
+/// Returns whether the file has been replaced.
+bool Replace(const std::filesystem::path& target, MissingFile missing,
+             const std::function<std::string(const std::string&)>& change, bool synchronised) {
     struct stat original = {};
     const bool exists = stat(target.c_str(), &original) == 0;
     if (!exists && (errno != ENOENT || missing == MissingFile::fails)) {
-        ThrowSystemError(path);
+        ThrowSystemError(target);
     }
     FileStamp stamp;
     const std::string before = exists ? ReadFile(target, stamp) : std::string();
     const std::string after = change(before);
     if (exists && after == before) {
-        return;
+        return false;
     }
     Replacement replacement(target);
     replacement.Write(after);
@@ -132,8 +140,27 @@ void UpdateFile(const std::string& path, MissingFile missing,
     } else if (missing == MissingFile::createdForAll) {
         replacement.UseDefaultMode();
     }
+    if (synchronised) {
+        replacement.Synchronise();
+    }
     replacement.ReplaceTarget();
-    directory.Synchronise();
+    return true;
+}
+
+}  // namespace
+
+void UpdateFile(const std::string& path, MissingFile missing,
+                const std::function<std::string(const std::string&)>& change) {
+    const std::filesystem::path target = TargetOf(path);
+    const LockedDirectory directory(target.parent_path());
+    if (Replace(target, missing, change, true)) {
+        directory.Synchronise();
+    }
+}
+
+void UpdateFileAtOnce(const std::string& path, MissingFile missing,
+                      const std::function<std::string(const std::string&)>& change) {
+    (void)Replace(TargetOf(path), missing, change, false);
 }
 
 }  // namespace binding

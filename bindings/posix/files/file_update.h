@@ -23,4 +23,9 @@ enum class MissingFile {
 void UpdateFile(const std::string& path, MissingFile missing,
                 const std::function<std::string(const std::string&)>& change);
 
+/// The same without waiting for other processes or for the disk: of changes at the same time, one
+/// may be lost, and a power failure may undo a change or empty the file.
+void UpdateFileAtOnce(const std::string& path, MissingFile missing,
+                      const std::function<std::string(const std::string&)>& change);
+
 }  // namespace binding

@@ -4,6 +4,9 @@
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <future>
 #include <mutex>
@@ -12,6 +15,21 @@
 
 #include "bindings/linux/event.h"
 #include "bindings/posix/files/file_io.h"
+
+/// Waits for @p result and serves @p serve meanwhile. After a minute it ends the test program:
+/// nothing can be ended in order while a board's thread hangs.
+template <typename Result, typename Serve>
+Result AwaitOrAbort(std::future<Result> result, Serve serve) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+        if (std::chrono::steady_clock::now() > end) {
+            std::fputs("the board's thread hangs\n", stderr);
+            std::abort();
+        }
+        serve();
+    }
+    return result.get();
+}
 
 /// It must outlive the board.
 class BoardTasks {
@@ -33,7 +51,7 @@ class BoardTasks {
             });
         }
         (void)eventfd_write(descriptor.Number(), 1);
-        done.get_future().wait();
+        AwaitOrAbort(done.get_future(), [] {});
     }
 
   private:

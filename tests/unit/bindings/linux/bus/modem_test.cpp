@@ -1,7 +1,10 @@
 // The modem of a board whose ModemManager is the test.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 
@@ -21,6 +24,8 @@ constexpr const char* kSim = "/org/freedesktop/ModemManager1/SIM/0";
 constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
 constexpr const char* kBearer = "/org/freedesktop/ModemManager1/Bearer/0";
 constexpr const char* kBearerInterface = "org.freedesktop.ModemManager1.Bearer";
+constexpr int kFailedState = -1;
+constexpr int kDisabledState = 3;
 constexpr int kRegisteredState = 8;
 constexpr int kConnectedState = 11;
 constexpr const char* kSimple = "org.freedesktop.ModemManager1.Modem.Simple";
@@ -96,15 +101,6 @@ class BoardWithAModem : public ServiceTest {
 
     void End() {
         Await(std::async(std::launch::async, [this] { board.reset(); }));
-    }
-
-    /// Serves the daemons until @p result is there.
-    template <typename Result>
-    Result Await(std::future<Result> result) {
-        while (result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-            Serve();
-        }
-        return result.get();
     }
 
     bool WaitForStatus(sys_data_connection_status_e status) {
@@ -216,6 +212,56 @@ TEST_F(BoardWithAModem, ProgramThatOnlyReadsRemembersNothing) {
     EXPECT_EQ(ReadFile(Memory()), kWritten);
 }
 
+TEST_F(BoardWithAModem, DataIsSwitchedOffAlsoWhileSomebodyLocksTheFolder) {
+    Connected();
+    StartModemManager();
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    const binding::FileDescriptor folder(
+        open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_EQ(flock(folder.Number(), LOCK_EX), 0);
+    ASSERT_EQ(board->StopDataCall(), SYS_SUCCESS);
+    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), Method("Disconnect")) == 1;
+    }));
+    EXPECT_THAT(ReadFile(Memory()), HasSubstr("\"dataOff\":true"));
+}
+
+/// NetworkManager has a profile for the modem.
+class BoardWithAProfile : public BoardWithAModem {
+  protected:
+    static constexpr const char* kManager = "org.freedesktop.NetworkManager";
+    static constexpr const char* kGetSettings =
+        "/profile org.freedesktop.NetworkManager.Settings.Connection.GetSettings";
+
+    BoardWithAProfile() {
+        bus.owners[kManager] = ":1.8";
+        const std::string path = "/org/freedesktop/NetworkManager";
+        bus.properties[path + " " + kManager] = {Property("ActiveConnections", "ao", 0)};
+        bus.properties[path + "/Settings " + kManager + ".Settings"] = {
+            Property("Connections", "ao", 1, "/profile")};
+        StartModemManager();
+    }
+};
+
+TEST_F(BoardWithAProfile, AsksAgainForAProfileThatItWasNotTold) {
+    bus.methods[kGetSettings] = Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), kGetSettings) >= 3;
+    }));
+    EXPECT_THAT(
+        Log(),
+        Contains(HasSubstr("GetSettings: org.freedesktop.DBus.Error.AccessDenied")).Times(1));
+    EXPECT_EQ(Said("modem").at("networkManager"), false);
+    bus.methods[kGetSettings] = [](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "a{sa{sv}}", 1, "connection", 1, "type", "s",
+                                          "gsm");
+    };
+    EXPECT_TRUE(WaitFor(
+        [this](const Device& /*now*/) { return Said("modem").at("networkManager") == true; }));
+}
+
 /// A process that asks for the data call at once, and ends then.
 class ShortProcess : public BoardWithAModem {
   protected:
@@ -253,6 +299,18 @@ TEST_F(BoardWithAModem, SeveralSlotsAreRememberedWhileThereIsNoModemYet) {
     Begin();
     EXPECT_EQ(board->Newest()->getSIMStatus.value, SYS_SIM_NOT_FOUND);
     EXPECT_EQ(board->Newest()->getMultiSimEnabled.value, 1);
+}
+
+TEST_F(BoardWithAModem, SeveralSlotsStayRememberedWhileTheModemHasFailed) {
+    constexpr const char* kWritten = R"({"dataOff": false, "severalSlots": true})";
+    WriteFile(Memory(), kWritten);
+    modem = {Property("State", "i", kFailedState), Property("SimSlots", "ao", 1, kSim)};
+    StartModemManager();
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return Said("modem").value("state", nlohmann::json()) == kFailedState;
+    }));
+    EXPECT_EQ(ReadFile(Memory()), kWritten);
 }
 
 TEST_F(BoardWithAModem, WhatCannotBeReadIsNotRemembered) {

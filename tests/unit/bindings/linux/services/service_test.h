@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "bindings/linux/board.h"
@@ -42,10 +43,13 @@ class ServiceTest : public SimulatedDevice {
             return binding::MakeSources(owner);
         });
         // The first snapshot waits for what the daemons answer.
-        const auto first = std::async(std::launch::async, [this] { return board->Newest(); });
-        while (first.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-            Serve();
-        }
+        (void)Await(std::async(std::launch::async, [this] { return board->Newest(); }));
+    }
+
+    /// Serves the daemons until @p result is there.
+    template <typename Result>
+    Result Await(std::future<Result> result) {
+        return AwaitOrAbort(std::move(result), [this] { Serve(); });
     }
 
     void Serve() {
