@@ -27,6 +27,8 @@ namespace {
 constexpr std::uint64_t kSecond = 1'000'000;
 constexpr std::chrono::seconds kRestartAfter{1};
 constexpr std::chrono::seconds kFinishLimit{1};
+/// Nobody waits for the end of another program, as the service manager does for the service's.
+constexpr std::chrono::seconds kToolFinishLimit{30};
 
 /// All signals are for the threads of the product, but for those that a thread raises by its own
 /// fault.
@@ -145,9 +147,13 @@ void Board::RunOnce() {
         }
         Loop();
     } catch (const std::exception& error) {
-        LINUX_LOG(TORU_DBG_ERROR, "the board's thread has failed and starts anew: %s",
-                  error.what());
-        GiveUp();
+        if (ending) {
+            LINUX_LOG(TORU_DBG_ERROR, "the board's thread has failed at its end: %s", error.what());
+        } else {
+            LINUX_LOG(TORU_DBG_ERROR, "the board's thread has failed and starts anew: %s",
+                      error.what());
+            GiveUp();
+        }
     }
     reportServer.reset();
     check.Reset();
@@ -161,7 +167,16 @@ void Board::RunOnce() {
     wakeUp.Reset();
 }
 
-void Board::GiveUp() {
+void Board::GiveUp() noexcept {
+    try {
+        PublishFailure();
+    } catch (const std::exception& error) {
+        // What the thread has failed for may be missing here, too, such as memory.
+        LINUX_LOG(TORU_DBG_ERROR, "the last answers stand until then: %s", error.what());
+    }
+}
+
+void Board::PublishFailure() {
     Device device = AbsentDevice();
     for (const auto& source : sources) {
         source->Recall(device);
@@ -206,10 +221,18 @@ void Board::Turn(std::uint64_t limit) {
 }
 
 void Board::FinishRequest() {
-    constexpr std::uint64_t kStep = kSecond / 10;
-    const auto end = std::chrono::steady_clock::now() + kFinishLimit;
+    // The sources of new settings may need a moment to know what makes the request.
+    TurnWhile(kFinishLimit, [this] { return renewal.IsArmed() && snapshots.HasRequest(); });
+    renewal.Reset();
     MakeRequest();
-    while (dataCall != nullptr && dataCall->IsSending() && std::chrono::steady_clock::now() < end) {
+    TurnWhile(isService ? kFinishLimit : kToolFinishLimit,
+              [this] { return dataCall != nullptr && dataCall->IsSending(); });
+}
+
+void Board::TurnWhile(std::chrono::seconds limit, const std::function<bool()>& condition) {
+    constexpr std::uint64_t kStep = kSecond / 10;
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (condition() && std::chrono::steady_clock::now() < end) {
         Turn(kStep);
     }
 }

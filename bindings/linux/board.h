@@ -48,8 +48,9 @@ class Board {
     /// Starts the thread.
     explicit Board(SourceFactory newFactory,
                    std::chrono::microseconds newRenewalLimit = kRenewalLimit);
-    /// A request that has been accepted is made before, and its answer awaited for a second at
-    /// most: a daemon may refuse what has been asked by somebody who is gone.
+    /// A request that has been accepted is made before, and its answer awaited, by the service for
+    /// a second at most, by others for half a minute: a daemon may refuse what has been asked by
+    /// somebody who is gone, and a modem that must be enabled first is connected only then.
     ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
@@ -94,10 +95,12 @@ class Board {
 
     void Run();
     void RunOnce();
-    void GiveUp();
+    void GiveUp() noexcept;
+    void PublishFailure();
     void Loop();
     void Turn(std::uint64_t limit);
     void FinishRequest();
+    void TurnWhile(std::chrono::seconds limit, const std::function<bool()>& condition);
     void ReadDocument();
     void ServeReports();
     void MakeSources();

@@ -58,6 +58,11 @@ int Snapshots::Ask(DataRequest request) {
     return outlook.readiness;
 }
 
+bool Snapshots::HasRequest() {
+    const std::scoped_lock lock(mutex);
+    return waiting.has_value();
+}
+
 std::optional<DataRequest> Snapshots::TakeRequest() {
     const std::scoped_lock lock(mutex);
     // Until the next snapshot, a further request finds this one under way.

@@ -49,6 +49,8 @@ class Snapshots {
 
     // For the board's thread.
 
+    /// Whether a request has been accepted that has not been taken yet.
+    bool HasRequest();
     std::optional<DataRequest> TakeRequest();
 
     struct Publication {

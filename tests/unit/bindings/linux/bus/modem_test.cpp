@@ -265,6 +265,8 @@ TEST_F(BoardWithAProfile, AsksAgainForAProfileThatItWasNotTold) {
 /// A process that asks for the data call at once, and ends then.
 class ShortProcess : public BoardWithAModem {
   protected:
+    ShortProcess() { environment.Unset("KESTAL_SOURCES"); }
+
     int Connect() {
         StartModemManager();
         Document(nlohmann::json{{"linux", settings}}.dump());
@@ -280,7 +282,31 @@ TEST_F(ShortProcess, EndsWhenItsRequestHasBeenAnswered) {
     EXPECT_THAT(bus.calls, Contains(Method("Connect")));
 }
 
-TEST_F(ShortProcess, EndsAlsoWhenItsRequestIsNotAnswered) {
+TEST_F(ShortProcess, WaitsForAModemThatMustBeEnabledFirst) {
+    modem.front() = Property("State", "i", kDisabledState);
+    // Longer than the service would wait at its end.
+    constexpr std::chrono::milliseconds kEnabling{1200};
+    sd_bus_message* enable = nullptr;
+    std::chrono::steady_clock::time_point enabled;
+    bus.methods[std::string(kModem) + " " + kModemInterface + ".Enable"] =
+        [&](sd_bus_message* call) {
+            enable = sd_bus_message_ref(call);
+            enabled = std::chrono::steady_clock::now() + kEnabling;
+            return 0;
+        };
+    daemons.emplace_back([&] {
+        if (enable != nullptr && std::chrono::steady_clock::now() > enabled) {
+            sd_bus_reply_method_return(enable, "");
+            enable = sd_bus_message_unref(enable);
+        }
+    });
+    EXPECT_EQ(Connect(), SYS_SUCCESS);
+    EXPECT_THAT(bus.calls, Contains(Method("Connect")));
+    sd_bus_message_unref(enable);
+}
+
+TEST_F(ShortProcess, ThatIsTheServiceEndsAlsoWhenItsRequestIsNotAnswered) {
+    environment.Set("KESTAL_SOURCES", directory / "sources");
     bus.methods[Method("Connect")] = StaysSilent;
     EXPECT_EQ(Connect(), SYS_SUCCESS);
     EXPECT_THAT(bus.calls, Contains(Method("Connect")));

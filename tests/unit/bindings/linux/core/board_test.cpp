@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <thread>
@@ -47,6 +48,9 @@ class TestSource : public Source {
     }
     void Fill(Device& device) const override { binding::Tell(device.getGPSStatus, status); }
     void Fail(Device& device, int code) const override {
+        if (std::exchange(failsToFail, false)) {
+            throw std::bad_alloc();
+        }
         binding::FailAll(code, device.getGPSStatus);
     }
     nlohmann::json Said() const override { return status; }
@@ -72,6 +76,8 @@ class TestSource : public Source {
     inline static State startsAs = State::present;
     /// Why it cannot be started, once.
     inline static std::string problem;
+    /// Whether Fail throws, once.
+    inline static bool failsToFail = false;
     int status = SYS_GPS_SEARCHING;
 };
 
@@ -118,6 +124,13 @@ class BoardOfOneSource : public SimulatedDevice {
     void Put(Source::State state, int error) {
         OnBoard([&] { source->Set(state); });
         Await([error](const Device& now) { return now.getGPSStatus.error == error; });
+    }
+
+    void BreakLoop() {
+        OnBoard([this] {
+            const binding::FileDescriptor other(open("/dev/null", O_RDONLY | O_CLOEXEC));
+            ASSERT_GE(dup3(other.Number(), sd_event_get_fd(board->Event()), O_CLOEXEC), 0);
+        });
     }
 
     binding::Answer<int> GpsStatus() { return board->Newest()->getGPSStatus; }
@@ -368,6 +381,21 @@ TEST_F(DataRequests, ARequestWaitsForTheSourcesOfNewSettings) {
     AwaitRequests(1);
 }
 
+TEST_F(DataRequests, ARequestThatWaitsForTheSourcesOfNewSettingsIsMadeBeforeTheEnd) {
+    Renew();
+    EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
+    constexpr std::uint64_t kTenthOfASecond = 100'000;
+    binding::EventSource known;
+    OnBoard([&] {
+        known.After(board->Event(), kTenthOfASecond, 0, [this, &owner = *board] {
+            owner.SetDataCall(&call);
+            source->Set(Source::State::present);
+        });
+    });
+    board.reset();
+    EXPECT_THAT(call.requests, ElementsAre(Request::connect));
+}
+
 TEST_F(BoardOfOneSource, RequestsFailWithoutAnythingToConnect) {
     Begin();
     EXPECT_EQ(board->StartDataCall(), binding::kNothingToConnect);
@@ -441,10 +469,7 @@ TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFailUntilItHasStar
     Document("{\"sys\": {\"getSMSUnreadCount\": 2}}");
     Begin();
     AwaitStatus(SYS_GPS_SEARCHING);
-    OnBoard([this] {
-        const binding::FileDescriptor other(open("/dev/null", O_RDONLY | O_CLOEXEC));
-        ASSERT_GE(dup3(other.Number(), sd_event_get_fd(board->Event()), O_CLOEXEC), 0);
-    });
+    BreakLoop();
     Await([](const Device& now) { return now.getGPSStatus.error == binding::kSourceLost; });
     EXPECT_EQ(board->Newest()->getSMSUnreadCount.value, 2);
     EXPECT_EQ(board->StartDataCall(), binding::kNothingToConnect);
@@ -453,6 +478,19 @@ TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFailUntilItHasStar
     OnBoard([this] { source->Say(SYS_GPS_GOT_FIX); });
     AwaitStatus(SYS_GPS_GOT_FIX);
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: ")));
+}
+
+TEST_F(BoardOfOneSource, ShortageWhileItsLoopBreaksLeavesTheLastAnswersUntilItHasStartedAnew) {
+    Begin();
+    AwaitStatus(SYS_GPS_SEARCHING);
+    OnBoard([] { TestSource::failsToFail = true; });
+    BreakLoop();
+    while (madeCount < 2) {
+        EXPECT_EQ(GpsStatus().error, 0);
+        std::this_thread::yield();
+    }
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: "),
+                                   HasSubstr("the last answers stand until then: ")));
 }
 
 class Reports : public BoardOfOneSource {
