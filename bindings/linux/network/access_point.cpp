@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "bindings/linux/kernel/unix_socket.h"
+#include "bindings/linux/log.h"
 
 namespace binding {
 
@@ -132,7 +133,7 @@ void AccessPoint::TakeReply(std::string_view reply) {
         return;
     }
     if (command == kStatus) {
-        status = ParseStatus(reply, place.interface).value_or(AccessPointStatus());
+        TakeStatus(reply);
     } else if (command == kFirstStation || command.starts_with(kNextStation)) {
         TakeStation(reply);
     }
@@ -145,6 +146,16 @@ void AccessPoint::TakeReply(std::string_view reply) {
         reason.clear();
         changed();
     }
+}
+
+void AccessPoint::TakeStatus(std::string_view reply) {
+    const auto told = ParseStatus(reply, place.interface);
+    if (!told && !complained) {
+        LINUX_LOG(TORU_DBG_ERROR, "%s: hostapd's answer to STATUS tells no state",
+                  place.interface.c_str());
+    }
+    complained = !told;
+    status = told.value_or(AccessPointStatus());
 }
 
 void AccessPoint::TakeStation(std::string_view reply) {

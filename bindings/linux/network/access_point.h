@@ -56,6 +56,7 @@ class AccessPoint {
     void SendNext();
     void Receive();
     void TakeReply(std::string_view reply);
+    void TakeStatus(std::string_view reply);
     void TakeStation(std::string_view reply);
     void TakeEvent(const AccessPointEvent& happened);
     void Lose(Presence newPresence, const std::string& why);
@@ -68,6 +69,8 @@ class AccessPoint {
     Presence presence = Presence::unknown;
     std::string reason;
     AccessPointStatus status;
+    /// Whether the last status could not be read, which has been logged.
+    bool complained = false;
     std::map<MacAddress, Station> stations;
     /// How often the list of stations was begun again because a station left meanwhile.
     unsigned int restarts = 0;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 
+#include "bindings/linux/text.h"
 #include "platform/sysint.h"
 
 namespace binding {
@@ -40,6 +41,8 @@ bool GpsReceivers::Read(std::string_view line) {
     const bool isOurs = line.find("\"TPV\"") != std::string_view::npos ||
                         line.find("\"DEVICE") != std::string_view::npos;
     if (!isOurs) {
+        const std::string_view text = Trimmed(line);
+        flaws.line = !text.starts_with('{') || !text.ends_with('}');
         return false;
     }
     const int before = Status();
@@ -58,16 +61,13 @@ int GpsReceivers::Status() const {
 
 void GpsReceivers::ReadReport(std::string_view line) {
     const auto report = nlohmann::json::parse(line, nullptr, false);
-    if (!report.is_object()) {
+    flaws.line = !report.is_object();
+    if (flaws.line) {
         return;
     }
     const std::string kind = TextOf(report, "class");
     if (kind == "TPV") {
-        const auto mode = report.find("mode");
-        int* known = ModeOf(modes, TextOf(report, "device"));
-        if (known != nullptr && mode != report.end() && mode->is_number_integer()) {
-            *known = static_cast<int>(std::clamp<std::int64_t>(mode->get<std::int64_t>(), 0, 3));
-        }
+        ReadPosition(report);
     } else if (kind == "DEVICE") {
         if (IsActive(report)) {
             (void)ModeOf(modes, TextOf(report, "path"));
@@ -86,6 +86,15 @@ void GpsReceivers::ReadReport(std::string_view line) {
             }
         }
         modes = std::move(listed);
+    }
+}
+
+void GpsReceivers::ReadPosition(const nlohmann::json& report) {
+    const auto mode = report.find("mode");
+    flaws.mode = mode == report.end() || !mode->is_number_integer();
+    int* known = ModeOf(modes, TextOf(report, "device"));
+    if (known != nullptr && !flaws.mode) {
+        *known = static_cast<int>(std::clamp<std::int64_t>(mode->get<std::int64_t>(), 0, 3));
     }
 }
 

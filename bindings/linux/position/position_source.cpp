@@ -124,6 +124,7 @@ void PositionSource::Receive() {
     while (rest.find('\n') != std::string_view::npos) {
         const std::size_t end = rest.find('\n');
         isChanged = receivers.Read(rest.substr(0, end)) || isChanged;
+        NoteFlaws();
         rest.remove_prefix(end + 1);
         retryAfter = 0;
         isHeard = true;
@@ -157,13 +158,24 @@ void PositionSource::ExpectAnswer() {
                 [this] { Disconnect("gpsd does not answer"); });
 }
 
+void PositionSource::NoteFlaws() {
+    const GpsFlaws& flaws = receivers.Flaws();
+    if (flaws.line && !complained.line) {
+        LINUX_LOG(TORU_DBG_ERROR, "position: gpsd sends a line that is no JSON object");
+    }
+    if (flaws.mode && !complained.mode) {
+        LINUX_LOG(TORU_DBG_ERROR, "position: the mode that gpsd tells is no number");
+    }
+    complained = flaws;
+}
+
 void PositionSource::Disconnect(const std::string& why) {
     traffic.Reset();
     limit.Reset();
     socket.reset();
     connected = false;
     line.clear();
-    receivers = {};
+    receivers.Restart();
     if (GetState() == State::present || GetState() == State::lost) {
         Lost(why);
         // A daemon that is started again is back soon. One that stays away is looked for at each

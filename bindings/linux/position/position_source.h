@@ -28,6 +28,7 @@ class PositionSource : public Source {
     void Receive();
     void Send(const char* request);
     void ExpectAnswer();
+    void NoteFlaws();
     void Disconnect(const std::string& why);
 
     std::optional<FileDescriptor> socket;
@@ -35,6 +36,8 @@ class PositionSource : public Source {
     /// The line that has begun.
     std::string line;
     GpsReceivers receivers;
+    /// What has been logged and is still wrong.
+    GpsFlaws complained;
     EventSource traffic;
     EventSource limit;
     EventSource retry;

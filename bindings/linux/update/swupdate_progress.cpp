@@ -49,6 +49,8 @@ enum Status : std::uint32_t {
     kSuccess = 3,
     kFailure = 4,
     kDownload = 5,
+    kDone = 6,
+    kSubprocess = 7,
     kProgress = 8,
 };
 
@@ -93,13 +95,25 @@ bool SwupdateProgress::Read(std::span<const std::byte> bytes) {
             begun.erase(begun.begin(), begun.begin() + sizeof(Greeting));
         }
     }
+    if (greeted && begun.size() >= sizeof(Message)) {
+        TakeMessages();
+    }
+    return state != before;
+}
+
+void SwupdateProgress::TakeMessages() {
+    problem.clear();
     std::size_t used = 0;
-    while (greeted && begun.size() - used >= sizeof(Message)) {
-        Take(std::span(begun).subspan(used, sizeof(Message)));
+    while (begun.size() - used >= sizeof(Message)) {
+        const bool isKnown = Take(std::span(begun).subspan(used, sizeof(Message)));
         used += sizeof(Message);
+        if (!isKnown && (begun.size() - used) % sizeof(Message) != 0) {
+            // Messages begin elsewhere, for instance after another greeting. SWUpdate sends each at
+            // once, so the next bytes are the begin of one.
+            used = begun.size();
+        }
     }
     begun.erase(begun.begin(), begun.begin() + static_cast<std::ptrdiff_t>(used));
-    return state != before;
 }
 
 void SwupdateProgress::Restart() {
@@ -107,14 +121,13 @@ void SwupdateProgress::Restart() {
     greeted = false;
 }
 
-void SwupdateProgress::Take(std::span<const std::byte> bytes) {
+bool SwupdateProgress::Take(std::span<const std::byte> bytes) {
     Message message{};
     std::memcpy(&message, bytes.data(), sizeof(message));
     UpdateState next;
     const std::string info = FixedText(message.info);
     const std::optional<std::string> version = VersionIn(info);
     next.version = version.value_or("");
-    // What "done" and "subprocess" say is of no concern here.
     switch (message.status) {
         case kDownload:
             next.status = UpdateStatus::downloading;
@@ -141,12 +154,19 @@ void SwupdateProgress::Take(std::span<const std::byte> bytes) {
                 break;
             }
             // It follows a result, which stays.
-            return;
+            return true;
+        case kDone:
+        case kSubprocess:
+            // What they say is of no concern here.
+            return true;
         default:
-            return;
+            problem = "what SWUpdate sends is no message or has an unknown state, " +
+                      std::to_string(message.status);
+            return false;
     }
     next.userInitiated = message.source == kWebServer || message.source == kLocal;
     state = std::move(next);
+    return true;
 }
 
 }  // namespace binding

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "bindings/linux/update/update_state.h"
@@ -19,13 +20,19 @@ class SwupdateProgress {
     /// ends after an update, too.
     void Restart();
 
+    /// What was wrong with the messages read last; empty when nothing was.
+    const std::string& Problem() const { return problem; }
+
     const UpdateState& State() const { return state; }
 
   private:
-    void Take(std::span<const std::byte> message);
+    void TakeMessages();
+    /// Returns whether the message is one that is known.
+    bool Take(std::span<const std::byte> message);
 
     std::vector<std::byte> begun;
     bool greeted = false;
+    std::string problem;
     UpdateState state;
 };
 

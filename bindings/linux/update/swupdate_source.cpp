@@ -77,7 +77,14 @@ void SwupdateSource::Receive() {
     std::array<std::byte, 4096> buffer{};
     const ssize_t size = recv(socket->Number(), buffer.data(), buffer.size(), 0);
     if (size > 0) {
-        if (progress.Read(std::span(buffer).first(static_cast<std::size_t>(size)))) {
+        const bool isChanged =
+            progress.Read(std::span(buffer).first(static_cast<std::size_t>(size)));
+        const std::string& problem = progress.Problem();
+        if (!problem.empty() && !complained) {
+            LINUX_LOG(TORU_DBG_ERROR, "swupdate: %s", problem.c_str());
+        }
+        complained = !problem.empty();
+        if (isChanged) {
             Changed();
         }
     } else if (size == 0 || (errno != EAGAIN && errno != EINTR)) {

@@ -33,6 +33,8 @@ class SwupdateSource : public Source {
     std::optional<PathWatch> watch;
     std::optional<FileDescriptor> socket;
     SwupdateProgress progress;
+    /// Whether something is wrong with the messages that has been logged.
+    bool complained = false;
     EventSource incoming;
     EventSource connecting;
     /// Microseconds to the next attempt.

@@ -94,6 +94,10 @@ std::string FakeHostapd::ReplyTo(std::string_view command) {
         return "PONG\n";
     }
     if (command == "STATUS") {
+        ++statuses;
+        if (!nonsense.empty()) {
+            return nonsense;
+        }
         return "state=" + state + "\nfreq=2437\nbss[0]=wlan0\nssid[0]=Kestal\n";
     }
     if (command == "STA-FIRST") {

@@ -37,6 +37,9 @@ class FakeHostapd {
     int refusals = 0;
     /// Whether the list of stations goes on for ever.
     bool endless = false;
+    /// What it answers to STATUS, in place of a status.
+    std::string nonsense;
+    int statuses = 0;  ///< how often it was asked for its status
     /// What it answers to ATTACH.
     std::string attached = "OK\n";
 

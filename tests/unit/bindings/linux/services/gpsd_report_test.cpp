@@ -74,6 +74,21 @@ TEST_F(GpsReceiversTest, WhatIsNoReportTellsNothing) {
               SYS_GPS_GOT_FIX);
 }
 
+TEST_F(GpsReceiversTest, WhatIsWrongStaysSoUntilItIsRightAgain) {
+    receivers.Read(R"({"class":"TPV","device":"/dev/ttyACM0","mode":"3"})");
+    EXPECT_TRUE(receivers.Flaws().mode);
+    EXPECT_FALSE(receivers.Flaws().line);
+    receivers.Read(R"({"class":"SKY","satellites":[)");
+    EXPECT_TRUE(receivers.Flaws().line);
+    EXPECT_TRUE(receivers.Flaws().mode);
+    receivers.Read(R"({"class":"SKY"})");
+    EXPECT_FALSE(receivers.Flaws().line);
+    receivers.Read(R"({"class":"TPV","device":"/dev/ttyACM0","mode":2})");
+    EXPECT_FALSE(receivers.Flaws().mode);
+    receivers.Read(R"({"class":"TPV","device":"/dev/ttyACM0"})");
+    EXPECT_TRUE(receivers.Flaws().mode);
+}
+
 TEST_F(GpsReceiversTest, ReceiversAreKeptUpToALimit) {
     for (int receiver = 0; receiver < 1000; ++receiver) {
         After(R"({"class":"TPV","mode":1,"device":")" + std::to_string(receiver) + "\"}");

@@ -161,6 +161,23 @@ TEST_F(Services, HostapdThatRefusesToTellOfEventsIsLost) {
     EXPECT_TRUE(WaitFor(WifiIsLost));
 }
 
+TEST_F(Services, StatusOfHostapdThatCannotBeReadIsLoggedOnce) {
+    const auto hostapd = Hostapd();
+    hostapd->nonsense = "FAIL\n";
+    Begin();
+    EXPECT_EQ(board->Newest()->getWiFiEnabled.value, 0);
+    hostapd->Say("AP-DISABLED ");
+    ASSERT_TRUE(WaitFor([&](const Device&) { return hostapd->statuses == 2; }));
+    // It is read after the second answer.
+    hostapd->Say("AP-STA-CONNECTED 02:11:22:33:44:55");
+    ASSERT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 1; }));
+    hostapd->nonsense.clear();
+    hostapd->Say("AP-ENABLED ");
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_THAT(Log(),
+                ElementsAre("[LINUX]:[ERROR] - wlan0: hostapd's answer to STATUS tells no state"));
+}
+
 TEST_F(Services, LeaseNamesAClientAsSoonAsItIsWritten) {
     const auto hostapd = Hostapd();
     hostapd->stations = {0x021122334455};
@@ -277,6 +294,19 @@ TEST_F(Position, IsLostWithGpsdUntilItIsBack) {
     EXPECT_EQ(gpsd.connections, 2);
 }
 
+TEST_F(Position, WhatIsWrongWithReportsIsLoggedOnce) {
+    const std::string line = "[LINUX]:[ERROR] - position: gpsd sends a line that is no JSON object";
+    const std::string mode = "[LINUX]:[ERROR] - position: the mode that gpsd tells is no number";
+    gpsd.greeting +=
+        "nonsense\r\n{\"class\":\"TPV\"\r\n"
+        "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":\"3\"}\r\n"
+        "{\"class\":\"SKY\"}\r\n"
+        "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":null}\r\n";
+    Begin();
+    ASSERT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
+    EXPECT_THAT(Log(), ElementsAre(line, mode));
+}
+
 TEST_F(Position, IsLostWhenGpsdHangs) {
     Begin();
     ASSERT_TRUE(WaitFor([this](const Device&) { return gpsd.connections == 1; }));
@@ -320,6 +350,10 @@ TEST_F(Services, UpdateIsWhatSwupdateReports) {
     std::string message(2416, '\0');
     const std::uint32_t failure = 4;
     std::memcpy(message.data() + 4, &failure, sizeof(failure));
+    // Something else than the greeting, and after it a message that is not understood either.
+    swupdate->Say("12345678" + message);
+    ASSERT_TRUE(WaitFor([this](const Device&) { return Log().size() == 1; }));
+    EXPECT_THAT(Log()[0], HasSubstr("swupdate: what SWUpdate sends is no message or has an"));
     swupdate->Say(message);
     EXPECT_TRUE(
         WaitFor([](const Device& now) { return now.softwareUpdateStatus.value.status == 9; }));

@@ -115,12 +115,37 @@ TEST(SwupdateProgress, ANewConnectionBeginsWithAWholeMessage) {
     EXPECT_EQ(progress.State().status, UpdateStatus::installed);
 }
 
+TEST(SwupdateProgress, AnUnknownStateIsAProblemAndTheNextMessageIsRead) {
+    binding::SwupdateProgress progress;
+    EXPECT_FALSE(progress.Read(Message({.status = 77})));
+    EXPECT_EQ(progress.Problem(), "what SWUpdate sends is no message or has an unknown state, 77");
+    EXPECT_TRUE(progress.Read(Message({.status = 2})));
+    EXPECT_EQ(progress.Problem(), "");
+    for (const std::uint32_t unconcerned : {6U, 7U}) {
+        EXPECT_FALSE(progress.Read(Message({.status = unconcerned})));
+        EXPECT_EQ(progress.Problem(), "");
+    }
+}
+
+TEST(SwupdateProgress, AfterAnotherGreetingMessagesAreFoundAgain) {
+    for (const std::size_t size : {8U, 100U}) {
+        std::vector<std::byte> bytes(size, std::byte{'x'});
+        const auto message = Message({.status = 3});
+        bytes.insert(bytes.end(), message.begin(), message.end());
+        binding::SwupdateProgress progress;
+        progress.Read(bytes);
+        EXPECT_NE(progress.Problem(), "") << size;
+        EXPECT_TRUE(progress.Read(Message({.status = 2}))) << size;
+        EXPECT_EQ(progress.State().status, UpdateStatus::installing) << size;
+        EXPECT_EQ(progress.Problem(), "") << size;
+    }
+}
+
 TEST(SwupdateProgress, NumbersThatCannotBeAreCorrected) {
     binding::SwupdateProgress progress;
     progress.Read(
         Message({.status = 8, .steps = 0, .step = 0xffffffff, .stepPercent = 0xffffffff}));
     EXPECT_EQ(progress.State().percent, 100);
-    EXPECT_FALSE(progress.Read(Message({.status = 77})));
 }
 
 }  // namespace
