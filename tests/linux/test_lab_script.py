@@ -7,6 +7,7 @@ import subprocess
 
 import pytest
 
+from lab import scenarios
 from lab.service import SERVICE
 from support import paths, processes, web
 from support.namespaces import may_be_made
@@ -60,3 +61,20 @@ def test_it_starts_everything_obeys_and_leaves_nothing(running, work):
     assert process.wait(30) == 0
     assert processes.mentioning(str(work)) == []
     assert [name for name in os.listdir(work) if name != said.name] == []
+
+
+@pytest.mark.skipif(not may_be_made(), reason="networks need root")
+def test_all_scenarios_come_out_right(work):
+    """How long each takes is printed, and judged by no test."""
+    environment = {**paths.CLEAN_ENVIRONMENT, "TMPDIR": str(work), "KESTAL_BUILD": str(paths.BUILD),
+                   "KESTAL_SERVICE": str(SERVICE)}
+    run = subprocess.run([str(SCRIPT), "scenarios"], env=environment, capture_output=True, text=True, timeout=600)
+    print(run.stdout)
+    assert run.returncode == 0, run.stderr
+    assert re.findall(r"^\S.*  \((\w+)\)$", run.stdout, re.MULTILINE) == list(scenarios.SCENARIOS)
+    shown = re.sub(" +", " ", run.stdout)
+    assert " statusBarBatteryPercent '80' -> '9'\n" in shown
+    assert " notification + deviceJoinEthernet\n" in shown
+    assert " log modem: lost: ModemManager does not answer\n" in shown
+    told = len(re.findall(r"\d+ ms after the word of", shown))
+    assert re.search(rf"^{told} changes that daemons told: \d+ stood within 250 ms, median ", shown, re.MULTILINE)
