@@ -36,11 +36,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
 
     binding::ClientSightings seen;
     seen.leases = leases;
-    Require(binding::JoinClients(seen, {}, kNow).empty(), "a lease is no client");
+    Require(binding::JoinClients(seen, {}, kNow).clients.empty(), "a lease is no client");
     for (const binding::Lease& lease : leases) {
         seen.stations.push_back({.mac = lease.mac});
     }
-    const auto clients = binding::JoinClients(seen, {}, kNow);
+    const auto clients = binding::JoinClients(seen, {}, kNow).clients;
     for (std::size_t index = 1; index < clients.size(); ++index) {
         Require(clients[index - 1].mac < clients[index].mac, "a client is listed once");
     }

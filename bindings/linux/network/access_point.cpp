@@ -23,6 +23,8 @@ constexpr const char* kFirstStation = "STA-FIRST";
 constexpr const char* kNextStation = "STA-NEXT ";
 /// Of the list of stations.
 constexpr unsigned int kMostRestarts = 8;
+/// One more than clients are listed, so that it shows that there are more.
+constexpr std::size_t kMostStations = kMostClients + 1;
 
 }  // namespace
 
@@ -171,7 +173,7 @@ void AccessPoint::TakeStation(std::string_view reply) {
     const Station& station = told.front();
     const bool isNew = stations.insert_or_assign(station.mac, station).second;
     // hostapd tells each station once; if not, the list would have no end.
-    if (isNew && stations.size() < kMostClients) {
+    if (isNew && stations.size() < kMostStations) {
         commands.push_front(kNextStation + MacText(station.mac));
     }
 }
@@ -180,7 +182,7 @@ void AccessPoint::TakeEvent(const AccessPointEvent& happened) {
     using Kind = AccessPointEvent::Kind;
     switch (happened.kind) {
         case Kind::stationJoined:
-            if (stations.size() < kMostClients) {
+            if (stations.size() < kMostStations) {
                 stations.insert_or_assign(happened.mac, Station{.mac = happened.mac});
             }
             break;

@@ -8,7 +8,10 @@ namespace binding {
 
 namespace {
 
-using ClientMap = std::map<MacAddress, Client>;
+struct ClientMap {
+    std::map<MacAddress, Client> clients;
+    bool isCut = false;
+};
 
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
@@ -32,17 +35,18 @@ std::optional<sys_connection_kind_e> KindAt(const std::string& interface,
     return std::nullopt;
 }
 
-void Add(ClientMap& clients, MacAddress mac, sys_connection_kind_e kind) {
-    if (clients.size() < kMostClients) {
-        clients.try_emplace(mac, Client{mac, kind, {}, {}});
+void Add(ClientMap& map, MacAddress mac, sys_connection_kind_e kind) {
+    if (map.clients.size() < kMostClients) {
+        map.clients.try_emplace(mac, Client{mac, kind, {}, {}});
+    } else if (!map.clients.contains(mac)) {
+        map.isCut = true;
     }
 }
 
-void AddStations(ClientMap& clients, const std::vector<Station>& stations,
-                 sys_connection_kind_e kind) {
+void AddStations(ClientMap& map, const std::vector<Station>& stations, sys_connection_kind_e kind) {
     for (const Station& station : stations) {
         if (station.authorized) {
-            Add(clients, station.mac, kind);
+            Add(map, station.mac, kind);
         }
     }
 }
@@ -64,16 +68,17 @@ void AddAddress(Client& client, const std::string& address) {
 
 }  // namespace
 
-std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
-                                std::int64_t now) {
-    ClientMap clients;
-    AddStations(clients, seen.stations, SYS_CONNECTION_WIFI);
-    AddStations(clients, seen.guestStations, SYS_CONNECTION_GUEST_WIFI);
+ClientList JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
+                       std::int64_t now) {
+    ClientMap map;
+    auto& clients = map.clients;
+    AddStations(map, seen.stations, SYS_CONNECTION_WIFI);
+    AddStations(map, seen.guestStations, SYS_CONNECTION_GUEST_WIFI);
     for (const Sighting& neighbour : seen.neighbours) {
         // The bridge as a whole does not tell how a client is connected; its ports do.
         const auto kind = KindAt(neighbour.interface, interfaces);
         if (kind && !IsSilent(neighbour, seen) && !Contains(seen.told, neighbour.interface)) {
-            Add(clients, neighbour.mac, *kind);
+            Add(map, neighbour.mac, *kind);
         }
     }
     for (const Sighting& neighbour : seen.neighbours) {
@@ -91,10 +96,10 @@ std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfa
             client->second.name = lease.name;
         }
     }
-    std::vector<Client> list;
-    list.reserve(clients.size());
+    ClientList list{.clients = {}, .isCut = map.isCut};
+    list.clients.reserve(clients.size());
     for (auto& [mac, client] : clients) {
-        list.push_back(std::move(client));
+        list.clients.push_back(std::move(client));
     }
     return list;
 }

@@ -47,10 +47,16 @@ struct ClientSightings {
     std::chrono::seconds quietLimit{300};
 };
 
-/// The connected clients, each once, in the order of their hardware addresses. A lease does not
+struct ClientList {
+    /// Each once, in the order of their hardware addresses; at most kMostClients.
+    std::vector<Client> clients;
+    bool isCut = false;  ///< whether there are more
+};
+
+/// The connected clients. A lease does not
 /// make a client, because it outlasts the connection; it tells name and address of one.
-std::vector<Client> JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
-                                std::int64_t now);
+ClientList JoinClients(const ClientSightings& seen, const ClientInterfaces& interfaces,
+                       std::int64_t now);
 
 /// In what time the next quiet neighbour stops being a client; nothing if none will.
 std::optional<std::chrono::seconds> NextDeparture(const ClientSightings& seen,

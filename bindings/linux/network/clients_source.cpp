@@ -97,12 +97,12 @@ void ClientsSource::NoteLeaseProblem(const std::string& problem) {
     }
 }
 
-void ClientsSource::NoteLimit(std::size_t count) const {
-    const bool isReached = count >= kMostClients || (routes && routes->Table().IsFull());
-    if (isReached && !limitComplained) {
+void ClientsSource::NoteLimit(const ClientList& list) const {
+    const bool isCut = list.isCut || (routes && routes->Table().LeavesOut());
+    if (isCut && !limitComplained) {
         LINUX_LOG(TORU_DBG_ERROR, "clients: no more than %zu are listed", kMostClients);
         limitComplained = true;
-    } else if (count < kMostClients - kMostClients / 10 && !isReached) {
+    } else if (list.clients.size() < kMostClients - kMostClients / 10 && !isCut) {
         // Much less, so that a client that comes and goes does not fill the log.
         limitComplained = false;
     }
@@ -123,16 +123,16 @@ ClientSightings ClientsSource::Seen() const {
     return seen;
 }
 
-std::vector<Client> ClientsSource::Clients() const {
+ClientList ClientsSource::Clients() const {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return JoinClients(Seen(), interfaces,
                        std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
 void ClientsSource::Fill(Device& device) const {
-    const std::vector<Client> clients = Clients();
-    NoteLimit(clients.size());
-    Tell(device.getConnectedDeviceList, ClientRecords(clients));
+    const ClientList list = Clients();
+    NoteLimit(list);
+    Tell(device.getConnectedDeviceList, ClientRecords(list.clients));
 }
 
 void ClientsSource::Fail(Device& device, int code) const {
@@ -141,7 +141,7 @@ void ClientsSource::Fail(Device& device, int code) const {
 
 nlohmann::json ClientsSource::Said() const {
     nlohmann::json said = nlohmann::json::array();
-    for (const Client& client : Clients()) {
+    for (const Client& client : Clients().clients) {
         said.push_back({{"mac", MacText(client.mac)},
                         {"kind", client.kind},
                         {"address", client.address},

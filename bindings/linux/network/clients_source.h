@@ -28,11 +28,11 @@ class ClientsSource : public Source {
 
   private:
     ClientSightings Seen() const;
-    std::vector<Client> Clients() const;
+    ClientList Clients() const;
     void AwaitDeparture();
     void ReadLeases();
     void NoteLeaseProblem(const std::string& problem);
-    void NoteLimit(std::size_t count) const;
+    void NoteLimit(const ClientList& list) const;
 
     const WifiSource& wifi;
     const WifiSource& guestWifi;

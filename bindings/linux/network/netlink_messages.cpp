@@ -111,11 +111,13 @@ void ReadLink(Bytes body, bool gone, std::vector<NetworkMessage>& messages) {
 }
 
 /// When a device has last answered, as the kernel tells it in ticks of its clock. The kernel
-/// changes an entry when it has heard of the device, so the newer one of both counts.
-std::chrono::seconds QuietTime(const nda_cacheinfo& cache) {
+/// changes an entry when it has heard of the device, so the newer one of both counts; but also when
+/// it begins to ask the device, which tells nothing.
+std::chrono::seconds QuietTime(const nda_cacheinfo& cache, bool asked) {
     const long ticks = sysconf(_SC_CLK_TCK);
-    return std::chrono::seconds(std::min(cache.ndm_confirmed, cache.ndm_updated) /
-                                (ticks > 0 ? ticks : 100));
+    const std::uint32_t quiet =
+        asked ? cache.ndm_confirmed : std::min(cache.ndm_confirmed, cache.ndm_updated);
+    return std::chrono::seconds(quiet / (ticks > 0 ? ticks : 100));
 }
 
 /// Whether a device in @p state is there. A device that has been quiet for a while is "stale". An
@@ -138,13 +140,16 @@ void ReadNeighbour(Bytes body, bool gone, std::vector<NetworkMessage>& messages)
                         .mac = 0,
                         .address = {},
                         .present = !gone && IsPresent(info->ndm_state, family == AF_BRIDGE)};
-    if (info->ndm_state == NUD_STALE && family != AF_BRIDGE) {
-        neighbour.quiet.emplace(0);
+    if (family != AF_BRIDGE) {
+        neighbour.asked = info->ndm_state == NUD_DELAY || info->ndm_state == NUD_PROBE;
+        if (neighbour.asked || info->ndm_state == NUD_STALE) {
+            neighbour.quiet.emplace(0);
+        }
     }
     ForEachAttribute(From(body, Aligned(sizeof(ndmsg))), [&](int type, Bytes value) {
         const auto cache = RecordAt<nda_cacheinfo>(value);
         if (type == NDA_CACHEINFO && neighbour.quiet && cache) {
-            neighbour.quiet = QuietTime(*cache);
+            neighbour.quiet = QuietTime(*cache, neighbour.asked);
         } else if (type == NDA_LLADDR) {
             neighbour.mac = MacOf(value).value_or(0);
         } else if (type == NDA_DST && family != AF_BRIDGE) {

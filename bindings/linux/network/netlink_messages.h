@@ -34,9 +34,13 @@ struct Neighbour {
     MacAddress mac = 0;
     std::string address;   ///< IP address; empty for an entry of a forwarding table
     bool present = false;  ///< whether the kernel takes the device for reachable
-    /// How long ago the device has last answered, when the kernel has not asked it since ("stale").
-    /// An entry of a forwarding table has none: the bridge drops it when the device is quiet.
+    /// How long ago the device has last answered, when the kernel does not know whether it is still
+    /// there. An entry of a forwarding table has none: the bridge drops it when the device is
+    /// quiet.
     std::optional<std::chrono::seconds> quiet = std::nullopt;
+    /// Whether the kernel is about to find out if the device is there, because somebody sends to
+    /// it.
+    bool asked = false;
 };
 
 /// The answer to a request that asked for all of something is complete.

@@ -1,12 +1,20 @@
 #include "bindings/linux/network/network_table.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace binding {
 
 namespace {
 
 constexpr std::size_t kMostLinks = 1024;
+/// The kernel tells how long a device has been quiet in parts of a second, which are left out.
+constexpr std::chrono::seconds kRounding{1};
+
+/// Whether a device was heard of in between.
+bool IsHeardOf(const NetworkTable::Time& before, const NetworkTable::Time& now) {
+    return now - before > kRounding;
+}
 
 }  // namespace
 
@@ -17,6 +25,7 @@ bool NetworkTable::Apply(const NetworkMessage& message, Time now) {
 void NetworkTable::Clear() {
     links.clear();
     neighbours.clear();
+    leavesOut = false;
 }
 
 const Link* NetworkTable::FindLink(std::string_view name) const {
@@ -79,12 +88,20 @@ bool NetworkTable::Take(const Neighbour& neighbour, Time now) {
         known.quietSince = now - *neighbour.quiet;
     }
     if (found == neighbours.end()) {
-        return !IsFull() && neighbours.emplace(key, known).second;
+        leavesOut = leavesOut || neighbours.size() >= kMostNeighbours;
+        return neighbours.size() < kMostNeighbours && neighbours.emplace(key, known).second;
     }
-    const bool same = found->second.mac == known.mac &&
-                      found->second.quietSince.has_value() == known.quietSince.has_value();
-    found->second = known;
-    return !same;
+    const Known before = std::exchange(found->second, known);
+    if (before.mac != known.mac) {
+        return true;
+    }
+    if (neighbour.asked) {
+        // Whether it is there will be known when it has answered, or has not.
+        found->second.quietSince = before.quietSince;
+        return false;
+    }
+    return before.quietSince.has_value() != known.quietSince.has_value() ||
+           (known.quietSince && IsHeardOf(*before.quietSince, *known.quietSince));
 }
 
 bool NetworkTable::Take(const ListComplete& /*complete*/, Time /*now*/) {

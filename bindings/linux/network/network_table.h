@@ -44,8 +44,14 @@ class NetworkTable {
     /// Who is seen, as of @p now.
     std::vector<Sighting> Sightings(Time now) const;
 
-    /// Whether more neighbours would be left out.
-    bool IsFull() const { return neighbours.size() >= kMostNeighbours; }
+    /// Whether there were more neighbours than have room.
+    bool LeavesOut() const { return leavesOut; }
+
+    /// Whether neighbours that were left out would have room by now. Not as soon as one has: to
+    /// list all again whenever one of many goes would cost much.
+    bool HasRoomAgain() const {
+        return leavesOut && neighbours.size() < kMostNeighbours - kMostNeighbours / 10;
+    }
 
   private:
     /// The interface, and the IP address or, in a forwarding table, the hardware address.
@@ -62,6 +68,7 @@ class NetworkTable {
 
     std::map<int, Link> links;
     std::map<NeighbourKey, Known> neighbours;
+    bool leavesOut = false;
 };
 
 }  // namespace binding

@@ -84,6 +84,9 @@ void RouteSocket::Receive() {
             isChanged = Take(message) || isChanged;
         }
     }
+    if (lists.empty() && table.HasRoomAgain()) {
+        AskForAll();
+    }
     if (isChanged && complete) {
         changed();
     }

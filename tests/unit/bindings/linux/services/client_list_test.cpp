@@ -19,7 +19,7 @@ constexpr std::int64_t kNow = 1'795'356'060;
 class ClientList : public ::testing::Test {
   protected:
     std::vector<binding::Client> Join() const {
-        return binding::JoinClients(seen, interfaces, kNow);
+        return binding::JoinClients(seen, interfaces, kNow).clients;
     }
 
     std::vector<int> Kinds() const {
@@ -146,6 +146,17 @@ TEST_F(ClientList, IsLimited) {
         seen.stations.push_back({.mac = mac});
         seen.guestStations.push_back({.mac = 20'000 + mac});
     }
+    EXPECT_EQ(Join().size(), binding::kMostClients);
+}
+
+TEST_F(ClientList, TheListIsCutOnlyWhenSomebodyIsLeftOut) {
+    for (binding::MacAddress mac = 1; mac <= binding::kMostClients; ++mac) {
+        seen.stations.push_back({.mac = mac});
+    }
+    seen.neighbours = {{"eth0", 1, "10.0.0.3", false}};
+    EXPECT_FALSE(binding::JoinClients(seen, interfaces, kNow).isCut);
+    seen.neighbours.push_back({"eth0", kLaptop, "10.0.0.4", false});
+    EXPECT_TRUE(binding::JoinClients(seen, interfaces, kNow).isCut);
     EXPECT_EQ(Join().size(), binding::kMostClients);
 }
 

@@ -157,6 +157,34 @@ TEST_F(NetworkTableTest, ANeighbourIsQuietFromWhenItHasLastAnswered) {
     EXPECT_EQ(Sightings().at(0).quiet, std::nullopt) << "it is being asked";
 }
 
+TEST_F(NetworkTableTest, AQuietNeighbourThatIsAskedIsQuietUntilItAnswers) {
+    Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
+    Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2", 40'000));
+    for (const int state : {NUD_DELAY, NUD_PROBE}) {
+        // The kernel has changed the entry just now.
+        EXPECT_FALSE(
+            Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, state, 0x0211, "10.0.0.2", 0)));
+        EXPECT_EQ(Sightings().at(0).quiet, seconds(400));
+    }
+    EXPECT_TRUE(
+        Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_REACHABLE, 0x0211, "10.0.0.2")));
+    EXPECT_EQ(Sightings().at(0).quiet, std::nullopt);
+    // One that is not known yet is as quiet as its last answer tells.
+    Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_PROBE, 0x0222, "10.0.0.3", 40'000));
+    EXPECT_EQ(Sightings().at(1).quiet, seconds(460));
+}
+
+TEST_F(NetworkTableTest, AQuietNeighbourThatIsHeardOfIsAChange) {
+    Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
+    const auto stale = [](std::uint32_t quiet) {
+        return Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_STALE, 0x0211, "10.0.0.2", quiet);
+    };
+    Take(stale(40'000));
+    EXPECT_FALSE(Take(stale(40'000)));
+    EXPECT_TRUE(Take(stale(0)));
+    EXPECT_EQ(Sightings().at(0).quiet, seconds(0));
+}
+
 TEST_F(NetworkTableTest, AnAddressThatNobodyHasAnsweredForIsNoNeighbour) {
     Take(Datagram().Link(RTM_NEWLINK, 2, "eth0", IFF_UP));
     Take(Datagram().Entry(RTM_NEWNEIGH, AF_INET, 2, NUD_INCOMPLETE, 0, "10.0.0.2"));
@@ -196,7 +224,21 @@ TEST_F(NetworkTableTest, NeighboursAreKeptUpToALimit) {
         Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, mac));
     }
     EXPECT_EQ(Sightings().size(), binding::kMostNeighbours);
-    EXPECT_TRUE(table.IsFull());
+    EXPECT_TRUE(table.LeavesOut());
+    EXPECT_FALSE(table.HasRoomAgain());
+    for (binding::MacAddress mac = 1; mac < 5'000; ++mac) {
+        Take(Datagram().Entry(RTM_DELNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, mac));
+    }
+    EXPECT_TRUE(table.HasRoomAgain()) << "for those that were left out";
+    table.Clear();
+    EXPECT_FALSE(table.HasRoomAgain()) << "all are listed again, once";
+}
+
+TEST_F(NetworkTableTest, ATableThatIsJustFullLeavesNobodyOut) {
+    for (binding::MacAddress mac = 1; mac <= binding::kMostNeighbours; ++mac) {
+        Take(Datagram().Entry(RTM_NEWNEIGH, AF_BRIDGE, 2, NUD_REACHABLE, mac));
+    }
+    EXPECT_FALSE(table.LeavesOut());
 }
 
 TEST_F(NetworkTableTest, ADatagramThatIsCutAnywhereIsReadAsFarAsItGoes) {
