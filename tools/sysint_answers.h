@@ -23,6 +23,8 @@ Json DescribedBands(const std::array<int, 2>& bands);
 template <typename Meaning>
 auto As(const char* field) {
     return [field](const auto& value) {
+        // clang warns of a capture that only some kinds of values use.
+        static_cast<void>(field);
         if constexpr (std::is_class_v<Meaning>) {
             return Described(value);
         } else if constexpr (std::is_enum_v<Meaning>) {
