@@ -38,8 +38,10 @@ std::atomic<DeviceClock*> otherClock = nullptr;
 }  // namespace
 
 DeviceClock& CurrentDeviceClock() {
+    // cppcheck-suppress unassignedVariable ; it has nothing to assign
     static RealTime realTime;
     DeviceClock* const clock = otherClock;
+    // cppcheck-suppress returnTempReference ; the object is static
     return clock == nullptr ? realTime : *clock;
 }
 

@@ -16,10 +16,13 @@ namespace binding {
 struct CallArgument {
     CallArgument() = default;
     // Implicit, so that a call can name its parameter. A null pointer counts as an empty text.
+    // cppcheck-suppress noExplicitConstructor ; so that a call can name its parameter
     // NOLINTNEXTLINE(google-explicit-constructor)
     CallArgument(const char* newText) : text(newText == nullptr ? "" : newText) {}
+    // cppcheck-suppress noExplicitConstructor ; so that a call can name its parameter
     // NOLINTNEXTLINE(google-explicit-constructor)
     CallArgument(std::string_view newText) : text(newText) {}
+    // cppcheck-suppress noExplicitConstructor ; so that a call can name its parameter
     // NOLINTNEXTLINE(google-explicit-constructor)
     CallArgument(int newNumber) : number(newNumber) {}
 

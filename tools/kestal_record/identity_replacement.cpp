@@ -27,6 +27,7 @@ std::string Padded(std::uint64_t number, std::size_t width, unsigned base = 10) 
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string text(width, '0');
     for (auto digit = text.rbegin(); digit != text.rend() && number != 0; ++digit) {
+        // cppcheck-suppress zerodivcond ; no base is 0
         *digit = kDigits[number % base];
         number /= base;
     }

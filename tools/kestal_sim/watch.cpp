@@ -209,6 +209,7 @@ void Watch(const Arguments& /*arguments*/, std::ostream& out) {
             }
         }
         std::erase_if(callers, [](const auto& caller) { return !caller->isOpen; });
+        // cppcheck-suppress nullPointer ; nobody asks for the address
         const int accepted = accept4(listener.Number(), nullptr, nullptr, SOCK_CLOEXEC);
         if (accepted >= 0) {
             callers.push_back(std::make_unique<Caller>(accepted));
