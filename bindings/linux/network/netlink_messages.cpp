@@ -181,8 +181,8 @@ std::vector<NetworkMessage> ParseNetworkMessages(Bytes datagram) {
                 break;
             case NLMSG_DONE:
             case NLMSG_ERROR:
-                // A kernel without bridges refuses to list their forwarding tables.
-                messages.emplace_back(ListComplete{});
+                // Both begin with an error's number below zero, or with 0.
+                messages.emplace_back(ListEnd{-RecordAt<int>(body).value_or(0)});
                 break;
             default:
                 break;

@@ -43,10 +43,12 @@ struct Neighbour {
     bool asked = false;
 };
 
-/// The answer to a request that asked for all of something is complete.
-struct ListComplete {};
+/// The answer to a request that asked for all of something ends.
+struct ListEnd {
+    int error = 0;  ///< why it is not complete (errno); 0 when it is
+};
 
-using NetworkMessage = std::variant<Link, LinkGone, Neighbour, ListComplete>;
+using NetworkMessage = std::variant<Link, LinkGone, Neighbour, ListEnd>;
 
 /// The messages in one datagram of the kernel, without those that are of no concern here. The rest
 /// of a datagram that is cut is left out.

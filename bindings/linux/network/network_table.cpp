@@ -22,12 +22,6 @@ bool NetworkTable::Apply(const NetworkMessage& message, Time now) {
     return std::visit([this, now](const auto& kind) { return this->Take(kind, now); }, message);
 }
 
-void NetworkTable::Clear() {
-    links.clear();
-    neighbours.clear();
-    leavesOut = false;
-}
-
 const Link* NetworkTable::FindLink(std::string_view name) const {
     const auto found = std::find_if(links.begin(), links.end(),
                                     [&](const auto& entry) { return entry.second.name == name; });
@@ -104,7 +98,7 @@ bool NetworkTable::Take(const Neighbour& neighbour, Time now) {
            (known.quietSince && IsHeardOf(*before.quietSince, *known.quietSince));
 }
 
-bool NetworkTable::Take(const ListComplete& /*complete*/, Time /*now*/) {
+bool NetworkTable::Take(const ListEnd& /*end*/, Time /*now*/) {
     return false;
 }
 

@@ -35,9 +35,6 @@ class NetworkTable {
     /// Takes over one message that has come at @p now. Returns whether that changed what is known.
     bool Apply(const NetworkMessage& message, Time now);
 
-    /// Forgets everything, before all is listed again.
-    void Clear();
-
     /// The interface of this name; null when there is none.
     const Link* FindLink(std::string_view name) const;
 
@@ -64,7 +61,7 @@ class NetworkTable {
     bool Take(const Link& link, Time now);
     bool Take(const LinkGone& gone, Time now);
     bool Take(const Neighbour& neighbour, Time now);
-    static bool Take(const ListComplete& complete, Time now);
+    static bool Take(const ListEnd& end, Time now);
 
     std::map<int, Link> links;
     std::map<NeighbourKey, Known> neighbours;

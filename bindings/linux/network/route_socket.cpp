@@ -5,10 +5,14 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <utility>
+#include <variant>
+#include <vector>
 
 #include "bindings/linux/kernel/netlink_socket.h"
 
@@ -16,33 +20,27 @@ namespace binding {
 
 namespace {
 
+/// After this time, in microseconds, a list that the kernel has refused is asked for again.
+constexpr std::uint64_t kRetry = 10'000'000;
+
+/// A part of a list fills a page, and up to 32 KiB where pages are larger.
+using Buffer = std::array<std::byte, 32768>;
+
+/// A list that the kernel is asked for.
+struct List {
+    int type;
+    int family;
+};
+
 std::uint32_t Groups(RouteSocket::Scope scope) {
     return scope == RouteSocket::Scope::links ? RTMGRP_LINK : RTMGRP_LINK | RTMGRP_NEIGH;
 }
 
-}  // namespace
-
-RouteSocket::RouteSocket(sd_event* newEvent, Scope newScope, std::function<void()> newChanged)
-    : scope(newScope),
-      changed(std::move(newChanged)),
-      socket(OpenNetlink(NETLINK_ROUTE, Groups(newScope))) {
-    incoming.WatchDescriptor(newEvent, socket.Number(), EPOLLIN,
-                             [this](std::uint32_t /*events*/) { Receive(); });
-    AskForAll();
+std::vector<NetworkMessage> Messages(const Buffer& buffer, ssize_t size) {
+    return ParseNetworkMessages(std::span(buffer).first(static_cast<std::size_t>(size)));
 }
 
-void RouteSocket::AskForAll() {
-    listed.Clear();
-    lists = {{RTM_GETLINK, AF_UNSPEC}};
-    if (scope == Scope::linksAndNeighbours) {
-        lists.push_back({RTM_GETNEIGH, AF_UNSPEC});
-        lists.push_back({RTM_GETNEIGH, AF_BRIDGE});
-    }
-    AskForNext();
-}
-
-void RouteSocket::AskForNext() {
-    const List list = lists.front();
+void AskFor(const List& list, int socket) {
     struct {
         nlmsghdr head;
         ifinfomsg info;
@@ -54,65 +52,88 @@ void RouteSocket::AskForNext() {
     request.head.nlmsg_type = static_cast<std::uint16_t>(list.type);
     request.head.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
     request.info.ifi_family = static_cast<unsigned char>(list.family);
-    if (send(socket.Number(), &request, length, 0) < 0) {
+    if (send(socket, &request, length, 0) < 0) {
         ThrowSystemError("rtnetlink: request");
     }
 }
 
-void RouteSocket::Receive() {
-    // A part of a list fills a page, and up to 32 KiB where pages are larger.
-    std::array<std::byte, 32768> buffer{};
-    bool isChanged = false;
+/// Adds a whole list to @p table. The kernel makes each part of it while the one before is being
+/// read, so this never waits.
+void AddTo(NetworkTable& table, const List& list) {
+    // The socket that tells changes will not do: while it is full of them, the kernel refuses.
+    const FileDescriptor socket(OpenNetlink(NETLINK_ROUTE, 0));
+    AskFor(list, socket.Number());
+    Buffer buffer{};
     while (true) {
         const ssize_t size = ReceiveFromKernel(socket.Number(), buffer.data(), buffer.size());
-        if (size == kMessagesLost) {
-            // What got lost cannot be told, so all is listed again. The kernel refuses a second
-            // list while it tells one.
-            if (lists.empty()) {
-                AskForAll();
-            } else {
-                again = true;
+        if (size < 0) {
+            ThrowSystemError("rtnetlink: list");
+        }
+        for (const NetworkMessage& message : Messages(buffer, size)) {
+            const auto* end = std::get_if<ListEnd>(&message);
+            if (end == nullptr) {
+                table.Apply(message, std::chrono::steady_clock::now());
+                continue;
             }
+            // A kernel without bridges has no forwarding tables.
+            if (end->error != 0 && end->error != EOPNOTSUPP) {
+                errno = end->error;
+                ThrowSystemError("rtnetlink: list");
+            }
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+RouteSocket::RouteSocket(sd_event* newEvent, Scope newScope, std::function<void()> newChanged)
+    : event(newEvent),
+      scope(newScope),
+      changed(std::move(newChanged)),
+      changes(OpenNetlink(NETLINK_ROUTE, Groups(newScope))) {
+    incoming.WatchDescriptor(event, changes.Number(), EPOLLIN,
+                             [this](std::uint32_t /*events*/) { Receive(); });
+    renewal.Defer(event, [this] { Renew(); });
+}
+
+void RouteSocket::Renew() {
+    renewal.After(event, kRetry, kRetry / 10, [this] { Renew(); });
+    NetworkTable listed;
+    AddTo(listed, {RTM_GETLINK, AF_UNSPEC});
+    if (scope == Scope::linksAndNeighbours) {
+        AddTo(listed, {RTM_GETNEIGH, AF_UNSPEC});
+        AddTo(listed, {RTM_GETNEIGH, AF_BRIDGE});
+    }
+    renewal.Reset();
+    table = std::move(listed);
+    complete = true;
+    changed();
+}
+
+void RouteSocket::Receive() {
+    Buffer buffer{};
+    bool isChanged = false;
+    bool isLost = false;
+    while (true) {
+        const ssize_t size = ReceiveFromKernel(changes.Number(), buffer.data(), buffer.size());
+        if (size == kMessagesLost) {
+            isLost = true;
             continue;
         }
         if (size < 0) {
             break;
         }
-        const auto messages =
-            ParseNetworkMessages(std::span(buffer).first(static_cast<std::size_t>(size)));
-        for (const NetworkMessage& message : messages) {
-            isChanged = Take(message) || isChanged;
+        for (const NetworkMessage& message : Messages(buffer, size)) {
+            isChanged = table.Apply(message, std::chrono::steady_clock::now()) || isChanged;
         }
     }
-    if (lists.empty() && table.HasRoomAgain()) {
-        AskForAll();
-    }
-    if (isChanged && complete) {
+    if (isLost || table.HasRoomAgain()) {
+        // What got lost cannot be told. A change that comes after it has been listed does no harm.
+        Renew();
+    } else if (isChanged && complete) {
         changed();
     }
-}
-
-bool RouteSocket::Take(const NetworkMessage& message) {
-    const auto now = std::chrono::steady_clock::now();
-    bool isChanged = table.Apply(message, now);
-    if (lists.empty()) {
-        return isChanged;
-    }
-    listed.Apply(message, now);
-    if (std::holds_alternative<ListComplete>(message)) {
-        lists.pop_front();
-        if (lists.empty() && again) {
-            again = false;
-            AskForAll();
-        } else if (lists.empty()) {
-            table = std::move(listed);
-            complete = true;
-            isChanged = true;
-        } else {
-            AskForNext();
-        }
-    }
-    return isChanged;
 }
 
 }  // namespace binding

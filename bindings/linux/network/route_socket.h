@@ -1,8 +1,6 @@
 // Interfaces and neighbours, as the kernel tells of their changes.
 #pragma once
 
-#include <cstdint>
-#include <deque>
 #include <functional>
 
 #include "bindings/linux/event.h"
@@ -22,34 +20,21 @@ class RouteSocket {
     RouteSocket(const RouteSocket&) = delete;
     RouteSocket& operator=(const RouteSocket&) = delete;
 
-    /// Whether the table has been listed once.
-    bool IsComplete() const { return complete; }
     const NetworkTable& Table() const { return table; }
 
   private:
-    /// A list that the kernel is asked for.
-    struct List {
-        int type;
-        int family;
-    };
-
-    void AskForAll();
-    void AskForNext();
     void Receive();
-    /// Returns whether the table has changed.
-    bool Take(const NetworkMessage& message);
+    /// Fills the table with a new list. Throws std::system_error, and tries again later then.
+    void Renew();
 
+    sd_event* event;
     Scope scope;
     std::function<void()> changed;
-    FileDescriptor socket;
+    FileDescriptor changes;  ///< tells what changes
     NetworkTable table;
-    /// What is being listed; it replaces the table when it is whole.
-    NetworkTable listed;
-    /// What is still to be listed: the kernel answers one request for a list at a time.
-    std::deque<List> lists;
-    bool complete = false;
-    bool again = false;  ///< whether all is to be listed once more
+    bool complete = false;  ///< whether the table has been listed once
     EventSource incoming;
+    EventSource renewal;
 };
 
 }  // namespace binding
