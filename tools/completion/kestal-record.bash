@@ -3,7 +3,7 @@
 
 _kestal_record() {
     local word=${COMP_WORDS[COMP_CWORD]} file quoted
-    local words='--for --every --names --channels --keep-identities --bundle --log --force --version --help'
+    local words='--for --every --names --channels --keep-identities --bundle --log --force --socket --version --help'
     COMPREPLY=()
     if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -105,13 +105,18 @@ class BoardOfOneSource : public SimulatedDevice {
     /// Runs @p task on the board's thread.
     void OnBoard(const std::function<void()>& task) { tasks->Run(task); }
 
-    /// Waits until a snapshot fulfils @p condition; fails after ten seconds.
-    void Await(const std::function<bool(const Device&)>& condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!condition(*board->Newest())) {
+    /// Waits until @p condition holds.
+    static void AwaitThat(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!condition()) {
             ASSERT_LT(std::chrono::steady_clock::now(), end) << "nothing has come";
             std::this_thread::yield();
         }
+    }
+
+    /// Waits until a snapshot fulfils @p condition.
+    void Await(const std::function<bool(const Device&)>& condition) {
+        AwaitThat([&] { return condition(*board->Newest()); });
     }
 
     void AwaitStatus(int status) {
@@ -227,9 +232,7 @@ TEST_F(BoardOfOneSource, DamagedDocumentIsLoggedOnceAndTheLastGoodOneStays) {
     AwaitStatus(7);
     for (int again = 0; again < 2; ++again) {
         Document("{");
-        while (Log().empty()) {
-            OnBoard([] {});
-        }
+        AwaitThat([this] { return !Log().empty(); });
     }
     EXPECT_EQ(GpsStatus().value, 7);
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("(keeping the last good document)")));
@@ -251,9 +254,7 @@ class NewSettings : public BoardOfOneSource {
     void Renew() {
         OnBoard([] { TestSource::startsAs = Source::State::unknown; });
         Document("{\"linux\": {\"apn\": \"internet\"}, \"sys\": {\"getSMSUnreadCount\": 2}}");
-        while (madeCount < 2) {
-            OnBoard([] {});
-        }
+        AwaitThat([this] { return madeCount >= 2; });
         // The loop has turns for whatever it would do now.
         for (int turn = 0; turn < 100; ++turn) {
             OnBoard([] {});
@@ -313,9 +314,7 @@ class DataRequests : public NewSettings {
         Begin();
         OnBoard([this] { board->SetDataCall(&call); });
         // A request is accepted from then on.
-        while (board->StartDataCall() != SYS_SUCCESS) {
-            std::this_thread::yield();
-        }
+        AwaitThat([this] { return board->StartDataCall() == SYS_SUCCESS; });
         AwaitRequests(1);
         OnBoard([this] { call.requests.clear(); });
     }
@@ -325,10 +324,11 @@ class DataRequests : public NewSettings {
 
     /// Waits until the call has got @p count requests, and the status is that of the call again.
     void AwaitRequests(std::size_t count) {
-        std::size_t made = 0;
-        while (made < count) {
+        AwaitThat([&] {
+            std::size_t made = 0;
             OnBoard([&] { made = call.requests.size(); });
-        }
+            return made >= count;
+        });
         Await([](const Device& now) {
             return now.getCellularDataConnectionStatus.value == SYS_DATA_CONNECTION_READY;
         });
@@ -485,10 +485,10 @@ TEST_F(BoardOfOneSource, ShortageWhileItsLoopBreaksLeavesTheLastAnswersUntilItHa
     AwaitStatus(SYS_GPS_SEARCHING);
     OnBoard([] { TestSource::failsToFail = true; });
     BreakLoop();
-    while (madeCount < 2) {
+    AwaitThat([this] {
         EXPECT_EQ(GpsStatus().error, 0);
-        std::this_thread::yield();
-    }
+        return madeCount >= 2;
+    });
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: "),
                                    HasSubstr("the last answers stand until then: ")));
 }
