@@ -42,7 +42,7 @@ ${control_help:+$control_help
 
 Each option takes the place of a variable of the environment:
 
-  PORT             --port
+  PORT or KESTAL_PORT  --port
   KESTAL_DEVICE    --device
   KESTAL_SCENARIO  --scenario
   KESTAL_DOCUMENT_ROOT  --page
@@ -105,8 +105,9 @@ while [ $# -gt 0 ]; do
     option=$1
     shift
     case $option in
-        --control)
-            [ -n "$control" ] || misused "unknown option $option"
+        --control | --control=*)
+            [ -n "$control" ] || misused "unknown option --control"
+            [ "$option" = --control ] || misused "--control needs no value"
             commands=yes
             continue
             ;;
@@ -125,7 +126,10 @@ while [ $# -gt 0 ]; do
         *) misused "unknown argument $option" ;;
     esac
     case $option in
-        --port) choose "$option" PORT "$value" ;;
+        --port)
+            choose "$option" PORT "$value"
+            choose "$option" KESTAL_PORT "$value"
+            ;;
         --device) choose "$option" KESTAL_DEVICE "$value" ;;
         --scenario) choose "$option" KESTAL_SCENARIO "$value" ;;
         --page) choose "$option" KESTAL_DOCUMENT_ROOT "$value" ;;
@@ -133,6 +137,9 @@ while [ $# -gt 0 ]; do
         *) misused "unknown option $option" ;;
     esac
 done
+if [ -n "${PORT-}" ] && [ -n "${KESTAL_PORT-}" ] && [ "$PORT" != "$KESTAL_PORT" ]; then
+    echo "$program: PORT=$PORT takes the place of KESTAL_PORT=$KESTAL_PORT" >&2
+fi
 port=${PORT:-${KESTAL_PORT:-8080}}
 address=${KESTAL_ADDRESS:-127.0.0.1}
 # Every address of this machine includes the one that this script asks.
@@ -145,10 +152,15 @@ case $address in
 esac
 case ${KESTAL_PAGE_ORIGIN-} in
     '') ;;
-    *[!A-Za-z0-9.:/-]* | http*://*/* | http*:*:*:*) misused "not an origin, such as http://localhost:5173: $KESTAL_PAGE_ORIGIN" ;;
+    *[!A-Za-z0-9.:/-]* | http*://*/* | http*:*:*:* | *:) misused "not an origin, such as http://localhost:5173: $KESTAL_PAGE_ORIGIN" ;;
     http://?* | https://?*) ;;
     *) misused "not an origin, such as http://localhost:5173: $KESTAL_PAGE_ORIGIN" ;;
 esac
+case $port in
+    *[!0-9]* | 0* | ??????*) misused "not a port from 1 to 65535: $port" ;;
+esac
+[ "$port" -le 65535 ] || misused "not a port from 1 to 65535: $port"
+[ -z "${KESTAL_DOCUMENT_ROOT-}" ] || [ -d "$KESTAL_DOCUMENT_ROOT" ] || fail "no folder of static files: $KESTAL_DOCUMENT_ROOT"
 
 # Each child runs in its own session (setsid), so that Ctrl-C on the terminal reaches only this script,
 # which then stops the build with all its processes, or the web server, which stops the service. The

@@ -346,7 +346,7 @@ def test_a_port_in_use_is_reported(run):
     ("variable", "value", "message"),
     [
         ("KESTAL_SCENARIO", "nowhere", "the device cannot play nowhere"),
-        ("PORT", "web", "KESTAL_PORT is not a number: 'web'"),
+        ("PORT", "web", "not a port from 1 to 65535: web"),
         ("KESTAL_DEVICE", "/nowhere.json", "cannot read the device's file /nowhere.json"),
         ("KESTAL_BUILD", "/nowhere", "no such program: /nowhere/service/kestal.cgi"),
     ],
@@ -359,15 +359,21 @@ def test_invalid_settings_are_reported(run, variable, value, message):
 
 
 @pytest.mark.parametrize(
-    ("arguments", "message"),
+    ("arguments", "status", "message"),
     [
-        (("--device", "roming"), "cannot read the device's file roming, and devices/ has only 3g-old-sim "),
-        (("--scenario", "comute"), "the device cannot play comute: there is no such file, and scenarios/ has only battery "),
+        (("--device", "roming"), 1, "cannot read the device's file roming, and devices/ has only 3g-old-sim "),
+        (("--scenario", "comute"), 1,
+         "the device cannot play comute: there is no such file, and scenarios/ has only battery "),
+        (("--page", "nowhere"), 1, "no folder of static files: nowhere"),
+        (("--port", "65536"), 2, "not a port from 1 to 65535: 65536"),
+        (("--port", "0"), 2, "not a port from 1 to 65535: 0"),
+        (("--origin", "http://localhost:"), 2, "not an origin, such as http://localhost:5173: http://localhost:"),
+        (("--control=yes",), 2, "--control needs no value"),
     ],
 )
-def test_what_does_not_exist_is_refused_before_anything_is_built(run, arguments, message):
-    script = run(*arguments, KESTAL_BUILD="")
-    assert script.end() == 1
+def test_what_cannot_work_is_refused_before_anything_is_built(run, arguments, status, message):
+    script = run(*arguments, KESTAL_BUILD="", PORT="")
+    assert script.end() == status
     assert script.output.startswith(f"scripts/run: {message}") and script.output.count("\n") == 1
 
 
@@ -475,7 +481,7 @@ def control(script, request, headers=(JSON,), **arguments):
     return web.ask(script.port, "/control", headers, method="POST", body=request.encode(), **arguments)
 
 
-def test_commands_over_http_change_the_device_and_answer_like_a_shell(run):
+def test_commands_over_http_change_the_device_and_answer_like_a_shell(run, work):
     script = run("--control", "--scenario", "none")
     script.wait_for("Ctrl-C stops it.")
 
@@ -498,6 +504,8 @@ def test_commands_over_http_change_the_device_and_answer_like_a_shell(run):
     assert wrong["exitCode"] == 1 and "did you mean sys.getBatteryStatus.chargePercent?" in wrong["error"]
     assert command("sett")["exitCode"] == 2
     assert command("control")["exitCode"] == 2
+    assert command("--device", str(work / "other.json"), "load", "roaming")["exitCode"] == 2
+    assert not (work / "other.json").exists()
     for request in (" ", "[]", "{}", '{"command": []}', '{"command": "show"}', '{"command": ["show"], "more": 1}', "{"):
         refused = control(script, request).json()
         assert refused["exitCode"] == 1 and refused["error"].startswith("kestal-sim: the request"), request

@@ -26,7 +26,7 @@ _kestal_sim_offer_files() {
 
 _kestal_sim() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='show set fail heal devices scenarios load reset notify session play status watch record'
+    local commands='show set fail heal devices scenarios load reset notify session play status watch record control'
     local command='' member='' device=() index words='' names=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [ "${COMP_WORDS[index]}" = --device ]; then
@@ -64,7 +64,7 @@ _kestal_sim() {
         status)
             words='--follow --help'
             ;;
-        devices | scenarios | watch)
+        devices | scenarios | watch | control)
             words=--help
             ;;
         notify)

@@ -1,10 +1,13 @@
 // The commands that list the shipped devices and scenarios, and those that replace the device by
 // another one.
+#include <sys/types.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <vector>
 
 #include "bindings/names/enumerations.h"
 #include "bindings/posix/files/file_update.h"
@@ -42,6 +45,7 @@ void Replace(const std::string& file, bool restarts) {
     const std::string text = Contents(file);
     const json after = binding::ReadGoodDocument(file, text);
     const std::string device = binding::DevicePath();
+    const std::vector<pid_t> services = restarts ? ServicesOn(device) : std::vector<pid_t>();
     std::vector<std::string> unseen;
     const auto replaced = [&](const std::string& old) -> const std::string& {
         try {
@@ -52,7 +56,7 @@ void Replace(const std::string& file, bool restarts) {
     };
     binding::UpdateFile(device, binding::MissingFile::createdForAll, replaced);
     if (restarts) {
-        RestartServices(device);
+        RestartServices(device, services);
     } else if (!unseen.empty()) {
         (void)std::fprintf(stderr,
                            "kestal-sim: a running service has read these values already and does "

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <utility>
 
 #include "bindings/document/document_error.h"
 #include "tools/kestal_record/record_command.h"
@@ -70,6 +71,9 @@ int main(int argc, char** argv) {
     tool.commands.push_back(WatchCommand());
     // Not among the commands that others may give over HTTP, because it writes any file.
     tool.commands.push_back(RecordSimulated());
-    tool.commands.push_back(ControlCommand(SimTool()));
+    Tool controlled = SimTool();
+    // Nor may these choose the document, because commands write it.
+    controlled.settings.clear();
+    tool.commands.push_back(ControlCommand(std::move(controlled)));
     return RunTool(tool, argc, argv);
 }

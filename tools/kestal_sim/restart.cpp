@@ -47,7 +47,7 @@ fs::path DeviceOf(const fs::path& process) {
 }
 
 /// The processes of the services that run on @p device, except for those of other users.
-std::vector<pid_t> ServicesOn(const fs::path& device) {
+std::vector<pid_t> Running(const fs::path& device) {
     std::vector<pid_t> services;
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator("/proc", ignored)) {
@@ -71,15 +71,20 @@ bool HaveCommon(const std::vector<pid_t>& some, const std::vector<pid_t>& others
 
 }  // namespace
 
-void RestartServices(const fs::path& device) {
+std::vector<pid_t> ServicesOn(const fs::path& device) {
+    const fs::path path = fs::weakly_canonical(device);
+    std::vector<pid_t> services = Running(path);
+    if (services.empty()) {
+        throw std::runtime_error("no service of this user runs on " + path.string());
+    }
+    return services;
+}
+
+void RestartServices(const fs::path& device, const std::vector<pid_t>& before) {
     // A service that is just serving a request ends after it, which may take some seconds.
     constexpr auto kPatience = std::chrono::seconds(20);
     constexpr auto kInterval = std::chrono::milliseconds(20);
     const fs::path path = fs::weakly_canonical(device);
-    const std::vector<pid_t> before = ServicesOn(path);
-    if (before.empty()) {
-        throw std::runtime_error("no service of this user runs on " + path.string());
-    }
     for (const pid_t process : before) {
         if (kill(process, SIGTERM) != 0 && errno != ESRCH) {
             throw std::system_error(errno, std::generic_category(),
@@ -95,6 +100,6 @@ void RestartServices(const fs::path& device) {
                                          : "the service has ended, and none has been started");
         }
         std::this_thread::sleep_for(kInterval);
-        now = ServicesOn(path);
+        now = Running(path);
     }
 }

@@ -22,6 +22,9 @@ std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
 }
 
 std::string FileOrInstalled(const std::string& name, const std::filesystem::path& folder) {
+    if (name.empty()) {
+        throw std::runtime_error("expected a file's name, found nothing");
+    }
     if (name.find('/') != std::string::npos || std::filesystem::exists(name)) {
         return name;
     }

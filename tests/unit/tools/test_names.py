@@ -87,6 +87,15 @@ def test_the_man_page_describes_each_command(tool):
     assert sorted(described) == sorted(surroundings.commands(tool))
 
 
+def test_the_man_page_and_the_completion_of_kestal_sim_have_each_command():
+    commands = surroundings.commands("kestal-sim")
+    page = (surroundings.ROOT / "docs" / "man" / "kestal-sim.1.scd").read_text()
+    section = page.partition("\n# COMMANDS\n")[2].partition("\n# ")[0]
+    assert set(re.findall(r"(?m)^\*(\w+)\*", section)) == set(commands)
+    completion = (surroundings.ROOT / "tools" / "completion" / "kestal-sim.bash").read_text()
+    assert re.search(r"commands='(.*)'", completion).group(1).split() == commands
+
+
 def test_the_page_about_device_documents_tells_the_entry_of_each_query():
     page = (surroundings.ROOT / "docs" / "simulator.md").read_text()
     section = page.partition("\n### sys\n")[2].partition("\n### ")[0]
