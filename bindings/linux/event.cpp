@@ -12,6 +12,10 @@ namespace binding {
 
 namespace {
 
+/// Microseconds. The loop turns to what is deferred only when nothing else is at hand, which may
+/// never be while messages come in a flood.
+constexpr std::uint64_t kLongestDeferral = 100'000;
+
 void Check(int result, const char* what) {
     if (result < 0) {
         throw std::system_error(-result, std::generic_category(), what);
@@ -45,7 +49,16 @@ struct EventSource::Callbacks {
     }
 
     static int OnDefer(sd_event_source* /*source*/, void* owner) {
-        const auto callback = static_cast<EventSource*>(owner)->onTime;
+        return CallOnce(static_cast<EventSource*>(owner));
+    }
+
+    static int OnDeferralEnd(sd_event_source* /*source*/, std::uint64_t /*time*/, void* owner) {
+        return CallOnce(static_cast<EventSource*>(owner));
+    }
+
+    static int CallOnce(EventSource* owner) {
+        const auto callback = owner->onTime;
+        owner->Reset();
         return Guard([&] { callback(); });
     }
 
@@ -78,6 +91,9 @@ void EventSource::Defer(sd_event* event, std::function<void()> callback) {
     Check(sd_event_add_defer(event, &source, Callbacks::OnDefer, this), "event loop: deferred");
     Check(sd_event_source_set_priority(source, SD_EVENT_PRIORITY_NORMAL + 1),
           "event loop: priority");
+    Check(sd_event_add_time_relative(event, &deferralEnd, CLOCK_MONOTONIC, kLongestDeferral, 0,
+                                     Callbacks::OnDeferralEnd, this),
+          "event loop: timer");
 }
 
 void EventSource::WatchFolder(sd_event* event, const char* path, std::uint32_t mask,
@@ -95,6 +111,7 @@ bool EventSource::IsArmed() const {
 
 void EventSource::Reset() {
     source = sd_event_source_disable_unref(source);
+    deferralEnd = sd_event_source_disable_unref(deferralEnd);
 }
 
 }  // namespace binding

@@ -32,7 +32,8 @@ class EventSource {
     /// microseconds, so that several wake-ups become one.
     void After(sd_event* event, std::uint64_t microseconds, std::uint64_t accuracy,
                std::function<void()> callback);
-    /// Calls @p callback once, after all other events that are at hand.
+    /// Calls @p callback once, after all other events that are at hand, but soon also if these have
+    /// no end.
     void Defer(sd_event* event, std::function<void()> callback);
     /// Calls @p callback for changes in the folder @p path; @p name is the changed entry, which may
     /// be null. @p mask is that of inotify.
@@ -47,6 +48,7 @@ class EventSource {
     struct Callbacks;
 
     sd_event_source* source = nullptr;
+    sd_event_source* deferralEnd = nullptr;
     std::function<void(std::uint32_t)> onEvents;
     std::function<void()> onTime;
     std::function<void(const char*)> onName;

@@ -44,10 +44,13 @@ void ClientsSource::Start() {
             }
         });
         ReadLeases();
-        routes.emplace(GetBoard().Event(), RouteSocket::Scope::linksAndNeighbours, [this] {
-            AwaitDeparture();
-            Present();
-        });
+        routes.emplace(
+            GetBoard().Event(), RouteSocket::Scope::linksAndNeighbours,
+            [this] {
+                AwaitDeparture();
+                Present();
+            },
+            [this](const std::string& why) { Lost(why); });
     } catch (const std::system_error& error) {
         Lost(error.what());
     }

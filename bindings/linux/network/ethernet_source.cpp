@@ -26,7 +26,9 @@ std::vector<const Link*> PortsOf(const NetworkTable& table, const std::vector<st
 
 void EthernetSource::Start() {
     try {
-        routes.emplace(GetBoard().Event(), RouteSocket::Scope::links, [this] { Evaluate(); });
+        routes.emplace(
+            GetBoard().Event(), RouteSocket::Scope::links, [this] { Evaluate(); },
+            [this](const std::string& why) { Lost(why); });
     } catch (const std::system_error& error) {
         Lost(error.what());
     }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <system_error>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -20,8 +21,11 @@ namespace binding {
 
 namespace {
 
-/// After this time, in microseconds, a list that the kernel has refused is asked for again.
-constexpr std::uint64_t kRetry = 10'000'000;
+/// To list all takes long when there is much, so there is a pause before it is done again.
+constexpr std::chrono::seconds kPause{1};
+
+/// After so many datagrams, others have their turn.
+constexpr int kMostAtOnce = 256;
 
 /// A part of a list fills a page, and up to 32 KiB where pages are larger.
 using Buffer = std::array<std::byte, 32768>;
@@ -87,27 +91,40 @@ void AddTo(NetworkTable& table, const List& list) {
 
 }  // namespace
 
-RouteSocket::RouteSocket(sd_event* newEvent, Scope newScope, std::function<void()> newChanged)
+RouteSocket::RouteSocket(sd_event* newEvent, Scope newScope, std::function<void()> newChanged,
+                         std::function<void(const std::string&)> newFailed)
     : event(newEvent),
       scope(newScope),
       changed(std::move(newChanged)),
+      failed(std::move(newFailed)),
       changes(OpenNetlink(NETLINK_ROUTE, Groups(newScope))) {
     incoming.WatchDescriptor(event, changes.Number(), EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
-    renewal.Defer(event, [this] { Renew(); });
+    RenewAfter({});
+}
+
+void RouteSocket::RenewAfter(std::chrono::microseconds pause) {
+    renewal.After(event, static_cast<std::uint64_t>(pause.count()), 0, [this] { Renew(); });
 }
 
 void RouteSocket::Renew() {
-    renewal.After(event, kRetry, kRetry / 10, [this] { Renew(); });
-    NetworkTable listed;
-    AddTo(listed, {RTM_GETLINK, AF_UNSPEC});
-    if (scope == Scope::linksAndNeighbours) {
-        AddTo(listed, {RTM_GETNEIGH, AF_UNSPEC});
-        AddTo(listed, {RTM_GETNEIGH, AF_BRIDGE});
+    try {
+        NetworkTable listed;
+        AddTo(listed, {RTM_GETLINK, AF_UNSPEC});
+        if (scope == Scope::linksAndNeighbours) {
+            AddTo(listed, {RTM_GETNEIGH, AF_UNSPEC});
+            AddTo(listed, {RTM_GETNEIGH, AF_BRIDGE});
+        }
+        table = std::move(listed);
+        complete = true;
+    } catch (const std::system_error& error) {
+        // Changes alone do not tell who is there.
+        complete = false;
+        RenewAfter(kPause);
+        failed(error.what());
+        return;
     }
-    renewal.Reset();
-    table = std::move(listed);
-    complete = true;
+    listedAt = std::chrono::steady_clock::now();
     changed();
 }
 
@@ -115,7 +132,7 @@ void RouteSocket::Receive() {
     Buffer buffer{};
     bool isChanged = false;
     bool isLost = false;
-    while (true) {
+    for (int count = 0; count < kMostAtOnce; ++count) {
         const ssize_t size = ReceiveFromKernel(changes.Number(), buffer.data(), buffer.size());
         if (size == kMessagesLost) {
             isLost = true;
@@ -128,10 +145,14 @@ void RouteSocket::Receive() {
             isChanged = table.Apply(message, std::chrono::steady_clock::now()) || isChanged;
         }
     }
-    if (isLost || table.HasRoomAgain()) {
+    if ((isLost || table.HasRoomAgain()) && !renewal.IsArmed()) {
         // What got lost cannot be told. A change that comes after it has been listed does no harm.
-        Renew();
-    } else if (isChanged && complete) {
+        const auto since = std::chrono::steady_clock::now() - listedAt;
+        RenewAfter(since < kPause
+                       ? std::chrono::duration_cast<std::chrono::microseconds>(kPause - since)
+                       : std::chrono::microseconds(0));
+    }
+    if (isChanged && complete) {
         changed();
     }
 }

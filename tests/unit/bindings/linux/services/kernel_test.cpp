@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <chrono>
@@ -10,9 +11,15 @@
 #include <cstring>
 #include <thread>
 
+#include "bindings/linux/event.h"
 #include "bindings/linux/network/client_list.h"
+#include "bindings/linux/network/route_socket.h"
 #include "bindings/posix/files/file_io.h"
 #include "tests/unit/bindings/linux/services/service_test.h"
+
+// In sanitized programs only.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): its name there
+extern "C" [[gnu::weak]] void __asan_init();
 
 namespace {
 
@@ -155,6 +162,37 @@ TEST_F(Kernel, TellsBehindWhichPortOfTheBridgeAClientIs) {
         EXPECT_TRUE(
             WaitFor([this](const Device&) { return AddressOf("02:11:22:33:44:55") == "none"; }));
     });
+}
+
+TEST(RouteSocket, TellsWhyItCannotListAndListsLater) {
+    if (__asan_init != nullptr) {
+        GTEST_SKIP()
+            << "the sanitizer takes an exception for a wrong object if it can open no file";
+    }
+    sd_event* made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const binding::EventPointer event(made);
+    std::string problem;
+    bool isListed = false;
+    const binding::RouteSocket routes(
+        event.get(), binding::RouteSocket::Scope::links, [&] { isListed = true; },
+        [&](const std::string& why) { problem = why; });
+    const auto run = [&](const auto& until) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!until() && std::chrono::steady_clock::now() < end) {
+            ASSERT_GE(sd_event_run(event.get(), 100'000), 0);
+        }
+    };
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    run([&] { return !problem.empty(); });
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(problem, "netlink: socket: Too many open files");
+    EXPECT_FALSE(isListed);
+    run([&] { return isListed; });
+    EXPECT_NE(routes.Table().FindLink("lo"), nullptr);
 }
 
 TEST_F(Kernel, TellsOfABatteryAtOnce) {
