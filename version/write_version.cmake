@@ -1,6 +1,7 @@
 # Writes FILE, which contains VERSION and the commit that is checked out in FOLDER, and SOURCE, from
 # version.cpp.in, with the same text. Without GIT, or where FOLDER is not the top of a repository, such
-# as in an archive that was unpacked inside another repository, the version names no commit.
+# as in an archive that was unpacked inside another repository, the commit is what git archive has written
+# into FOLDER/version/commit; if it has written nothing, the version names no commit.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -8,6 +9,7 @@ cmake_minimum_required(VERSION 3.25)
 # locks, it does not write to the repository.
 set(command ${git} --no-optional-locks -c safe.directory=${folder} -C ${folder})
 
+set(commit "")
 if(git)
     # Variables such as GIT_DIR would lead to another repository than that of the folder.
     execute_process(COMMAND ${git} rev-parse --local-env-vars OUTPUT_VARIABLE names)
@@ -26,8 +28,17 @@ if(git)
         if(changes)
             string(APPEND commit "-dirty")
         endif()
-        string(APPEND version " (${commit})")
     endif()
+endif()
+if(NOT commit AND EXISTS ${folder}/version/commit)
+    file(READ ${folder}/version/commit told)
+    # As it is in the repository, the file holds no commit but the place for one.
+    if(told MATCHES "^([0-9a-f]+)\n$")
+        string(SUBSTRING ${CMAKE_MATCH_1} 0 12 commit)
+    endif()
+endif()
+if(commit)
+    string(APPEND version " (${commit})")
 endif()
 # Neither touches its file if the contents would be the same.
 file(CONFIGURE OUTPUT ${file} CONTENT "@version@" @ONLY)

@@ -3,6 +3,7 @@
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 
 import pytest
@@ -130,3 +131,20 @@ def test_without_its_own_repository_a_build_has_no_commit(tree, work):
     (work / "outside").mkdir()
     assert write(work / "outside", work / "version.cpp") == "1.2.3"
     assert write(tree, work / "version.cpp", tool="") == "1.2.3"
+
+
+def test_an_archive_of_a_commit_tells_the_commit(tree, work):
+    """As tar has unpacked it, in no repository or inside another one."""
+    (tree / "version").mkdir()
+    shutil.copy(SCRIPT.with_name("commit"), tree / "version" / "commit")
+    shutil.copy(paths.ROOT / ".gitattributes", tree)
+    git(tree, "add", ".")
+    commit(tree)
+    expected = write(tree, work / "version.cpp")
+    assert write(tree, work / "version.cpp", tool="") == "1.2.3"
+    git(tree, "archive", f"--output={work}/archive.tar", "HEAD")
+    for folder in (work / "unpacked", tree / "unpacked"):
+        folder.mkdir()
+        run("tar", "-xf", work / "archive.tar", "-C", folder)
+        assert write(folder, work / "version.cpp") == expected
+        assert write(folder, work / "version.cpp", tool="") == expected
