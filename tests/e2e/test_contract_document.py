@@ -1,6 +1,8 @@
 """The contract, docs/api/openapi.yaml, is well formed and complete, and its examples are valid."""
 
 import jsonschema
+import pytest
+import yaml
 
 from support import paths
 from support.contract import (
@@ -170,6 +172,11 @@ def test_no_object_of_an_answer_allows_further_keys():
         assert SCHEMAS[name]["additionalProperties"] is False
 
 
-def test_the_contract_has_the_version_of_the_service():
-    version = CONTRACT["info"]["version"]
+@pytest.mark.parametrize("name", ["openapi.yaml", "control.yaml"])
+def test_a_built_document_has_the_version_of_the_service(name):
+    built = yaml.safe_load((paths.BUILD / "docs" / "api" / name).read_text())
+    source = yaml.safe_load((paths.ROOT / "docs" / "api" / name).read_text())
+    version = built["info"]["version"]
     assert f"CMAKE_PROJECT_VERSION:STATIC={version}\n" in (paths.BUILD / "CMakeCache.txt").read_text()
+    source["info"]["version"] = version
+    assert built == source
