@@ -22,6 +22,18 @@ void Check(int result, const char* what) {
     }
 }
 
+sd_event_source* Timer(sd_event* event, std::uint64_t microseconds, std::uint64_t accuracy,
+                       sd_event_time_handler_t callback, void* owner) {
+    // sd_event_add_time_relative does both, but older releases of libelogind do not have it.
+    std::uint64_t now = 0;
+    Check(sd_event_now(event, CLOCK_MONOTONIC, &now), "event loop: clock");
+    sd_event_source* timer = nullptr;
+    Check(sd_event_add_time(event, &timer, CLOCK_MONOTONIC, now + microseconds, accuracy, callback,
+                            owner),
+          "event loop: timer");
+    return timer;
+}
+
 template <typename Call>
 int Guard(Call call) {
     try {
@@ -80,9 +92,7 @@ void EventSource::After(sd_event* event, std::uint64_t microseconds, std::uint64
                         std::function<void()> callback) {
     Reset();
     onTime = std::move(callback);
-    Check(sd_event_add_time_relative(event, &source, CLOCK_MONOTONIC, microseconds, accuracy,
-                                     Callbacks::OnTime, this),
-          "event loop: timer");
+    source = Timer(event, microseconds, accuracy, Callbacks::OnTime, this);
 }
 
 void EventSource::Defer(sd_event* event, std::function<void()> callback) {
@@ -91,9 +101,7 @@ void EventSource::Defer(sd_event* event, std::function<void()> callback) {
     Check(sd_event_add_defer(event, &source, Callbacks::OnDefer, this), "event loop: deferred");
     Check(sd_event_source_set_priority(source, SD_EVENT_PRIORITY_NORMAL + 1),
           "event loop: priority");
-    Check(sd_event_add_time_relative(event, &deferralEnd, CLOCK_MONOTONIC, kLongestDeferral, 0,
-                                     Callbacks::OnDeferralEnd, this),
-          "event loop: timer");
+    deferralEnd = Timer(event, kLongestDeferral, 0, Callbacks::OnDeferralEnd, this);
 }
 
 void EventSource::WatchFolder(sd_event* event, const char* path, std::uint32_t mask,
