@@ -5,6 +5,7 @@
 #include <span>
 
 #include "bindings/device/calls.h"
+#include "bindings/device/locale_check.h"
 #include "bindings/device/seen_call.h"
 
 using binding::Answer;
@@ -111,8 +112,13 @@ int webui_get_external_uri_data(const char* uriId, webui_external_uri_data_t* da
 }
 
 int webui_get_i18n_settings(webui_i18n_settings_t* settings) {
-    return AnswerOne("webui_get_i18n_settings", {}, settings,
-                     [&](const Device& device) { return Deliver(device.i18nSettings, settings); });
+    const int status =
+        AnswerOne("webui_get_i18n_settings", {}, settings,
+                  [&](const Device& device) { return Deliver(device.i18nSettings, settings); });
+    if (status == WEBUI_SUCCESS) {
+        binding::CheckLocale(*settings);
+    }
+    return status;
 }
 
 int webui_get_software_update_status(webui_software_update_status_t* status) {

@@ -12,6 +12,7 @@ COUNT_ONE = "01000000"
 # Length of a record.
 RECORD = 464
 
+NO_LOCALE = "the machine has no locale {}: texts stay in the language before it, or untranslated"
 LOGIN = " You may be asked to log in."
 
 
@@ -91,7 +92,30 @@ def test_a_language_that_the_device_does_not_know_changes_nothing(responder):
     responder.device.speak("fr_FR")
     assert notifications(responder) == [unread("fr_FR")]
     responder.device.speak("tlh_AQ")
-    assert notifications(responder) == [unread("fr_FR")]
+    for _ in range(2):
+        assert notifications(responder) == [unread("fr_FR")]
+    assert responder.log.count(NO_LOCALE.format("tlh_AQ")) == 1
+    responder.device.speak("de_DE")
+    assert notifications(responder) == [unread("de_DE")]
+    responder.device.speak("tlh_FR")
+    assert notifications(responder) == [unread("de_DE")]
+    assert responder.log.count(NO_LOCALE.format("tlh_FR")) == 1
+    assert responder.log.count(NO_LOCALE.partition("{}")[0]) == 2
+
+
+def test_on_a_machine_without_locales_texts_are_ids_and_the_log_says_why(make_responder, work):
+    responder = make_responder()
+    responder.environment["LOCPATH"] = str(work)
+    responder.start()
+    publish(responder, [notification("sms_received")])
+    for language in ("en_US", "de_DE"):
+        responder.device.speak(language)
+        (told,) = notifications(responder)
+        assert (told["title"], told["label"]) == (
+            "notification_sms_received_title",
+            "notification_category_messaging_label",
+        )
+        assert responder.log.count(NO_LOCALE.format(language)) == 1
 
 
 def test_language_settings_that_fail_give_english(responder):
