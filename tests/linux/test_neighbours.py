@@ -230,6 +230,21 @@ def test_rauc_installs_an_update_and_another_fails(lab):
 
 
 @needs_root
+@needs_root
+def test_an_update_during_which_rauc_is_killed_has_failed(lab):
+    lab.start_update()
+    lab.start_service()
+    lab.update.hold()
+    lab.update.install(lab.update.bundle())
+    lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLING)
+    lab.update.kill()
+    wait_until(lambda: lab.service.said()["rauc: lost: RAUC is gone"] == 1, "the service has noticed", 10)
+    lab.update.let_go()
+    lab.update.start()
+    lab.service.shows(StatusBarSoftwareUpdateStatus=FAILED)
+    lab.service.notifies("softwareUpdateFailure")
+
+
 def test_swupdate_installs_an_update_and_another_fails(lab):
     lab.start_swupdate()
     installs_and_fails(lab, lab.swupdate)

@@ -36,7 +36,20 @@ UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& insta
         state.status = UpdateStatus::installed;
         state.percent = 100;
         state.version = before.version;
+    } else if (before.status == UpdateStatus::failed) {
+        // A RAUC that has started since does not know why.
+        state = before;
     }
+    return state;
+}
+
+UpdateState RaucStateAfterItsEnd(const UpdateState& before) {
+    if (before.status != UpdateStatus::installing) {
+        return before;
+    }
+    UpdateState state;
+    state.status = UpdateStatus::failed;
+    state.problem = "RAUC has ended during the installation";
     return state;
 }
 

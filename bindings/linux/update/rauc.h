@@ -10,8 +10,12 @@ namespace binding {
 
 /// What follows from RAUC's properties (of de.pengutronix.rauc.Installer) and @p before, the state
 /// that followed from the properties before. RAUC itself does not remember that an installation has
-/// succeeded.
+/// succeeded, nor, when it is started anew, that one has failed.
 UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& installer);
+
+/// What follows from @p before when RAUC has left the bus: an installation during which it ends is
+/// not done, and nobody goes on with it. RAUC itself remembers nothing of it, either.
+UpdateState RaucStateAfterItsEnd(const UpdateState& before);
 
 /// The version that was installed last; empty when RAUC does not know. @p slots is what RAUC's
 /// GetSlotStatus returns: a list of the slots' names and properties.

@@ -42,6 +42,8 @@ void RaucSource::Evaluate() {
         case Presence::reading:
             break;
         case Presence::absent:
+            state = RaucStateAfterItsEnd(state);
+            slots.reset();
             if (GetState() == State::unknown || GetState() == State::absent) {
                 Absent();
             } else {

@@ -119,6 +119,9 @@ void SwupdateProgress::TakeMessages() {
 void SwupdateProgress::Restart() {
     begun.clear();
     greeted = false;
+    if (state.status == UpdateStatus::downloading || state.status == UpdateStatus::installing) {
+        state = UpdateState();
+    }
 }
 
 bool SwupdateProgress::Take(std::span<const std::byte> bytes) {

@@ -16,8 +16,9 @@ class SwupdateProgress {
     /// Takes bytes over. Returns whether the state has changed.
     bool Read(std::span<const std::byte> bytes);
 
-    /// Forgets the begun message, because the connection is a new one. The state stays: SWUpdate
-    /// ends after an update, too.
+    /// Forgets the begun message, because the connection is a new one, and what was under way: an
+    /// SWUpdate that has been killed does not go on with it, and one that still runs tells of it
+    /// with its next message. A result stays: SWUpdate ends after an update, too.
     void Restart();
 
     /// What was wrong with the messages read last; empty when nothing was.

@@ -45,6 +45,27 @@ TEST(Rauc, TellsThatTheLastInstallationFailed) {
               UpdateStatus::installing);
 }
 
+TEST(Rauc, ThatEndsWhileItInstallsHasFailedUntilTheNextInstallation) {
+    const auto installing = binding::NextRaucState({}, Installer("installing", "", 40));
+    auto state = binding::RaucStateAfterItsEnd(installing);
+    EXPECT_EQ(state.status, UpdateStatus::failed);
+    EXPECT_EQ(state.problem, "RAUC has ended during the installation");
+    // One that has just started knows nothing of it.
+    state = binding::NextRaucState(state, Installer("idle", ""));
+    EXPECT_EQ(state.status, UpdateStatus::failed);
+    EXPECT_EQ(state.problem, "RAUC has ended during the installation");
+    state = binding::NextRaucState(state, Installer("installing", ""));
+    EXPECT_EQ(state.status, UpdateStatus::installing);
+    EXPECT_EQ(state.problem, "");
+}
+
+TEST(Rauc, ThatEndsAfterAnInstallationLeavesItsResult) {
+    const auto installing = binding::NextRaucState({}, Installer("installing", ""));
+    const auto installed = binding::NextRaucState(installing, Installer("idle", ""));
+    EXPECT_EQ(binding::RaucStateAfterItsEnd(installed), installed);
+    EXPECT_EQ(binding::RaucStateAfterItsEnd({}), binding::UpdateState());
+}
+
 TEST(Rauc, WhoseValuesHaveOtherTypesIsInNoState) {
     for (const json& installer :
          {json(), json::array(), json({{"Operation", 7}, {"LastError", nullptr}})}) {

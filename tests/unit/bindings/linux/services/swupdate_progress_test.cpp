@@ -115,6 +115,22 @@ TEST(SwupdateProgress, ANewConnectionBeginsWithAWholeMessage) {
     EXPECT_EQ(progress.State().status, UpdateStatus::installed);
 }
 
+TEST(SwupdateProgress, ANewConnectionKeepsResultsAndNothingThatWasUnderWay) {
+    for (const std::uint32_t underWay : {2U, 5U}) {
+        binding::SwupdateProgress progress;
+        progress.Read(Message({.status = underWay}));
+        progress.Restart();
+        EXPECT_EQ(progress.State(), binding::UpdateState()) << underWay;
+    }
+    for (const std::uint32_t result : {3U, 4U}) {
+        binding::SwupdateProgress progress;
+        progress.Read(Message({.status = result}));
+        const binding::UpdateState before = progress.State();
+        progress.Restart();
+        EXPECT_EQ(progress.State(), before) << result;
+    }
+}
+
 TEST(SwupdateProgress, AnUnknownStateIsAProblemAndTheNextMessageIsRead) {
     binding::SwupdateProgress progress;
     EXPECT_FALSE(progress.Read(Message({.status = 77})));

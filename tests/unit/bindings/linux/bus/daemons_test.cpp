@@ -1,0 +1,60 @@
+// Sources beside the modem, whose daemons on the bus are the test.
+#include <gtest/gtest.h>
+
+#include "bindings/device/codes.h"
+#include "tests/unit/bindings/linux/bus/fake_bus.h"
+#include "tests/unit/bindings/linux/services/service_test.h"
+
+namespace {
+
+using binding::Device;
+
+class BoardOnABus : public ServiceTest {
+  protected:
+    BoardOnABus() : bus(directory / "bus") {
+        bus.Listen();
+        daemons.emplace_back([this] { bus.Serve(); });
+    }
+
+    FakeBus bus;
+};
+
+class BoardWithRauc : public BoardOnABus {
+  protected:
+    static constexpr const char* kRauc = "de.pengutronix.rauc";
+
+    BoardWithRauc() {
+        bus.owners[kRauc] = ":1.7";
+        Does("idle");
+    }
+
+    void Does(const char* operation) {
+        bus.properties["/ de.pengutronix.rauc.Installer"] = {
+            Property("Operation", "s", operation), Property("LastError", "s", ""),
+            Property("Progress", "(isi)", 40, "Installing", 1)};
+    }
+
+    bool WaitForUpdate(int status) {
+        return WaitFor([status](const Device& now) {
+            return now.softwareUpdateStatus.error == 0 &&
+                   now.softwareUpdateStatus.value.status == status;
+        });
+    }
+};
+
+TEST_F(BoardWithRauc, UpdateDuringWhichItWasKilledHasFailed) {
+    constexpr int kInstalling = 7;
+    constexpr int kFailed = 9;
+    Does("installing");
+    Begin();
+    ASSERT_TRUE(WaitForUpdate(kInstalling));
+    bus.ChangeOwner(kRauc, "");
+    ASSERT_TRUE(WaitFor(
+        [](const Device& now) { return now.softwareUpdateStatus.error == binding::kSourceLost; }));
+    Does("idle");
+    bus.ChangeOwner(kRauc, ":1.8");
+    ASSERT_TRUE(WaitFor([](const Device& now) { return now.softwareUpdateStatus.error == 0; }));
+    EXPECT_EQ(board->Newest()->softwareUpdateStatus.value.status, kFailed);
+}
+
+}  // namespace
