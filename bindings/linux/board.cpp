@@ -2,7 +2,6 @@
 
 #include <sys/eventfd.h>
 #include <sys/inotify.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -30,16 +29,25 @@ constexpr std::chrono::seconds kFinishLimit{1};
 /// Nobody waits for the end of another program, as the service manager does for the service's.
 constexpr std::chrono::seconds kToolFinishLimit{30};
 
-/// All signals are for the threads of the product, but for those that a thread raises by its own
-/// fault.
-void BlockSignals() {
-    sigset_t signals;
-    sigfillset(&signals);
-    for (const int fault : {SIGILL, SIGABRT, SIGBUS, SIGFPE, SIGSEGV}) {
-        sigdelset(&signals, fault);
+/// Blocks signals in the calling thread for as long as it lives. All signals are for the threads of
+/// the product, but for those that a thread raises by its own fault.
+class BlockedSignals {
+  public:
+    BlockedSignals() {
+        sigset_t signals;
+        sigfillset(&signals);
+        for (const int fault : {SIGILL, SIGABRT, SIGBUS, SIGFPE, SIGSEGV}) {
+            sigdelset(&signals, fault);
+        }
+        pthread_sigmask(SIG_BLOCK, &signals, &before);
     }
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-}
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+
+  private:
+    sigset_t before{};
+};
 
 sd_event* NewEvent() {
     sd_event* event = nullptr;
@@ -74,22 +82,18 @@ Board::Board(SourceFactory newFactory, std::chrono::microseconds newRenewalLimit
       isService(ReportPath() != nullptr),
       event(NewEvent()),
       wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (wakeUpDescriptor < 0) {
+    if (wakeUpDescriptor.Number() < 0) {
         ThrowSystemError("event loop: eventfd");
     }
     // A thread starts with the mask of the one that starts it.
-    sigset_t before;
-    pthread_sigmask(SIG_SETMASK, nullptr, &before);
-    BlockSignals();
+    const BlockedSignals blocked;
     thread = std::thread([this] { Run(); });
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 Board::~Board() {
     ending = true;
     WakeUp();
     thread.join();
-    (void)close(wakeUpDescriptor);
 }
 
 std::shared_ptr<const Device> Board::Newest() {
@@ -111,7 +115,7 @@ int Board::Ask(DataRequest request) {
 }
 
 void Board::WakeUp() {
-    (void)eventfd_write(wakeUpDescriptor, 1);
+    (void)eventfd_write(wakeUpDescriptor.Number(), 1);
 }
 
 void Board::Changed() {
@@ -190,10 +194,10 @@ void Board::PublishFailure() {
 }
 
 void Board::Loop() {
-    wakeUp.WatchDescriptor(event.get(), wakeUpDescriptor, EPOLLIN,
+    wakeUp.WatchDescriptor(event.get(), wakeUpDescriptor.Number(), EPOLLIN,
                            [this](std::uint32_t /*events*/) {
                                eventfd_t count = 0;
-                               (void)eventfd_read(wakeUpDescriptor, &count);
+                               (void)eventfd_read(wakeUpDescriptor.Number(), &count);
                                if (hasCounted.exchange(false)) {
                                    Changed();
                                }

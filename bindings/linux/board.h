@@ -23,6 +23,7 @@
 #include "bindings/linux/source.h"
 #include "bindings/linux/traffic.h"
 
+#include "bindings/posix/files/file_io.h"
 namespace binding {
 
 /// What can start and end the data call. All is called on the board's thread, and returns at once.
@@ -135,7 +136,7 @@ class Board {
     Notifications notifications;
 
     // Shared.
-    int wakeUpDescriptor = -1;
+    FileDescriptor wakeUpDescriptor;
     std::atomic<bool> ending = false;
     /// Whether notifications depend on the traffic.
     std::atomic<bool> hasPlan = false;

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -12,9 +13,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
+#include <iterator>
 #include <new>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -478,6 +482,50 @@ TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFailUntilItHasStar
     OnBoard([this] { source->Say(SYS_GPS_GOT_FIX); });
     AwaitStatus(SYS_GPS_GOT_FIX);
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: ")));
+}
+
+/// While it lives, no thread can be started.
+class NoThreads {
+  public:
+    NoThreads() {
+        EXPECT_EQ(pthread_getattr_default_np(&before), 0);
+        pthread_attr_t huge = {};
+        EXPECT_EQ(pthread_attr_init(&huge), 0);
+        // More than any machine has addresses for.
+        EXPECT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 60U), 0);
+        EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
+        EXPECT_EQ(pthread_attr_destroy(&huge), 0);
+    }
+    ~NoThreads() {
+        EXPECT_EQ(pthread_setattr_default_np(&before), 0);
+        EXPECT_EQ(pthread_attr_destroy(&before), 0);
+    }
+    NoThreads(const NoThreads&) = delete;
+    NoThreads& operator=(const NoThreads&) = delete;
+
+  private:
+    pthread_attr_t before = {};
+};
+
+TEST_F(BoardOfOneSource, WithoutAThreadTheBoardLeavesNothingBehind) {
+    const auto openFiles = [] {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return std::distance(begin(files), end(files));
+    };
+    const auto isBlocked = [] {
+        sigset_t blocked;
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        return sigismember(&blocked, SIGTERM) == 1;
+    };
+    const auto before = openFiles();
+    {
+        const NoThreads noThreads;
+        EXPECT_THROW(Begin(), std::system_error);
+    }
+    // Those of the tasks that the test has for the board's thread.
+    tasks.reset();
+    EXPECT_EQ(openFiles(), before);
+    EXPECT_FALSE(isBlocked());
 }
 
 TEST_F(BoardOfOneSource, ShortageWhileItsLoopBreaksLeavesTheLastAnswersUntilItHasStartedAnew) {
