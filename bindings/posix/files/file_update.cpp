@@ -5,9 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -42,10 +43,9 @@ class LockedDirectory {
 /// A new file that replaces the target. If an error prevents that, the destructor removes it.
 class Replacement {
   public:
-    explicit Replacement(const std::filesystem::path& newTarget)
-        : target(newTarget),
-          name(newTarget.parent_path() / ("." + newTarget.filename().string() + ".XXXXXX")),
-          file(mkostemp(name.data(), O_CLOEXEC)) {
+    /// The umask takes from @p mode what it takes from that of any new file.
+    Replacement(const std::filesystem::path& newTarget, mode_t mode)
+        : target(newTarget), file(Create(newTarget, mode, name)) {
         if (file.Number() < 0) {
             ThrowSystemError(name);
         }
@@ -81,17 +81,6 @@ class Replacement {
         }
     }
 
-    /// Gives the file the mode that the umask leaves to a new file; mkostemp made it private.
-    void UseDefaultMode() const {
-        // The umask can only be read by setting it. Meanwhile it is the strictest one, so that no
-        // file is created with too many rights.
-        const mode_t mask = umask(0777);
-        (void)umask(mask);
-        if (fchmod(file.Number(), 0666U & ~mask) != 0) {
-            ThrowSystemError(name);
-        }
-    }
-
     /// Writes the new contents to disk, so that they are there when the name is.
     void Synchronise() const {
         if (fsync(file.Number()) != 0) {
@@ -107,6 +96,22 @@ class Replacement {
     }
 
   private:
+    /// Makes a file with a name of its own beside @p target, and returns its descriptor.
+    static int Create(const std::filesystem::path& target, mode_t mode, std::string& name) {
+        // Not mkostemp, whose files are private: to give them another mode, one has to know the
+        // umask, which only a change of it tells, for all threads.
+        static std::atomic<unsigned int> count = 0;
+        const std::string begin = target.parent_path() / ("." + target.filename().string() + "." +
+                                                          std::to_string(getpid()) + ".");
+        int descriptor = -1;
+        do {
+            name = begin + std::to_string(count++);
+            descriptor = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+            // A process that was killed and had the same number has left its file behind.
+        } while (descriptor < 0 && errno == EEXIST);
+        return descriptor;
+    }
+
     std::filesystem::path target;
     std::string name;
     FileDescriptor file;
@@ -133,12 +138,11 @@ bool Replace(const std::filesystem::path& target, MissingFile missing,
     if (exists && after == before) {
         return false;
     }
-    Replacement replacement(target);
+    const bool isForAll = !exists && missing == MissingFile::createdForAll;
+    Replacement replacement(target, isForAll ? 0666 : 0600);
     replacement.Write(after);
     if (exists) {
         replacement.CopyOwnerAndMode(original);
-    } else if (missing == MissingFile::createdForAll) {
-        replacement.UseDefaultMode();
     }
     if (synchronised) {
         replacement.Synchronise();

@@ -2,9 +2,11 @@
 #include "bindings/posix/files/file_update.h"
 
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -13,8 +15,21 @@
 
 namespace {
 
+std::atomic<int> umaskCalls = 0;
+
+}  // namespace
+
+/// Takes the place of the C library's, to count its calls.
+extern "C" mode_t umask(mode_t mask) noexcept {
+    ++umaskCalls;
+    return static_cast<mode_t>(syscall(SYS_umask, mask));
+}
+
+namespace {
+
 using binding::MissingFile;
 using binding::UpdateFile;
+using binding::UpdateFileAtOnce;
 
 class FileUpdate : public SimulatedDevice {
   protected:
@@ -65,6 +80,22 @@ TEST_F(FileUpdate, CreatesAFileForItsOwnerOnly) {
     });
     EXPECT_EQ(ReadFile(device), "new");
     EXPECT_EQ(Mode(device), 0600U);
+}
+
+TEST_F(FileUpdate, CreatesAFileForAllAsTheUmaskAllows) {
+    for (const mode_t mask : {022U, 027U}) {
+        std::filesystem::remove(device);
+        const mode_t before = umask(mask);
+        UpdateFile(device, MissingFile::createdForAll, [](const auto&) { return "new"; });
+        (void)umask(before);
+        EXPECT_EQ(Mode(device), 0666U & ~mask);
+    }
+}
+
+TEST_F(FileUpdate, NeverChangesTheUmaskWhichAllThreadsShare) {
+    umaskCalls = 0;
+    UpdateFileAtOnce(device, MissingFile::createdForAll, [](const auto&) { return "new"; });
+    EXPECT_EQ(umaskCalls, 0);
 }
 
 TEST_F(FileUpdate, FailsWithoutAFileWhenThereMustBeOne) {
