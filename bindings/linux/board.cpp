@@ -325,7 +325,6 @@ void Board::RenewSources() {
 }
 
 void Board::MakeSources() {
-    SetTraffic(std::nullopt);
     dataCall = nullptr;
     sources.clear();
     sources = factory(*this);

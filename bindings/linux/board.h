@@ -90,6 +90,8 @@ class Board {
     /// counters, which are read again when a request asks for that snapshot.
     void SetTraffic(const std::optional<TrafficMeter::Connection>& newConnection);
 
+    /// What has been said of it last, also by sources of settings before.
+    const std::optional<TrafficMeter::Connection>& Traffic() const { return connection; }
   private:
     int Ask(DataRequest request);
     void WakeUp();

@@ -12,7 +12,9 @@ namespace binding {
 /// the bearer has counted stands; where that counts nothing either, the board still counts seconds.
 class TrafficFollower {
   public:
-    explicit TrafficFollower(Board& newBoard) : board(newBoard) {}
+    /// A call goes on while the board's settings change, and its figures do.
+    explicit TrafficFollower(Board& newBoard)
+        : board(newBoard), interface(board.Traffic() ? board.Traffic()->interface : "") {}
 
     /// @p managerInterface is the interface that NetworkManager names: a modem that dials has a
     /// serial port instead of one, and only whoever dials knows the interface.

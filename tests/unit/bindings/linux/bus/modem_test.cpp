@@ -204,6 +204,32 @@ TEST_F(BoardWithAModem, ProgramThatOnlyReadsRemembersNothing) {
     EXPECT_EQ(ReadFile(Memory()), kWritten);
 }
 
+TEST_F(BoardWithAModem, OtherSettingsLeaveTheFiguresOfACallThatGoesOn) {
+    settings["checkSeconds"] = 60;
+    Connected();
+    auto& bearer = bus.properties[kBearer + std::string(" ") + kBearerInterface];
+    bearer.push_back(Property("Interface", "s", "lo"));
+    const auto lasts = [](std::uint32_t seconds) {
+        return Property("Stats", "a{sv}", 1, "duration", "u", seconds);
+    };
+    bearer.push_back(lasts(90));
+    StartModemManager();
+    Begin();
+    const auto duration = [](const Device& now) {
+        return now.getCellularDataConnectionStats.value.duration;
+    };
+    ASSERT_TRUE(WaitFor([&](const Device& now) { return duration(now) >= 90; }));
+    // ModemManager tells this now and then only.
+    bearer.back() = lasts(10);
+    settings["apn"] = "internet";
+    Document(nlohmann::json{{"linux", settings}, {"sys", {{"getSMSUnreadCount", 7}}}}.dump());
+    ASSERT_TRUE(WaitFor([](const Device& now) { return now.getSMSUnreadCount.value == 7; }));
+    ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    EXPECT_GE(duration(*board->Newest()), 90U);
+    TellReady();
+    EXPECT_TRUE(WaitFor([&](const Device& now) { return duration(now) == 0; }));
+}
+
 TEST_F(BoardWithAModem, DataIsSwitchedOffAlsoWhileSomebodyLocksTheFolder) {
     Connected();
     StartModemManager();
