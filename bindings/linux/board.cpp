@@ -180,17 +180,25 @@ void Board::GiveUp() noexcept {
     }
 }
 
-void Board::PublishFailure() {
+void Board::NoteFailure() {
+    if (sources.empty()) {
+        return;
+    }
     Device device = AbsentDevice();
     for (const auto& source : sources) {
         source->Recall(device);
         source->Fail(device, kSourceLost);
     }
-    snapshots.Publish(std::move(device), {.document = document.device,
-                                          .outlook = {kNothingToConnect},
-                                          .connection = std::nullopt,
-                                          .isComplete = true,
-                                          .finish = {}});
+    failure = std::move(device);
+}
+
+void Board::PublishFailure() {
+    NoteFailure();
+    snapshots.Publish(failure.value_or(AbsentDevice()), {.document = document.device,
+                                                         .outlook = {kNothingToConnect},
+                                                         .connection = std::nullopt,
+                                                         .isComplete = true,
+                                                         .finish = {}});
 }
 
 void Board::Loop() {
@@ -221,6 +229,9 @@ void Board::Turn(std::uint64_t limit) {
     const int result = sd_event_run(event.get(), limit);
     if (result < 0) {
         throw std::system_error(-result, std::generic_category(), "event loop");
+    }
+    if (renewalProblem) {
+        std::rethrow_exception(std::exchange(renewalProblem, nullptr));
     }
 }
 
@@ -296,7 +307,13 @@ void Board::ReadDocument() {
     document = std::move(read);
     hasPlan = document.settings.planBytes != 0;
     if (restarts) {
-        RenewSources();
+        try {
+            RenewSources();
+        } catch (const std::exception&) {
+            // What a callback throws does not end the loop, but there are no sources any more.
+            renewalProblem = std::current_exception();
+            return;
+        }
     }
     Changed();
 }
@@ -325,9 +342,11 @@ void Board::RenewSources() {
 }
 
 void Board::MakeSources() {
+    NoteFailure();
     dataCall = nullptr;
     sources.clear();
     sources = factory(*this);
+    failure.reset();
     for (const auto& source : sources) {
         source->Begin();
     }

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,8 +23,8 @@
 #include "bindings/linux/snapshots.h"
 #include "bindings/linux/source.h"
 #include "bindings/linux/traffic.h"
-
 #include "bindings/posix/files/file_io.h"
+
 namespace binding {
 
 /// What can start and end the data call. All is called on the board's thread, and returns at once.
@@ -89,9 +90,9 @@ class Board {
     /// Says which interface carries the data call, or that there is none. The next snapshot has its
     /// counters, which are read again when a request asks for that snapshot.
     void SetTraffic(const std::optional<TrafficMeter::Connection>& newConnection);
-
     /// What has been said of it last, also by sources of settings before.
     const std::optional<TrafficMeter::Connection>& Traffic() const { return connection; }
+
   private:
     int Ask(DataRequest request);
     void WakeUp();
@@ -99,6 +100,7 @@ class Board {
     void Run();
     void RunOnce();
     void GiveUp() noexcept;
+    void NoteFailure();
     void PublishFailure();
     void Loop();
     void Turn(std::uint64_t limit);
@@ -133,6 +135,11 @@ class Board {
     bool startsAnew = false;
     std::string documentProblem;
     Sources sources;
+    /// Why the sources of new settings cannot be made, which ends the loop.
+    std::exception_ptr renewalProblem;
+    /// What is answered when the thread fails while there are no sources: that the calls of those
+    /// before fail.
+    std::optional<Device> failure;
     DataCall* dataCall = nullptr;
     std::optional<TrafficMeter::Connection> connection;
     Notifications notifications;

@@ -96,6 +96,10 @@ class BoardOfOneSource : public SimulatedDevice {
         board = std::make_unique<Board>(
             [this, joined = tasks](Board& owner) {
                 joined->Join(owner.Event());
+                if (failures > 0) {
+                    --failures;
+                    throw std::runtime_error("no sources");
+                }
                 binding::Sources sources;
                 auto made = std::make_unique<TestSource>(owner);
                 source = made.get();
@@ -148,6 +152,8 @@ class BoardOfOneSource : public SimulatedDevice {
     std::unique_ptr<Board> board;
     TestSource* source = nullptr;
     std::atomic<int> madeCount = 0;
+    /// How often the sources cannot be made.
+    std::atomic<int> failures = 0;
 };
 
 TEST_F(BoardOfOneSource, FirstSnapshotHasWhatTheSourceTells) {
@@ -482,6 +488,27 @@ TEST_F(BoardOfOneSource, WhenItsLoopBreaksTheCallsOfTheSourcesFailUntilItHasStar
     OnBoard([this] { source->Say(SYS_GPS_GOT_FIX); });
     AwaitStatus(SYS_GPS_GOT_FIX);
     EXPECT_THAT(Log(), ElementsAre(HasSubstr("the board's thread has failed and starts anew: ")));
+}
+
+TEST_F(BoardOfOneSource, WhenItFailsAgainAtTheRestartTheCallsOfTheSourcesStillFail) {
+    Begin();
+    AwaitStatus(SYS_GPS_SEARCHING);
+    failures = 1;
+    BreakLoop();
+    Await([](const Device& now) { return now.getGPSStatus.error == binding::kSourceLost; });
+    Await([](const Device& now) { return now.getGPSStatus.error == 0; });
+    EXPECT_EQ(GpsStatus().value, SYS_GPS_SEARCHING);
+    EXPECT_EQ(failures, 0);
+}
+
+TEST_F(BoardOfOneSource, WhenTheSourcesOfNewSettingsCannotBeMadeTheCallsFailUntilTheyCan) {
+    Begin();
+    AwaitStatus(SYS_GPS_SEARCHING);
+    failures = 1;
+    Document("{\"linux\": {\"apn\": \"internet\"}}");
+    Await([](const Device& now) { return now.getGPSStatus.error == binding::kSourceLost; });
+    Await([](const Device& now) { return now.getGPSStatus.error == 0; });
+    EXPECT_EQ(GpsStatus().value, SYS_GPS_SEARCHING);
 }
 
 /// While it lives, no thread can be started.
