@@ -1,5 +1,8 @@
 #include "bindings/linux/modem/cell_query.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "bindings/linux/bus/tree.h"
@@ -20,12 +23,14 @@ constexpr std::uint32_t kSignalRate = 5;
 constexpr std::uint64_t kLimit = 120'000'000;
 
 constexpr const char* kUnsupported = "org.freedesktop.ModemManager1.Error.Core.Unsupported";
-constexpr const char* kWrongState = "org.freedesktop.ModemManager1.Error.Core.WrongState";
-constexpr const char* kInProgress = "org.freedesktop.ModemManager1.Error.Core.InProgress";
 
-/// Whether asking again later may help.
-bool MayPass(const BusError& error) {
-    return error.name == kWrongState || error.name == kInProgress || error.IsSilence();
+/// Whether asking again later would not help. A modem that hangs, for instance, fails with one of
+/// many other errors, and may answer a minute later.
+bool IsFinal(const BusError& error) {
+    constexpr std::array<std::string_view, 4> kFinal = {
+        kUnsupported, "org.freedesktop.ModemManager1.Error.Core.Unauthorized",
+        "org.freedesktop.DBus.Error.AccessDenied", "org.freedesktop.DBus.Error.UnknownMethod"};
+    return std::find(kFinal.begin(), kFinal.end(), error.name) != kFinal.end();
 }
 
 /// What changes when the modem goes to another cell, as far as it tells.
@@ -42,13 +47,19 @@ json NetworkOf(const json& object) {
 CellQuery::CellQuery(Bus& newBus, std::function<void()> newChanged)
     : bus(newBus), changed(std::move(newChanged)) {}
 
+void CellQuery::Forget() {
+    cells = nullptr;
+    askedAt = nullptr;
+}
+
 void CellQuery::Update(const json& tree, const std::string& path) {
     if (path != modem) {
         modem = path;
-        cells = nullptr;
-        askedAt = nullptr;
+        Forget();
         cellsUnsupported = false;
+        cellsFailed = false;
         signalSetUp = false;
+        signalFailed = false;
         cellCall.reset();
         signalCall.reset();
     }
@@ -60,14 +71,12 @@ void CellQuery::Update(const json& tree, const std::string& path) {
     if (!state || *state < kModemEnabled) {
         // A modem that is switched on again has forgotten that its signal is to be measured.
         signalSetUp = false;
-        cells = nullptr;
-        askedAt = nullptr;
+        Forget();
         return;
     }
     SetUpSignal(object);
     if (*state < kModemRegistered) {
-        cells = nullptr;
-        askedAt = nullptr;
+        Forget();
         return;
     }
     json network = NetworkOf(object);
@@ -76,6 +85,20 @@ void CellQuery::Update(const json& tree, const std::string& path) {
         askedAt = std::move(network);
         AskForCells();
     }
+}
+
+void CellQuery::Check() {
+    // Not as soon as it has failed: a modem may fail at once, again and again.
+    if (!cellsFailed && !signalFailed) {
+        return;
+    }
+    if (std::exchange(cellsFailed, false)) {
+        askedAt = nullptr;
+    }
+    if (std::exchange(signalFailed, false)) {
+        signalSetUp = false;
+    }
+    changed();
 }
 
 void CellQuery::SetUpSignal(const json& object) {
@@ -89,11 +112,10 @@ void CellQuery::SetUpSignal(const json& object) {
         [](sd_bus_message* message) { return sd_bus_message_append(message, "u", kSignalRate); },
         [this](const json& /*arguments*/, const BusError& error) {
             signalCall.reset();
-            if (!error) {
-                return;
+            if (error) {
+                signalFailed = !IsFinal(error);
+                Note("signal is not measured, only its quality is told", error);
             }
-            signalSetUp = !MayPass(error);
-            Note("signal is not measured, only its quality is told", error);
         },
         kLimit);
 }
@@ -107,7 +129,8 @@ void CellQuery::AskForCells() {
                 cells = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
             } else {
                 cells = nullptr;
-                cellsUnsupported = !MayPass(error);
+                cellsUnsupported = IsFinal(error);
+                cellsFailed = !cellsUnsupported;
                 Note("cells are not told", error);
             }
             changed();

@@ -60,6 +60,7 @@ void ModemSource::Start() {
 void ModemSource::Check() {
     objects.Check();
     connection.Check();
+    cellQuery.Check();
 }
 
 void ModemSource::RefreshSoon() {

@@ -230,6 +230,64 @@ TEST_F(BoardWithAModem, OtherSettingsLeaveTheFiguresOfACallThatGoesOn) {
     EXPECT_TRUE(WaitFor([&](const Device& now) { return duration(now) == 0; }));
 }
 
+/// A modem that measures its signal, and tells its cells.
+class BoardWithCells : public BoardWithAModem {
+  protected:
+    static constexpr const char* kSignal = "org.freedesktop.ModemManager1.Modem.Signal";
+    static constexpr const char* kPing = "/ org.freedesktop.DBus.Peer.Ping";
+
+    /// Starts with a modem that answers so when it is asked for its cells and its signal.
+    void BeginWith(const FakeBus::Answer& answer) {
+        bus.methods[kCells] = answer;
+        bus.methods[kSetup] = answer;
+        StartModemManager();
+        Begin();
+        bus.Signal(kService, "/org/freedesktop/ModemManager1", "org.freedesktop.DBus.ObjectManager",
+                   "InterfacesAdded", [](sd_bus_message* message) {
+                       return sd_bus_message_append(message, "oa{sa{sv}}", kModem, 1, kSignal, 1,
+                                                    "Rate", "u", 0);
+                   });
+    }
+
+    std::ptrdiff_t Asked(const std::string& method) const {
+        return std::count(bus.calls.begin(), bus.calls.end(), method);
+    }
+
+    bool WaitUntilAsked(const std::string& method, int times) {
+        return WaitFor([&, times](const Device& /*now*/) { return Asked(method) >= times; });
+    }
+
+    const std::string kCells = std::string(kModem) + " " + kModemInterface + ".GetCellInfo";
+    const std::string kSetup = std::string(kModem) + " " + kSignal + ".Setup";
+};
+
+TEST_F(BoardWithCells, AreToldAgainWhenTheModemHasHungForAWhile) {
+    BeginWith(Fails("org.freedesktop.ModemManager1.Error.Core.Failed", "no answer"));
+    ASSERT_TRUE(WaitUntilAsked(kCells, 2));
+    ASSERT_TRUE(WaitUntilAsked(kSetup, 2));
+    // Not at once again and again, but with each sign of life.
+    EXPECT_LE(Asked(kCells), Asked(kPing) + 2);
+    EXPECT_LE(Asked(kSetup), Asked(kPing) + 2);
+    EXPECT_EQ(Said("modem").at("cells"), false);
+    bus.methods[kCells] = [](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "aa{sv}", 1, 1, "serving", "b", 1);
+    };
+    bus.methods[kSetup] = [](sd_bus_message* call) { return sd_bus_reply_method_return(call, ""); };
+    EXPECT_TRUE(
+        WaitFor([this](const Device& /*now*/) { return Said("modem").at("cells") == true; }));
+    EXPECT_THAT(Log(), Contains(HasSubstr("cells are not told")).Times(1));
+    EXPECT_THAT(Log(), Contains(HasSubstr("signal is not measured")).Times(1));
+}
+
+TEST_F(BoardWithCells, AreAskedForOnceWhereTheModemHasNone) {
+    BeginWith(Fails("org.freedesktop.ModemManager1.Error.Core.Unsupported", "no"));
+    ASSERT_TRUE(WaitUntilAsked(kCells, 1));
+    ASSERT_TRUE(WaitUntilAsked(kSetup, 1));
+    ASSERT_TRUE(WaitUntilAsked(kPing, 2));
+    EXPECT_EQ(Asked(kCells), 1);
+    EXPECT_EQ(Asked(kSetup), 1);
+}
+
 TEST_F(BoardWithAModem, DataIsSwitchedOffAlsoWhileSomebodyLocksTheFolder) {
     Connected();
     StartModemManager();
