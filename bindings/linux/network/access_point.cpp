@@ -96,7 +96,8 @@ void AccessPoint::SendNext() {
         return;
     }
     if (command == kFirstStation) {
-        stations.clear();
+        listed.emplace();
+        listedCount = 0;
     }
     limit.After(event, place.limit, place.limit / 16, [this] { BecomeSilent(); });
 }
@@ -167,15 +168,24 @@ void AccessPoint::TakeStation(std::string_view reply) {
         if (reply.starts_with("FAIL") && restarts < kMostRestarts) {
             ++restarts;
             commands.emplace_front(kFirstStation);
+        } else {
+            TakeList();
         }
         return;
     }
     const Station& station = told.front();
-    const bool isNew = stations.insert_or_assign(station.mac, station).second;
-    // hostapd tells each station once; if not, the list would have no end.
-    if (isNew && stations.size() < kMostStations) {
+    listed->insert_or_assign(station.mac, station);
+    // A hostapd that tells a station twice would have a list without an end.
+    if (++listedCount < kMostStations) {
         commands.push_front(kNextStation + MacText(station.mac));
+    } else {
+        TakeList();
     }
+}
+
+void AccessPoint::TakeList() {
+    stations = std::move(*listed);
+    listed.reset();
 }
 
 void AccessPoint::TakeEvent(const AccessPointEvent& happened) {
@@ -185,9 +195,15 @@ void AccessPoint::TakeEvent(const AccessPointEvent& happened) {
             if (stations.size() < kMostStations) {
                 stations.insert_or_assign(happened.mac, Station{.mac = happened.mac});
             }
+            if (listed && listed->size() < kMostStations) {
+                listed->insert_or_assign(happened.mac, Station{.mac = happened.mac});
+            }
             break;
         case Kind::stationLeft:
             stations.erase(happened.mac);
+            if (listed) {
+                listed->erase(happened.mac);
+            }
             break;
         case Kind::statusChanged:
             if (commands.size() < 2) {
@@ -221,6 +237,7 @@ void AccessPoint::Forget(Presence newPresence, const std::string& why) {
     limit.Reset();
     commands.clear();
     stations.clear();
+    listed.reset();
     status = {};
     const bool same = presence == newPresence && reason == why;
     presence = newPresence;

@@ -58,6 +58,7 @@ class AccessPoint {
     void TakeReply(std::string_view reply);
     void TakeStatus(std::string_view reply);
     void TakeStation(std::string_view reply);
+    void TakeList();
     void TakeEvent(const AccessPointEvent& happened);
     void Lose(Presence newPresence, const std::string& why);
     void BecomeSilent();
@@ -72,6 +73,9 @@ class AccessPoint {
     /// Whether the last status could not be read, which has been logged.
     bool complained = false;
     std::map<MacAddress, Station> stations;
+    /// While the list of stations is read: those of it, and those that have joined meanwhile.
+    std::optional<std::map<MacAddress, Station>> listed;
+    std::size_t listedCount = 0;
     /// How often the list of stations was begun again because a station left meanwhile.
     unsigned int restarts = 0;
 

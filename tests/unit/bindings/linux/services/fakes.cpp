@@ -76,6 +76,9 @@ void FakeHostapd::Serve() {
             peer = sender;
             peerSize = size;
         }
+        if (asked) {
+            asked(command);
+        }
         const std::string reply = ReplyTo(command);
         (void)sendto(socket.Number(), reply.data(), reply.size(), 0, Raw(sender), size);
     }

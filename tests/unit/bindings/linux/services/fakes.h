@@ -40,6 +40,8 @@ class FakeHostapd {
     /// What it answers to STATUS, in place of a status.
     std::string nonsense;
     int statuses = 0;  ///< how often it was asked for its status
+    /// Is told of each command before it is answered.
+    std::function<void(std::string_view command)> asked;
     /// What it answers to ATTACH.
     std::string attached = "OK\n";
 

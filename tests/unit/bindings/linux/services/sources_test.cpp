@@ -14,6 +14,7 @@ namespace {
 
 using binding::Device;
 using binding::kSourceLost;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -81,6 +82,44 @@ TEST_F(Services, ListOfStationsIsBegunAgainWhenTheLastOneToldHasLeft) {
     hostapd->refusals = 1;
     Begin();
     EXPECT_EQ(Kinds(*board->Newest()).size(), 2U);
+}
+
+TEST_F(Services, StationsStayWhileTheyAreListedAgain) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455, 0x021122334466};
+    Begin();
+    ASSERT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 2; }));
+    std::vector<std::size_t> seen;
+    hostapd->asked = [&](std::string_view command) {
+        if (command.starts_with("STA-")) {
+            seen.push_back(Said("clients").size());
+        }
+    };
+    // Other rights may be what the board needs, so that it connects again.
+    const auto socket = directory / "run" / "hostapd" / "wlan0";
+    std::filesystem::permissions(socket, std::filesystem::perms::owner_all);
+    EXPECT_TRUE(WaitFor([&](const Device&) { return seen.size() >= 3; }));
+    EXPECT_THAT(seen, Each(2));
+    hostapd->asked = nullptr;
+    // It has left while nobody listened.
+    hostapd->stations.erase(0x021122334455);
+    std::filesystem::permissions(
+        socket, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_TRUE(WaitFor([](const Device& now) { return Kinds(now).size() == 1; }));
+}
+
+TEST_F(Services, StationThatJoinsBeforeItIsListedDoesNotEndTheList) {
+    const auto hostapd = Hostapd();
+    hostapd->stations = {0x021122334455, 0x021122334466, 0x021122334477};
+    hostapd->asked = [&](std::string_view command) {
+        if (command == "STA-NEXT 02:11:22:33:44:55") {
+            hostapd->Say("AP-STA-CONNECTED 02:11:22:33:44:66");
+            hostapd->Say("AP-STA-CONNECTED 02:11:22:33:44:88");
+        }
+    };
+    Begin();
+    ASSERT_TRUE(WaitFor(WifiIsOn));
+    EXPECT_EQ(Kinds(*board->Newest()).size(), 4U);
 }
 
 TEST_F(Services, HostapdThatNeverGoesOnWithTheListIsNotAskedForEver) {
