@@ -85,17 +85,19 @@ void ClientsSource::ReadLeases() {
         }
     }
     leases = std::move(file.leases);
-    NoteLeaseProblem(file.problem);
+    leaseProblem = std::move(file.problem);
+    NoteLeaseProblem();
 }
 
-void ClientsSource::NoteLeaseProblem(const std::string& problem) {
-    complaint.Reset();
-    if (problem.empty()) {
+void ClientsSource::NoteLeaseProblem() {
+    if (leaseProblem.empty()) {
+        complaint.Reset();
         leasesComplained = false;
-    } else if (!leasesComplained) {
-        complaint.After(GetBoard().Event(), kSettling, kSettling / 4, [this, problem] {
+    } else if (!leasesComplained && !complaint.IsArmed()) {
+        // The file may be written again and again meanwhile.
+        complaint.After(GetBoard().Event(), kSettling, kSettling / 4, [this] {
             leasesComplained = true;
-            LINUX_LOG(TORU_DBG_ERROR, "clients: %s", problem.c_str());
+            LINUX_LOG(TORU_DBG_ERROR, "clients: %s", leaseProblem.c_str());
         });
     }
 }

@@ -31,7 +31,7 @@ class ClientsSource : public Source {
     ClientList Clients() const;
     void AwaitDeparture();
     void ReadLeases();
-    void NoteLeaseProblem(const std::string& problem);
+    void NoteLeaseProblem();
     void NoteLimit(const ClientList& list) const;
 
     const WifiSource& wifi;
@@ -43,7 +43,9 @@ class ClientsSource : public Source {
     EventSource departure;
     /// Armed while something may be wrong with the leases that has not been logged yet.
     EventSource complaint;
-    /// Whether something is wrong with the leases that has been logged.
+    /// What is wrong with the leases; empty when nothing is.
+    std::string leaseProblem;
+    /// Whether that has been logged.
     bool leasesComplained = false;
     mutable bool limitComplained = false;
     std::optional<RouteSocket> routes;

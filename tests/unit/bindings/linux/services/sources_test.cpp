@@ -260,6 +260,14 @@ TEST_F(Services, WhatIsWrongWithTheLeasesIsLoggedOnceUntilItIsRightAgain) {
                                    begin + "it is cut"));
 }
 
+TEST_F(Services, LeasesThatAreWrittenAllTheTimeAreComplainedOf) {
+    Begin();
+    EXPECT_TRUE(WaitFor([this](const Device&) {
+        WriteFile(directory / "leases", "nonsense\n");
+        return Log().size() == 1;
+    }));
+}
+
 TEST_F(Services, EthernetIsThePortOfTheKernel) {
     settings["ethernet"] = {"lo"};
     Begin();
