@@ -122,6 +122,12 @@ void BusObjects::ReadAll() {
     }
 }
 
+void BusObjects::Reread() {
+    if (!owner.empty()) {
+        ReadAll();
+    }
+}
+
 void BusObjects::ReadManaged() {
     Ask({daemon.manager, ""}, kObjectManager, "GetManagedObjects", nullptr,
         // What has been told by objects that are not managed stays.

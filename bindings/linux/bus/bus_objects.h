@@ -63,6 +63,9 @@ class BusObjects {
     /// told.
     void Check();
 
+    /// Reads everything again, because changes may not have been told.
+    void Reread();
+
     const std::string& Service() const { return daemon.service; }
     Bus& GetBus() { return bus; }
 

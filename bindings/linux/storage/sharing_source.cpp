@@ -48,24 +48,44 @@ void SharingSource::Start() {
     Evaluate();
 }
 
+void SharingSource::Check() {
+    manager->Check();
+    if (isRefused) {
+        Subscribe();
+    }
+}
+
+void SharingSource::Subscribe() {
+    // The service manager tells of changes only while somebody has asked for them.
+    subscribed = true;
+    subscription = GetBoard().SystemBus().Call(
+        kManager, kManagerPath, "org.freedesktop.systemd1.Manager", "Subscribe", nullptr,
+        [this](const nlohmann::json& /*arguments*/, const BusError& error) { OnSubscribed(error); },
+        0);
+}
+
+void SharingSource::OnSubscribed(const BusError& error) {
+    const bool wasRefused = isRefused;
+    // The sources before a change of the settings have had the same connection.
+    isRefused = error && error.name != "org.freedesktop.systemd1.AlreadySubscribed";
+    if (isRefused && !complained) {
+        LINUX_LOG(TORU_DBG_ERROR, "the service manager: Subscribe: %s", error.Text().c_str());
+    }
+    complained = isRefused;
+    if (wasRefused && !isRefused) {
+        // What has changed meanwhile has not been told.
+        manager->Reread();
+    }
+}
+
 void SharingSource::Evaluate() {
     using Presence = BusObjects::Presence;
     const Presence presence = manager ? manager->GetPresence() : Presence::unknown;
     if (presence == Presence::absent || presence == Presence::unknown) {
         subscribed = false;
+        isRefused = false;
     } else if (!subscribed) {
-        // The service manager tells of changes only while somebody has asked for them.
-        subscribed = true;
-        subscription = GetBoard().SystemBus().Call(
-            kManager, kManagerPath, "org.freedesktop.systemd1.Manager", "Subscribe", nullptr,
-            [](const nlohmann::json& /*arguments*/, const BusError& error) {
-                // The sources before a change of the settings have had the same connection.
-                if (error && error.name != "org.freedesktop.systemd1.AlreadySubscribed") {
-                    LINUX_LOG(TORU_DBG_ERROR, "the service manager: Subscribe: %s",
-                              error.Text().c_str());
-                }
-            },
-            0);
+        Subscribe();
     }
     if (presence == Presence::silent) {
         Lost("the service manager " + manager->Problem());

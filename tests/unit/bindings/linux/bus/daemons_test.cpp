@@ -1,5 +1,8 @@
 // Sources beside the modem, whose daemons on the bus are the test.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "bindings/device/codes.h"
 #include "tests/unit/bindings/linux/bus/fake_bus.h"
@@ -8,6 +11,8 @@
 namespace {
 
 using binding::Device;
+using ::testing::Contains;
+using ::testing::HasSubstr;
 
 class BoardOnABus : public ServiceTest {
   protected:
@@ -55,6 +60,38 @@ TEST_F(BoardWithRauc, UpdateDuringWhichItWasKilledHasFailed) {
     bus.ChangeOwner(kRauc, ":1.8");
     ASSERT_TRUE(WaitFor([](const Device& now) { return now.softwareUpdateStatus.error == 0; }));
     EXPECT_EQ(board->Newest()->softwareUpdateStatus.value.status, kFailed);
+}
+
+class BoardThatShares : public BoardOnABus {
+  protected:
+    static constexpr const char* kSubscribe =
+        "/org/freedesktop/systemd1 org.freedesktop.systemd1.Manager.Subscribe";
+
+    BoardThatShares() {
+        bus.owners["org.freedesktop.systemd1"] = ":1.7";
+        Is("inactive");
+    }
+
+    void Is(const char* state) {
+        bus.properties
+            ["/org/freedesktop/systemd1/unit/smbd_2eservice "
+             "org.freedesktop.systemd1.Unit"] = {Property("ActiveState", "s", state),
+                                                 Property("LoadState", "s", "loaded")};
+    }
+};
+
+TEST_F(BoardThatShares, AsksAgainToBeToldOfChangesAndForWhatItHasMissed) {
+    bus.methods[kSubscribe] = Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), kSubscribe) >= 2;
+    }));
+    Is("active");
+    bus.methods[kSubscribe] = [](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "");
+    };
+    EXPECT_TRUE(WaitFor([](const Device& now) { return now.getSambaEnabled.value == 1; }));
+    EXPECT_THAT(Log(), Contains(HasSubstr("the service manager: Subscribe: ")).Times(1));
 }
 
 }  // namespace
