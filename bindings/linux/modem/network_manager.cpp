@@ -122,6 +122,7 @@ void NetworkManager::OnProfile(const std::string& path, const json& arguments,
     const json settings = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
     const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
     profiles[path] = isGsm ? settings : json();
+            FollowActive();
     untold.erase(path);
     if (untold.empty()) {
         bus.GetComplaints().Settle(kSubject, path, json::object());

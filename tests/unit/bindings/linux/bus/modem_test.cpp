@@ -307,16 +307,40 @@ TEST_F(BoardWithAModem, DataIsSwitchedOffAlsoWhileSomebodyLocksTheFolder) {
 class BoardWithAProfile : public BoardWithAModem {
   protected:
     static constexpr const char* kManager = "org.freedesktop.NetworkManager";
+    static constexpr const char* kManagerPath = "/org/freedesktop/NetworkManager";
+    static constexpr const char* kActive = "/active";
+    static constexpr const char* kActiveInterface =
+        "org.freedesktop.NetworkManager.Connection.Active";
     static constexpr const char* kGetSettings =
         "/profile org.freedesktop.NetworkManager.Settings.Connection.GetSettings";
+    static constexpr const char* kActivate =
+        "/org/freedesktop/NetworkManager org.freedesktop.NetworkManager.ActivateConnection";
 
     BoardWithAProfile() {
         bus.owners[kManager] = ":1.8";
-        const std::string path = "/org/freedesktop/NetworkManager";
+        const std::string path = kManagerPath;
         bus.properties[path + " " + kManager] = {Property("ActiveConnections", "ao", 0)};
         bus.properties[path + "/Settings " + kManager + ".Settings"] = {
             Property("Connections", "ao", 1, "/profile")};
         StartModemManager();
+    }
+
+    /// The settings of the profile, which may be for one network only.
+    static FakeBus::Answer Profile(const std::string& network) {
+        return [network](sd_bus_message* call) {
+            return sd_bus_reply_method_return(call, "a{sa{sv}}", 2, "connection", 1, "type", "s",
+                                              "gsm", "gsm", 1, "network-id", "s", network.c_str());
+        };
+    }
+
+    static std::string GetAll(const std::string& path) {
+        return path + " org.freedesktop.DBus.Properties.GetAll";
+    }
+
+    bool WaitForProfile() {
+        return WaitFor([this](const Device& /*now*/) {
+            return Said("modem").value("networkManager", nlohmann::json()) == true;
+        });
     }
 };
 
@@ -336,6 +360,24 @@ TEST_F(BoardWithAProfile, AsksAgainForAProfileThatItWasNotTold) {
     };
     EXPECT_TRUE(WaitFor(
         [this](const Device& /*now*/) { return Said("modem").at("networkManager") == true; }));
+}
+
+TEST_F(BoardWithAProfile, FollowsTheDeviceOfTheConnectionOfAProfileThatItWasToldLate) {
+    bus.methods[kGetSettings] = Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
+    bus.properties[std::string(kManagerPath) + " " + kManager] = {
+        Property("ActiveConnections", "ao", 1, kActive)};
+    bus.properties[kActive + std::string(" ") + kActiveInterface] = {
+        Property("Connection", "o", "/profile"), Property("State", "u", 2),
+        Property("Devices", "ao", 1, "/device")};
+    Begin();
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), GetAll(kActive)) == 1;
+    }));
+    bus.methods[kGetSettings] = Profile("");
+    ASSERT_TRUE(WaitForProfile());
+    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), GetAll("/device")) == 1;
+    }));
 }
 
 /// A process that asks for the data call at once, and ends then.
