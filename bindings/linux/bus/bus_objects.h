@@ -67,6 +67,8 @@ class BusObjects {
     void Reread();
 
     const std::string& Service() const { return daemon.service; }
+    /// The name on the bus of the process that is the daemon; empty without one.
+    const std::string& Owner() const { return owner; }
     Bus& GetBus() { return bus; }
 
   private:

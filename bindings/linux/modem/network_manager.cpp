@@ -66,17 +66,38 @@ bool NetworkManager::IsReading() const {
 }
 
 void NetworkManager::OnChange() {
-    if (objects.GetPresence() != BusObjects::Presence::present) {
-        profiles.clear();
-        questions.clear();
-        untold.clear();
-        begun.clear();
-    } else {
+    if (owner != objects.Owner()) {
+        OnOwner();
+    }
+    // What a NetworkManager has told that does not answer stands: it still has the modem, and would
+    // fight with anybody else who connects.
+    if (objects.GetPresence() == BusObjects::Presence::present) {
         ReadProfiles(Texts(Member(Member(objects.Tree(), kSettingsPath), kSettingsInterface),
                            "Connections"));
         FollowActive();
     }
     changed();
+}
+
+void NetworkManager::OnOwner() {
+    owner = objects.Owner();
+    profiles.clear();
+    questions.clear();
+    untold.clear();
+    begun.clear();
+    profileChanges.End();
+    if (owner.empty()) {
+        return;
+    }
+    profileChanges.Begin(bus,
+                         "type='signal',sender='" + owner + "',interface='" + kProfileInterface +
+                             "',member='Updated'",
+                         [this](sd_bus_message* message) {
+                             const char* const path = sd_bus_message_get_path(message);
+                             if (path != nullptr && profiles.count(path) != 0) {
+                                 ReadProfile(path);
+                             }
+                         });
 }
 
 void NetworkManager::ReadProfiles(const std::vector<std::string>& paths) {
@@ -101,6 +122,7 @@ void NetworkManager::ReadProfile(const std::string& path) {
         [this, path](const json& arguments, const BusError& error) {
             const auto kept = questions.extract(path);
             OnProfile(path, arguments, error);
+            FollowActive();
             changed();
         },
         kLimit);
@@ -122,7 +144,6 @@ void NetworkManager::OnProfile(const std::string& path, const json& arguments,
     const json settings = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
     const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
     profiles[path] = isGsm ? settings : json();
-            FollowActive();
     untold.erase(path);
     if (untold.empty()) {
         bus.GetComplaints().Settle(kSubject, path, json::object());

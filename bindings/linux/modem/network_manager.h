@@ -53,6 +53,7 @@ class NetworkManager {
 
   private:
     void OnChange();
+    void OnOwner();
     void ReadProfiles(const std::vector<std::string>& paths);
     void ReadProfile(const std::string& path);
     void OnProfile(const std::string& path, const nlohmann::json& arguments, const BusError& error);
@@ -74,6 +75,9 @@ class NetworkManager {
     /// The connection that NetworkManager has begun and not told the properties of yet.
     std::string begun;
     bool begunIsListed = false;
+    /// The process that has told all of this.
+    std::string owner;
+    BusMatch profileChanges;
     BusObjects objects;
 };
 

@@ -17,6 +17,7 @@ namespace {
 using binding::Device;
 using ::testing::Contains;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 constexpr const char* kService = "org.freedesktop.ModemManager1";
 constexpr const char* kModem = "/org/freedesktop/ModemManager1/Modem/0";
@@ -360,6 +361,43 @@ TEST_F(BoardWithAProfile, AsksAgainForAProfileThatItWasNotTold) {
     };
     EXPECT_TRUE(WaitFor(
         [this](const Device& /*now*/) { return Said("modem").at("networkManager") == true; }));
+}
+
+TEST_F(BoardWithAProfile, NoticesWhenTheProfileIsChanged) {
+    settings["checkSeconds"] = 60;
+    const auto isChosen = [](const Device& now) { return now.getModemMnsInfo.value.selected == 1; };
+    bus.methods[kGetSettings] = Profile("");
+    Begin();
+    ASSERT_TRUE(WaitForProfile());
+    EXPECT_FALSE(isChosen(*board->Newest()));
+    bus.methods[kGetSettings] = Profile("26201");
+    bus.Signal(kManager, "/profile", "org.freedesktop.NetworkManager.Settings.Connection",
+               "Updated", [](sd_bus_message*) { return 0; });
+    EXPECT_TRUE(WaitFor(isChosen));
+}
+
+TEST_F(BoardWithAProfile, LeavesTheConnectionToANetworkManagerThatHangs) {
+    settings["silenceSeconds"] = 1;
+    bus.methods[kGetSettings] = Profile("");
+    int unanswered = 0;
+    bus.methods["/ org.freedesktop.DBus.Peer.Ping"] = [&](sd_bus_message* call) {
+        if (sd_bus_message_get_destination(call) != bus.owners.at(kManager)) {
+            return sd_bus_reply_method_return(call, "");
+        }
+        ++unanswered;
+        return 0;
+    };
+    bus.methods[kActivate] = StaysSilent;
+    Begin();
+    ASSERT_TRUE(WaitForProfile());
+    // It is not asked again before the first time has been too long.
+    ASSERT_TRUE(WaitFor([&](const Device& /*now*/) { return unanswered >= 2; }));
+    EXPECT_EQ(Said("modem").at("networkManager"), true);
+    ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
+    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), kActivate) == 1;
+    }));
+    EXPECT_THAT(bus.calls, Not(Contains(Method("Connect"))));
 }
 
 TEST_F(BoardWithAProfile, FollowsTheDeviceOfTheConnectionOfAProfileThatItWasToldLate) {
