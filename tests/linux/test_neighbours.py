@@ -23,7 +23,8 @@ PHONE, GUEST, COMPUTER = "02:00:00:00:00:01", "02:00:00:00:00:02", "02:00:00:00:
 def network(lab):
     """A board with Wi-Fi and Ethernet that nobody is connected to."""
     lab.start_network()
-    lab.start_service()
+    # Notifications of clients stay, however long a test takes.
+    lab.start_service(clientNotificationSeconds=3600)
     lab.service.shows(statusBarWiFiEnabled=1, statusBarGuestWifiEnabled=1, statusBarMaxWiFiClientListSize="64",
                       statusBarClientListSize="0", statusBarEthernetPortEnabled="enabled")
     lab.service.notifies()
@@ -230,7 +231,6 @@ def test_rauc_installs_an_update_and_another_fails(lab):
 
 
 @needs_root
-@needs_root
 def test_an_update_during_which_rauc_is_killed_has_failed(lab):
     lab.start_update()
     lab.start_service()
@@ -245,6 +245,7 @@ def test_an_update_during_which_rauc_is_killed_has_failed(lab):
     lab.service.notifies("softwareUpdateFailure")
 
 
+@needs_root
 def test_swupdate_installs_an_update_and_another_fails(lab):
     lab.start_swupdate()
     installs_and_fails(lab, lab.swupdate)
