@@ -29,6 +29,7 @@ DataAction::Kind DataAction::Ask(Kind newKind, bool byManager) {
     ending = kind == Kind::disconnect && IsConnected(status);
     kind = newKind;
     managerHasBegun = false;
+    managerHasAnnounced = false;
     EndIfReached();
     const bool waits = sent != Kind::none && (byManager || kind == Kind::connect);
     if (kind == Kind::none || kind == sent || waits) {
@@ -81,7 +82,10 @@ void DataAction::EndIfReached() {
             return;
         }
         const bool isManagerActive = manager == Manager::active;
-        const bool hasManagerGivenUp = isAnswered && managerHasBegun && !isManagerActive;
+        const bool hasLeftOut = managerHasAnnounced && manager == Manager::idle;
+        const bool hasManagerGivenUp =
+            isAnswered && ((managerHasBegun && !isManagerActive) || hasLeftOut);
+        managerHasAnnounced = managerHasAnnounced || (isAnswered && manager == Manager::starting);
         managerHasBegun = managerHasBegun || isManagerActive;
         if (IsConnected(status) || hasManagerGivenUp) {
             kind = Kind::none;

@@ -68,6 +68,8 @@ class DataAction {
     Manager manager = Manager::idle;
     /// Whether NetworkManager has begun what the action asks for.
     bool managerHasBegun = false;
+    /// Whether it has answered that it will.
+    bool managerHasAnnounced = false;
 };
 
 }  // namespace binding

@@ -253,6 +253,7 @@ void DataConnection::SetLimit() {
                         TakeBackDataOff();
                     }
                     action.GiveUp();
+                    manager.GiveUp();
                     SetLimit();
                     changed();
                 });

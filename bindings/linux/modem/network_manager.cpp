@@ -165,7 +165,9 @@ void NetworkManager::FollowActive() {
         wanted[path] = kActiveInterface;
     }
     const bool isListed = wanted.count(begun) != 0;
-    const bool isRead = Member(Member(objects.Tree(), begun), kActiveInterface).is_object();
+    // Without its profile, what is told of it does not say yet whose connection it is.
+    const bool isRead =
+        Text(Member(Member(objects.Tree(), begun), kActiveInterface), "Connection").has_value();
     if (isRead || (begunIsListed && !isListed)) {
         begun.clear();
     }

@@ -49,6 +49,9 @@ class NetworkManager {
     [[nodiscard]] Bus::PendingCall Activate(OnDone onDone);
     [[nodiscard]] Bus::PendingCall Deactivate(OnDone onDone);
 
+    /// Expects nothing more of a connection that it has answered to begin and told nothing of.
+    void GiveUp() { begun.clear(); }
+
     void Check();
 
   private:

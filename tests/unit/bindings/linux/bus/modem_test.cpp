@@ -418,6 +418,70 @@ TEST_F(BoardWithAProfile, FollowsTheDeviceOfTheConnectionOfAProfileThatItWasTold
     }));
 }
 
+/// NetworkManager has answered that it begins a connection.
+class BoardWithABegunConnection : public BoardWithAProfile {
+  protected:
+    BoardWithABegunConnection() {
+        bus.methods[kGetSettings] = Profile("");
+        bus.methods[kActivate] = [](sd_bus_message* call) {
+            return sd_bus_reply_method_return(call, "o", kActive);
+        };
+        // The properties of the connection come when the test says so.
+        bus.methods[GetAll(kActive)] = [this](sd_bus_message* call) {
+            question = sd_bus_message_ref(call);
+            return 0;
+        };
+    }
+    ~BoardWithABegunConnection() override { sd_bus_message_unref(question); }
+    BoardWithABegunConnection(const BoardWithABegunConnection&) = delete;
+    BoardWithABegunConnection& operator=(const BoardWithABegunConnection&) = delete;
+
+    /// Connects, until the service asks what NetworkManager has listed.
+    void Connect() {
+        settings["silenceSeconds"] = 10;
+        settings["checkSeconds"] = 60;
+        Begin();
+        ASSERT_TRUE(WaitForProfile());
+        ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
+        ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+            return std::count(bus.calls.begin(), bus.calls.end(), kActivate) == 1;
+        }));
+        bus.ChangeProperties(kManager, kManagerPath, kManager,
+                             {Property("ActiveConnections", "ao", 1, kActive)});
+        ASSERT_TRUE(WaitFor([this](const Device& /*now*/) { return question != nullptr; }));
+        // A part of the properties says nothing of the profile.
+        bus.ChangeProperties(kManager, kActive, kActiveInterface, {Property("State", "u", 1)});
+        for (int turn = 0; turn < 10; ++turn) {
+            Serve();
+            (void)Said("modem");
+        }
+        EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTING));
+    }
+
+    sd_bus_message* question = nullptr;
+};
+
+TEST_F(BoardWithABegunConnection, ShowsAtOnceThatItHasBeenGivenUp) {
+    Connect();
+    bus.ChangeProperties(kManager, kManagerPath, kManager,
+                         {Property("ActiveConnections", "ao", 0)});
+    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
+    EXPECT_THAT(Log(), Contains(HasSubstr("not connected: NetworkManager has given up")).Times(1));
+}
+
+TEST_F(BoardWithABegunConnection, GoesOnWhenItIsToldLate) {
+    Connected();
+    modem.front() = Property("State", "i", kRegisteredState);
+    bus.properties[kBearer + std::string(" ") + kBearerInterface] = {Property("Connected", "b", 0)};
+    Connect();
+    EXPECT_GE(sd_bus_reply_method_return(question, "a{sv}", 2, "Connection", "o", "/profile",
+                                         "State", "u", 1),
+              0);
+    TellConnected();
+    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    EXPECT_THAT(Log(), Not(Contains(HasSubstr("not connected"))));
+}
+
 /// A process that asks for the data call at once, and ends then.
 class ShortProcess : public BoardWithAModem {
   protected:

@@ -226,6 +226,32 @@ TEST(DataAction, WhatNetworkManagerHasOnlyAnnouncedIsEnded) {
     EXPECT_EQ(action.Ask(Kind::disconnect, kByManager), Kind::disconnect);
 }
 
+TEST(DataAction, WhatNetworkManagerHasAnnouncedAndNotBegunHasFailed) {
+    DataAction action;
+    action.Ask(Kind::connect, kByManager);
+    // What it has told before it answers is of another connection.
+    action.Update(SYS_DATA_CONNECTION_READY, kStarting);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.UnderWay(), Kind::connect);
+    action.Update(SYS_DATA_CONNECTION_READY, kStarting);
+    action.Answered(kDone);
+    EXPECT_EQ(action.UnderWay(), Kind::connect);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.UnderWay(), Kind::none);
+    EXPECT_EQ(action.Status(), SYS_DATA_CONNECTION_READY);
+}
+
+TEST(DataAction, WhatNetworkManagerHasNotAnnouncedYetIsAwaited) {
+    DataAction action;
+    action.Ask(Kind::connect, kByManager);
+    action.Answered(kDone);
+    action.Update(SYS_DATA_CONNECTION_READY, kIdle);
+    EXPECT_EQ(action.WaitsFor(), Wait::sign);
+    action.Update(SYS_DATA_CONNECTION_READY, kStarting);
+    action.Update(SYS_DATA_CONNECTION_READY, kActive);
+    EXPECT_EQ(action.WaitsFor(), Wait::manager);
+}
+
 TEST(DataAction, WhatTakesTooLongIsGivenUp) {
     DataAction action;
     action.Ask(Kind::connect, kByModem);
