@@ -71,8 +71,11 @@ struct Bus::Callbacks {
         try {
             const sd_bus_error* const error = sd_bus_message_get_error(message);
             if (error != nullptr) {
+                // When the connection is lost, sd-bus ends all calls as if nobody had answered.
+                const bool isLost = sd_bus_is_open(sd_bus_message_get_bus(message)) <= 0;
                 const char* const text = error->message;
-                onReply(nlohmann::json::array(), {error->name, text == nullptr ? "" : text});
+                onReply(nlohmann::json::array(), {isLost ? kDisconnected : error->name,
+                                                  text == nullptr ? "" : text, isLost});
             } else {
                 onReply(Arguments(message), {});
             }
@@ -216,7 +219,7 @@ Bus::PendingCall Bus::Call(const std::string& destination, const std::string& pa
     sd_bus_message_unref(message);
     if (result < 0) {
         const BusError error = result == -ENOTCONN
-                                   ? BusError{kDisconnected}
+                                   ? BusError{.name = kDisconnected, .isDisconnected = true}
                                    : BusError{"System.Error", std::strerror(-result)};
         call->failing.Defer(event, [pending = call.get(), error] {
             const OnReply reply = pending->onReply;

@@ -62,7 +62,8 @@ class Bus {
     void Check();
 
     /// Calls @p member of @p interface. @p timeout is in microseconds. The reply comes later,
-    /// always; without a connection it is the error "org.freedesktop.DBus.Error.Disconnected".
+    /// always; without a connection, or when it is lost before there is an answer, it is the error
+    /// "org.freedesktop.DBus.Error.Disconnected".
     [[nodiscard]] PendingCall Call(const std::string& destination, const std::string& path,
                                    const std::string& interface, const std::string& member,
                                    const Append& append, OnReply onReply, std::uint64_t timeout);

@@ -9,6 +9,8 @@ namespace binding {
 struct BusError {
     std::string name;
     std::string message = {};
+    /// Whether the call has failed for want of a connection. The name may also come from a daemon.
+    bool isDisconnected = false;
 
     explicit operator bool() const { return !name.empty(); }
     /// Whether the other side does not answer.

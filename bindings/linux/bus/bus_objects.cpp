@@ -155,6 +155,10 @@ void BusObjects::Ask(const Question& question, const std::string& interface,
         owner, question.path, interface, member, append,
         [this, number, question, onResult](const json& arguments, const BusError& error) {
             const auto kept = calls.extract(number);
+            if (error.isDisconnected) {
+                // OnConnection follows.
+                return;
+            }
             if (error.IsSilence()) {
                 TimedOut();
                 return;
@@ -297,7 +301,9 @@ void BusObjects::Check() {
         [this](const json& /*arguments*/, const BusError& error) {
             const auto kept = std::move(ping);
             ping.reset();
-            if (error.IsSilence()) {
+            if (error.isDisconnected) {
+                // OnConnection follows.
+            } else if (error.IsSilence()) {
                 TimedOut();
             } else if (presence == Presence::silent) {
                 ReadAll();
