@@ -24,6 +24,12 @@ def lab(work):
 
 
 @pytest.fixture
+def impatient(lab):
+    """For tests in which a daemon hangs: the service misses it after a second."""
+    lab.silence = 1
+
+
+@pytest.fixture
 def board(lab):
     """A board whose modem is registered and whose service says so."""
     lab.start_modem()

@@ -21,6 +21,7 @@ LATER = 4_000_000_000
 
 
 @needs_root
+@pytest.mark.usefixtures("impatient")
 def test_an_access_point_never_answers(lab):
     lab.start_network()
     lab.wifi.hang()

@@ -1,5 +1,7 @@
 """The modem: what happens to it, and what the service answers then."""
 
+import pytest
+
 from lab.modem_manager import MODEM
 
 # What only the modem tells.
@@ -68,6 +70,7 @@ def test_the_daemon_is_killed_and_comes_back(board):
     assert said["modem: is back"] == 1
 
 
+@pytest.mark.usefixtures("impatient")
 def test_the_daemon_hangs(board):
     board.modem_manager.hang()
     # Answers keep coming; what it told before stands until it has been silent for too long.

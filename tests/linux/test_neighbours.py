@@ -16,6 +16,9 @@ NO_UPDATE, INSTALLING, INSTALLED, FAILED = 0, 7, 8, 9
 # The lab has no memory card.
 CARD = {"sys": {"getSDCardInfo": {"totalCapacity": 1000, "freeSpace": 400}}}
 
+# One that is killed when it has just been asked for a sign of life is not seen to go: it only never answers.
+KILLED_HOSTAPD = ("hostapd is gone", "hostapd does not answer")
+
 PHONE, GUEST, COMPUTER = "02:00:00:00:00:01", "02:00:00:00:00:02", "02:00:00:00:00:03"
 
 
@@ -104,7 +107,7 @@ def test_the_access_point_is_killed_and_comes_back(network):
     network.wifi.start()
     network.service.shows(statusBarWiFiEnabled=1)
     network.service.notifies("deviceJoinWiFi", "deviceLeave")
-    assert network.service.said() == {"wifi: lost: hostapd is gone": 1, "wifi: is back": 1}
+    assert network.service.said() in [{f"wifi: lost: {why}": 1, "wifi: is back": 1} for why in KILLED_HOSTAPD]
 
 
 @needs_root
@@ -119,10 +122,11 @@ def test_only_the_access_point_of_the_guests_is_killed(network):
                           statusBarGuestClientListSize="1")
     network.network.detach(GUEST, GUESTS)
     network.service.shows(statusBarWiFiClientListSize="1", statusBarGuestClientListSize="0")
-    assert network.service.said() == {"guest-wifi: lost: hostapd is gone": 1}
+    assert network.service.said() in [{f"guest-wifi: lost: {why}": 1} for why in KILLED_HOSTAPD]
 
 
 @needs_root
+@pytest.mark.usefixtures("impatient")
 def test_the_access_point_hangs(network):
     network.network.attach(PHONE, WIFI)
     network.wifi.join(PHONE)

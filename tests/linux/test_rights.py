@@ -100,6 +100,7 @@ def test_the_rule_is_installed_while_everything_runs(lab):
     lab.service.shows(statusBarConnectionState="Connected")
 
 
+@pytest.mark.usefixtures("impatient")
 def test_the_user_of_the_service_notices_that_the_daemon_hangs(lab):
     start(lab)
     lab.modem_manager.hang()

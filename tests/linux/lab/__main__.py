@@ -100,6 +100,8 @@ def start(lab):
 
 
 def wait_for_orders(lab):
+    # As on a board, for people who let a daemon hang.
+    lab.silence = 10
     start(lab)
     if SERVICE.exists():
         lab.start_service(page=True)
@@ -114,6 +116,8 @@ def play_scenarios(lab, names):
         fail("the scenarios need root, as networks do")
     if "KESTAL_LAB_MODEM" in os.environ:
         fail("the scenarios are those of the modem with AT commands")
+    # One of them waits for a daemon that hangs.
+    lab.silence = 4
     start(lab)
     # At the log level of a device.
     lab.make_service().environment.pop("KESTAL_LOG_LEVEL")

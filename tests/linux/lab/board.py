@@ -46,6 +46,9 @@ class Lab:
         self.network_manager = None
         #: Path of the modem at ModemManager.
         self.path = None
+        #: Seconds after which a daemon that does not answer is lost; on a machine that does much else, one that works
+        #: may take several.
+        self.silence = 30
 
     def start(self, *daemons):
         """Starts all at once, and waits for them in their order."""
@@ -152,7 +155,7 @@ class Lab:
 
     def settings(self):
         """The object "linux" of the service's document."""
-        settings = {"apn": "internet", "silenceSeconds": 1, "checkSeconds": 1,
+        settings = {"apn": "internet", "silenceSeconds": self.silence, "checkSeconds": 1,
                     "powerSupplies": str(self.supplies.folder_of_supplies),
                     "updateSocket": str(self.swupdate.progress)}
         if self.network:

@@ -173,6 +173,7 @@ TEST_F(Services, HostapdThatEndsIsLostUntilItIsBack) {
 }
 
 TEST_F(Services, HostapdThatHangsIsLostUntilItAnswersAgain) {
+    settings["silenceSeconds"] = 1;
     const auto hostapd = Hostapd();
     Begin();
     ASSERT_TRUE(WaitFor(WifiIsOn));
@@ -187,6 +188,7 @@ TEST_F(Services, HostapdThatHangsIsLostUntilItAnswersAgain) {
 }
 
 TEST_F(Services, HostapdThatNeverAnswersIsLost) {
+    settings["silenceSeconds"] = 1;
     const auto hostapd = Hostapd();
     hostapd->silent = true;
     Begin();
@@ -355,6 +357,7 @@ TEST_F(Position, WhatIsWrongWithReportsIsLoggedOnce) {
 }
 
 TEST_F(Position, IsLostWhenGpsdHangs) {
+    settings["silenceSeconds"] = 1;
     Begin();
     ASSERT_TRUE(WaitFor([this](const Device&) { return gpsd.connections == 1; }));
     // It takes connections and requests, and answers nothing.
