@@ -9,6 +9,7 @@ import time
 import pytest
 
 from support import fastcgi, paths, processes
+from support.program import service_with
 from support.waiting import wait_until
 
 STUCK = 75
@@ -33,10 +34,11 @@ def asking(server, target):
 
 
 @pytest.fixture
-def impatient(make_server):
-    """A web server that waits two seconds for an answer; the service's deadline is six."""
+def impatient(make_server, work):
+    """A web server that waits two seconds for an answer; the service's deadline is far off."""
     server = make_server()
     server.environment["KESTAL_TIMEOUT"] = "2"
+    server.environment["KESTAL_RESPONDER"] = str(service_with(work / "patient", KESTAL_TIMEOUT=600))
     return server.start()
 
 

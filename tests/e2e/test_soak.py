@@ -11,6 +11,7 @@ import pytest
 
 from support import paths
 from support.memory import Memory
+from support.program import service_with
 
 SOAK = paths.ROOT / "tests" / "soak" / "soak.py"
 LEAK = pathlib.Path(os.environ.get("KESTAL_LEAK", paths.BUILD / "tests" / "soak" / "libkestal_leak.so"))
@@ -42,10 +43,7 @@ def soak(work, *options, **environment):
 @pytest.fixture
 def leaking(work):
     """A service that leaks 300 bytes with each request."""
-    program = work / "leaking"
-    program.write_text(f'#!/bin/sh\nLD_PRELOAD="{LEAK}" exec "{paths.SERVICE}"\n')
-    program.chmod(0o755)
-    return {"KESTAL_SOAK_RESPONDER": str(program)}
+    return {"KESTAL_SOAK_RESPONDER": str(service_with(work / "leaking", LD_PRELOAD=LEAK))}
 
 
 def count_blocks(work, *libraries, **variables):

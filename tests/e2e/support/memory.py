@@ -5,7 +5,7 @@ import pathlib
 import struct
 import subprocess
 
-from support import paths
+from support.program import service_with
 
 # The shared file begins with the orders of the test and the resulting counts (ORDERS). After them, it has the
 # number of blocks that the service holds (HELD).
@@ -29,14 +29,9 @@ class Memory:
         self.environment = {"LD_PRELOAD": str(library), "KESTAL_TEST_MEMORY": str(self.path)}
 
     def program(self, *libraries, **variables):
-        """Makes a program that starts the service with this memory and with further libraries and
-        variables. The web server needs such a program because it does not pass variables on."""
+        """Makes a program that starts the service with this memory and with further libraries and variables."""
         variables |= self.environment | {"LD_PRELOAD": ":".join([*libraries, self.environment["LD_PRELOAD"]])}
-        settings = " ".join(f'{name}="{value}"' for name, value in variables.items())
-        program = self.path.with_name("remembering")
-        program.write_text(f'#!/bin/sh\n{settings} exec "{paths.SERVICE}"\n')
-        program.chmod(0o755)
-        return program
+        return service_with(self.path.with_name("remembering"), **variables)
 
     def fail(self, number, persistently=False, libfcgi=False):
         """Makes the n-th allocation from now on fail; with `libfcgi`, only those of libfcgi count."""
