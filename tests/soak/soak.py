@@ -98,6 +98,8 @@ class Soak:
             for target in ("/srv/status", "/srv/notification"):
                 self.server.ask(target)
         self.at_rest()
+        # The connection is closed before what the answer was made from is freed.
+        wait_until(lambda: not processes.runs(self.pids["service"]), "the service waits")
         return held(pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"]))
 
     def keep_log_short(self):

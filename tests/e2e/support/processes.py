@@ -60,6 +60,11 @@ def is_alive(pid):
     return state is not None and state[0] not in "ZX"
 
 
+def runs(pid):
+    """Whether a process is at work, and neither waits nor has ended."""
+    return (field(pid, "State") or "").startswith("R")
+
+
 def children(parent, name=None):
     """Living children of a process, optionally of one name only."""
     pids = [int(entry.name) for entry in pathlib.Path("/proc").iterdir() if entry.name.isdigit()]
