@@ -76,12 +76,13 @@ bool AllKnown(const Sources& sources) {
 
 }  // namespace
 
-Board::Board(SourceFactory newFactory, std::chrono::microseconds newRenewalLimit)
+Board::Board(SourceFactory newFactory, BoardLimits newLimits)
     : factory(std::move(newFactory)),
-      renewalLimit(newRenewalLimit),
+      renewalLimit(newLimits.renewal),
       isService(ReportPath() != nullptr),
       event(NewEvent()),
-      wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+      wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      snapshots(newLimits.firstAnswer) {
     if (wakeUpDescriptor.Number() < 0) {
         ThrowSystemError("event loop: eventfd");
     }

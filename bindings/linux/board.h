@@ -41,15 +41,18 @@ using Sources = std::vector<std::unique_ptr<Source>>;
 /// Makes the sources of a board; called on its thread, again whenever the settings have changed.
 using SourceFactory = std::function<Sources(Board&)>;
 
+/// For how long a board waits for sources that have not said whether they are there.
+struct BoardLimits {
+    /// Before the first snapshot is answered.
+    std::chrono::microseconds firstAnswer = kFirstAnswerLimit;
+    /// After a change of the settings, while what the sources before have told stands.
+    std::chrono::microseconds renewal{1'000'000};
+};
+
 class Board {
   public:
-    /// For how long, after a change of the settings, what the sources before have told stands while
-    /// not all new ones have said whether they are there.
-    static constexpr std::chrono::microseconds kRenewalLimit{1'000'000};
-
     /// Starts the thread.
-    explicit Board(SourceFactory newFactory,
-                   std::chrono::microseconds newRenewalLimit = kRenewalLimit);
+    explicit Board(SourceFactory newFactory, BoardLimits newLimits = {});
     /// A request that has been accepted is made before, and its answer awaited, by the service for
     /// a second at most, by others for half a minute: a daemon may refuse what has been asked by
     /// somebody who is gone, and a modem that must be enabled first is connected only then.

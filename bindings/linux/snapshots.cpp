@@ -13,8 +13,6 @@ namespace binding {
 
 namespace {
 
-constexpr std::chrono::milliseconds kFirstAnswer{950};
-
 /// Whether @p answer stands, rather than that of the document @p by.
 template <typename T>
 bool IsTold(const Answer<T>& answer, const Answer<T>& by) {
@@ -23,8 +21,10 @@ bool IsTold(const Answer<T>& answer, const Answer<T>& by) {
 
 }  // namespace
 
-Snapshots::Snapshots()
-    : published(std::make_shared<const Device>(AbsentDevice())), outlook{kNothingToConnect} {}
+Snapshots::Snapshots(std::chrono::microseconds newFirstAnswerLimit)
+    : firstAnswerLimit(newFirstAnswerLimit),
+      published(std::make_shared<const Device>(AbsentDevice())),
+      outlook{kNothingToConnect} {}
 
 Snapshots::Taken Snapshots::Newest() {
     std::unique_lock lock(mutex);
@@ -40,7 +40,7 @@ Snapshots::Taken Snapshots::Newest() {
 
 void Snapshots::AwaitFirst(std::unique_lock<std::mutex>& lock) {
     if (!settled) {
-        settling.wait_for(lock, kFirstAnswer, [this] { return settled; });
+        settling.wait_for(lock, firstAnswerLimit, [this] { return settled; });
         // The next request does not wait, whatever is missing.
         settled = true;
     }

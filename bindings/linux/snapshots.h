@@ -2,6 +2,7 @@
 // lock that nobody holds for long.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -28,11 +29,14 @@ struct DataOutlook {
     }
 };
 
+/// For how long the first snapshot is waited for: a little less than a second.
+extern const std::chrono::milliseconds kFirstAnswerLimit;
+
 class Snapshots {
   public:
-    Snapshots();
+    explicit Snapshots(std::chrono::microseconds newFirstAnswerLimit);
 
-    // For requests. The first snapshot is waited for, but for a second at most.
+    // For requests. The first snapshot is waited for until it is whole, or for the limit.
 
     struct Taken {
         std::shared_ptr<const Device> device;
@@ -79,6 +83,7 @@ class Snapshots {
     void AwaitFirst(std::unique_lock<std::mutex>& lock);
     void ShowDataStatus(Device& device, DataRequest request) const;
 
+    std::chrono::microseconds firstAnswerLimit;
     std::mutex mutex;
     std::condition_variable settling;
     bool settled = false;

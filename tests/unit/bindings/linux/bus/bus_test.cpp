@@ -179,9 +179,7 @@ class Daemon : public OnABus {
 
     /// Ends the bus when @p call, which is not answered, has come.
     void EndBusDuring(const std::string& call) {
-        Await([&] {
-            return std::count(daemons->calls.begin(), daemons->calls.end(), call) == 1;
-        });
+        Await([&] { return std::count(daemons->calls.begin(), daemons->calls.end(), call) == 1; });
         daemons.reset();
         AwaitPresence(Presence::absent);
     }

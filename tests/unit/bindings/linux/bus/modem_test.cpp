@@ -493,7 +493,7 @@ class ShortProcess : public BoardWithAModem {
         StartModemManager();
         Document(nlohmann::json{{"linux", settings}}.dump());
         return Await(std::async(std::launch::async, [request] {
-            binding::Board shortLived(binding::MakeSources);
+            binding::Board shortLived(binding::MakeSources, kNoLimit);
             return (shortLived.*request)();
         }));
     }

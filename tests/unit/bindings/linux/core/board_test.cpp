@@ -37,6 +37,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
+constexpr binding::BoardLimits kNoLimits = {.firstAnswer = std::chrono::hours(1),
+                                            .renewal = std::chrono::hours(1)};
+
 /// A source whose state the test sets, as a daemon would.
 class TestSource : public Source {
   public:
@@ -90,7 +93,7 @@ class BoardOfOneSource : public SimulatedDevice {
     BoardOfOneSource() { Document("{}"); }
 
     void Begin(Source::State startsAs = Source::State::present,
-               std::chrono::microseconds renewalLimit = std::chrono::hours(1)) {
+               binding::BoardLimits limits = kNoLimits) {
         TestSource::startsAs = startsAs;
         tasks = std::make_shared<BoardTasks>();
         board = std::make_unique<Board>(
@@ -107,7 +110,7 @@ class BoardOfOneSource : public SimulatedDevice {
                 sources.push_back(std::move(made));
                 return sources;
             },
-            renewalLimit);
+            limits);
     }
 
     /// Runs @p task on the board's thread.
@@ -115,7 +118,7 @@ class BoardOfOneSource : public SimulatedDevice {
 
     /// Waits until @p condition holds.
     static void AwaitThat(const std::function<bool()>& condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!condition()) {
             ASSERT_LT(std::chrono::steady_clock::now(), end) << "nothing has come";
             std::this_thread::yield();
@@ -208,18 +211,20 @@ TEST_F(BoardOfOneSource, LostSourceLeavesWhatAnotherOneTells) {
         void Start() override { Set(State::lost); }
     };
     TestSource::startsAs = Source::State::present;
-    Board both([](Board& owner) {
-        binding::Sources sources;
-        sources.push_back(std::make_unique<TestSource>(owner));
-        sources.push_back(std::make_unique<LostSource>(owner));
-        return sources;
-    });
+    Board both(
+        [](Board& owner) {
+            binding::Sources sources;
+            sources.push_back(std::make_unique<TestSource>(owner));
+            sources.push_back(std::make_unique<LostSource>(owner));
+            return sources;
+        },
+        kNoLimits);
     EXPECT_EQ(both.Newest()->getGPSStatus.error, 0);
     EXPECT_EQ(both.Newest()->getGPSStatus.value, SYS_GPS_SEARCHING);
 }
 
 TEST_F(BoardOfOneSource, SourceThatDoesNotTellWhetherItIsThereDelaysOnlyTheFirstAnswer) {
-    Begin(Source::State::unknown);
+    Begin(Source::State::unknown, {.firstAnswer = std::chrono::microseconds(1)});
     // What the document says is answered, although the source is not known.
     Document("{\"sys\": {\"getSMSUnreadCount\": 2}}");
     const auto first = board->Newest();
@@ -291,7 +296,7 @@ TEST_F(NewSettings, LeaveTheSnapshotUntilAllNewSourcesAreKnown) {
 }
 
 TEST_F(NewSettings, DoNotWaitLongForSourcesThatDoNotTell) {
-    Begin(Source::State::present, std::chrono::microseconds(1));
+    Begin(Source::State::present, {.renewal = std::chrono::microseconds(1)});
     (void)board->Newest();
     Renew();
     Await(AreInForce);
@@ -397,10 +402,10 @@ TEST_F(DataRequests, ARequestWaitsForTheSourcesOfNewSettings) {
 TEST_F(DataRequests, ARequestThatWaitsForTheSourcesOfNewSettingsIsMadeBeforeTheEnd) {
     Renew();
     EXPECT_EQ(board->StartDataCall(), SYS_SUCCESS);
-    constexpr std::uint64_t kTenthOfASecond = 100'000;
+    constexpr std::uint64_t kMillisecond = 1'000;
     binding::EventSource known;
     OnBoard([&] {
-        known.After(board->Event(), kTenthOfASecond, 0, [this, &owner = *board] {
+        known.After(board->Event(), kMillisecond, 0, [this, &owner = *board] {
             owner.SetDataCall(&call);
             source->Set(Source::State::present);
         });

@@ -43,7 +43,7 @@ class DataCallInSnapshots : public ::testing::Test {
 
     Device document;
     std::optional<binding::TrafficMeter::Connection> connection;
-    Snapshots snapshots;
+    Snapshots snapshots{std::chrono::hours(1)};
 };
 
 TEST_F(DataCallInSnapshots, RequestIsToldFromTheMomentItIsAccepted) {

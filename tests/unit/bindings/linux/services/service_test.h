@@ -22,6 +22,9 @@
 
 class ServiceTest : public SimulatedDevice {
   protected:
+    /// The first answer has whatever the daemons tell.
+    static constexpr binding::BoardLimits kNoLimit = {.firstAnswer = std::chrono::hours(1)};
+
     ServiceTest() {
         // The machine's own daemons are not those of the test.
         environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (directory / "bus").string());
@@ -39,10 +42,12 @@ class ServiceTest : public SimulatedDevice {
 
     void Begin() {
         Document(nlohmann::json{{"linux", settings}}.dump());
-        board = std::make_unique<binding::Board>([this](binding::Board& owner) {
-            tasks.Join(owner.Event());
-            return binding::MakeSources(owner);
-        });
+        board = std::make_unique<binding::Board>(
+            [this](binding::Board& owner) {
+                tasks.Join(owner.Event());
+                return binding::MakeSources(owner);
+            },
+            kNoLimit);
         // The first snapshot waits for what the daemons answer.
         (void)Await(std::async(std::launch::async, [this] { return board->Newest(); }));
     }
@@ -60,10 +65,9 @@ class ServiceTest : public SimulatedDevice {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 
-    /// Serves the daemons until @p condition holds. Returns false when it has not after ten
-    /// seconds.
+    /// Serves the daemons until @p condition holds. Returns false when it has not after a minute.
     bool WaitFor(const std::function<bool(const binding::Device&)>& condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (std::chrono::steady_clock::now() < end) {
             Serve();
             if (condition(*board->Newest())) {
