@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "bindings/device/calls.h"
+#include "bindings/posix/log/repeated_lines.h"
 #include "platform/toru_dbg.h"
 #include "tests/support/scratch.h"
 
@@ -20,10 +21,12 @@ TEST_F(GuardedCall, ReturnsItsOwnCode) {
 }
 
 TEST_F(GuardedCall, ExceptionIsACodeAndALogLine) {
+    binding::SetLogClock([] { return binding::RepeatedLines::TimePoint(); });
     const auto fail = []() -> int { throw std::runtime_error("out of order"); };
     EXPECT_EQ(binding::Guarded(0, fail), kBindingFailed);
     EXPECT_EQ(binding::Guarded(kWebuiCodeBase, fail), kWebuiCodeBase + kBindingFailed);
     toru_dbg_stop();
+    binding::SetLogClock(nullptr);
     EXPECT_THAT(Log(), ElementsAre("[BINDING]:[ERROR] - out of order",
                                    "[BINDING]:[ERROR] - out of order [1 times, last 0 s ago]"));
 }

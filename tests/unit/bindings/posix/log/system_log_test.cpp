@@ -189,6 +189,7 @@ TEST_F(SystemLog, ThatNeedsMillisecondsForALineGetsTheNumberOfLostLines) {
 }
 
 TEST_F(SystemLog, HoldsBackRepeatedLines) {
+    binding::SetLogClock([] { return binding::RepeatedLines::TimePoint(); });
     const Receiver log(path);
     Fail();
     Fail();
@@ -196,6 +197,7 @@ TEST_F(SystemLog, HoldsBackRepeatedLines) {
     EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed");
     EXPECT_EQ(log.Next(), "");
     toru_dbg_stop();
+    binding::SetLogClock(nullptr);
     EXPECT_EQ(log.Next(), Head() + "[M]:[ERROR] - failed [2 times, last 0 s ago]");
     EXPECT_EQ(log.Next(), "");
 }
