@@ -7,6 +7,7 @@ import subprocess
 
 import pytest
 
+from lab import scenarios
 from lab.service import SERVICE, write_program
 from support import paths
 from support.namespaces import may_be_made
@@ -69,6 +70,9 @@ def all_daemons(lab):
         lab.service.shows(statusBarWiFiClientListSize="1")
         wait_until(lambda: HOST in json.dumps(lab.service.told("clients")), "the lease has been read")
     lab.service.notifies("roamingDomestic", "smsReceived")
+    # ModemManager asks a modem that has just registered for this one after the other.
+    lab.service.shows(statusBarNetworkID="00101", statusBarTechnology="LTE", statusBarSignalBars="5",
+                      statusBarConnectionState="Ready", statusBarGpsStatus="Searching")
 
 
 @pytest.mark.parametrize("options", [["--keep-identities"], []])
@@ -99,8 +103,12 @@ def test_a_board_with_a_locked_sim_is_recorded(lab, simulated):
     lab.start_service()
     lab.service.shows(statusBarSimStatus="Ready", statusBarBatteryPercent="80")
     lab.modem.order("sim", "locked")
+    # ModemManager makes a new modem of it.
+    path = lab.modem_manager.appeared(before=lab.path)
+    lab.modem_manager.wait_until_known(path)
     lab.service.shows(statusBarSimStatus="PIN Locked")
     lab.service.notifies("simPINLocked")
+    scenarios.settled(lab.service)
     before = bodies(lab.service)
     record(lab, lab.folder / "recorded.json")
     simulated.device.write((lab.folder / "recorded.json").read_bytes())
