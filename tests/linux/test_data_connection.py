@@ -49,13 +49,13 @@ def test_the_network_ends_the_data_connection(lab):
     lab.service.notifies()
 
 
-def test_the_modem_hangs_while_somebody_connects(board):
-    board.modem.hang()
+def test_the_modem_takes_its_time_while_somebody_connects(board):
+    board.modem.order("hold")
     board.service.act("connect")
-    # The answer comes although no command of the modem does.
+    # The answer comes although that of the modem does not.
     board.service.shows(statusBarConnectionState="Connecting")
     board.service.notifies()
-    board.modem.resume()
+    board.modem.order("let-go")
     board.service.shows(statusBarConnectionState="Connected")
     board.service.notifies()
 

@@ -23,13 +23,13 @@ def managed(lab):
 
 
 def knows_profile(lab):
-    wait_until(lambda: lab.service.told("modem")["networkManager"], "the service knows the profile", 10)
+    wait_until(lambda: lab.service.told("modem")["networkManager"], "the service knows the profile")
 
 
 def is_at(lab, *states):
     """Waits until the profile has a connection in this state, or none."""
     expected = {PROFILE: state for state in states}
-    wait_until(lambda: lab.network_manager.connections() == expected, f"the connections are {expected}", 10)
+    wait_until(lambda: lab.network_manager.connections() == expected, f"the connections are {expected}")
 
 
 def connect(lab):
@@ -46,30 +46,30 @@ def addresses(lab):
 def test_the_profile_connects_and_disconnects(managed):
     connect(managed)
     # Nobody but NetworkManager gives the interface the address that the network has told, which it may do last.
-    wait_until(lambda: "inet 10.11.12.13/" in addresses(managed), "the interface has its address", 10)
+    wait_until(lambda: "inet 10.11.12.13/" in addresses(managed), "the interface has its address")
     managed.service.act("disconnect")
     managed.service.shows(statusBarConnectionState="Ready", statusBarMobileDataEnabled=0)
     managed.service.notifies("dataOff")
     is_at(managed)
     assert managed.modem_manager.state(managed.path) == STATE_REGISTERED
-    wait_until(lambda: "inet " not in addresses(managed), "the interface has no address", 10)
+    wait_until(lambda: "inet " not in addresses(managed), "the interface has no address")
     assert managed.service.said() == {}
 
 
 @needs_root
 def test_the_modem_takes_its_time(managed):
-    managed.modem.hang()
+    managed.modem.order("hold")
     managed.service.act("connect")
     managed.service.shows(statusBarConnectionState="Connecting")
     is_at(managed, ACTIVATING)
     # The same once more changes nothing.
     managed.service.act("connect")
-    managed.modem.resume()
+    managed.modem.order("let-go")
     managed.service.shows(statusBarConnectionState="Connected")
-    managed.modem.hang()
+    managed.modem.order("hold")
     managed.service.act("disconnect")
     managed.service.shows(statusBarConnectionState="Disconnecting")
-    managed.modem.resume()
+    managed.modem.order("let-go")
     managed.service.shows(statusBarConnectionState="Ready")
     is_at(managed)
 
@@ -125,7 +125,7 @@ def test_the_daemon_is_killed_and_comes_back(managed):
     connect(managed)
     managed.network_manager.kill()
     # Without it, ModemManager itself connects and disconnects.
-    wait_until(lambda: not managed.service.told("modem")["networkManager"], "the service has noticed", 10)
+    wait_until(lambda: not managed.service.told("modem")["networkManager"], "the service has noticed")
     managed.service.shows(statusBarConnectionState="Connected")
     managed.service.notifies()
     managed.service.act("disconnect")
@@ -141,11 +141,11 @@ def test_the_daemon_is_killed_and_comes_back(managed):
 
 @needs_root
 def test_the_daemon_is_killed_while_it_connects(managed):
-    managed.modem.hang()
+    managed.modem.order("hold")
     managed.service.act("connect")
     is_at(managed, ACTIVATING)
     managed.network_manager.kill()
-    managed.modem.resume()
+    managed.modem.order("let-go")
     # ModemManager goes on although nobody waits for it any more.
     managed.service.shows(statusBarConnectionState="Connected")
     managed.network_manager.start()
@@ -159,6 +159,6 @@ def test_the_daemon_is_killed_while_it_connects(managed):
 def test_the_daemon_has_its_name_before_its_objects(board):
     slow = SlowNetworkManager(board.folder, board.bus)
     board.start(slow)
-    wait_until(slow.has_been_asked, "the service has asked", 10)
+    wait_until(slow.has_been_asked, "the service has asked")
     slow.go_on()
     knows_profile(board)

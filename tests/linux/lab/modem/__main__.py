@@ -14,7 +14,7 @@ import sys
 import tty
 
 from lab.modem import orders
-from lab.modem.commands import answer
+from lab.modem.commands import OF_CONNECTIONS, answer
 from lab.modem.modem import Modem
 from lab.orders import obey
 
@@ -33,7 +33,7 @@ class Port:
         self.has_data = False
         try:
             while line := await reader.readuntil(b"\r"):
-                self._take(line.decode("latin-1").strip())
+                await self._take(line.decode("latin-1").strip())
         except (asyncio.IncompleteReadError, ConnectionError):
             pass
         finally:
@@ -41,12 +41,14 @@ class Port:
                 self.writer = None
             writer.close()
 
-    def _take(self, line):
+    async def _take(self, line):
         if not line.upper().startswith("AT"):
             self.emulator.note(self.name, "ignored", line)
             return
         self.emulator.note(self.name, ">", line)
         self.has_data = False
+        while self.emulator.modem.is_held and OF_CONNECTIONS.match(line[2:]):
+            await asyncio.sleep(0.005)
         lines = answer(self.emulator.modem, line[2:])
         self.has_data = lines[-1].startswith("CONNECT")
         self.send(*lines)

@@ -47,6 +47,9 @@ FIXED = {
     "+CFUN=?": ["+CFUN: (0,1,4),(0-1)"],
 }
 
+# These make and end data connections.
+OF_CONNECTIONS = re.compile(r"D|\+CGACT=[01]")
+
 NUMBER = r"(\d+)"
 TEXT = r'"?([^",]*)"?'
 

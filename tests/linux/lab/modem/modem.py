@@ -49,6 +49,7 @@ class Modem:
         self.active = set()
         self.traffic = (0, 0)
         self.dial_error = None
+        self.is_held = False
         self.messages = {}
 
     # What people and tests do to the modem.
@@ -95,6 +96,10 @@ class Modem:
         for context in sorted(self.active):
             self.send(f"+CGEV: NW PDN DEACT {context}")
         self.active.clear()
+
+    def hold(self, is_held):
+        """While it is held, it takes its time for data connections; a host waits for them for minutes."""
+        self.is_held = is_held
 
     def take_sim(self):
         self.has_sim = False

@@ -11,6 +11,7 @@ sms FROM TEXT                      a message arrives
 drop                               the network ends the data connection
 traffic SENT RECEIVED              so many more bytes pass the data connection
 refuse CODE|nothing                data connections are refused with a +CME ERROR
+hold, let-go                       data connections are neither made nor ended until they are let go
 sim out|in|locked|blocked          a card is taken out or put in: open, asking for the PIN 1234, or the PUK
 """
 
@@ -48,5 +49,7 @@ ORDERS = {
     "drop": lambda modem: modem.drop(),
     "traffic": _traffic,
     "refuse": _refuse,
+    "hold": lambda modem: modem.hold(True),
+    "let-go": lambda modem: modem.hold(False),
     "sim": _sim,
 }
