@@ -121,8 +121,9 @@ def play_scenarios(lab, names):
     start(lab)
     # At the log level of a device.
     lab.make_service().environment.pop("KESTAL_LOG_LEVEL")
-    # Short, because a step waits until the same notification of an earlier one has ended.
-    lab.service.settings["clientNotificationSeconds"] = 3
+    # Short, because a step waits until the same notification of an earlier one has ended; yet a step on a machine that
+    # does much else has to see its own.
+    lab.service.settings["clientNotificationSeconds"] = 15
     lab.service.start()
     lab.service.shows(statusBarConnectionState="Ready", statusBarBatteryPercent="80", statusBarWiFiEnabled=1,
                       statusBarGpsStatus="Searching")

@@ -10,11 +10,8 @@ import time
 from lab import play
 from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_FAILED, STATE_REGISTERED
 from lab.update import INSTALLER
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
-# Seconds until the answer has to show a change. One that a daemon tells is there sooner by far, but a daemon that
-# hangs is missed only when it has not answered for the limit that the document sets.
-DEADLINE = 20.0
 # Seconds for which the answer stays as it is after a step.
 SETTLED = 0.3
 # Milliseconds within which a change that a daemon tells is to stand in the answer. One that takes longer counts as
@@ -208,9 +205,10 @@ def bus(lab):
     yield ordered(lab, f"kill {lab.bus.name}", without=TOLD_BY_MODEM, told=lambda: True, by="the bus")
 
 
-#: In this order, because an installed update is shown from then on, and no daemon comes back without the bus.
+#: In this order, because a computer that leaves is told as a phone is, and that has to have ended meanwhile, because an
+#: installed update is shown from then on, and because no daemon comes back without the bus.
 SCENARIOS = {scenario.__name__: scenario for scenario in (
-    sim, network, connection, hang, kill, sms, battery, phone, computer, access_point, position, update, bus)}
+    phone, sim, network, connection, hang, kill, sms, battery, position, access_point, computer, update, bus)}
 
 
 class Shown:
@@ -252,7 +250,7 @@ def take(lab, step):
     """Carries a step out; returns the milliseconds until the service shows it."""
     step.act()
     if step.told is not None:
-        wait_until(step.told, f"{step.by} tells of it", DEADLINE)
+        wait_until(step.told, f"{step.by} tells of it")
     begin = time.monotonic()
     while True:
         shown = Shown(lab.service)
@@ -270,7 +268,7 @@ def without_older(lab, step, before):
     older = step.notifies & before.types & set(OF_CLIENTS)
     if not older:
         return before
-    wait_until(lambda: not older & Shown(lab.service).types, f"{sorted(older)} ended", DEADLINE)
+    wait_until(lambda: not older & Shown(lab.service).types, f"{sorted(older)} ended")
     return settled(lab.service)
 
 
