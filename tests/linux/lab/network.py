@@ -7,6 +7,7 @@ import time
 
 from support import paths
 from support.namespaces import Namespace
+from support.waiting import DEADLINE, wait_until
 
 BRIDGE = "br0"
 ETHERNET = "eth0"
@@ -64,7 +65,7 @@ class Network:
             subprocess.run(
                 ["busybox", "udhcpc", "-i", CABLE, "-f", "-q", "-n", "-t", "20", "-T", "1", "-s", "/bin/true",
                  "-x", f"hostname:{name}"],
-                check=True, timeout=40, env=paths.CLEAN_ENVIRONMENT, capture_output=True,
+                check=True, timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT, capture_output=True,
             )
 
     def lease(self, mac, address, name="*", seconds=3600):
@@ -83,7 +84,9 @@ class Network:
 
     def attach(self, mac, interface=ETHERNET):
         """The bridge has seen this address on one of its ports."""
-        self.run("bridge", "fdb", "replace", mac, "dev", interface, "master", "dynamic")
+        command = ["bridge", "fdb", "replace", mac, "dev", interface, "master", "dynamic"]
+        # A port learns once the kernel has noticed its carrier, which it does on its own time.
+        wait_until(lambda: self._succeeds(command), "the port learns")
 
     def detach(self, mac, interface=ETHERNET):
         self.run("bridge", "fdb", "del", mac, "dev", interface, "master")
@@ -108,15 +111,19 @@ class Network:
                         connection.send(FRAME.ljust(size, b"\0"))
                         count -= size
 
+    def _succeeds(self, command):
+        with self.namespace.entered():
+            return subprocess.run(command, timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT).returncode == 0
+
     def batch(self, program, commands):
         """Many commands of ip or bridge at once."""
         with self.namespace.entered():
             subprocess.run([program, "-batch", "-"], input="\n".join(commands) + "\n", text=True, check=True,
-                           timeout=60, env=paths.CLEAN_ENVIRONMENT)
+                           timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT)
 
     def capture(self, *command):
         with self.namespace.entered():
-            return subprocess.run(command, check=True, timeout=30, env=paths.CLEAN_ENVIRONMENT,
+            return subprocess.run(command, check=True, timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT,
                                   capture_output=True, text=True).stdout
 
     def close(self):
