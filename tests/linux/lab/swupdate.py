@@ -5,6 +5,7 @@ import subprocess
 
 from lab.daemon import Daemon
 from support import paths
+from support.waiting import DEADLINE
 
 # All paths are those that SWUpdate sees; its sockets are always in /tmp.
 IMAGE_SIZE = 1 << 16
@@ -54,7 +55,7 @@ class SwUpdate(Daemon):
                   "-addext", "extendedKeyUsage=emailProtection", "-keyout", "key", "-out", "certificate")
 
     def _run(self, *command, folder=None, **options):
-        subprocess.run(command, cwd=folder or self.directory, check=True, timeout=30, capture_output=True,
+        subprocess.run(command, cwd=folder or self.directory, check=True, timeout=DEADLINE, capture_output=True,
                        env=paths.CLEAN_ENVIRONMENT, **options)
 
     def bundle(self, revision=REVISION):
@@ -82,11 +83,13 @@ class SwUpdate(Daemon):
         return self.bundle("another one")
 
     def install(self, bundle):
-        """Begins an installation and returns at once."""
+        """Begins an installation, once the one before has ended, and returns at once."""
+        # SWUpdate tells that an update is installed before it takes another one. This is what its client says then.
+        refused = 'swupdate-client "$0" 2>&1 | tee -a /dev/stderr | grep -q "swupdate_async_start returns"'
         with self.output.open("ab") as output:
             subprocess.Popen(
                 ["setpriv", "--pdeathsig", "KILL", "--", "nsenter", f"--target={self.pid}", "--mount", "--root",
-                 "swupdate-client", f"/tmp/{bundle.name}"],
+                 "sh", "-c", f"while {refused}; do sleep 0.1; done", f"/tmp/{bundle.name}"],
                 stdin=subprocess.DEVNULL, stdout=output, stderr=output, env=self.environment,
             )
 

@@ -6,6 +6,7 @@ import dbus
 
 from lab.bus import BusDaemon
 from support import paths
+from support.waiting import DEADLINE
 
 INSTALLER = "de.pengutronix.rauc.Installer"
 SLOT_SIZE = 1 << 20
@@ -84,7 +85,7 @@ class Update(BusDaemon):
         (self.directory / name).write_text(text)
 
     def _run(self, *command):
-        subprocess.run(command, cwd=self.directory, check=True, timeout=30, capture_output=True,
+        subprocess.run(command, cwd=self.directory, check=True, timeout=DEADLINE, capture_output=True,
                        env=paths.CLEAN_ENVIRONMENT)
 
     def bundle(self, compatible="Lab Box"):
@@ -104,7 +105,9 @@ class Update(BusDaemon):
         return self.bundle("Another Box")
 
     def install(self, bundle):
-        """Begins an installation and returns at once."""
+        """Begins an installation, once the one before has ended, and returns at once."""
+        # RAUC tells that an update is installed before it takes another one.
+        self.wait_until_idle()
         self.call("/", f"{INSTALLER}.InstallBundle", str(bundle), dbus.Dictionary({}, signature="sv"))
 
     def hold(self):
