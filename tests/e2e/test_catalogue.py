@@ -7,6 +7,7 @@ import subprocess
 import pytest
 
 from support import paths
+from support.waiting import DEADLINE
 
 FOLDER = paths.ROOT / "catalogue"
 LANGUAGES = sorted(path.stem for path in FOLDER.glob("*.po"))
@@ -131,7 +132,7 @@ def test_the_compiler_accepts_every_translation(language, work):
         [str(FOLDER / "compile"), str(FOLDER / f"{language}.po"), str(work / "webui.mo")],
         capture_output=True,
         text=True,
-        timeout=20,
+        timeout=DEADLINE,
     )
     assert (done.returncode, done.stdout + done.stderr) == (0, "")
 
@@ -149,7 +150,7 @@ def test_the_compiler_refuses_damaged_and_dubious_translations(work, damage, com
     po = work / "en_US.po"
     po.write_bytes(damage((FOLDER / f"{ENGLISH}.po").read_bytes() + b"\n"))
     done = subprocess.run(
-        [str(FOLDER / "compile"), str(po), str(work / "webui.mo")], capture_output=True, text=True, timeout=20
+        [str(FOLDER / "compile"), str(po), str(work / "webui.mo")], capture_output=True, text=True, timeout=DEADLINE
     )
     assert done.returncode != 0
     assert complaint in done.stderr

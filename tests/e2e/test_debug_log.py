@@ -11,7 +11,7 @@ import pytest
 from support import paths
 from support.load import Load
 from support.logs import Log, times
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 from support.watchdog import Watchdog as Receiver
 
 
@@ -83,7 +83,7 @@ def test_the_shipped_rotation_keeps_every_line(responder, work):
         assert is_right(responder.ask(f"/srv/status?{number}"))
         wait_until(lambda: log.count("End KESTAL_CGI request") == 1, "the end of the request")
         written.append(log.text())
-        subprocess.run(rotate, check=True, timeout=20)
+        subprocess.run(rotate, check=True, timeout=DEADLINE)
         assert log.path.stat().st_size == 0
     assert responder.end() == 0
     assert log.count("Server Terminating") == 1

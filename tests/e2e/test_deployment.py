@@ -11,7 +11,7 @@ import pytest
 
 from support import paths, processes, web
 from support.sessions import open_session
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 from support.watchdog import Watchdog as Receiver
 
 
@@ -197,7 +197,7 @@ def test_a_run_directory_that_is_a_link_is_refused(make_server, work, command, s
     server.run.symlink_to(folder)
     server.environment["KESTAL_RUN_DIRECTORY"] = f"{server.run}{slashes}"
     launcher = server.launch(command)
-    assert launcher.wait(20) == 1
+    assert launcher.wait(DEADLINE) == 1
     assert f"the run directory {server.run} is a symbolic link\n" in launcher.stderr.read().decode()
     launcher.stderr.close()
     assert stat.S_IMODE(folder.stat().st_mode) == 0o755
@@ -236,7 +236,7 @@ def test_systemd_does_not_count_a_stop_with_open_connections_as_a_failure(server
         # After this answer the web server has accepted both connections.
         assert server.ask("/srv/status").status == 200
         server.process.terminate()
-        assert server.process.wait(20) == int(expected)
+        assert server.process.wait(DEADLINE) == int(expected)
 
 
 def test_the_service_may_be_in_a_folder_with_a_blank(make_server, work):
@@ -269,7 +269,7 @@ def test_the_launcher_refuses_invalid_settings(make_server, name, value, message
     server = make_server()
     server.environment[name] = value
     launcher = server.launch()
-    assert launcher.wait(20) == 1
+    assert launcher.wait(DEADLINE) == 1
     assert f"kestal-server: {message}\n" in launcher.stderr.read().decode()
     launcher.stderr.close()
 
@@ -279,13 +279,13 @@ def test_the_launcher_refuses_a_run_directory_with_an_unusable_name(make_server,
     server = make_server()
     server.environment["KESTAL_RUN_DIRECTORY"] = str(work / name)
     launcher = server.launch()
-    assert launcher.wait(20) == 1
+    assert launcher.wait(DEADLINE) == 1
     assert "the name of the run directory" in launcher.stderr.read().decode()
     launcher.stderr.close()
 
 
 def test_the_launcher_refuses_an_unknown_command(make_server):
     launcher = make_server().launch("stop")
-    assert launcher.wait(20) == 1
+    assert launcher.wait(DEADLINE) == 1
     assert "unknown command 'stop'" in launcher.stderr.read().decode()
     launcher.stderr.close()

@@ -10,7 +10,7 @@ import pytest
 
 from support import paths
 from support.load import Load
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 FATAL = [signal.SIGSEGV, signal.SIGABRT, signal.SIGILL]
 LIBC = ctypes.CDLL(None, use_errno=True)
@@ -82,7 +82,7 @@ def test_a_fatal_signal_ends_a_busy_service_too(make_responder, signo):
 def test_with_two_fatal_signals_the_exit_status_is_one_of_them(responder):
     responder.process.send_signal(signal.SIGSEGV)
     responder.process.send_signal(signal.SIGABRT)
-    assert responder.process.wait(20) in (signal.SIGSEGV, signal.SIGABRT)
+    assert responder.process.wait(DEADLINE) in (signal.SIGSEGV, signal.SIGABRT)
 
 
 def test_with_a_fatal_signal_and_a_termination_at_once_the_exit_status_is_that_of_one_of_them(make_responder):
@@ -90,7 +90,7 @@ def test_with_a_fatal_signal_and_a_termination_at_once_the_exit_status_is_that_o
         responder = make_responder().start()
         responder.process.send_signal(signal.SIGTERM)
         responder.process.send_signal(signal.SIGSEGV)
-        assert responder.process.wait(20) in (0, signal.SIGSEGV)
+        assert responder.process.wait(DEADLINE) in (0, signal.SIGSEGV)
 
 
 @one_other_thread
@@ -101,7 +101,7 @@ def test_a_fatal_signal_in_either_thread_leaves_a_backtrace(make_responder, sign
         responder.log.path.unlink(missing_ok=True)
         responder.start()
         send(responder, thread(responder), signo)
-        assert responder.process.wait(20) == signo
+        assert responder.process.wait(DEADLINE) == signo
         assert_backtrace(responder.log.messages(), signo)
 
 
@@ -114,7 +114,7 @@ def test_a_fatal_signal_in_the_keep_alive_thread_does_the_same_after_its_first_r
     responder.start()
     responder.log.wait_for(NOTIFIED)
     send(responder, keep_alive_thread(responder), signo)
-    assert responder.process.wait(20) == signo
+    assert responder.process.wait(DEADLINE) == signo
     assert_backtrace(responder.log.messages(), signo)
 
 
@@ -129,7 +129,7 @@ def test_a_fatal_signal_in_either_thread_ends_a_busy_service(make_responder, sig
         with Load(responder) as load:
             wait_until(lambda: len(load.answers) > number, "answers")
             send(responder, thread, signo)
-            assert responder.process.wait(20) == signo
+            assert responder.process.wait(DEADLINE) == signo
         assert responder.log.count(f"kestal.cgi received signal: {int(signo)}, backtrace:") == 1
         # A half-written answer must not look complete.
         assert all(answer.status == 200 and answer.body.endswith(b"}") for answer in load.answers if answer.complete)

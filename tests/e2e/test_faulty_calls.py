@@ -10,7 +10,7 @@ import pytest
 
 from support import fastcgi, paths, processes
 from support.program import service_with
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 STUCK = 75
 STATUS = "statusBarConnectionState"
@@ -23,7 +23,7 @@ needs_signals = pytest.mark.skipif(
 
 def sim(server, *arguments):
     command = [str(paths.SIM), "--device", str(server.device.path), *arguments]
-    return subprocess.run(command, check=True, capture_output=True, text=True, timeout=20).stdout
+    return subprocess.run(command, check=True, capture_output=True, text=True, timeout=DEADLINE).stdout
 
 
 @contextlib.contextmanager
@@ -60,7 +60,7 @@ def test_a_call_that_hangs_on_ends_the_service_at_its_deadline(make_responder):
     sim(responder, "fail", "cellularDataConnect", "--hang")
     with responder.connect() as connection:
         connection.send(fastcgi.request({**fastcgi.STATUS, "REQUEST_URI": "/srv/connect"}))
-        assert responder.process.wait(20) == STUCK
+        assert responder.process.wait(DEADLINE) == STUCK
     assert responder.log.count("is stuck: request (connect)") == 1
 
 
@@ -81,7 +81,7 @@ def test_a_call_fails_three_times_and_then_answers(server):
     tool = [str(paths.BUILD / "tools" / "sysintcli"), "getBatteryStatus"]
     for _ in range(5):
         environment = {**server.environment, "KESTAL_LOG_LEVEL": "0"}
-        assert subprocess.run(tool, env=environment, capture_output=True, timeout=20, check=False).returncode == 1
+        assert subprocess.run(tool, env=environment, capture_output=True, timeout=DEADLINE, check=False).returncode == 1
     assert [server.status().get(key) for _ in range(5)] == [None, None, None, charge, charge]
     # The same fault again begins anew, although no request has come while the call was healed.
     sim(server, "heal", "getBatteryStatus")

@@ -5,6 +5,7 @@ import subprocess
 import pytest
 
 from support import paths
+from support.waiting import DEADLINE
 
 FRESH = paths.ROOT / "scripts" / "fresh"
 USAGE = "usage: scripts/fresh 12 | 13 [run | test [ARGUMENT...]]\n"
@@ -22,7 +23,7 @@ def fresh(work):
             env={**paths.CLEAN_ENVIRONMENT, "PATH": f"{work}:{paths.CLEAN_ENVIRONMENT['PATH']}"},
             capture_output=True,
             text=True,
-            timeout=20,
+            timeout=DEADLINE,
         )
         return done.returncode, done.stdout, done.stderr
 

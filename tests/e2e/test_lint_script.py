@@ -7,6 +7,7 @@ import subprocess
 import pytest
 
 from support import paths
+from support.waiting import DEADLINE
 
 LINT = paths.ROOT / "scripts" / "lint"
 
@@ -21,7 +22,7 @@ def tree(work):
     (tree / "main.cpp").write_text("int main() { return 0; }\n")
     (tree / "script").write_text("#!/bin/sh\necho fine\n")
     (tree / ".gitignore").write_text("build\n")
-    subprocess.run(["git", "init", "-q", tree], check=True, timeout=20)
+    subprocess.run(["git", "init", "-q", tree], check=True, timeout=DEADLINE)
     return tree
 
 

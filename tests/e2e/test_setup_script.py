@@ -5,6 +5,7 @@ import subprocess
 import pytest
 
 from support import paths
+from support.waiting import DEADLINE
 
 SETUP = paths.ROOT / "scripts" / "setup"
 
@@ -44,7 +45,7 @@ exit 1""")
             env={"PATH": path, "SYSTEMD_DIRECTORY": str(systemd)},
             capture_output=True,
             text=True,
-            timeout=20,
+            timeout=DEADLINE,
         )
         calls = work / "calls"
         return done.returncode, done.stderr, calls.read_text().splitlines() if calls.exists() else []

@@ -9,6 +9,7 @@ import subprocess
 import pytest
 
 from support import paths
+from support.waiting import DEADLINE
 
 DEBUG = "[KESTAL_CGI]:[DEBUG] - "
 VERSION = subprocess.run([paths.SERVICE, "--version"], check=True, capture_output=True, text=True, timeout=60).stdout
@@ -117,7 +118,7 @@ def test_with_closed_descriptors_no_connection_gets_their_numbers(make_server, w
 
 def assert_ends_by_itself(responder, command, **arguments):
     run = subprocess.run(
-        command, env=responder.environment, stderr=subprocess.DEVNULL, timeout=20, **arguments
+        command, env=responder.environment, stderr=subprocess.DEVNULL, timeout=DEADLINE, **arguments
     )
     assert run.returncode == 0
     messages = responder.log.messages()

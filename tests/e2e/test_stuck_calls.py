@@ -15,7 +15,7 @@ import pytest
 
 from support import fastcgi, paths, processes
 from support.logs import times
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 from support.watchdog import Watchdog as Receiver
 
 STUCK = 75
@@ -65,7 +65,7 @@ def functions(frames):
 def test_a_request_that_hangs_is_named_with_all_its_frames_and_ends_the_process(impatient):
     with changes_hang(impatient.device), impatient.connect() as connection:
         connection.send(fastcgi.request(CONNECT))
-        assert impatient.process.wait(20) == STUCK
+        assert impatient.process.wait(DEADLINE) == STUCK
     messages = impatient.log.messages()
     frames = messages[messages.index(message("connect")) + 1 :]
     assert 4 < len(frames) <= 48
@@ -92,7 +92,7 @@ def test_held_back_failures_are_logged_before_the_frames_of_a_hang(make_responde
             assert responder.ask().status == 200
         with changes_hang(responder.device), responder.connect() as connection:
             connection.send(fastcgi.request(CONNECT))
-            assert responder.process.wait(20) == STUCK
+            assert responder.process.wait(DEADLINE) == STUCK
         for log in responder.log.messages(), system_log.waiting():
             reason = next(i for i, line in enumerate(log) if message("connect") in line)
             failures = [i for i, line in enumerate(log) if "sys_getGPSStatus failed" in line]
@@ -113,7 +113,7 @@ def test_a_termination_of_a_service_that_hangs_does_not_keep_it_alive(impatient)
 def test_a_peer_that_does_not_finish_its_request_blocks_the_service_only_until_the_deadline(impatient):
     with impatient.connect() as connection:
         connection.send(fastcgi.request(fastcgi.STATUS)[:30])
-        assert impatient.process.wait(20) == STUCK
+        assert impatient.process.wait(DEADLINE) == STUCK
     assert impatient.log.messages().count(message("receipt")) == 1
 
 

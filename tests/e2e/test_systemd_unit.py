@@ -10,7 +10,7 @@ import subprocess
 import pytest
 
 from support import paths, processes
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 UNIT = (paths.BUILD / "deploy" / "kestal.service").read_text()
 
@@ -102,7 +102,7 @@ def test_the_allowed_system_calls_are_enough(make_server, work):
     start_wrapped(server, *filtered(trace))
     live(server)
     server.process.terminate()
-    server.process.wait(20)
+    server.process.wait(DEADLINE)
     end = rf"(?m)^{server.process.pid} +\+\+\+ exited"
     wait_until(lambda: re.search(end, trace.read_text()), "strace has recorded the whole run")
     # When the simulator replaces a device document, it tries to keep the file's owner. That this call is

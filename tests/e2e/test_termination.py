@@ -7,7 +7,7 @@ import time
 
 from support import fastcgi, processes
 from support.load import Load
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 DEBUG = "[KESTAL_CGI]:[DEBUG] - "
 TERMINATION = [
@@ -49,7 +49,7 @@ def test_a_termination_reaches_the_watchdog(make_responder, watchdog):
 def test_several_terminations_have_the_effect_of_one(responder):
     for _ in range(20):
         responder.process.send_signal(signal.SIGTERM)
-    assert responder.process.wait(20) == 0
+    assert responder.process.wait(DEADLINE) == 0
     assert responder.log.count("Server Terminating") == 1
 
 
@@ -62,7 +62,7 @@ def test_a_termination_during_a_request_waits_for_its_answer(responder):
         wait_until(lambda: is_pending(responder.pid, signal.SIGTERM), "the signal is pending")
         connection.send(whole[30:])
         assert connection.receive().body.startswith(b'{"loginStatus":0,"statusData":{')
-    assert responder.process.wait(20) == 0
+    assert responder.process.wait(DEADLINE) == 0
 
 
 def is_pending(pid, signo):
@@ -92,7 +92,7 @@ def test_terminations_under_load_cut_no_request_short(make_responder, watchdog):
             begin = time.monotonic()
             responder.process.send_signal(signal.SIGTERM)
             begun = responder.log.text().count(starting)
-            assert responder.process.wait(20) == 0
+            assert responder.process.wait(DEADLINE) == 0
             times.append(time.monotonic() - begin)
         assert not load.cut_short()
         log = responder.log
@@ -135,7 +135,7 @@ def test_other_signals_have_their_default_effect(make_responder):
     for signo in (signal.SIGINT, signal.SIGHUP, signal.SIGKILL):
         responder = make_responder().start()
         os.kill(responder.pid, signo)
-        assert responder.process.wait(20) == -signo
+        assert responder.process.wait(DEADLINE) == -signo
 
 
 def test_a_broken_pipe_does_not_end_the_service(responder):

@@ -11,7 +11,7 @@ import threading
 
 from support import paths, processes
 from support.load import Callers
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 
 def kill_web_server(server):
@@ -34,7 +34,7 @@ def test_one_responder_serves_everything(server):
 def test_stopping_the_web_server_ends_the_responder(server):
     responder = server.responder()
     server.process.terminate()
-    assert server.process.wait(20) == 0
+    assert server.process.wait(DEADLINE) == 0
     wait_for_end(responder)
     assert server.log.count("KESTAL_CGI Server Terminating") == 1
     assert server.log.count("watchdog: kestal.cgi unregistered") == 1
@@ -98,7 +98,7 @@ def test_stopping_the_web_server_under_load_leaves_no_half_answers(server):
         wait_until(lambda: browsers.right() > 50, "answers")
         server.process.terminate()
         # lighttpd exits with status 1 if connections are open.
-        assert server.process.wait(20) in (0, 1)
+        assert server.process.wait(DEADLINE) in (0, 1)
         browsers.ended = True
     wait_for_end(responder)
     assert {answer.status for answer in browsers.answers} <= {200, 500, 503}
@@ -154,7 +154,7 @@ def test_stray_responders_of_other_servers_are_left_alone(make_server):
 def test_a_second_server_on_the_same_run_directory_is_refused(server):
     responder = server.responder()
     second = server.launch()
-    assert second.wait(20) == 1
+    assert second.wait(DEADLINE) == 1
     assert f"in use by the web server with process id {server.process.pid}" in second.stderr.read().decode()
     second.stderr.close()
     assert server.responder() == responder
@@ -194,7 +194,7 @@ def test_a_start_waits_for_another_one_and_gives_up_before_it_touches_anything(m
     with open(server.run / "lock", "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
         launcher = server.launch()
-        assert launcher.wait(20) == 1
+        assert launcher.wait(DEADLINE) == 1
         message = f"another kestal-server is starting or sweeping in {server.run}\n"
         assert message in launcher.stderr.read().decode()
         launcher.stderr.close()
@@ -204,7 +204,7 @@ def test_a_start_waits_for_another_one_and_gives_up_before_it_touches_anything(m
 
 def test_a_sweep_does_not_touch_a_running_web_server(server):
     sweep = server.launch("sweep")
-    assert sweep.wait(20) == 1
+    assert sweep.wait(DEADLINE) == 1
     assert f"in use by the web server with process id {server.process.pid}" in sweep.stderr.read().decode()
     sweep.stderr.close()
     assert server.ask("/srv/status").status == 200
@@ -232,7 +232,7 @@ def test_without_flock_the_service_starts_and_says_so(make_server, work):
     server.environment["PATH"] = str(tools)
     assert server.start().ask("/srv/status").status == 200
     second = server.launch()
-    assert second.wait(20) == 1
+    assert second.wait(DEADLINE) == 1
     messages = second.stderr.read().decode()
     second.stderr.close()
     assert "flock is not installed" in messages

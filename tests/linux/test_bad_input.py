@@ -50,13 +50,13 @@ def test_a_file_of_leases_is_damaged_and_cut(lab):
     def names():
         return {client["mac"]: client["name"] for client in lab.service.told("clients")}
 
-    wait_until(lambda: names() == {PHONE: "t?l?phone", TABLET: ""}, "what is whole is known", 10)
+    wait_until(lambda: names() == {PHONE: "t?l?phone", TABLET: ""}, "what is whole is known")
     complaint = (f"clients: {lab.network.leases}: line 1: the time at which the lease ends is none "
                  "(4 lines are wrong)")
     lab.service.says(complaint)
     with lab.network.leases.open("ab") as leases:
         leases.write(b"let *\n")
-    wait_until(lambda: names()[TABLET] == "tablet", "the rest is known", 10)
+    wait_until(lambda: names()[TABLET] == "tablet", "the rest is known")
     assert lab.service.said() == {complaint: 1}
 
 
@@ -96,7 +96,7 @@ def test_the_document_contradicts_a_daemon_and_is_cut(lab):
     lab.power.wait_for_percentage(70)
     lab.service.shows(statusBarBatteryPercent="9", statusBarBatteryChargingState="true")
     lab.service.device.write(lab.service.device.path.read_bytes()[:-20])
-    wait_until(lambda: "keeping the last good document" in "".join(lab.service.said()), "it is complained of", 10)
+    wait_until(lambda: "keeping the last good document" in "".join(lab.service.said()), "it is complained of")
     lab.service.shows(statusBarBatteryPercent="9", statusBarBatteryChargingState="true")
     lab.service.answers = {}
     lab.service.write()
@@ -140,4 +140,4 @@ def test_a_daemon_tells_values_of_wrong_types(lab):
 
     lines = [said("IsPresent", "a text", "a boolean"), said("Percentage", "another list", "a finite number"),
              said("Percentage", "a text", "a finite number"), said("State", "a dictionary", "an integer of 64 bits")]
-    wait_until(lambda: lab.service.said() == dict.fromkeys(lines, 1), "each is said once until it is right again", 10)
+    wait_until(lambda: lab.service.said() == dict.fromkeys(lines, 1), "each is said once until it is right again")

@@ -12,13 +12,13 @@ from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
 from lab.update import INSTALLER
 from support import processes
 from support.namespaces import may_be_made
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 needs_root = pytest.mark.skipif(not may_be_made(), reason="network namespaces need root")
 
 
 def modem_manager_says(lab):
-    run = subprocess.run(["mmcli", "--output-json", "-m", lab.path], capture_output=True, check=True, timeout=20,
+    run = subprocess.run(["mmcli", "--output-json", "-m", lab.path], capture_output=True, check=True, timeout=DEADLINE,
                          env={**lab.modem_manager.environment})
     return json.loads(run.stdout)["modem"]
 
@@ -80,7 +80,7 @@ def test_a_receiver_finds_its_position(lab):
     lab.start_position()
     with lab.position.watch() as reports:
         lab.position.find()
-        wait_until(lambda: next(reports)["mode"] == 3, "gpsd tells a fix in three dimensions", 10)
+        wait_until(lambda: next(reports)["mode"] == 3, "gpsd tells a fix in three dimensions")
 
 
 @needs_root
@@ -94,7 +94,7 @@ def test_an_update_is_installed_and_another_is_refused(lab):
     lab.update.wait_until_idle()
     assert lab.update.property("/", INSTALLER, "LastError") == ""
     lab.update.install(bad)
-    wait_until(lambda: "Compatible mismatch" in lab.update.property("/", INSTALLER, "LastError"), "it is refused", 10)
+    wait_until(lambda: "Compatible mismatch" in lab.update.property("/", INSTALLER, "LastError"), "it is refused")
 
 
 def test_a_step_whose_effect_is_not_shown_ends_the_scenarios(monkeypatch):

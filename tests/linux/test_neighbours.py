@@ -91,7 +91,7 @@ def test_a_computer_gets_its_address_from_the_board(network):
     def named():
         return [(client["name"], client["address"][:10]) for client in network.service.told("clients")]
 
-    wait_until(lambda: named() == [("study", "192.168.8.")], "the name of the computer is known", 10)
+    wait_until(lambda: named() == [("study", "192.168.8.")], "the name of the computer is known")
 
 
 @needs_root

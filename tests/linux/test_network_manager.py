@@ -111,7 +111,6 @@ def test_the_network_refuses_the_profile(managed):
     wait_until(
         lambda: sum(managed.service.said()[f"data connection: {reason}"] for reason in reasons) == 1,
         "the service has logged it",
-        20,
     )
     managed.service.shows(statusBarConnectionState="Ready")
     managed.service.notifies()

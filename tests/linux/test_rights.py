@@ -8,7 +8,7 @@ from lab.modem_manager import MODEM, STATE_CONNECTED, STATE_REGISTERED
 from lab.network_manager import PROFILE
 from lab.rights import as_user
 from support.namespaces import may_be_made
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 pytestmark = pytest.mark.skipif(not may_be_made(), reason="another user and mounts need root")
 
@@ -34,7 +34,7 @@ def calls(lab, method, *arguments):
     """What becomes of a call that the service's user makes: "done", or the name of the error."""
     command = ["busctl", "--address", lab.bus.address, "call", lab.modem_manager.service, lab.path,
                *f"{MODEM}.{method}".rsplit(".", 1), *arguments]
-    run = subprocess.run(as_user(command), capture_output=True, text=True, timeout=20)
+    run = subprocess.run(as_user(command), capture_output=True, text=True, timeout=DEADLINE)
     return "done" if run.returncode == 0 else run.stderr.strip()
 
 
@@ -57,7 +57,7 @@ def test_the_user_of_the_service_connects_by_the_profile_of_networkmanager(lab):
     lab.start_network_manager()
     lab.start_service(as_user=True)
     shows_all(lab)
-    wait_until(lambda: lab.service.told("modem")["networkManager"], "the service knows the profile", 10)
+    wait_until(lambda: lab.service.told("modem")["networkManager"], "the service knows the profile")
     lab.service.act("connect")
     lab.service.shows(statusBarConnectionState="Connected")
     assert PROFILE in lab.network_manager.connections()
@@ -82,7 +82,7 @@ def refused(lab):
 def test_without_the_rule_the_service_only_reads(lab):
     start(lab, rule=False)
     lab.service.act("connect")
-    wait_until(lambda: "data connection: not connected" in refused(lab), "it is refused", 10)
+    wait_until(lambda: "data connection: not connected" in refused(lab), "it is refused")
     shows_all(lab, rule=False)
     assert lab.modem_manager.state(lab.path) == STATE_REGISTERED
     assert refused(lab) == {
@@ -95,7 +95,7 @@ def test_without_the_rule_the_service_only_reads(lab):
 def test_the_rule_is_installed_while_everything_runs(lab):
     start(lab, rule=False)
     lab.authority.install_rule()
-    wait_until(lambda: calls(lab, "Signal.Setup", "u", "5") == "done", "polkitd has read the rule", 10)
+    wait_until(lambda: calls(lab, "Signal.Setup", "u", "5") == "done", "polkitd has read the rule")
     lab.service.act("connect")
     lab.service.shows(statusBarConnectionState="Connected")
 

@@ -4,6 +4,8 @@ import dataclasses
 import socket
 import struct
 
+from support.waiting import DEADLINE
+
 BEGIN_REQUEST, ABORT_REQUEST, END_REQUEST, PARAMS, STDIN, STDOUT, STDERR, DATA, GET_VALUES = range(1, 10)
 RESPONDER = 1
 KEEP_CONNECTION = 1
@@ -65,7 +67,7 @@ class Answer:
 
 
 class Connection:
-    def __init__(self, path, timeout=20.0):
+    def __init__(self, path, timeout=DEADLINE):
         self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         # The timeout is set later: without one, connect() waits while the backlog is full.
         self.socket.connect(str(path))

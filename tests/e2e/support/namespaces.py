@@ -9,6 +9,7 @@ import struct
 import subprocess
 
 from support import paths
+from support.waiting import DEADLINE
 
 CLONE_NEWNET = 0x40000000
 OWN = "/proc/thread-self/ns/net"
@@ -49,7 +50,7 @@ class Namespace:
 
     def run(self, *command):
         with self.entered():
-            subprocess.run(command, check=True, timeout=30, env=paths.CLEAN_ENVIRONMENT)
+            subprocess.run(command, check=True, timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT)
 
     def close(self):
         os.close(self.file)

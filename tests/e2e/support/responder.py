@@ -7,6 +7,7 @@ import subprocess
 from support import fastcgi, paths, sanitizers
 from support.device import Device
 from support.logs import IN_LOOP, Log
+from support.waiting import DEADLINE
 
 
 class Responder:
@@ -60,7 +61,7 @@ class Responder:
     def ask(self, uri="/srv/status", body=b"", **parameters):
         return fastcgi.ask(self.socket, {**fastcgi.STATUS, "REQUEST_URI": uri, **parameters}, body)
 
-    def end(self, signo=signal.SIGTERM, deadline=20):
+    def end(self, signo=signal.SIGTERM, deadline=DEADLINE):
         """Sends a signal and returns the exit status."""
         self.process.send_signal(signo)
         return self.process.wait(deadline)
@@ -71,6 +72,6 @@ class Responder:
             if paths.SANITIZERS:
                 # End it in an orderly way, because only then the sanitizer looks for leaks.
                 self.process.terminate()
-                self.process.wait(20)
+                self.process.wait(DEADLINE)
             self.process.kill()
             self.process.wait()

@@ -10,7 +10,7 @@ from support import paths, processes, web
 from support.device import Device
 from support.logs import IN_LOOP, Log
 from support.ports import Port
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 
 class Server:
@@ -105,6 +105,6 @@ class Server:
                 with contextlib.suppress(ProcessLookupError):
                     os.kill(pid, signal.SIGCONT)
             self.process.terminate()
-        self.process.wait(20)
-        subprocess.run([str(self.launcher), "sweep"], env=self.environment, check=True, timeout=20)
+        self.process.wait(DEADLINE)
+        subprocess.run([str(self.launcher), "sweep"], env=self.environment, check=True, timeout=DEADLINE)
         self.process.stderr.close()

@@ -3,6 +3,7 @@
 import subprocess
 
 from support import paths
+from support.waiting import DEADLINE
 
 
 def session_command(environment, *arguments):
@@ -12,7 +13,7 @@ def session_command(environment, *arguments):
         env={**paths.CLEAN_ENVIRONMENT, **environment},
         capture_output=True,
         text=True,
-        timeout=20,
+        timeout=DEADLINE,
     )
     assert run.returncode == 0, run.stderr
     return run.stdout.strip()

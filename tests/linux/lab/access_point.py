@@ -3,7 +3,7 @@
 import socket
 
 from lab.daemon import Daemon
-
+from support.waiting import DEADLINE
 
 # As a board with one radio allows.
 MOST_STATIONS = 64
@@ -45,7 +45,7 @@ class AccessPoint(Daemon):
         # A file, because hostapd is in another network, where abstract addresses of this one do not exist.
         own = self.folder / f"{self.name}.client"
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as connection:
-            connection.settimeout(10)
+            connection.settimeout(DEADLINE)
             connection.bind(str(own))
             try:
                 connection.connect(str(self.control))

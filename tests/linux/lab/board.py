@@ -20,6 +20,7 @@ from lab.swupdate import SwUpdate
 from lab.update import Update
 from lab.usb_modem import ScanningModemManager, UsbModem
 from support import paths, sanitizers
+from support.waiting import DEADLINE
 
 
 MESSAGES = paths.BUILD / "tools" / "kestal-messages"
@@ -200,7 +201,8 @@ class Lab:
     def messages(self, *words):
         """What kestal-messages prints with these words."""
         environment = {**self.service.environment, "STATE_DIRECTORY": str(self.folder / "state")}
-        return subprocess.run([MESSAGES, *words], env=environment, capture_output=True, check=True, timeout=20).stdout
+        return subprocess.run([MESSAGES, *words], env=environment, capture_output=True, check=True,
+                              timeout=DEADLINE).stdout
 
     def close(self):
         self.ends.close()

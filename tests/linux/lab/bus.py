@@ -6,7 +6,7 @@ import dbus
 import dbus.bus
 
 from lab.daemon import Daemon
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 CONFIGURATION = """\
 <!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -53,7 +53,7 @@ class Bus(Daemon):
     def has(self, service):
         return self.connection.name_has_owner(service)
 
-    def call(self, service, path, method, *arguments, timeout=20):
+    def call(self, service, path, method, *arguments, timeout=DEADLINE):
         """Calls INTERFACE.METHOD, given with its interface."""
         interface, _, name = method.rpartition(".")
         thing = self.connection.get_object(service, path, introspect=False)
@@ -97,13 +97,13 @@ class BusDaemon(Daemon):
             except dbus.DBusException:
                 return False
 
-        wait_until(holds, f"{interface}.{name} of {path} is {value}", 15)
+        wait_until(holds, f"{interface}.{name} of {path} is {value}")
 
     def _end(self, number):
         super()._end(number)
         # The bus may take a moment to notice.
         if self.bus.is_running() and self.bus.connection is not None:
-            wait_until(lambda: not self.bus.has(self.service), f"{self.service} has left the bus", 10)
+            wait_until(lambda: not self.bus.has(self.service), f"{self.service} has left the bus")
 
 
 class Mock(BusDaemon):

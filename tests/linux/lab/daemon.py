@@ -7,10 +7,7 @@ import signal
 import subprocess
 
 from support import paths
-from support.waiting import wait_until
-
-# Seconds for a daemon to start or end, on a machine that does much else.
-DEADLINE = 30.0
+from support.waiting import DEADLINE, wait_until
 
 
 class Daemon:
@@ -63,7 +60,7 @@ class Daemon:
             assert self.process.poll() is None, f"{self.name} has ended:\n{self.output.read_text(errors='replace')}"
             return self.is_ready()
 
-        wait_until(ready, f"{self.name} is ready", DEADLINE)
+        wait_until(ready, f"{self.name} is ready")
         return self
 
     def start(self):

@@ -9,7 +9,7 @@ import dbus
 from lab.bus import BusDaemon
 from lab.daemon import Daemon
 from lab.modem import orders
-from support.waiting import wait_until
+from support.waiting import DEADLINE, wait_until
 
 LAB = pathlib.Path(__file__).resolve().parent
 MANAGER = "/org/freedesktop/ModemManager1"
@@ -46,7 +46,7 @@ class Modem(Daemon):
     def order(self, *words):
         """Gives one of its orders."""
         with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
-            connection.settimeout(10)
+            connection.settimeout(DEADLINE)
             connection.connect(str(self.directory / "control"))
             connection.sendall("\0".join(map(str, words)).encode() + b"\n")
             answer = connection.makefile().readline().strip()
@@ -77,7 +77,7 @@ class ModemManager(BusDaemon):
         def other():
             return next((path for path in self.modems() if path != before), None)
 
-        return wait_until(other, "there is a modem", 20)
+        return wait_until(other, "there is a modem")
 
     def modems(self):
         """The states of all modems by their paths."""
@@ -97,7 +97,7 @@ class ModemManager(BusDaemon):
             state = self.state(path)
             return state is not None and (state == STATE_FAILED or state >= STATE_LOCKED)
 
-        wait_until(is_known, "the modem is known", 20)
+        wait_until(is_known, "the modem is known")
 
     def enable(self, path):
         self.call(path, f"{MODEM}.Enable", True)

@@ -80,7 +80,7 @@ class NetworkManager(BusDaemon):
 
     def wait_for_modem(self):
         """Waits until it has a modem that it can connect."""
-        wait_until(self._modem_can_be_used, "NetworkManager can connect the modem", 20)
+        wait_until(self._modem_can_be_used, "NetworkManager can connect the modem")
 
     def _modem_can_be_used(self):
         try:

@@ -6,6 +6,7 @@ import socket
 
 from lab.daemon import Daemon
 from support.ports import Port
+from support.waiting import DEADLINE
 
 
 def sentence(text):
@@ -34,7 +35,7 @@ class Position(Daemon):
 
     def _connect(self):
         connection = socket.socket()
-        connection.settimeout(10)
+        connection.settimeout(DEADLINE)
         connection.connect(("127.0.0.1", self.port))
         return connection
 

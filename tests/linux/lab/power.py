@@ -7,6 +7,7 @@ import socket
 
 from lab.bus import BusDaemon
 from lab.daemon import Daemon
+from support.waiting import DEADLINE
 
 TESTS = pathlib.Path(__file__).resolve().parents[1]
 DISPLAY = "/org/freedesktop/UPower/devices/DisplayDevice"
@@ -43,7 +44,7 @@ class PowerSupplies(Daemon):
 
     def change(self, **supplies):
         with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as connection:
-            connection.settimeout(10)
+            connection.settimeout(DEADLINE)
             connection.connect(str(self.control))
             connection.sendall(json.dumps(supplies).encode() + b"\n")
             assert connection.makefile().readline() == "ok\n", self.output.read_text()

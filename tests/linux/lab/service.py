@@ -15,9 +15,6 @@ from support.logs import times
 from support.server import Server
 from support.waiting import wait_until
 
-# Seconds until an answer has to show what a daemon has told, on a machine that does much else.
-DEADLINE = 15.0
-
 SERVICE = pathlib.Path(os.environ.get("KESTAL_SERVICE", paths.BUILD / "tests" / "linux" / "programs" / "kestal.cgi"))
 
 
@@ -100,7 +97,7 @@ class Service(Server):
             return values.items() <= shown.items() and not set(without) & set(shown)
 
         try:
-            wait_until(holds, "the status has changed", DEADLINE)
+            wait_until(holds, "the status has changed")
         except AssertionError:
             raise AssertionError(f"{ {key: shown.get(key) for key in (*without, *values)} }, not {values}") from None
 
@@ -114,13 +111,13 @@ class Service(Server):
             return sorted(shown) == sorted(types)
 
         try:
-            wait_until(holds, "the notifications have changed", DEADLINE)
+            wait_until(holds, "the notifications have changed")
         except AssertionError:
             raise AssertionError(f"{shown}, not {types}") from None
 
     def says(self, *lines):
         """Waits until the binding has logged these lines, each once, and no others."""
-        wait_until(lambda: set(self.said()) >= set(lines), f"the service has logged {lines}", DEADLINE)
+        wait_until(lambda: set(self.said()) >= set(lines), f"the service has logged {lines}")
         assert self.said() == {line: 1 for line in lines}
 
     def act(self, name):

@@ -10,6 +10,7 @@ from lab.bus import Mock
 from lab.daemon import Daemon
 from support import paths
 from support.ports import Port
+from support.waiting import DEADLINE
 
 CONFIGURATION = """\
 [global]
@@ -52,7 +53,7 @@ class FileServer(Daemon):
 
     def is_ready(self):
         ping = subprocess.run(["smbcontrol", "-s", self.configuration, "smbd", "ping"], env=paths.CLEAN_ENVIRONMENT,
-                              capture_output=True, timeout=10)
+                              capture_output=True, timeout=DEADLINE)
         return ping.stdout.startswith(b"PONG")
 
     def release(self):

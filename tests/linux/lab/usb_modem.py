@@ -4,6 +4,7 @@ import subprocess
 
 from lab.modem_manager import LAB, Modem, ModemManager
 from support import paths
+from support.waiting import DEADLINE
 
 DEVICE = "/devices/platform/usb1/1-1"
 
@@ -71,8 +72,8 @@ class ScanningModemManager(ModemManager):
 
     def command(self):
         library = self.folder / "terminal.so"
-        subprocess.run(["cc", "-shared", "-fPIC", "-o", library, LAB / "terminal.c", "-ldl"], check=True, timeout=60,
-                       env=paths.CLEAN_ENVIRONMENT)
+        subprocess.run(["cc", "-shared", "-fPIC", "-o", library, LAB / "terminal.c", "-ldl"], check=True,
+                       timeout=DEADLINE, env=paths.CLEAN_ENVIRONMENT)
         self.environment["LD_PRELOAD"] = str(library)
         devices = self.folder / "usb.umockdev"
         devices.write_text(self.modem.description())
