@@ -297,7 +297,14 @@ class Recorder:
         # It reads a file that has not changed only for some time.
         os.utime(self.device)
         size = self.device.stat().st_size
-        wait_until(lambda: bytes_read(self.process) >= before + size, "the recorder has read the device")
+        wait_until(lambda: self.process.poll() is not None or bytes_read(self.process) >= before + size,
+                   "the recorder has read the device, or has ended")
+
+    def write(self, document):
+        temporary = self.device.with_name("temporary.json")
+        temporary.write_text(json.dumps(document))
+        temporary.rename(self.device)
+        self._wait_for_look()
 
     def sim(self, *arguments):
         subprocess.run([str(paths.SIM), *arguments], env=self.environment, check=True, timeout=60)
@@ -360,6 +367,21 @@ def test_nothing_that_changes_makes_an_empty_scenario(work):
     assert scenario["events"] == [{"at": 0, "say": "The recording begins"}]
     assert scenario["duration"] == 0.3
     subprocess.run([str(paths.SIM), "--device", device, "play", "--quiet", file], check=True, timeout=60)
+
+
+def test_a_recording_ends_before_its_scenario_is_too_long_to_be_played(work):
+    recorder = Recorder(work, "--for", "1000s", "--channels", "weather")
+    document = json.loads(recorder.device.read_text())
+    for byte in ("00", "01", "02"):
+        document["msgbus"]["weather"] = {"bytes": byte * 700_000}
+        recorder.write(document)
+    said = recorder.process.communicate(timeout=60)[1]
+    assert recorder.process.returncode == 0
+    assert re.fullmatch(r"the recording ended after \d+ s, because a scenario cannot hold more changes; "
+                        r"--every makes the next one longer\n", said)
+    assert recorder.scenario.stat().st_size > 2 << 20
+    subprocess.run([str(paths.SIM), "--device", recorder.file, "play", "--check", recorder.scenario],
+                   env=paths.CLEAN_ENVIRONMENT, check=True, timeout=60)
 
 
 @pytest.mark.parametrize("signo", [signal.SIGINT, signal.SIGTERM, signal.SIGHUP])

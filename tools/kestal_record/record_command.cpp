@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "bindings/json/formatted.h"
+#include "bindings/posix/files/file_io.h"
 #include "tools/kestal_record/bundle.h"
 #include "tools/kestal_record/document_form.h"
 #include "tools/kestal_record/identities.h"
@@ -173,13 +174,13 @@ std::string Text(const Json& document) {
     return binding::Formatted(document) + "\n";
 }
 
-/// The text of a document, which the simulator must be able to read.
+/// The text of a document or a scenario, which the simulator must be able to read.
 std::string DocumentText(const std::string& file, const Json& document) {
-    constexpr std::size_t kMost = 4U << 20U;
     std::string text = Text(document);
-    if (text.size() > kMost) {
+    if (text.size() > binding::kLargestFile) {
         throw std::runtime_error(file + ": would have " + std::to_string(text.size()) +
-                                 " bytes, and a document has at most " + std::to_string(kMost));
+                                 " bytes, and a document has at most " +
+                                 std::to_string(binding::kLargestFile));
     }
     return text;
 }
@@ -201,7 +202,8 @@ void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
         files.push_back({order.file, DocumentText(order.file, parts.Device())});
     }
     if (hasScenarioFile) {
-        files.push_back({ScenarioFile(order.file), Text(*parts.Scenario())});
+        const std::string file = ScenarioFile(order.file);
+        files.push_back({file, DocumentText(file, *parts.Scenario())});
     }
     WriteFiles(files, order.existing);
     for (const std::string& remark : remarks) {

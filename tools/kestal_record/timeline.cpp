@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
 
+#include "bindings/json/formatted.h"
+#include "bindings/posix/files/file_io.h"
+#include "tools/kestal_record/document_form.h"
 #include "tools/time_argument.h"
 
 namespace {
@@ -12,6 +14,9 @@ using Path = std::vector<std::string>;
 
 /// Scenarios have at most 100000 changes; some are left for the event at the beginning.
 constexpr std::size_t kMostChanges = 90'000;
+
+/// Some room is left for replacements of identities that are longer than what they replace.
+constexpr std::size_t kMostBytes = binding::kLargestFile / 8 * 7;
 
 /// Whether a scenario can name the members of @p object one by one.
 bool HasPlainNames(const Json& object) {
@@ -99,6 +104,20 @@ std::string Summary(const std::vector<ValueChange>& changes) {
     return binding::Listed(calls);
 }
 
+Json EventOf(const Moment& moment) {
+    return {{"at", SecondsOf(moment.time)},
+            {"say", Summary(moment.changes)},
+            {"set", SetOf(moment.changes)}};
+}
+
+/// Bytes of a line, or several, with @p value in a scenario, where it is @p level levels deep.
+std::size_t BytesOf(const Json& value, std::size_t level) {
+    // Indentation, comma and end of line.
+    const std::size_t around = binding::ColumnOfMember("", level) + 2;
+    const auto same = [](const std::string& text) { return text; };
+    return around + binding::Formatted(Finished(value, same), level, around).size();
+}
+
 }  // namespace
 
 bool Timeline::Add(Time time, Json device) {
@@ -108,10 +127,22 @@ bool Timeline::Add(Time time, Json device) {
     if (moment.changes.empty()) {
         return true;
     }
-    if (changeCount + moment.changes.size() > kMostChanges) {
+    constexpr std::size_t kEventLevel = 2;
+    std::size_t added = BytesOf(EventOf(moment), kEventLevel);
+    for (const ValueChange& change : moment.changes) {
+        if (const Json* const value =
+                changed.contains(change.path) ? nullptr : Find(first, change.path)) {
+            added += BytesOf(SetOf({{change.path, *value}}), kEventLevel + 1);
+        }
+    }
+    if (changeCount + moment.changes.size() > kMostChanges || bytes + added > kMostBytes) {
         return false;
     }
     changeCount += moment.changes.size();
+    bytes += added;
+    for (const ValueChange& change : moment.changes) {
+        changed.insert(change.path);
+    }
     moments.push_back(std::move(moment));
     latest = std::move(device);
     return true;
@@ -119,12 +150,6 @@ bool Timeline::Add(Time time, Json device) {
 
 /// Everything that changes later as it was at the beginning, so that the scenario can be repeated.
 Json Timeline::Beginning() const {
-    std::set<Path> changed;
-    for (const Moment& moment : moments) {
-        for (const ValueChange& change : moment.changes) {
-            changed.insert(change.path);
-        }
-    }
     std::vector<ValueChange> values;
     for (const Path& path : changed) {
         // A whole stands before its parts.
@@ -148,9 +173,7 @@ Json Timeline::Scenario(Time end) const {
     }
     events.push_back(std::move(beginning));
     for (const Moment& moment : moments) {
-        events.push_back({{"at", SecondsOf(moment.time)},
-                          {"say", Summary(moment.changes)},
-                          {"set", SetOf(moment.changes)}});
+        events.push_back(EventOf(moment));
     }
     const Time last = moments.empty() ? Time(0) : moments.back().time;
     return {{"duration", SecondsOf(std::max(end, last))}, {"events", std::move(events)}};

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,12 @@ struct ValueChange {
     Json value;
 };
 
+/// What changes at one time.
+struct Moment {
+    std::chrono::milliseconds time;
+    std::vector<ValueChange> changes;
+};
+
 class Timeline {
   public:
     using Time = std::chrono::milliseconds;
@@ -22,7 +29,8 @@ class Timeline {
     explicit Timeline(Json newFirst) : first(std::move(newFirst)), latest(first) {}
 
     /// Adds what makes @p device, a document of the same form, differ from the one before. Returns
-    /// false, and adds nothing, when a scenario cannot hold so many changes.
+    /// false, and adds nothing, when a scenario cannot hold so many changes or would be too long to
+    /// be read.
     bool Add(Time time, Json device);
 
     /// The device at the beginning.
@@ -32,15 +40,15 @@ class Timeline {
     Json Scenario(Time end) const;
 
   private:
-    struct Moment {
-        Time time;
-        std::vector<ValueChange> changes;
-    };
+    using Path = std::vector<std::string>;
 
     Json Beginning() const;
 
     Json first;
     Json latest;
     std::vector<Moment> moments;
+    std::set<Path> changed;
     std::size_t changeCount = 0;
+    /// Of the scenario as text, without what it begins and ends with.
+    std::size_t bytes = 0;
 };

@@ -6,14 +6,10 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 namespace binding {
 
 namespace {
-
-/// Files written by hand are far smaller; anything larger is the wrong file.
-constexpr off_t kLargestFile = off_t{4} * 1024 * 1024;
 
 std::int64_t Nanoseconds(const timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
@@ -68,7 +64,7 @@ std::string ReadFile(const std::string& path, FileStamp& stamp) {
         } else if (errno != EINTR) {
             ThrowSystemError(path);
         }
-        if (std::cmp_greater(contents.size(), kLargestFile)) {
+        if (contents.size() > kLargestFile) {
             throw std::system_error(std::make_error_code(std::errc::file_too_large), path);
         }
     }

@@ -4,10 +4,15 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace binding {
+
+/// ReadFile reads no larger file. Files written by hand are far smaller; anything larger is the
+/// wrong file.
+constexpr std::size_t kLargestFile = std::size_t{4} * 1024 * 1024;
 
 /// Owns a file descriptor.
 class FileDescriptor {

@@ -5,6 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bindings/json/formatted.h"
+#include "bindings/posix/files/file_io.h"
+#include "tools/kestal_record/document_form.h"
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -48,8 +52,8 @@ TEST(Timeline, EndsWhenAScenarioCanHoldNoMore) {
     Json device = Device("{}");
     Json other = device;
     for (int index = 0; index < kCalls; ++index) {
-        device["sys"]["call" + std::to_string(index)] = 0;
-        other["sys"]["call" + std::to_string(index)] = 1;
+        device["sys"]["c" + std::to_string(index)] = 0;
+        other["sys"]["c" + std::to_string(index)] = 1;
     }
     Timeline timeline(device);
     std::size_t moments = 0;
@@ -58,6 +62,27 @@ TEST(Timeline, EndsWhenAScenarioCanHoldNoMore) {
     }
     EXPECT_EQ(moments, 300U);
     EXPECT_EQ(timeline.Scenario(milliseconds(1000))["events"].size(), moments + 1);
+}
+
+TEST(Timeline, EndsBeforeAScenarioIsTooLongToBeRead) {
+    // Seven of these, the value at the beginning among them, would be too long.
+    constexpr std::size_t kSize = 610'000;
+    const auto device = [](std::size_t index) {
+        Json made = Device(R"({"stays": 1})");
+        made["sys"]["call"] =
+            RawText(std::string(kSize, static_cast<char>('a' + index)), kSize + 1);
+        return made;
+    };
+    Timeline timeline(device(0));
+    std::size_t moments = 0;
+    while (timeline.Add(milliseconds(moments + 1), device(moments + 1))) {
+        ASSERT_LT(++moments, 9U);
+    }
+    const auto same = [](const std::string& text) { return text; };
+    const Json scenario = Finished(timeline.Scenario(milliseconds(moments)), same);
+    const std::size_t bytes = binding::Formatted(scenario).size();
+    EXPECT_LE(bytes, binding::kLargestFile);
+    EXPECT_GT(bytes, binding::kLargestFile / 5 * 4);
 }
 
 }  // namespace
