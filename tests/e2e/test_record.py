@@ -275,9 +275,9 @@ def catches(process, signo):
 class Recorder:
     """A recording that is under way."""
 
-    def __init__(self, work, *options):
+    def __init__(self, work, *options, document=None):
         self.device = work / "device.json"
-        self.device.write_bytes(paths.DEFAULT_DEVICE.read_bytes())
+        self.device.write_text(json.dumps(document) if document else paths.DEFAULT_DEVICE.read_text())
         self.file = work / "afternoon.json"
         self.scenario = work / "afternoon-scenario.json"
         self.environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_DEVICE": str(self.device)}
@@ -323,6 +323,15 @@ def values(work, device):
     return json.loads(file.read_bytes())
 
 
+def play(device, scenario):
+    subprocess.run(
+        [str(paths.SIM), "--device", device, "play", "--quiet", "--speed", "10000", scenario],
+        env=paths.CLEAN_ENVIRONMENT,
+        check=True,
+        timeout=60,
+    )
+
+
 def test_a_recorded_afternoon_is_played_back(work):
     recorder = Recorder(work, "--for", "1000s")
     first = values(work, recorder.device)
@@ -348,15 +357,30 @@ def test_a_recorded_afternoon_is_played_back(work):
     assert values(work, played)["sys"] | {"getSubscriberInfo": 0} == first["sys"] | {"getSubscriberInfo": 0}
     for _ in range(2):
         # The second time, it begins with the device as it was at the end.
-        subprocess.run(
-            [str(paths.SIM), "--device", played, "play", "--quiet", "--speed", "10000", recorder.scenario],
-            env=paths.CLEAN_ENVIRONMENT,
-            check=True,
-            timeout=60,
-        )
+        play(played, recorder.scenario)
         end = values(work, played)
         assert end["sys"] | {"getSubscriberInfo": 0} == last["sys"] | {"getSubscriberInfo": 0}
         assert end["webui"] == last["webui"] and end["msgbus"] == last["msgbus"]
+
+
+@pytest.mark.parametrize("fails_first", [False, True])
+def test_a_session_that_fails_for_a_while_is_played_back(work, fails_first):
+    steps = [("fail", "sys.sdkInitialize", "101"), ("heal", "sys.sdkInitialize")]
+    document = json.loads(paths.DEFAULT_DEVICE.read_bytes())
+    if fails_first:
+        document["sys"]["sdkInitialize"] = {"error": 101, "healed": None}
+        steps.reverse()
+    recorder = Recorder(work, "--for", "1000s", document=document)
+    for step in steps:
+        recorder.sim(*step)
+    assert recorder.stop() == (0, "")
+    events = json.loads(recorder.scenario.read_text())["events"]
+    changes = [event.get("fail") or event.get("heal") for event in events]
+    fails, works = {"sys.sdkInitialize": 101}, ["sys.sdkInitialize"]
+    assert changes == ([fails, works, fails] if fails_first else [works, fails, works])
+    for _ in range(2):
+        play(recorder.file, recorder.scenario)
+        assert ("sdkInitialize" in json.loads(recorder.file.read_text())["sys"]) == fails_first
 
 
 def test_nothing_that_changes_makes_an_empty_scenario(work):

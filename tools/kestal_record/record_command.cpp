@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
@@ -107,6 +108,10 @@ class Parts {
     Json Device() {
         Json document = {{"title", title}};
         document.update(Document(device));
+        Json& sys = document["sys"];
+        for (auto entry = sys.begin(); entry != sys.end();) {
+            entry = entry->is_null() ? sys.erase(entry) : std::next(entry);
+        }
         return document;
     }
 

@@ -21,7 +21,8 @@ struct Questions {
 using Remarks = std::set<std::string>;
 
 /// Makes all queries of the platform in one session of the SDK. Returns the objects "sys", "webui"
-/// and "msgbus" of a device document, where a call that fails is {"error": N}. Throws
+/// and "msgbus" of a device document, where a call that fails is {"error": N}. Null stands for a
+/// call that works but has no answer, which a document leaves out. Throws
 /// std::runtime_error when an answer cannot be right, such as a list without end.
 Json RecordDevice(const Questions& questions, Remarks& remarks);
 

@@ -95,8 +95,11 @@ Json RecordSys(const Questions& questions, int initializeCode) {
     const std::vector<std::string> fields = With(questions.names, kUsualFields);
     const std::vector<std::string> apps = With(questions.names, kUsualPages);
     Json sys = Json::object();
+    // Null while it works, because it has no answer; healing it makes it work again.
+    sys["sdkInitialize"] = nullptr;
     if (initializeCode != codes.success) {
         sys["sdkInitialize"] = FailureOf(codes, initializeCode);
+        sys["sdkInitialize"]["healed"] = nullptr;
     }
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name as text and as function
 #define RECORD_QUERY(Type, name, Meaning, field, description) \

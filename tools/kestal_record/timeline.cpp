@@ -84,12 +84,22 @@ const Json* Find(const Json& document, const Path& path) {
     return value;
 }
 
-Json SetOf(const std::vector<ValueChange>& changes) {
-    Json set = Json::object();
+/// What the device answers from now on, as members of an event.
+Json MembersOf(const std::vector<ValueChange>& changes) {
+    Json members = Json::object();
     for (const ValueChange& change : changes) {
-        set[PathText(change.path)] = change.value;
+        const std::string path = PathText(change.path);
+        const Json& value = change.value;
+        // A call without an answer works or fails: no value could be set.
+        if (value.is_null()) {
+            members["heal"].push_back(path);
+        } else if (value.is_object() && value.contains("healed")) {
+            members["fail"][path] = value.at("error");
+        } else {
+            members["set"][path] = value;
+        }
     }
-    return set;
+    return members;
 }
 
 /// What happens, for people: the calls that answer something else.
@@ -105,9 +115,9 @@ std::string Summary(const std::vector<ValueChange>& changes) {
 }
 
 Json EventOf(const Moment& moment) {
-    return {{"at", SecondsOf(moment.time)},
-            {"say", Summary(moment.changes)},
-            {"set", SetOf(moment.changes)}};
+    Json event = {{"at", SecondsOf(moment.time)}, {"say", Summary(moment.changes)}};
+    event.update(MembersOf(moment.changes));
+    return event;
 }
 
 /// Bytes of a line, or several, with @p value in a scenario, where it is @p level levels deep.
@@ -132,7 +142,7 @@ bool Timeline::Add(Time time, Json device) {
     for (const ValueChange& change : moment.changes) {
         if (const Json* const value =
                 changed.contains(change.path) ? nullptr : Find(first, change.path)) {
-            added += BytesOf(SetOf({{change.path, *value}}), kEventLevel + 1);
+            added += BytesOf(MembersOf({{change.path, *value}}), kEventLevel);
         }
     }
     if (changeCount + moment.changes.size() > kMostChanges || bytes + added > kMostBytes) {
@@ -160,17 +170,13 @@ Json Timeline::Beginning() const {
             values.push_back({path, *value});
         }
     }
-    return SetOf(values);
+    return MembersOf(values);
 }
 
 Json Timeline::Scenario(Time end) const {
     Json events = Json::array();
     Json beginning = {{"at", 0}, {"say", "The recording begins"}};
-    if (!moments.empty()) {
-        if (Json set = Beginning(); !set.empty()) {
-            beginning["set"] = std::move(set);
-        }
-    }
+    beginning.update(Beginning());
     events.push_back(std::move(beginning));
     for (const Moment& moment : moments) {
         events.push_back(EventOf(moment));

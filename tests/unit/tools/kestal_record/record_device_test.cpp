@@ -98,7 +98,7 @@ TEST_F(RecordDeviceTest, ADeviceThatCannotBeOpenedIsAskedAllTheSame) {
     Given("sys_getSIMStatus").Writes<int>(SYS_SIM_READY);
     Given("MsgbusHandler::Initialize").Returns(4);
     const Json device = Recorded();
-    EXPECT_EQ(device["sys"]["sdkInitialize"].dump(), R"({"error":3})");
+    EXPECT_EQ(device["sys"]["sdkInitialize"].dump(), R"({"error":3,"healed":null})");
     EXPECT_EQ(device["sys"]["getSIMStatus"].dump(), R"("ready")");
     EXPECT_EQ(device["msgbus"].front().dump(), R"({"error":"buffer_needed"})");
     EXPECT_EQ(CallCount("sys_sdkShutdown"), 1U);
