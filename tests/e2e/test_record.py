@@ -233,7 +233,10 @@ def test_a_file_that_exists_stays_unless_told_otherwise(work):
         ([], 2, "FILE is required"),
         (["no/folder/a.json"], 1, "no/folder/a.json: No such file or directory"),
         (["."], 1, ".: is a directory"),
-        (["--bundle", "--log", "nothing.log", "a.json"], 1, "nothing.log: No such file or directory"),
+        (["--bundle", "--for", "1000s", "--log", "nothing.log", "a.json"], 1, "nothing.log: No such file or directory"),
+        (["--bundle", "--for", "1000s", "--log", "/", "a.json"], 1, "/: not a regular file"),
+        (["--names", b"a,b\xff", "a.json"], 2, "--names: names are written in UTF-8"),
+        (["--channels", b"\xfe", "a.json"], 2, "--channels: names are written in UTF-8"),
     ],
 )
 def test_bad_input_is_refused_in_one_line(work, arguments, code, said):
@@ -252,6 +255,12 @@ def test_bad_input_is_refused_in_one_line(work, arguments, code, said):
         hint = f"Try '{tool} --help'.\n" if code == 2 else ""
         assert (run.returncode, run.stdout, run.stderr) == (code, "", f"{tool}: {said}\n{hint}")
         assert list(folder.iterdir()) == []
+
+
+def test_a_log_that_cannot_be_read_is_told_before_the_recording(work):
+    environment = {**write(work, paths.DEFAULT_DEVICE.read_bytes()), "KESTAL_LOG": str(work / "none.log")}
+    said = call(SIM_RECORD, work / "a.json", "--bundle", "--for", "1000s", environment=environment, code=1)
+    assert said == f"kestal-sim: {work}/none.log: No such file or directory\n"
 
 
 def test_a_device_that_cannot_be_read_is_not_recorded(work):
@@ -457,7 +466,8 @@ def test_a_bundle_is_one_file_for_a_report(work):
         file = work / "report.json"
         call(SIM_RECORD, file, "--force", "--bundle", *options, environment={**environment, "KESTAL_LOG": str(log)})
         report = json.loads(file.read_text())
-        assert list(report) == ["recorded", "versions", "identities", "device", "log"]
+        assert list(report) == ["recorded", "versions", "identities", "device", "sources", "log"]
+        assert report["sources"] == "no sources: the simulator binding has none"
         assert list(report["versions"]) == ["kestal", "binding", "system", "kernel"]
         assert report["versions"]["binding"] == "simulator"
         assert os.uname().nodename not in json.dumps(report["versions"])
@@ -474,3 +484,30 @@ def test_a_bundle_is_one_file_for_a_report(work):
     assert NUMBER in report["log"][-1] and report["identities"] == "kept"
     assert report["scenario"]["duration"] == 0.2
     assert not (work / "report-scenario.json").exists()
+
+
+@pytest.mark.parametrize(
+    ("journal", "said"),
+    [
+        ("#!/bin/sh\nexit 0\n", "no log: the journal has nothing of kestal; --log names a file"),
+        ("#!/bin/sh\nexit 1\n", "no log: journalctl has failed; --log names a file"),
+        (None, "no log: journalctl has failed; --log names a file"),
+        ("#!/bin/sh\necho one; echo two\n", ["one", "two"]),
+    ],
+)
+def test_a_bundle_says_why_it_has_no_log(work, journal, said):
+    if journal:
+        (work / "journalctl").write_text(journal)
+        (work / "journalctl").chmod(0o755)
+    environment = {**write(work, paths.DEFAULT_DEVICE.read_bytes()), "PATH": str(work)}
+    call(SIM_RECORD, work / "report.json", "--bundle", environment=environment)
+    assert json.loads((work / "report.json").read_text())["log"] == said
+
+
+def test_a_log_that_vanishes_does_not_cost_the_recording(work):
+    log = work / "kestal.log"
+    log.write_text("line\n")
+    recorder = Recorder(work, "--for", "1000s", "--bundle", "--log", str(log))
+    log.unlink()
+    assert recorder.stop() == (0, "")
+    assert json.loads(recorder.file.read_text())["log"] == f"no log: {log}: No such file or directory"

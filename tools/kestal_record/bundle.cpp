@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -60,13 +61,24 @@ Json LastLines(const std::string& text) {
     return lines;
 }
 
-/// The end of a file that is long enough for the last lines.
-std::string EndOf(const std::string& path) {
-    constexpr std::streamoff kMost = 1 << 20;
+std::ifstream Opened(const std::string& path) {
+    // Opening a pipe would wait for its writer.
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        throw std::runtime_error(path + ": not a regular file");
+    }
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     if (!file) {
         throw std::runtime_error(path + ": " + std::strerror(errno));
     }
+    return file;
+}
+
+/// The end of a file that is long enough for the last lines.
+std::string EndOf(const std::string& path) {
+    constexpr std::streamoff kMost = 1 << 20;
+    std::ifstream file = Opened(path);
     const auto size = static_cast<std::streamoff>(file.tellg());
     file.seekg(std::max<std::streamoff>(size - kMost, 0));
     return {std::istreambuf_iterator<char>(file), {}};
@@ -111,7 +123,17 @@ Json JournalLines() {
     const auto text =
         OutputOf({"journalctl", "--unit=kestal", "--lines=" + std::to_string(kMostLines),
                   "--output=cat", "--no-pager", "--quiet"});
-    return text ? LastLines(*text) : Json("no log: journalctl has failed; --log names a file");
+    if (!text) {
+        return "no log: journalctl has failed; --log names a file";
+    }
+    return text->empty() ? "no log: the journal has nothing of kestal; --log names a file"
+                         : LastLines(*text);
+}
+
+/// Empty for the journal.
+std::string LogPath(const std::string& file) {
+    const char* const variable = std::getenv("KESTAL_LOG");
+    return file.empty() && variable != nullptr ? variable : file;
 }
 
 }  // namespace
@@ -125,16 +147,28 @@ Json Versions(const RecordedBinding& recorded) {
             {"kernel", std::string(system.sysname) + " " + system.release + " " + system.machine}};
 }
 
-Json LastLogLines(const std::string& file) {
-    const char* const variable = std::getenv("KESTAL_LOG");
-    const std::string path = file.empty() && variable != nullptr ? variable : file;
-    return path.empty() ? JournalLines() : LastLines(EndOf(path));
+void MustHaveLog(const std::string& file) {
+    if (const std::string path = LogPath(file); !path.empty()) {
+        (void)Opened(path);
+    }
 }
 
-Json SourceReport() {
+Json LastLogLines(const std::string& file) {
+    const std::string path = LogPath(file);
+    try {
+        return path.empty() ? JournalLines() : LastLines(EndOf(path));
+    } catch (const std::runtime_error& error) {
+        return ValidUtf8(std::string("no log: ") + error.what());
+    }
+}
+
+Json SourceReport(const RecordedBinding& recorded) {
+    if (!recorded.hasSources) {
+        return "no sources: the " + recorded.name + " binding has none";
+    }
     try {
         return ReadReport();
     } catch (const std::exception& error) {
-        return error.what();
+        return ValidUtf8(error.what());
     }
 }

@@ -90,12 +90,10 @@ class Parts {
         }
         if (order.isBundle) {
             log = LastLogLines(order.log);
-            if (binding.hasSources) {
-                sources = SourceReport();
-            }
+            sources = SourceReport(binding);
             if (sources.is_array()) {
                 identities.LearnFromSources(sources);
-            } else if (sources.is_string()) {
+            } else {
                 identities.LearnFrom(sources.get<std::string>());
             }
             for (const Json& line : log) {
@@ -132,9 +130,7 @@ class Parts {
         if (const auto document = Scenario()) {
             bundle["scenario"] = *document;
         }
-        if (!sources.is_null()) {
-            bundle["sources"] = Sources();
-        }
+        bundle["sources"] = Sources();
         bundle["log"] = Plain(log);
         return bundle;
     }
@@ -196,6 +192,9 @@ void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
     MustBeWritable(order.file, order.existing);
     if (hasScenarioFile) {
         MustBeWritable(ScenarioFile(order.file), order.existing);
+    }
+    if (order.isBundle) {
+        MustHaveLog(order.log);
     }
     Remarks remarks;
     const Recording recording = Record(order, remarks);

@@ -1,5 +1,7 @@
 #include "tools/kestal_record/record_order.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -14,6 +16,9 @@ std::vector<std::string> Names(const Arguments& arguments, const std::string& op
         return names;
     }
     const std::string& text = arguments.Value(option);
+    if (!utf8::is_valid(text.begin(), text.end())) {
+        throw UsageError(option + ": names are written in UTF-8");
+    }
     std::size_t begin = 0;
     while (begin <= text.size()) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
