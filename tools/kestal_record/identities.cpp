@@ -178,6 +178,7 @@ void Identities::Settle() {
     isSettled = true;
     for (const auto& [text, kind] : learned) {
         replacements.emplace(text, "");
+        originals.emplace(kind, Canonical(text, kind));
     }
     for (const auto& [text, kind] : learned) {
         std::string& replacement = replacements.at(text);
@@ -199,7 +200,9 @@ std::uint64_t Identities::NumberOf(const std::string& text, IdentityKind kind) {
     for (int attempt = 0; attempt < kTries; ++attempt) {
         ++count;
         const std::string replacement = Replacement(text, kind, count);
-        if (!replacements.contains(replacement) && used.insert(replacement).second) {
+        if (!replacements.contains(replacement) &&
+            !originals.contains({kind, Canonical(replacement, kind)}) &&
+            used.insert(replacement).second) {
             break;
         }
     }

@@ -44,6 +44,7 @@ class Identities {
     std::vector<std::pair<std::string, IdentityKind>> learned;
     /// What each is replaced by, as it is written.
     std::map<std::string, std::string> replacements;
+    std::set<Identity> originals;
     std::set<std::string> used;
     std::map<Identity, std::uint64_t> numbers;
     std::map<IdentityKind, std::uint64_t> counts;

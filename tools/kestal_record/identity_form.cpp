@@ -161,7 +161,14 @@ std::string Canonical(const std::string& text, IdentityKind kind) {
         case IdentityKind::mac:
             same = Only(text, IsHexDigit);
             break;
-        case IdentityKind::ipv6:
+        case IdentityKind::ipv6: {
+            in6_addr address{};
+            std::array<char, INET6_ADDRSTRLEN> canonical{};
+            const bool isAddress =
+                inet_pton(AF_INET6, text.c_str(), &address) == 1 &&
+                inet_ntop(AF_INET6, &address, canonical.data(), canonical.size()) != nullptr;
+            return isAddress ? canonical.data() : text;
+        }
         case IdentityKind::host:
             break;
         default:

@@ -1,9 +1,12 @@
 #include "tools/kestal_record/identity_replacement.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 #include "tools/kestal_record/digits.h"
@@ -65,6 +68,22 @@ std::string Ipv4(const std::string& form, std::uint64_t number) {
     }
 }
 
+/// Counts through addresses of a link if @p form is one, otherwise through those that are reserved
+/// for documentation.
+std::string Ipv6(const std::string& form, std::uint64_t number) {
+    in6_addr original{};
+    (void)inet_pton(AF_INET6, form.c_str(), &original);
+    in6_addr address{};
+    const bool isOfLink = IN6_IS_ADDR_LINKLOCAL(&original);
+    (void)inet_pton(AF_INET6, isOfLink ? "fe80::" : "2001:db8::", &address);
+    constexpr unsigned kByte = 8;
+    for (auto* byte = std::end(address.s6_addr); number != 0; number >>= kByte) {
+        *--byte = static_cast<std::uint8_t>(number);
+    }
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    return inet_ntop(AF_INET6, &address, text.data(), text.size());
+}
+
 /// A word and a number with as many characters as @p form; the number is always whole.
 std::string Word(std::string_view word, const std::string& form, std::uint64_t number) {
     // Bytes that continue a character do not count.
@@ -113,8 +132,7 @@ std::string Replacement(const std::string& form, IdentityKind kind, std::uint64_
         case IdentityKind::ipv4:
             return Ipv4(form, number);
         case IdentityKind::ipv6:
-            return WithDigits(form, Padded(number, Only(form, IsHexDigit).size(), kHexadecimal),
-                              IsHexDigit);
+            return Ipv6(form, number);
         case IdentityKind::network:
             return Word("network", form, number);
         case IdentityKind::host:

@@ -35,7 +35,7 @@ TEST(Identities, AreReplacedByOthersOfTheSameForm) {
               "02:00:5e:00:00:01 02-00-5E-00-00-01 02:00:5e:00:00:02");
     EXPECT_EQ(Replaced("192.168.8.23:80"), "100.100.0.11:80");
     EXPECT_EQ(Replaced("8.8.8.8 1.1.1.1"), "0.0.0.1 0.0.0.2");
-    EXPECT_EQ(Replaced("fe80::1ff:FE23:4567:890a"), "0000::000:0000:0000:0001");
+    EXPECT_EQ(Replaced("fe80::1ff:FE23:4567:890a"), "fe80::1");
     EXPECT_EQ(ReplacedAs("Anna's Wi-Fi", IdentityKind::network), "network00001");
     EXPECT_EQ(ReplacedAs("Büro", IdentityKind::network), "net1");
     EXPECT_EQ(ReplacedAs("x", IdentityKind::host), "1");
@@ -43,6 +43,15 @@ TEST(Identities, AreReplacedByOthersOfTheSameForm) {
     EXPECT_EQ(ReplacedAs("unknown", IdentityKind::mac), "identi1");
     EXPECT_EQ(ReplacedAs("fe80::1%eth0", IdentityKind::ipv4), "identity0001");
     EXPECT_EQ(ReplacedAs("", IdentityKind::host), "");
+}
+
+TEST(Identities, AnAddressIsReplacedByTheSameHoweverItIsWritten) {
+    EXPECT_EQ(Replaced("2a02:810D::1 2a02:810d:0:0:0:0:0:1, 2A02:810d:0000::0001/64"),
+              "2001:db8::1 2001:db8::1, 2001:db8::1/64");
+    EXPECT_EQ(Replaced("FE80:0::A%eth0 fe80::a feb0::a"), "fe80::1%eth0 fe80::1 fe80::2");
+    // Neither by another one of the recording.
+    EXPECT_EQ(Replaced("fe80::9 FE80::0001 fe80:0:0::2 2001:db8:0::1"),
+              "fe80::3 fe80::4 fe80::5 2001:db8::6");
 }
 
 TEST(Identities, OtherTextsStay) {

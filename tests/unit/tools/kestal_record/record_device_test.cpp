@@ -146,6 +146,9 @@ TEST_F(RecordDeviceTest, TextsThatAreNotUtf8OrNotTerminatedAreBytes) {
     EXPECT_EQ(Finished(RawText("a\xFF", 9), [](const auto&) { return "b"; }).dump(), R"("b")");
     EXPECT_EQ(Finished(Json{{"bytes", "61ff"}}, [](const auto& text) { return text + "b"; }).dump(),
               R"({"bytes":"61ff62"})");
+    // What replaces a text is cut rather than too long for its field.
+    EXPECT_EQ(Finished(RawText("ab", 4), [](const auto&) { return "cdef"; }).dump(), R"("cd")");
+    EXPECT_EQ(Finished(RawText("ab", 4), [](const auto&) { return "cde"; }).dump(), R"("cde")");
     // A device may have values with these names.
     const Json features = {{"text", 1}, {"room", 2}};
     EXPECT_EQ(Finished(features, same), features);
