@@ -195,6 +195,62 @@ def test_identities_are_replaced_by_the_same_everywhere(make_responder, work):
     assert (work / "again.json").read_text() == text
 
 
+def test_what_programs_know_stays_whatever_it_is_equal_to(make_responder, work):
+    original = json.loads(paths.DEFAULT_DEVICE.read_bytes())
+    network = original["sys"]["getCellularServiceStats"]["networkName"]
+    page = original["webui"]["uriData"]["sms"]
+    names = {"UserInterfaceLanguage": "fr_FR", "AdminUser": "de_DE", "WifiSSID": network, "GuestSSID": page["titleId"],
+             "HostName": "messaging", "ApnUser": "smsReceived", "PhoneHost": page["address"]}
+    original["webui"]["i18nSettings"]["language"] = "de_DE"
+    original["webui"]["commonConfigurations"].update(names)
+    original["webui"]["softwareUpdateCustomMsgs"] = {"de_DE": {"description": f"For {network}. "}}
+    original["msgbus"][NOTIFICATIONS] = [
+        {"id": "smsReceived", "category": "messaging", "labelId": "notification_category_messaging_label",
+         "titleId": "notification_sms_received_title", "textId": f"From messaging at {network}"}]
+    document = json.dumps(original).encode()
+    recorded = work / "recorded.json"
+    call(SIM_RECORD, recorded, environment=write(work, document))
+    told = json.loads(recorded.read_bytes())
+    assert told["sys"]["getCellularServiceStats"]["networkName"] == network
+    assert told["webui"]["i18nSettings"]["language"] == "de_DE"
+    assert told["webui"]["uriData"]["sms"] == page
+    settings = told["webui"]["commonConfigurations"]
+    assert [name for name in names if settings[name] == names[name]] == ["UserInterfaceLanguage"]
+    # Texts for people do not keep them.
+    description = told["webui"]["softwareUpdateCustomMsgs"]["de_DE"]["description"]
+    assert description == f"For {settings['WifiSSID']}. "
+    [notification] = told["msgbus"][NOTIFICATIONS]
+    assert (notification["id"], notification["category"]) == ("smsReceived", "messaging")
+    assert notification["textId"] == f"From {settings['HostName']} at {settings['WifiSSID']}"
+
+
+def test_identities_are_known_by_the_names_of_their_configurations(work):
+    document = json.loads(paths.DEFAULT_DEVICE.read_bytes())
+    mac = "A483E7129F0B"
+    replaced = {
+        "WifiSSID": "ab", "GuestSsid2": "off", "SSID_5GHz": "x", "wifiPassword": "12", "AdminPassword": "enabled",
+        "wpaKey": "hunter22", "key": "ab", "pin": "4711", "SimPinCode": "12345678", "WlanName": "Anna at home",
+        "BSSID": mac, "ClientMacAddress": mac.lower(), "MacFilter": f"{mac},a483e7129f0c", "MachinePassword": "secret",
+    }
+    stays = {
+        "SSIDBroadcast": "1", "HideSSID": "0", "ShowPassword": "false", "PasswordLength": "128", "GpioPin1": "1",
+        "GpioPinMode": "output", "Serial": "", "Switch": "off", "Other": "ab", "Checksum": "123456789abc", "Old": "1",
+    }
+    document["webui"]["commonConfigurations"] = {**replaced, **stays}
+    document["webui"]["softwareUpdateCustomMsgs"] = {"de": {"description": f"Turned off by {mac}, hunter22. "}}
+    recorded = work / "recorded.json"
+    call(SIM_RECORD, recorded, environment=write(work, json.dumps(document).encode()))
+    told = json.loads(recorded.read_bytes())["webui"]
+    settings = told["commonConfigurations"]
+    assert {name: settings[name] for name in stays} == stays
+    assert {name for name in replaced if settings[name] == replaced[name]} == set()
+    assert all(len(settings[name]) == len(replaced[name]) for name in replaced)
+    assert (settings["BSSID"], settings["ClientMacAddress"]) == ("02005E000001", "02005e000001")
+    assert settings["MacFilter"] == "02005E000001,02005e000002"
+    description = told["softwareUpdateCustomMsgs"]["de"]["description"]
+    assert description == f"Turned off by 02005E000001, {settings['wpaKey']}. "
+
+
 def test_a_file_that_exists_stays_unless_told_otherwise(work):
     environment = write(work, paths.DEFAULT_DEVICE.read_bytes())
     for name in ("recorded.json", "recorded-scenario.json"):

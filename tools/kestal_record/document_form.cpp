@@ -58,6 +58,32 @@ void VisitTexts(const Json& value, std::vector<std::string>& path, const TextVis
     }
 }
 
+Json Finished(const Json& recorded, std::vector<std::string>& path,
+              const PlacedTextChange& change) {
+    if (IsRawText(recorded)) {
+        const auto text = recorded.at(kText).get<std::string>();
+        const auto room = recorded.at(kRoom).get<std::size_t>();
+        std::string changed = change(path, text);
+        if (changed.size() > text.size() && changed.size() >= room) {
+            // A document with a text that is too long for its field could not be read.
+            changed.resize(text.size());
+        }
+        return DocumentText(changed, room);
+    }
+    if (IsBlock(recorded)) {
+        return Json::object({{kBytes, Digits(change(path, BytesOf(recorded)))}});
+    }
+    Json result = recorded;
+    if (recorded.is_structured()) {
+        for (const auto& item : result.items()) {
+            path.push_back(item.key());
+            item.value() = Finished(item.value(), path, change);
+            path.pop_back();
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
 Json FailureOf(const Codes& codes, int code) {
@@ -78,27 +104,13 @@ Json RawText(const std::string& text, std::size_t room) {
 }
 
 Json Finished(const Json& recorded, const TextChange& change) {
-    if (IsRawText(recorded)) {
-        const auto text = recorded.at(kText).get<std::string>();
-        const auto room = recorded.at(kRoom).get<std::size_t>();
-        std::string changed = change(text);
-        if (changed.size() > text.size() && changed.size() >= room) {
-            // A document with a text that is too long for its field could not be read.
-            changed.resize(text.size());
-        }
-        return DocumentText(changed, room);
-    }
-    if (IsBlock(recorded)) {
-        return Json::object({{kBytes, Digits(change(BytesOf(recorded)))}});
-    }
-    if (!recorded.is_structured()) {
-        return recorded;
-    }
-    Json result = recorded;
-    for (Json& one : result) {
-        one = Finished(one, change);
-    }
-    return result;
+    return Finished(recorded, [&](const std::vector<std::string>& /*path*/,
+                                  const std::string& text) { return change(text); });
+}
+
+Json Finished(const Json& recorded, const PlacedTextChange& change) {
+    std::vector<std::string> path;
+    return Finished(recorded, path, change);
 }
 
 void VisitTexts(const Json& recorded, const TextVisit& visit) {

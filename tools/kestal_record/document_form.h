@@ -35,6 +35,11 @@ Json RawText(const std::string& text, std::size_t room);
 using TextChange = std::function<std::string(const std::string&)>;
 Json Finished(const Json& recorded, const TextChange& change);
 
+/// The same with a change that depends on where a text is.
+using PlacedTextChange =
+    std::function<std::string(const std::vector<std::string>& path, const std::string& text)>;
+Json Finished(const Json& recorded, const PlacedTextChange& change);
+
 /// Calls @p visit(path, text) for each raw text and each block of bytes.
 using TextVisit =
     std::function<void(const std::vector<std::string>& path, const std::string& text)>;

@@ -4,35 +4,16 @@
 #include <array>
 #include <cctype>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string_view>
 
+#include "tools/kestal_record/digits.h"
 #include "tools/kestal_record/document_form.h"
 #include "tools/kestal_record/identity_replacement.h"
+#include "tools/kestal_record/text_place.h"
 
 namespace {
 
 using Path = std::vector<std::string>;
-
-/// Shorter texts are replaced only where they are a value of their own, because inside of other
-/// texts they are mostly something else.
-constexpr std::size_t kShortestInside = 3;
-
-struct NamedKind {
-    std::string_view part;  ///< of the name of a configuration, in lower case
-    IdentityKind kind;
-};
-
-constexpr std::array kConfigurations = {
-    NamedKind{"ssid", IdentityKind::network},      NamedKind{"networkname", IdentityKind::network},
-    NamedKind{"password", IdentityKind::password}, NamedKind{"passphrase", IdentityKind::password},
-    NamedKind{"psk", IdentityKind::password},      NamedKind{"secret", IdentityKind::password},
-    NamedKind{"token", IdentityKind::password},    NamedKind{"host", IdentityKind::host},
-    NamedKind{"devicename", IdentityKind::host},   NamedKind{"imsi", IdentityKind::subscriber},
-    NamedKind{"iccid", IdentityKind::simCard},     NamedKind{"imei", IdentityKind::equipment},
-    NamedKind{"msisdn", IdentityKind::phone},      NamedKind{"phone", IdentityKind::phone},
-    NamedKind{"mdn", IdentityKind::phone},         NamedKind{"user", IdentityKind::other},
-    NamedKind{"mail", IdentityKind::other},        NamedKind{"serial", IdentityKind::other}};
 
 /// Members of what the sources of a Linux board tell.
 struct SourceMember {
@@ -53,30 +34,6 @@ constexpr std::array kSourceMembers = {
     // Digests of messages, from which a text that is guessed could be confirmed.
     SourceMember{"messages", "key", IdentityKind::other}};
 
-std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char character) {
-        return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-    });
-    return text;
-}
-
-/// Whether @p value is that of a switch rather than an identity, whatever its name.
-bool IsSwitch(const std::string& value) {
-    constexpr std::size_t kLongestNumber = 2;
-    const std::string text = Lower(value);
-    return value.size() <= kLongestNumber || text == "true" || text == "false" || text == "yes" ||
-           text == "off" || text == "enabled" || text == "disabled";
-}
-
-/// What the value of the configuration @p name identifies.
-std::optional<IdentityKind> KindOfConfiguration(const std::string& name) {
-    const std::string text = Lower(name);
-    const auto* const found = std::find_if(
-        kConfigurations.begin(), kConfigurations.end(),
-        [&](const NamedKind& one) { return text.find(one.part) != std::string::npos; });
-    return found == kConfigurations.end() ? std::nullopt : std::optional(found->kind);
-}
-
 bool IsWordPart(char character) {
     constexpr unsigned kAscii = 0x80;
     const auto byte = static_cast<unsigned char>(character);
@@ -91,9 +48,21 @@ bool IsOnWordBounds(const std::string& text, std::size_t begin, std::size_t leng
     return begins && ends;
 }
 
-/// Whether @p path leads to a text that has the form of an address but is none.
-bool IsVersion(const Path& path) {
-    return !path.empty() && path.back().ends_with("version");
+/// Calls @p visit(word) for each word of @p text that may be a MAC address without separators.
+template <typename Visit>
+void VisitMacWords(const std::string& text, Visit visit) {
+    constexpr std::size_t kDigits = 12;
+    for (std::size_t end = 0; end < text.size();) {
+        const std::size_t begin = end;
+        while (end < text.size() && IsWordPart(text[end])) {
+            ++end;
+        }
+        const std::string word = text.substr(begin, end - begin);
+        if (word.size() == kDigits && std::all_of(word.begin(), word.end(), IsHexDigit)) {
+            visit(word);
+        }
+        end = std::max(end, begin + 1);
+    }
 }
 
 }  // namespace
@@ -113,29 +82,23 @@ void Identities::LearnFrom(const std::string& text) {
 
 void Identities::LearnFromRecording(const Json& recorded) {
     VisitTexts(recorded, [this](const Path& path, const std::string& text) {
-        const auto leadsThrough = [&](const std::string& name) {
-            return std::any_of(path.begin(), path.end(), [&](const std::string& step) {
-                return step.find(name) != std::string::npos;
+        const TextPlace place = PlaceOf(path, text);
+        if (place.mayHoldMac) {
+            VisitMacWords(text, [this](const std::string& word) {
+                learned.emplace_back(word, IdentityKind::mac);
             });
-        };
-        if (IsVersion(path)) {
-            return;
         }
-        if (leadsThrough("getSubscriberInfo")) {
+        if (place.use == TextUse::identity && place.kind == IdentityKind::subscriber) {
             // Not by its form, because some IMSIs also have the check digit of an IMEI.
             if (!text.empty()) {
-                const auto kind = IdentityKind::subscriber;
-                learned.emplace_back(text, HasForm(text, kind) ? kind : IdentityKind::other);
+                const bool hasForm = HasForm(text, place.kind);
+                learned.emplace_back(text, hasForm ? place.kind : IdentityKind::other);
             }
-            return;
+        } else if (place.use == TextUse::identity) {
+            Learn(text, place.kind);
+        } else if (place.use != TextUse::version) {
+            LearnFrom(text);
         }
-        if (leadsThrough("Configurations") && !IsSwitch(text)) {
-            if (const auto kind = KindOfConfiguration(path.back())) {
-                Learn(text, *kind);
-                return;
-            }
-        }
-        LearnFrom(text);
     });
 }
 
@@ -220,10 +183,9 @@ std::string Identities::Replaced(const std::string& text) {
         const std::pair<const std::string, std::string>* longest = nullptr;
         for (const auto& one : replacements) {
             const std::size_t length = one.first.size();
-            if (length >= kShortestInside &&
-                (longest == nullptr || length > longest->first.size()) &&
+            if ((longest == nullptr || length > longest->first.size()) &&
                 text.compare(position, length, one.first) == 0 &&
-                IsOnWordBounds(text, position, length)) {
+                IsOnWordBounds(text, position, length) && !IsCommon(one.first)) {
                 longest = &one;
             }
         }
@@ -235,6 +197,34 @@ std::string Identities::Replaced(const std::string& text) {
         }
     }
     return result;
+}
+
+std::string Identities::ReplacedAt(const Path& path, const std::string& text) {
+    switch (PlaceOf(path, text).use) {
+        case TextUse::version:
+            return text;
+        case TextUse::structure:
+            return ReplacedByForm(text);
+        case TextUse::identity:
+            return Replaced(text);
+        case TextUse::other:
+            break;
+    }
+    return IsCommon(text) ? text : Replaced(text);
+}
+
+std::string Identities::ReplacedByForm(const std::string& text) {
+    Settle();
+    std::string result;
+    std::size_t position = 0;
+    for (const FoundIdentity& found : FindIdentities(text)) {
+        const std::string identity = text.substr(found.begin, found.length);
+        const auto known = replacements.find(identity);
+        result += text.substr(position, found.begin - position);
+        result += known == replacements.end() ? identity : known->second;
+        position = found.begin + found.length;
+    }
+    return result + text.substr(position);
 }
 
 Json Identities::ReplacedIn(const Json& value) {

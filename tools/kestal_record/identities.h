@@ -31,6 +31,10 @@ class Identities {
     /// is learned any more.
     std::string Replaced(const std::string& text);
 
+    /// The same for @p text at @p path of a recording, where some texts keep what is an identity
+    /// elsewhere (see PlaceOf).
+    std::string ReplacedAt(const std::vector<std::string>& path, const std::string& text);
+
     /// @p value with its texts replaced, but not the names in it.
     Json ReplacedIn(const Json& value);
 
@@ -38,6 +42,7 @@ class Identities {
     using Identity = std::pair<IdentityKind, std::string>;
 
     void Settle();
+    std::string ReplacedByForm(const std::string& text);
     std::uint64_t NumberOf(const std::string& text, IdentityKind kind);
 
     /// As they were written, in the order in which they were learned.

@@ -137,9 +137,10 @@ class Parts {
 
   private:
     Json Document(const Json& recorded) {
-        return Finished(recorded, [this](const std::string& text) {
-            return order.keepsIdentities ? text : identities.Replaced(text);
-        });
+        return Finished(recorded,
+                        [this](const std::vector<std::string>& path, const std::string& text) {
+                            return order.keepsIdentities ? text : identities.ReplacedAt(path, text);
+                        });
     }
 
     Json Plain(const Json& value) {

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "tools/kestal_record/document_form.h"
+
 namespace {
 
 /// @p text after its own identities have been replaced.
@@ -90,6 +92,26 @@ TEST(Identities, AreReplacedByTheSameEverywhereOnceTheyAreKnown) {
     EXPECT_EQ(identities.Replaced("+15550123"), "+55500001");
     const Json value = {{"Anna", Json::array({"for Anna", 5, nullptr, true})}};
     EXPECT_EQ(identities.ReplacedIn(value).dump(), R"({"Anna":["for net1",5,null,true]})");
+}
+
+TEST(Identities, OfADocumentAndOfAScenarioAreKnownByTheSamePlaces) {
+    Identities identities;
+    identities.LearnFromRecording(
+        {{"set", {{"webui.commonConfigurations.WifiSSID", RawText("Anna", 50)}}},
+         {"webui.appConfigurations", {{"sim.UserName", RawText("on", 50)}}}});
+    const auto replaced = [&](const std::vector<std::string>& path) {
+        return identities.ReplacedAt(path, "Anna");
+    };
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.commonConfigurations.WifiSSID"}), "net1");
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.commonConfigurations", "net.SSID"}), "net1");
+    EXPECT_EQ(replaced({"sys", "getGpioPin1CustomSettings", "name"}), "net1");
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.i18nSettings.language"}), "Anna");
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.externalUriData.support"}), "Anna");
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.uriData", "sms", "titleId"}), "Anna");
+    EXPECT_EQ(replaced({"events", "1", "set", "msgbus.a.b", "0", "category"}), "Anna");
+    EXPECT_EQ(replaced({"events", "1", "set", "webui.softwareUpdateStatus.version"}), "Anna");
+    EXPECT_EQ(identities.ReplacedAt({"webui", "appConfigurations", "sim", "UserName"}, "on"), "i1");
+    EXPECT_EQ(identities.ReplacedAt({"webui", "commonConfigurations", "Mode"}, "on"), "on");
 }
 
 TEST(Identities, NoReplacementIsAnotherIdentityOfTheRecording) {
