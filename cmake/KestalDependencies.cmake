@@ -32,7 +32,7 @@ find_path(CGICC_FCGIIO_INCLUDE_DIR cgicc/FCgiIO.h)
 find_package(CLI11 2.1 REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)
 
-if(KESTAL_TESTS OR KESTAL_SIMULATED)
+if(NOT KESTAL_PLATFORM STREQUAL vendor OR KESTAL_TESTS)
     find_program(KESTAL_LOCALEDEF localedef REQUIRED)
     find_path(KESTAL_LOCALE_SOURCES de_DE PATHS /usr/share/i18n/locales REQUIRED
         NO_CMAKE_FIND_ROOT_PATH)

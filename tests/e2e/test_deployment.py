@@ -3,7 +3,9 @@ settings."""
 
 import contextlib
 import json
+import pathlib
 import re
+import shutil
 import socket
 import stat
 
@@ -184,6 +186,20 @@ def test_an_existing_run_directory_is_closed_to_other_users(make_server):
     server.run.mkdir(mode=0o755)
     server.start()
     assert stat.S_IMODE(server.run.stat().st_mode) == 0o700
+
+
+@pytest.mark.parametrize(("value", "chosen"), [(None, "libexec/locales"), ("", ""), ("/elsewhere", "/elsewhere")])
+def test_the_service_uses_the_locales_beside_the_launcher_unless_others_are_chosen(make_server, work, value, chosen):
+    server = make_server()
+    installed = work / "libexec"
+    (installed / "locales").mkdir(parents=True)
+    server.environment["KESTAL_CONFIGURATION"] = str(paths.ROOT / "deploy" / "lighttpd.conf")
+    server.launcher = pathlib.Path(shutil.copy(server.launcher, installed))
+    server.environment.pop("LOCPATH", None)
+    if value is not None:
+        server.environment["LOCPATH"] = value
+    server.start()
+    assert processes.environment(server.responder())["LOCPATH"] == (str(work / chosen) if value is None else chosen)
 
 
 @pytest.mark.parametrize("slashes", ["", "/", "//"])
