@@ -64,14 +64,18 @@ void DataConnection::Update(const Modem* newModem) {
 }
 
 void DataConnection::Refresh() {
-    const bool wasConnecting = action.UnderWay() == DataAction::Kind::connect;
+    const DataAction::Kind before = action.UnderWay();
     action.Update(ModemStatus(), StateOf(manager));
-    if (wasConnecting && action.UnderWay() == DataAction::Kind::none &&
+    NoteGivenUp(before);
+    RefreshMemory();
+    SetLimit();
+}
+
+void DataConnection::NoteGivenUp(DataAction::Kind before) const {
+    if (before == DataAction::Kind::connect && action.UnderWay() == DataAction::Kind::none &&
         action.Status() == SYS_DATA_CONNECTION_READY) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
     }
-    RefreshMemory();
-    SetLimit();
 }
 
 void DataConnection::RefreshMemory() {
@@ -224,7 +228,11 @@ void DataConnection::OnAnswer(DataAction::Kind kind, const BusError& error) {
     }
     // What NetworkManager has answered tells of its connection, too.
     Refresh();
+    const DataAction::Kind before = action.UnderWay();
     Send(action.Answered(static_cast<bool>(error)));
+    if (!error) {
+        NoteGivenUp(before);
+    }
     if (error && kind == DataAction::Kind::disconnect &&
         action.UnderWay() == DataAction::Kind::none) {
         TakeBackDataOff();

@@ -47,6 +47,8 @@ class DataConnection final : public DataCall {
   private:
     sys_data_connection_status_e StatusAfter(DataAction::Kind kind) const;
     void Refresh();
+    /// Logs it if the action under way, @p before, has just ended in vain.
+    void NoteGivenUp(DataAction::Kind before) const;
     void RefreshMemory();
     void TakeBackDataOff();
     void Send(DataAction::Kind kind);

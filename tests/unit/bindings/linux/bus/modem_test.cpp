@@ -418,6 +418,34 @@ TEST_F(BoardWithAProfile, FollowsTheDeviceOfTheConnectionOfAProfileThatItWasTold
     }));
 }
 
+TEST_F(BoardWithAProfile, SaysThatAConnectionHasBeenGivenUpAlsoBeforeTheAnswer) {
+    bus.methods[kGetSettings] = Profile("");
+    bus.properties[kActive + std::string(" ") + kActiveInterface] = {
+        Property("Connection", "o", "/profile"), Property("State", "u", 1),
+        Property("Devices", "ao", 1, "/device")};
+    sd_bus_message* request = nullptr;
+    bus.methods[kActivate] = [&](sd_bus_message* call) {
+        request = sd_bus_message_ref(call);
+        return 0;
+    };
+    Begin();
+    ASSERT_TRUE(WaitForProfile());
+    ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
+    ASSERT_TRUE(WaitFor([&](const Device& /*now*/) { return request != nullptr; }));
+    bus.ChangeProperties(kManager, kManagerPath, kManager,
+                         {Property("ActiveConnections", "ao", 1, kActive)});
+    // The device is asked for when the connection has been read.
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), GetAll("/device")) == 1;
+    }));
+    bus.ChangeProperties(kManager, kManagerPath, kManager,
+                         {Property("ActiveConnections", "ao", 0)});
+    EXPECT_GE(sd_bus_reply_method_return(request, "o", kActive), 0);
+    sd_bus_message_unref(request);
+    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
+    EXPECT_THAT(Log(), Contains(HasSubstr("not connected: NetworkManager has given up")).Times(1));
+}
+
 /// NetworkManager has answered that it begins a connection.
 class BoardWithABegunConnection : public BoardWithAProfile {
   protected:
