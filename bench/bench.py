@@ -21,6 +21,7 @@ os.environ["KESTAL_BUILD"] = str(BUILD)
 sys.path.insert(0, str(ROOT / "tests" / "e2e"))
 
 import in_process  # noqa: E402
+import instructions  # noqa: E402
 import plot  # noqa: E402
 import report  # noqa: E402
 import stack  # noqa: E402
@@ -42,6 +43,7 @@ def measure(arguments):
     try:
         results = {
             "programBytes": program_size(work),
+            "instructions": instructions.measure(work, BUILD, say),
             "inProcess": in_process.measure(BUILD, rounds, say),
             "stack": stack.measure(work, BUILD, rounds, seconds, not arguments.quick, say),
         }
@@ -49,6 +51,15 @@ def measure(arguments):
         shutil.rmtree(work)
     RESULTS.write_text(json.dumps(results, indent=1))
     say(f"results: {RESULTS}")
+
+
+def count():
+    """Counts instructions only."""
+    work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-bench-"))
+    try:
+        return instructions.measure(work, BUILD, say)
+    finally:
+        shutil.rmtree(work)
 
 
 def document(results):
@@ -66,6 +77,9 @@ def main():
     parser.add_argument("--quick", action="store_true", help="a rough first look, a minute or two")
     parser.add_argument("--rounds", type=int, default=7, help="how often each is measured (7)")
     parser.add_argument(
+        "--instructions", action="store_true", help="only count instructions: a minute, on any machine"
+    )
+    parser.add_argument(
         "--markdown", action="store_true", help="print the last results, measure nothing"
     )
     parser.add_argument(
@@ -74,6 +88,9 @@ def main():
         help="put the last results into docs/performance.md and its plot, measure nothing",
     )
     arguments = parser.parse_args()
+    if arguments.instructions:
+        print(report.instructions_table(count()))
+        return
     if not arguments.markdown and not arguments.document:
         measure(arguments)
     results = json.loads(RESULTS.read_text())

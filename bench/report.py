@@ -63,6 +63,20 @@ def stack_table(stack, connections):
     return table(head, rows)
 
 
+def instructions_table(counted):
+    rows = [
+        [
+            name,
+            f"{kinds['service']:,}",
+            f"{kinds['floor']:,}",
+            f"{kinds['service'] / kinds['floor']:.2f}",
+            f"{kinds['bytes']:,}",
+        ]
+        for name, kinds in counted.items()
+    ]
+    return table(["answer", "instructions", "the floor's", "floors", "bytes of the answer"], rows)
+
+
 def record_cost(in_process, records):
     """Nanoseconds per record."""
     empty = middle(in_process["Notifications/0"]["nanoseconds"])
@@ -110,6 +124,8 @@ def markdown(results):
             ],
         )
     )
+    parts.append("### Instructions of one request")
+    parts.append(instructions_table(results["instructions"]))
     for connections in [8, 1, 32]:
         parts.append(f"### Whole stack, {connections} connection{'s' if connections > 1 else ''}")
         parts.append(stack_table(stack, connections))
