@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -7,6 +8,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "Branches.hpp"
@@ -40,47 +42,93 @@ constexpr std::array<char, 256> kEscapes = [] {
 template <std::size_t Size>
 using Bytes [[gnu::vector_size(Size)]] = unsigned char;
 
-/// Copies the bytes of one vector and returns whether none of them needs an escape. Inlined, so
-/// that a loop keeps the constants of the comparison in registers.
+/// Copies the bytes of one vector; returns how many come before the first that needs an escape.
+/// Inlined, so that a loop keeps the constants of the comparison in registers.
 template <std::size_t Size>
-[[gnu::always_inline]] inline bool CopyPlainBytes(const char* from, char* to) {
+[[gnu::always_inline]] inline std::size_t CopyPlainBytes(const char* from, char* to) {
+    static_assert(std::endian::native == std::endian::little);
     Bytes<Size> bytes;
     std::memcpy(&bytes, from, Size);
     std::memcpy(to, &bytes, Size);
     const auto escaped = (bytes < 0x20) | (bytes == '"') | (bytes == '/') | (bytes == '\\') |
                          ((bytes | ('<' ^ '>')) == '>');
-    std::array<UINT_64, Size / sizeof(UINT_64)> words{};
+    using Word = std::conditional_t<(Size < sizeof(UINT_64)), UINT_32, UINT_64>;
+    std::array<Word, Size / sizeof(Word)> words{};
     std::memcpy(words.data(), &escaped, Size);
-    return std::all_of(words.begin(), words.end(), [](UINT_64 word) { return word == 0; });
+    std::size_t count = 0;
+    for (const Word word : words) {
+        if (word != 0) {
+            return count + static_cast<std::size_t>(std::countr_zero(word)) / 8;
+        }
+        count += sizeof(word);
+    }
+    return Size;
 }
 
-/// Copies the text, which has at least the size of a vector, up to the first vector that contains a
-/// byte which needs an escape; returns how many bytes come before that vector. The last vector ends
-/// with the text, so it may overlap the one before it.
+/// Copies the bytes of a text that has at least the size of a vector; returns how many come before
+/// the first that needs an escape. The last vector ends with the text, so it may overlap the one
+/// before it.
 template <std::size_t Size>
 std::size_t CopyPlainText(std::string_view text, char* to) {
     const char* const from = text.data();
     const std::size_t last = text.size() - Size;
-    std::size_t count = 0;
-    while (count < last && CopyPlainBytes<Size>(from + count, to + count)) {
-        count += Size;
+    for (std::size_t count = 0; count < last; count += Size) {
+        const std::size_t plain = CopyPlainBytes<Size>(from + count, to + count);
+        if (plain < Size) {
+            return count + plain;
+        }
     }
-    return count >= last && CopyPlainBytes<Size>(from + last, to + last) ? text.size() : count;
+    return last + CopyPlainBytes<Size>(from + last, to + last);
 }
 
 /// Copies bytes up to the first that needs an escape; returns how many. It may have copied some of
 /// the following bytes as well.
 std::size_t CopyPlain(std::string_view text, char* to) {
-    std::size_t count = 0;
     if (text.size() >= 16) {
-        count = CopyPlainText<16>(text, to);
-    } else if (text.size() >= 8) {
-        count = CopyPlainText<8>(text, to);
+        return CopyPlainText<16>(text, to);
     }
+    if (text.size() >= 8) {
+        return CopyPlainText<8>(text, to);
+    }
+    if (text.size() >= 4) {
+        return CopyPlainText<4>(text, to);
+    }
+    std::size_t count = 0;
     for (; count < text.size() && kEscapes[static_cast<unsigned char>(text[count])] == 0; ++count) {
         to[count] = text[count];
     }
     return count;
+}
+
+/// Bytes of the longest escape, \u00xx.
+constexpr std::size_t kLongestEscape = 6;
+
+/// Writes the escape of the byte; returns the end of what is written.
+char* CopyEscape(unsigned char byte, char* to) {
+    constexpr std::string_view kHexDigits = "0123456789abcdef";
+    const char escape = kEscapes[byte];
+    *to++ = '\\';
+    *to++ = escape;
+    if (escape == 'u') {
+        *to++ = '0';
+        *to++ = '0';
+        *to++ = kHexDigits[byte >> 4U];
+        *to++ = kHexDigits[byte & 0xFU];
+    }
+    return to;
+}
+
+/// Copies the text with escapes; returns the end of what is written.
+char* CopyEscaped(std::string_view text, char* to) {
+    for (;;) {
+        const std::size_t plain = CopyPlain(text, to);
+        to += plain;
+        if (plain == text.size()) {
+            return to;
+        }
+        to = CopyEscape(static_cast<unsigned char>(text[plain]), to);
+        text.remove_prefix(plain + 1);
+    }
 }
 
 /// Collects small pieces of output in a buffer and appends them to the text together, which is
@@ -109,17 +157,16 @@ class Buffer {
     }
 
     void PutQuoted(std::string_view text) {
-        // The usual case: the text needs no escape and fits into the buffer.
-        if (room.size() - size >= text.size() + 2) {
-            char* const to = room.data() + size;
-            to[0] = '"';
-            if (CopyPlain(text, to + 1) == text.size()) {
-                to[text.size() + 1] = '"';
-                size += text.size() + 2;
-                return;
-            }
+        Put('"');
+        for (; text.size() > kPiece; text.remove_prefix(kPiece)) {
+            Reserve(kLongestEscape * kPiece);
+            End(CopyEscaped(text.substr(0, kPiece), room.data() + size));
         }
-        PutQuotedInParts(text);
+        // Nearly every text is one piece.
+        Reserve(kLongestEscape * text.size() + 1);
+        char* const end = CopyEscaped(text, room.data() + size);
+        *end = '"';
+        End(end + 1);
     }
 
     void Flush() {
@@ -128,41 +175,22 @@ class Buffer {
     }
 
   private:
-    void PutQuotedInParts(std::string_view text) {
-        Put('"');
-        for (;;) {
-            const std::size_t free = room.size() - size;
-            const std::size_t plain = CopyPlain(text.substr(0, free), room.data() + size);
-            size += plain;
-            text.remove_prefix(plain);
-            if (text.empty()) {
-                break;
-            }
-            if (plain == free) {
-                Flush();
-            } else {
-                PutEscaped(static_cast<unsigned char>(text.front()));
-                text.remove_prefix(1);
-            }
+    /// Makes room for so many bytes.
+    void Reserve(std::size_t bytes) {
+        if (room.size() - size < bytes) {
+            Flush();
         }
-        Put('"');
     }
 
-    void PutEscaped(unsigned char byte) {
-        constexpr std::string_view kHexDigits = "0123456789abcdef";
-        const char escape = kEscapes[byte];
-        Put('\\');
-        Put(escape);
-        if (escape == 'u') {
-            Put("00");
-            Put(kHexDigits[byte >> 4U]);
-            Put(kHexDigits[byte & 0xFU]);
-        }
-    }
+    void End(const char* end) { size = static_cast<std::size_t>(end - room.data()); }
+
+    /// A piece of a text fits into the empty buffer even if every byte of it needs an escape.
+    static constexpr std::size_t kPiece = 512;
 
     std::string& json;
     std::size_t size = 0;
     std::array<char, 4096> room;
+    static_assert(kLongestEscape * kPiece + 1 <= sizeof(room));
 };
 
 }  // namespace

@@ -102,7 +102,7 @@ TEST(CDTJSON, IsAppended) {
 TEST(CDTJSON, TextsOfAnyLengthAreWritten) {
     // Lengths around the size of a word and around the sizes of the buffers in which text is
     // collected.
-    std::vector<std::size_t> lengths = {0, 1, 7, 8, 9, 15, 16, 17};
+    std::vector<std::size_t> lengths = {0, 1, 7, 8, 9, 15, 16, 17, 511, 512, 513, 1023, 1024, 1025};
     for (std::size_t length = 2030; length < 2070; ++length) {
         lengths.insert(lengths.end(), {length, 2 * length, 4 * length});
     }
