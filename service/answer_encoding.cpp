@@ -2,17 +2,51 @@
 
 #include <utf8.h>
 
-#include <functional>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
-#include <numeric>
+
+namespace {
+
+bool IsAscii(char byte) {
+    return (static_cast<unsigned char>(byte) & 0x80U) == 0;
+}
+
+/// The first byte of the text that is not ASCII. Compares several bytes at once, because nearly all
+/// of an answer is ASCII.
+const char* SkipAscii(const char* text, const char* end) {
+    using Words = std::uint64_t[2];
+    constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+    Words words;
+    while (end - text >= static_cast<std::ptrdiff_t>(sizeof(words))) {
+        std::memcpy(words, text, sizeof(words));
+        if (((words[0] | words[1]) & kHighBits) != 0) {
+            break;
+        }
+        text += sizeof(words);
+    }
+    return std::find_if_not(text, end, IsAscii);
+}
+
+/// Every byte of a character that is not ASCII is itself not ASCII. So a text is valid if each of
+/// its sequences of such bytes is.
+bool IsValidUtf8(const char* text, const char* end) {
+    while ((text = SkipAscii(text, end)) != end) {
+        const char* const next = std::find_if(text, end, IsAscii);
+        if (!utf8::is_valid(text, next)) {
+            return false;
+        }
+        text = next;
+    }
+    return true;
+}
+
+}  // namespace
 
 bool ReplaceInvalidUtf8(std::string& json) {
-    // Most answers are ASCII, and testing for ASCII is many times faster than checking UTF-8. The
-    // test combines all bytes in place of stopping at the first that is not ASCII, because the
-    // compiler can then process several bytes at a time.
-    const auto bits = std::accumulate(json.begin(), json.end(), '\0', std::bit_or<>());
-    const bool ascii = (static_cast<unsigned char>(bits) & 0x80U) == 0;
-    if (ascii || utf8::is_valid(json.begin(), json.end())) {
+    if (IsValidUtf8(json.data(), json.data() + json.size())) {
         return false;
     }
     std::string valid;

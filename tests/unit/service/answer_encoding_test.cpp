@@ -45,4 +45,19 @@ TEST(AnswerEncodingTest, ValidTextBesideAWrongByteStays) {
     EXPECT_EQ(Replaced("\xC3\xA4\xFF\xC3\xB6"), "\xC3\xA4" + kMark + "\xC3\xB6");
 }
 
+TEST(AnswerEncodingTest, WrongByteIsFoundWhereverItStands) {
+    for (const std::string other : {"", "\xE2\x82\xAC"}) {
+        for (std::size_t size = 0; size < 40; ++size) {
+            const std::string ascii(size, 'a');
+            for (std::size_t place = 0; place <= size; ++place) {
+                const std::string before = ascii.substr(0, place);
+                const std::string after = other + ascii.substr(place);
+                std::string json = before + after;
+                EXPECT_FALSE(ReplaceInvalidUtf8(json));
+                EXPECT_EQ(Replaced(before + "\xFF" + after), before + kMark + after);
+            }
+        }
+    }
+}
+
 }  // namespace
