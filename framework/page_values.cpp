@@ -6,7 +6,7 @@
 void PageComponent::SetData(CTPP::CDT& tree, const std::string& key, const std::string& value) {
     KESTAL_SIGNATURE(
         "static void PageComponent::SetData(CTPP::CDT&, const string&, const string&)");
-    tree[key] = Translated(value.c_str());
+    tree[key] = Translated(value);
     KESTAL_DEBUG_UNSEPARATED("- %s = \"%s\"", key.c_str(), value.c_str());
 }
 

@@ -11,4 +11,7 @@ void Give(const std::string& domain, const std::string& id, const std::string& t
 /// Removes all translations: the text of each message id is the id itself again.
 void Reset();
 
+/// How often gettext has been asked for the text of @p id so far.
+int Lookups(const std::string& id);
+
 }  // namespace translations
