@@ -1,7 +1,10 @@
 #include "framework/po_string.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstddef>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -11,7 +14,7 @@ namespace {
 
 /// Replaces every @p placeholder in @p text; returns whether there was one. The result is built in
 /// a second string, so that the rest of the text is not moved once per placeholder.
-bool ReplaceAll(std::string& text, const std::string& placeholder, std::string_view argument) {
+bool ReplaceAll(std::string& text, std::string_view placeholder, std::string_view argument) {
     std::size_t found = text.find(placeholder);
     if (found == std::string::npos) {
         return false;
@@ -35,9 +38,13 @@ std::string FormatPoString(int count, std::string& text, std::span<const char* c
     const std::size_t wanted = count > 0 ? static_cast<std::size_t>(count) : 0;
     const std::size_t usable = std::min(wanted, arguments.size());
     int matched = 0;
-    for (std::size_t i = 0; i < usable; ++i) {
+    std::array<char, 1 + std::numeric_limits<std::size_t>::digits10 + 1> placeholder{'%'};
+    // A text without a "%", as most are, has no placeholder.
+    for (std::size_t i = 0; i < usable && text.find('%') != std::string::npos; ++i) {
         const char* argument = arguments[i] != nullptr ? arguments[i] : "";
-        if (ReplaceAll(text, "%" + std::to_string(i + 1), argument)) {
+        const auto number =
+            std::to_chars(placeholder.data() + 1, placeholder.data() + placeholder.size(), i + 1);
+        if (ReplaceAll(text, {placeholder.data(), number.ptr}, argument)) {
             ++matched;
         }
     }

@@ -1,6 +1,7 @@
 #include "components/systemservice/custom_message_cache.h"
 
 #include <optional>
+#include <string_view>
 
 #include "framework/log.h"
 #include "platform/fixed_text.h"
@@ -9,7 +10,7 @@ namespace {
 
 enum class Update { kReady, kSuccess, kFailure };
 
-std::optional<Update> UpdateOf(const std::string& type) {
+std::optional<Update> UpdateOf(std::string_view type) {
     if (type == "softwareUpdate") {
         return Update::kReady;
     }

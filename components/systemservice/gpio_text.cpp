@@ -1,6 +1,7 @@
 #include "components/systemservice/gpio_text.h"
 
 #include <span>
+#include <string_view>
 
 #include "framework/log.h"
 #include "framework/text_domain.h"
@@ -12,7 +13,7 @@ namespace {
 /// A change of a pin's state, and the ids of its texts. Which one is used depends on what the user
 /// has given a name.
 struct PinChange {
-    const char* type;
+    std::string_view type;
     char (GpioCustomSettings::*state)[64];
     const char* nothingNamedId;
     const char* onlyStateNamedId;
@@ -57,7 +58,7 @@ std::string ChangeText(const PinChange& change, const GpioCustomSettings& settin
 }
 
 std::string PinText(std::span<const PinChange> changes, const GpioCustomSettings& settings,
-                    const std::string& type) {
+                    std::string_view type) {
     for (const PinChange& change : changes) {
         if (type == change.type) {
             return ChangeText(change, settings);

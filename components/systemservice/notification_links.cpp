@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 #include "components/systemservice/system_service_component.h"
 #include "framework/log.h"
@@ -24,7 +25,7 @@ enum class Tail { kNothing, kDot, kTitleAndDot, kAddressAndDot };
 
 /// A type of notification that asks the user to go to a page.
 struct Link {
-    const char* type;
+    std::string_view type;
     Page page;
     const char* pageId;  ///< of Page::kNamed
     const char* textId;
@@ -73,17 +74,15 @@ const char* PageId(const Link& link) {
     return link.page == Page::kSim ? SimPageId() : link.pageId;
 }
 
-std::string TailText(Tail tail, const std::string& address, const std::string& title) {
-    const char* const dotId = "webui_app_dot_text";
-    switch (tail) {
-        case Tail::kDot:
-            return Translated(dotId);
-        case Tail::kTitleAndDot:
-            return title + Translated(dotId);
-        case Tail::kAddressAndDot:
-            return address + Translated(dotId);
-        default:
-            return "";
+void AppendTail(Tail tail, const std::string& address, const std::string& title,
+                std::string& text) {
+    if (tail == Tail::kTitleAndDot) {
+        text += title;
+    } else if (tail == Tail::kAddressAndDot) {
+        text += address;
+    }
+    if (tail != Tail::kNothing) {
+        AppendTranslated(text, "webui_app_dot_text");
     }
 }
 
@@ -95,8 +94,10 @@ void SystemServiceComponent::GetSupplementaryTextForNotification(const std::stri
         "void SystemServiceComponent::GetSupplementaryTextForNotification(const string&, "
         "std::__cxx11::string&)");
     KESTAL_BEGIN();
-    const auto* const link = std::find_if(std::begin(kLinks), std::end(kLinks),
-                                          [&](const Link& row) { return type == row.type; });
+    // A comparison of views begins with their lengths, which differ for most types.
+    const auto* const link =
+        std::find_if(std::begin(kLinks), std::end(kLinks),
+                     [view = std::string_view(type)](const Link& row) { return view == row.type; });
     if (link != std::end(kLinks)) {
         std::string address;
         std::string title;
@@ -106,13 +107,17 @@ void SystemServiceComponent::GetSupplementaryTextForNotification(const std::stri
             GetPageUrlData(pageId, address, title);
         }
         if (!address.empty()) {
-            const std::string text =
-                Translated(link->textId) + TailText(link->tail, address, title);
+            std::string text = Translated(link->textId);
+            AppendTail(link->tail, address, title, text);
             // The complete link text is looked up again, because the catalogue may contain a better
             // wording of the whole. Addresses and texts are HTML already and are not escaped.
-            out += "<a href=\"" + address + "\">" + Translated(text.c_str()) + "</a>";
+            out += "<a href=\"";
+            out += address;
+            out += "\">";
+            AppendTranslated(out, text);
+            out += "</a>";
             if (link->hasExtraText) {
-                out += Translated("system_service_extra_text");
+                AppendTranslated(out, "system_service_extra_text");
             }
         }
     }
@@ -128,7 +133,7 @@ void SystemServiceComponent::GetPageUrlData(const std::string& pageId, std::stri
     webui_uri_data_t data{};
     if (webui_get_uri_data(pageId.c_str(), &data) == WEBUI_SUCCESS) {
         url = FixedText(data.address);
-        title = Translated(FixedText(data.titleId).c_str());
+        title = Translated(FixedTextView(data.titleId));
         KESTAL_DEBUG("page id is %s, url is %s and url title is %s", pageId.c_str(), url.c_str(),
                      title.c_str());
     }

@@ -56,15 +56,9 @@ std::string ReadUnreadCount(const char* signature) {
     return std::to_string(count);
 }
 
-/// Text of a message id that stands in a fixed-size field.
-template <std::size_t Size>
-std::string TranslatedField(const char (&id)[Size]) {
-    return Translated(FixedText(id).c_str());
-}
-
 /// The catalogue's text for @p record.
 std::string CatalogueText(const AnsNotificationRecord& record, const TextArguments& arguments) {
-    std::string text = TranslatedField(record.textId);
+    std::string text = Translated(FixedTextView(record.textId));
     if (text == " ") {
         KESTAL_MODULE_SYSLOG("WEBUI", TORU_DBG_ERROR, "po string is empty or no arguments passed");
         return text;
@@ -122,15 +116,14 @@ CTPP::CDT SystemServiceComponent::BuildNotificationList(
         notification["id"] = type;
         notification["category"] = FixedText(record.category);
         notification["severity"] = SeverityText(record.severity);
-        notification["title"] = TranslatedField(record.titleId);
+        notification["title"] = Translated(FixedTextView(record.titleId));
         std::string text = customMessages.Text(signature, type);
         if (text.empty()) {
             text = CatalogueText(record, arguments);
         }
-        std::string link;
-        GetSupplementaryTextForNotification(type, link);
-        notification["text"] = text + link;
-        notification["label"] = TranslatedField(record.labelId);
+        GetSupplementaryTextForNotification(type, text);
+        notification["text"] = std::move(text);
+        notification["label"] = Translated(FixedTextView(record.labelId));
         list.PushBack(std::move(notification));
     }
     return list;
