@@ -13,7 +13,6 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).parents[1]
 BUILD = pathlib.Path(os.environ.get("KESTAL_BUILD", ROOT / "build" / "bench"))
-RESULTS = BUILD / "bench" / "results.json"
 DOCUMENT = ROOT / "docs" / "performance.md"
 PLOT = ROOT / "docs" / "images" / "performance.svg"
 
@@ -31,6 +30,29 @@ def say(text):
     print(text, file=sys.stderr, flush=True)
 
 
+def tree_of_build():
+    """Which answer tree the build is linked with."""
+    cache = (BUILD / "CMakeCache.txt").read_text()
+    return re.search(r"^KESTAL_CTPP2:STRING=(.*)$", cache, re.MULTILINE)[1]
+
+
+def results_file(tree):
+    return ROOT / "build" / f"bench-results-{tree}.json"
+
+
+def results_by_tree():
+    """The last results for each answer tree that was measured."""
+    files = {tree: results_file(tree) for tree in report.TREES}
+    return {tree: json.loads(file.read_text()) for tree, file in files.items() if file.exists()}
+
+
+def commit():
+    described = subprocess.run(
+        ["git", "-C", ROOT, "describe", "--always", "--dirty"], capture_output=True, text=True
+    )
+    return described.stdout.strip() or "unknown"
+
+
 def program_size(work):
     stripped = work / "stripped"
     subprocess.run(["strip", "-o", stripped, BUILD / "service" / "kestal.cgi"], check=True)
@@ -42,6 +64,8 @@ def measure(arguments):
     work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-bench-"))
     try:
         results = {
+            "commit": commit(),
+            "loadAverage": os.getloadavg(),
             "programBytes": program_size(work),
             "instructions": instructions.measure(work, BUILD, say),
             "inProcess": in_process.measure(BUILD, rounds, say),
@@ -49,8 +73,9 @@ def measure(arguments):
         }
     finally:
         shutil.rmtree(work)
-    RESULTS.write_text(json.dumps(results, indent=1))
-    say(f"results: {RESULTS}")
+    file = results_file(tree_of_build())
+    file.write_text(json.dumps(results, indent=1))
+    say(f"results: {file}")
 
 
 def count():
@@ -69,13 +94,13 @@ def document(results):
     new, count = marks.subn(lambda found: f"{found[1]}\n{report.markdown(results)}\n{found[2]}", text)
     assert count == 1, "no marks in the document"
     DOCUMENT.write_text(new)
-    PLOT.write_text(plot.svg(results))
+    PLOT.write_text(plot.svg(next(iter(results.values()))))
 
 
 def main():
     parser = argparse.ArgumentParser(prog="scripts/bench", description="Measures the service.")
     parser.add_argument("--quick", action="store_true", help="a rough first look, a minute or two")
-    parser.add_argument("--rounds", type=int, default=7, help="how often each is measured (7)")
+    parser.add_argument("--rounds", type=int, default=15, help="how often each is measured (15)")
     parser.add_argument(
         "--instructions", action="store_true", help="only count instructions: a minute, on any machine"
     )
@@ -93,7 +118,7 @@ def main():
         return
     if not arguments.markdown and not arguments.document:
         measure(arguments)
-    results = json.loads(RESULTS.read_text())
+    results = results_by_tree()
     if arguments.document:
         document(results)
     else:
