@@ -23,6 +23,7 @@ import in_process  # noqa: E402
 import instructions  # noqa: E402
 import plot  # noqa: E402
 import report  # noqa: E402
+import small_machine  # noqa: E402
 import stack  # noqa: E402
 
 
@@ -78,17 +79,20 @@ def measure(arguments):
     say(f"results: {file}")
 
 
-def count():
-    """Counts instructions only."""
+def alone(part, *arguments):
+    """Runs one part of the measurement; its results are not kept."""
     work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-bench-"))
     try:
-        return instructions.measure(work, BUILD, say)
+        return part.measure(work, BUILD, *arguments, say)
     finally:
         shutil.rmtree(work)
 
 
 def document(results):
     """Replaces the text between the marks in the document, and the plot."""
+    disturbed = report.without_figures(next(iter(results.values()))["stack"])
+    if disturbed:
+        sys.exit(f"not documented, because other processes ran: {', '.join(disturbed)}")
     text = DOCUMENT.read_text()
     marks = re.compile(r"(<!-- results -->\n).*?(<!-- end of results -->)", re.DOTALL)
     new, count = marks.subn(lambda found: f"{found[1]}\n{report.markdown(results)}\n{found[2]}", text)
@@ -105,6 +109,11 @@ def main():
         "--instructions", action="store_true", help="only count instructions: a minute, on any machine"
     )
     parser.add_argument(
+        "--small",
+        action="store_true",
+        help="only what open pages cost, and the load on a quarter of a processor; needs root",
+    )
+    parser.add_argument(
         "--markdown", action="store_true", help="print the last results, measure nothing"
     )
     parser.add_argument(
@@ -114,7 +123,10 @@ def main():
     )
     arguments = parser.parse_args()
     if arguments.instructions:
-        print(report.instructions_table(count()))
+        print(report.instructions_table(alone(instructions)))
+        return
+    if arguments.small:
+        print(report.small_machine_table(alone(small_machine, arguments.rounds, 30)))
         return
     if not arguments.markdown and not arguments.document:
         measure(arguments)

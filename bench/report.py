@@ -94,6 +94,26 @@ def instructions_table(counted):
     return table(["answer", "instructions", "the floor's", "floors", "bytes of the answer"], rows)
 
 
+def small_machine_table(measured):
+    pages, quarter = measured["pages"], measured["quarter"]
+    rows = [
+        [f"ten open pages: {name}, ms of processor time a second", f"{cost:.2f}"] for name, cost in pages.items()
+    ]
+    rows.append(["a quarter of a processor: `status`, requests/s", f"{quarter['requestsPerSecond']:,.0f}"])
+    rows.append(["a quarter of a processor: `status`, p99, ms", f"{quarter['p99'] / 1000:.1f}"])
+    return table(["what", "figure"], rows)
+
+
+def without_figures(stack):
+    """The rows that were disturbed in all rounds."""
+    return [
+        f"{operation['name']} at {connections} connections"
+        for operation in stack["operations"]
+        for connections in (1, 8, 32)
+        if str(connections) not in operation["samples"]
+    ]
+
+
 def record_cost(in_process, records):
     """Nanoseconds per record."""
     empty = middle(in_process["Notifications/0"]["nanoseconds"])
