@@ -1,10 +1,11 @@
 """The emulated modem as a process.
 
-usage: python3 -m lab.modem FOLDER [usb]
+usage: python3 -m lab.modem FOLDER [usb | TERMINAL TERMINAL]
 
 It takes AT commands on the sockets FOLDER/at0 and FOLDER/at1, or, as a modem on USB, on the terminals that
-FOLDER/tty0 and FOLDER/tty1 lead to, and has a network interface then. It takes orders on FOLDER/control, one a line
-with words that NUL separates, each answered by "ok" or "error: WHY". FOLDER/log has all that was said on the ports.
+FOLDER/tty0 and FOLDER/tty1 lead to, and has a network interface then; or on the terminals that are named, such as
+those of a USB gadget. It takes orders on FOLDER/control, one a line with words that NUL separates, each answered by
+"ok" or "error: WHY". FOLDER/log has all that was said on the ports.
 """
 
 import asyncio
@@ -61,6 +62,12 @@ class Port:
             self.writer.write(f"\r\n{line}\r\n".encode())
 
 
+def open_terminal(path):
+    own = os.open(path, os.O_RDWR | os.O_NOCTTY)
+    tty.setraw(own)
+    return own
+
+
 class Emulator:
     def __init__(self, folder):
         self.folder = folder
@@ -86,25 +93,30 @@ class Emulator:
             await writer.drain()
         writer.close()
 
-    async def open(self, port, number, on_usb):
-        if not on_usb:
-            await asyncio.start_unix_server(port.serve, self.folder / port.name)
-            return
+    def make_terminal(self, number):
         own, terminal = os.openpty()
         # Raw, so that the terminal does not send commands back as an echo.
         tty.setraw(terminal)
         link = self.folder / f"tty{number}"
         link.unlink(missing_ok=True)
         link.symlink_to(os.ttyname(terminal))
+        return own
+
+    async def take_commands(self, port, own):
         loop = asyncio.get_running_loop()
         reader = asyncio.StreamReader()
         await loop.connect_read_pipe(lambda: asyncio.StreamReaderProtocol(reader), os.fdopen(own, "rb", 0))
         writer = (await loop.connect_write_pipe(asyncio.Protocol, os.fdopen(os.dup(own), "wb", 0)))[0]
         self.serving.append(asyncio.create_task(port.serve(reader, writer)))
 
-    async def run(self, on_usb):
+    async def run(self, terminals):
         for number, port in enumerate(self.ports):
-            await self.open(port, number, on_usb)
+            if not terminals:
+                await asyncio.start_unix_server(port.serve, self.folder / port.name)
+            elif terminals == ["usb"]:
+                await self.take_commands(port, self.make_terminal(number))
+            else:
+                await self.take_commands(port, open_terminal(terminals[number]))
         # Who sees the socket can connect: it gets its name when it listens.
         unnamed = self.folder / "control.new"
         unnamed.unlink(missing_ok=True)
@@ -113,4 +125,4 @@ class Emulator:
         await server.serve_forever()
 
 
-asyncio.run(Emulator(pathlib.Path(sys.argv[1])).run(on_usb=sys.argv[2:] == ["usb"]))
+asyncio.run(Emulator(pathlib.Path(sys.argv[1])).run(sys.argv[2:]))
