@@ -117,4 +117,4 @@ def test_a_user_who_cannot_install_is_told_what_is_missing(machine):
 
 
 def test_another_argument_is_refused(machine):
-    assert machine("all") == (2, "usage: scripts/setup [run | lab | test | coverage | bench | cross | fresh]\n", [])
+    assert machine("all") == (2, "usage: scripts/setup [run | lab | test | coverage | bench | cross | fresh | device]\n", [])
