@@ -52,7 +52,7 @@ def identifier(name):
     return "SPDXRef-" + re.sub(r"[^A-Za-z0-9.-]", "-", name)
 
 
-def licence(source):
+def licence_of(source):
     name = re.sub(r"-?[0-9]+(-cross.*)?$", "", source)
     try:
         return LICENCES[name]
@@ -60,9 +60,9 @@ def licence(source):
         raise SystemExit(f"sbom.py: the licence of {source} is not known") from None
 
 
-def of_debian(name):
-    """The package of Debian that apt knows here."""
-    told = output("apt-cache", "show", "--no-all-versions", name)
+def of_debian(name, architecture=""):
+    """The package of Debian that apt knows here; headers without code are there once for all architectures."""
+    told = output("apt-cache", "show", "--no-all-versions", name + architecture)
     version = re.search(r"(?m)^Version: (\S+)", told)[1]
     source = (re.search(r"(?m)^Source: (\S+)", told) or [None, name])[1]
     return {
@@ -74,12 +74,17 @@ def of_debian(name):
         "downloadLocation": "NOASSERTION",
         "filesAnalyzed": False,
         "licenseConcluded": "NOASSERTION",
-        "licenseDeclared": licence(source),
+        "licenseDeclared": licence_of(source),
         "copyrightText": "NOASSERTION",
     }
 
 
-def files_in(deb, folder):
+def compiled(content):
+    """A program, or an archive of objects."""
+    return content.startswith((b"\x7fELF", b"!<arch>"))
+
+
+def files_in(deb, folder, licence_of_programs):
     subprocess.run(["dpkg-deb", "-x", deb, folder], check=True, timeout=60)
     found = []
     for path in sorted(pathlib.Path(folder).rglob("*")):
@@ -87,6 +92,12 @@ def files_in(deb, folder):
             continue
         content = path.read_bytes()
         name = "./" + str(path.relative_to(folder))
+        licence, author = "MIT", "2026 the kestal authors"
+        if compiled(content):
+            licence = licence_of_programs
+        elif path.suffix == ".copyright":
+            # The licence of another work.
+            licence = author = "NOASSERTION"
         found.append(
             {
                 "SPDXID": identifier(f"File-{hashlib.sha1(name.encode()).hexdigest()}"),
@@ -95,8 +106,8 @@ def files_in(deb, folder):
                     {"algorithm": "SHA1", "checksumValue": hashlib.sha1(content).hexdigest()},
                     {"algorithm": "SHA256", "checksumValue": hashlib.sha256(content).hexdigest()},
                 ],
-                "licenseConcluded": "MIT",
-                "copyrightText": "2026 the kestal authors",
+                "licenseConcluded": licence,
+                "copyrightText": author,
             }
         )
     return found
@@ -109,9 +120,14 @@ def needed(deb):
 
 
 def document(deb):
-    name = field(deb, "Package")
+    name, architecture = field(deb, "Package"), ":" + field(deb, "Architecture")
+    siblings = [sibling for sibling in needed(deb) if sibling.startswith("kestal")]
+    others = [other for other in needed(deb) if other not in siblings]
+    packages = {other: of_debian(other, architecture) for other in others}
+    packages |= {taken: of_debian(taken) for taken in TAKEN_IN[name]}
+    together = " AND ".join(sorted({"MIT", *(packages[taken]["licenseDeclared"] for taken in TAKEN_IN[name])}))
     with tempfile.TemporaryDirectory() as folder:
-        files = files_in(deb, folder)
+        files = files_in(deb, folder, together)
     sums = sorted(entry["checksums"][0]["checksumValue"] for entry in files)
     digest = hashlib.sha256(deb.read_bytes()).hexdigest()
     ours = {
@@ -126,13 +142,10 @@ def document(deb):
             "packageVerificationCodeValue": hashlib.sha1("".join(sums).encode()).hexdigest()
         },
         "checksums": [{"algorithm": "SHA256", "checksumValue": digest}],
-        "licenseConcluded": "MIT",
+        "licenseConcluded": together,
         "licenseDeclared": "MIT",
         "copyrightText": "2026 the kestal authors",
     }
-    siblings = [sibling for sibling in needed(deb) if sibling.startswith("kestal")]
-    others = [other for other in needed(deb) if other not in siblings]
-    packages = {other: of_debian(other) for other in others + TAKEN_IN[name]}
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", ours["SPDXID"])]
     relations += [(ours["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in files]
     relations += [(ours["SPDXID"], "DEPENDS_ON", packages[other]["SPDXID"]) for other in others]
