@@ -147,17 +147,17 @@ def start_to_first_answer(work, build, rounds):
     samples = {kind: [] for kind in programs}
     for _ in range(rounds):
         for kind, program in programs.items():
-            samples[kind].append(time_to_first_answer(work / "alone.sock", program, environment))
+            samples[kind].append(time_to_first_answer(work / "alone.sock", [program], environment))
     return samples
 
 
-def time_to_first_answer(path, program, environment):
+def time_to_first_answer(path, command, environment):
     path.unlink(missing_ok=True)
     with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as listener:
         listener.bind(str(path))
         listener.listen()
         begin = time.perf_counter()
-        process = subprocess.Popen([program], stdin=listener, env=environment)
+        process = subprocess.Popen(command, stdin=listener, env=environment)
         try:
             assert fastcgi.ask(path, fastcgi.STATUS).complete
             return (time.perf_counter() - begin) * 1000
