@@ -109,7 +109,7 @@ def row(figures):
         f"{figures['programBytes'] / 1024:,.0f}",
         "" if figures["pssKiB"] is None else f"{figures['pssKiB']:,}",
         report.spread(ratios, 1),
-        "qemu-user" if figures["emulated"] else f"itself, {report.middle(times['service']):.1f} ms",
+        "qemu-user" if figures["emulated"] else f"native, {report.middle(times['service']):.1f} ms",
     ]
 
 
