@@ -44,7 +44,7 @@ def test_a_power_cut_while_it_connects_loses_nothing(box, phone):
     phone.shows(statusBarConnectionState="Ready")
 
 
-def test_a_power_cut_while_settings_change_loses_nothing(box, hotspot):
+def test_a_power_cut_just_after_settings_have_changed_loses_nothing(box, hotspot):
     hotspot.order("sms", "+15550123", "Hello")
     hotspot.shows(statusBarSmsUnreadCount="1")
     settings = json.loads(box.get(f"cat {SETTINGS}"))
