@@ -72,8 +72,10 @@ void DataConnection::Refresh() {
 }
 
 void DataConnection::NoteGivenUp(DataAction::Kind before) const {
+    // The modem may still be told to be connecting.
+    const auto status = action.Status();
     if (before == DataAction::Kind::connect && action.UnderWay() == DataAction::Kind::none &&
-        action.Status() == SYS_DATA_CONNECTION_READY) {
+        status != SYS_DATA_CONNECTION_CONNECTED && status != SYS_DATA_CONNECTION_DORMANT) {
         LINUX_LOG(TORU_DBG_ERROR, "data connection: not connected: NetworkManager has given up");
     }
 }
