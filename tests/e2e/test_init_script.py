@@ -79,7 +79,8 @@ class Machine:
 
     def call(self, command, expected=0):
         """What the script prints; it must end with the expected status."""
-        order = ["nsenter", "--mount", "--pid", "--target", str(self.first), str(self.shell), str(self.script), command]
+        order = ["nsenter", "--mount", "--pid", "--root", "--wd", "--target", str(self.first)]
+        order += [str(self.shell), str(self.script), command]
         environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_TIMEOUT": "of the caller"}
         done = subprocess.run(order, env=environment, capture_output=True, text=True, timeout=60)
         assert done.returncode == expected, done.stdout + done.stderr + self.printed()
