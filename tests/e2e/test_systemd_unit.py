@@ -10,6 +10,7 @@ import subprocess
 import pytest
 
 from support import paths, processes
+from support.notifications import CHANNEL, notification
 from support.waiting import DEADLINE, wait_until
 
 UNIT = (paths.BUILD / "deploy" / "kestal.service").read_text()
@@ -132,3 +133,12 @@ def test_a_proc_that_contains_only_processes_is_enough(make_server):
     server.start()
     wait_until(lambda: not processes.is_alive(stray), "the service that was left behind has ended")
     assert server.ask("/srv/status").status == 200
+
+
+@pytest.mark.skipif(not may_mount(), reason="only root can mount, and not everywhere")
+def test_a_large_answer_is_whole_even_if_nothing_can_be_written_outside_of_the_run_directory(make_server):
+    server = make_server()
+    server.device.change(msgbus={CHANNEL: [notification()] * 1000})
+    start_wrapped(server, "unshare", "--mount", "sh", "-c", 'mount -t tmpfs -o ro none /var/tmp && exec "$@"', "sh")
+    assert len(server.ask("/srv/notification").json()["notificationsList"]) == 1000
+    assert "temp-file" not in server.server_messages()

@@ -16,16 +16,17 @@ enum class MissingFile {
 };
 
 /// Replaces the contents of the file at @p path by what @p change makes of them, in one step: a
-/// reader sees either the old or the new contents. The directory of the file is locked (flock)
-/// meanwhile, so that processes which change files in this way lose none of their changes. Mode
-/// and, where permitted, owner of the file are kept. Throws std::system_error and whatever @p
-/// change throws; the file is unchanged then.
+/// reader sees either the old or the new contents, and so does the next start after a power
+/// failure. What the function has changed when it returns is on the disk. The directory of the file
+/// is locked (flock) meanwhile, so that processes which change files in this way lose none of their
+/// changes. Mode and, where permitted, owner of the file are kept. Throws std::system_error and
+/// whatever @p change throws; the file is unchanged then.
 void UpdateFile(const std::string& path, MissingFile missing,
                 const std::function<std::string(const std::string&)>& change);
 
-/// The same without waiting for other processes or for the disk: of changes at the same time, one
-/// may be lost, and a power failure may undo a change or empty the file.
-void UpdateFileAtOnce(const std::string& path, MissingFile missing,
-                      const std::function<std::string(const std::string&)>& change);
+/// The same without waiting for other processes. @p change is called again if the file has changed
+/// meanwhile; only of two changes that are finished in the same instant, one is lost.
+void UpdateFileWithoutLock(const std::string& path, MissingFile missing,
+                           const std::function<std::string(const std::string&)>& change);
 
 }  // namespace binding

@@ -74,13 +74,16 @@ std::string_view WithoutLastCharacter(std::string_view text) {
 
 }  // namespace
 
-LogLine LogLine::ForDebugLog(const char* programName) {
+LogLine LogLine::ForDebugLog(const char* programName, std::optional<int> journalLevel) {
     using std::chrono::floor;
     const auto now = floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
     const auto today = floor<std::chrono::days>(now);
     const std::chrono::year_month_day date(today);
     const std::chrono::hh_mm_ss time(now - today);
     LogLine line;
+    if (journalLevel) {
+        line.Begin("<%d>", *journalLevel);
+    }
     line.Begin("%04d-%02u-%02uT%02d:%02d:%02d.%03dZ %.64s[%d] ", static_cast<int>(date.year()),
                static_cast<unsigned int>(date.month()), static_cast<unsigned int>(date.day()),
                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),

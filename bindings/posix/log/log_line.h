@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdarg>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace binding {
@@ -14,8 +15,9 @@ namespace binding {
 /// control characters.
 class LogLine {
   public:
-    /// Begins with "2026-11-21T12:00:00.123Z program[pid] ", as the debug log does.
-    static LogLine ForDebugLog(const char* programName);
+    /// Begins with "2026-11-21T12:00:00.123Z program[pid] ", as the debug log does; for the
+    /// journal, with "<level>" before that, which the journal takes off.
+    static LogLine ForDebugLog(const char* programName, std::optional<int> journalLevel);
 
     /// Begins with "<priority>program[pid]: ". It has no time, because the system log records when
     /// a line arrives.

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -14,6 +15,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "bindings/log.h"
@@ -31,6 +33,8 @@ constexpr std::array<const char*, 8> kLevelNames = {"EMERG",   "ALERT",  "CRIT",
 // Each value is determined on first use, because the product may log before it starts the log.
 std::atomic<int> threshold = kUnknown;
 std::atomic<int> destination = kUnknown;
+/// Whether the destination is the journal, which wants the level of each line.
+std::atomic<bool> isJournal = false;
 std::atomic<const char*> programName = nullptr;
 
 /// Whether only the beginning of the last line could be written.
@@ -65,6 +69,23 @@ int Threshold() {
     return level;
 }
 
+/// Whether the standard error stream leads to the journal, as whoever has started the process says.
+bool IsJournal() {
+    const char* const text = std::getenv("JOURNAL_STREAM");
+    const std::string_view named = text == nullptr ? "" : text;
+    const char* const end = named.data() + named.size();
+    dev_t device = 0;
+    ino_t inode = 0;
+    const auto [colon, error] = std::from_chars(named.data(), end, device);
+    if (error != std::errc() || colon == end || *colon != ':') {
+        return false;
+    }
+    const auto [rest, otherError] = std::from_chars(colon + 1, end, inode);
+    struct stat state = {};
+    return otherError == std::errc() && rest == end && fstat(STDERR_FILENO, &state) == 0 &&
+           state.st_dev == device && state.st_ino == inode;
+}
+
 /// Opens the log without blocking, so that neither opening nor a later write waits for the reader
 /// of a pipe.
 int OpenDestination() {
@@ -73,6 +94,7 @@ int OpenDestination() {
         path == nullptr || *path == '\0'
             ? -1
             : open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0640);
+    isJournal = file < 0 && IsJournal();
     return file < 0 ? STDERR_FILENO : file;
 }
 
@@ -132,8 +154,16 @@ void Write(std::string_view line) {
     }
 }
 
+/// The beginning of a line of @p level.
+binding::LogLine NewLine(int level) {
+    (void)Destination();
+    return binding::LogLine::ForDebugLog(
+        ProgramName(), isJournal ? std::optional(std::max(level, 0)) : std::nullopt);
+}
+
 void TellHeld(std::string_view message, unsigned int count, std::chrono::seconds age) {
-    binding::LogLine line = binding::LogLine::ForDebugLog(ProgramName());
+    // Only failures are held back.
+    binding::LogLine line = NewLine(TORU_DBG_ERROR);
     line.Append(message);
     line.NoteHeld(count, age);
     Write(line.Finish());
@@ -155,7 +185,7 @@ unsigned int Count(int level, std::string_view message) {
 [[gnu::noinline, gnu::format(printf, 2, 0)]] void WriteLine(int level, const char* format,
                                                             std::va_list arguments) {
     const int callersError = errno;
-    binding::LogLine line = binding::LogLine::ForDebugLog(ProgramName());
+    binding::LogLine line = NewLine(level);
     errno = callersError;
     line.Append(format, arguments);
     const unsigned int count = Count(level, line.Message());

@@ -29,7 +29,7 @@ namespace {
 
 using binding::MissingFile;
 using binding::UpdateFile;
-using binding::UpdateFileAtOnce;
+using binding::UpdateFileWithoutLock;
 
 class FileUpdate : public SimulatedDevice {
   protected:
@@ -94,8 +94,27 @@ TEST_F(FileUpdate, CreatesAFileForAllAsTheUmaskAllows) {
 
 TEST_F(FileUpdate, NeverChangesTheUmaskWhichAllThreadsShare) {
     umaskCalls = 0;
-    UpdateFileAtOnce(device, MissingFile::createdForAll, [](const auto&) { return "new"; });
+    UpdateFileWithoutLock(device, MissingFile::createdForAll, [](const auto&) { return "new"; });
     EXPECT_EQ(umaskCalls, 0);
+}
+
+TEST_F(FileUpdate, WithoutLockKeepsWhatSomebodyElseHasChangedMeanwhile) {
+    for (const char* before : {"", "a"}) {
+        if (*before != '\0') {
+            Document(before);
+        }
+        int calls = 0;
+        UpdateFileWithoutLock(device, MissingFile::createdForAll, [&](const std::string& text) {
+            EXPECT_EQ(text, calls == 0 ? before : "other");
+            if (++calls == 1) {
+                Document("other");
+            }
+            return text + "c";
+        });
+        EXPECT_EQ(ReadFile(device), "otherc");
+        EXPECT_EQ(calls, 2);
+        std::filesystem::remove(device);
+    }
 }
 
 TEST_F(FileUpdate, FailsWithoutAFileWhenThereMustBeOne) {

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -133,6 +134,50 @@ TEST_F(DebugLog, LineHasTimeProgramAndProcess) {
     std::tm broken{};
     ASSERT_NE(strptime(parts[1].str().c_str(), "%Y-%m-%dT%H:%M:%S", &broken), nullptr);
     EXPECT_NEAR(static_cast<double>(timegm(&broken)), static_cast<double>(time(nullptr)), 120);
+}
+
+/// The standard error stream as JOURNAL_STREAM names it.
+std::string StandardErrorName() {
+    struct stat state = {};
+    EXPECT_EQ(fstat(STDERR_FILENO, &state), 0);
+    return std::to_string(state.st_dev) + ":" + std::to_string(state.st_ino);
+}
+
+TEST_F(DebugLog, TellsTheJournalTheLevelOfALineAndNobodyElse) {
+    const StandardError error;
+    const std::string journal = StandardErrorName();
+    const auto writtenFor = [&](const std::string& stream) {
+        environment.Set("JOURNAL_STREAM", stream);
+        (void)toru_dbg_start("kestal.cgi");
+        (void)error.Writes();
+        toru_dbg_log("M", TORU_DBG_NOTICE, "text");
+        return error.Writes();
+    };
+    environment.Unset("KESTAL_LOG");
+    EXPECT_THAT(writtenFor(journal), ElementsAre(MatchesRegex("<5>20[^<>]* text\n")));
+    // Whoever has this environment from the service, but another stream, is not the journal.
+    for (const std::string& other : {journal + "0", "1" + journal, journal.substr(1), journal + " ",
+                                     journal.substr(0, journal.find(':')), std::string()}) {
+        EXPECT_THAT(writtenFor(other), ElementsAre(MatchesRegex("20[^<>]* text\n"))) << other;
+    }
+    environment.Set("KESTAL_LOG", directory / "log");
+    EXPECT_THAT(writtenFor(journal), ElementsAre());
+    EXPECT_THAT(ReadFile(directory / "log"), MatchesRegex("20[^<>]* text\n"));
+}
+
+TEST_F(DebugLog, TellsTheJournalTheLevelOfLinesThatWereHeldBack) {
+    const StandardError error;
+    environment.Unset("KESTAL_LOG");
+    environment.Set("JOURNAL_STREAM", StandardErrorName());
+    (void)toru_dbg_start("kestal.cgi");
+    (void)error.Writes();
+    for (int count = 0; count < 2; ++count) {
+        toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    }
+    toru_dbg_stop();
+    EXPECT_THAT(error.Writes(),
+                ElementsAre(MatchesRegex("<3>20[^<>]* text\n"),
+                            MatchesRegex("<3>20[^<>]* text .1 times, last 0 s ago.\n")));
 }
 
 TEST(DebugLogDeathTest, FirstLineNamesTheProgramEvenIfTheCallerDoesNot) {
