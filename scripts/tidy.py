@@ -24,7 +24,7 @@ import together
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # With larger groups, one processor would work alone at the end.
-GROUP = 24
+GROUP = 32
 FINDING = re.compile(r"(?m)^\S.*: (warning|error): .* \[[\w.,+-]+\]$")
 
 
@@ -50,19 +50,25 @@ def commands(build):
     return chosen
 
 
-def included_headers(build):
-    """The project's headers that each object file was compiled from, as the compiler reported them."""
+def read_files(build):
+    """The files that each object file was compiled from, as the compiler reported them."""
     listing = subprocess.run(["ninja", "-C", str(build), "-t", "deps"], capture_output=True, text=True, check=False)
-    headers = {}
+    files = {}
     for line in listing.stdout.splitlines():
         if line[:1].strip():
             name = line.split(": #deps")[0]
-            headers[name] = [] if line.endswith("(VALID)") else None
-        elif line.strip() and headers[name] is not None:
-            path = os.path.normpath(os.path.join(build, line.strip()))
-            if path.startswith(f"{ROOT}/") and "/cmake_pch." not in path:
-                headers[name].append(path)
-    return headers
+            files[name] = [] if line.endswith("(VALID)") else None
+        elif line.strip() and files[name] is not None:
+            files[name].append(os.path.normpath(os.path.join(build, line.strip())))
+    return files
+
+
+@functools.cache
+def size(path):
+    try:
+        return os.path.getsize(path)
+    except OSError:
+        return 0
 
 
 def settings(source):
@@ -71,13 +77,17 @@ def settings(source):
     return tuple(str(file) for file in above if file.exists())
 
 
-def state(source, entry, headers, version):
-    """Returns a digest of everything that clang-tidy's findings depend on, or None if the headers are not
-    known."""
+def object_of(entry):
     arguments = shlex.split(entry["command"])
-    used = headers.get(arguments[arguments.index("-o") + 1])
-    if used is None:
+    return arguments[arguments.index("-o") + 1]
+
+
+def state(source, entry, read, version):
+    """Returns a digest of everything that clang-tidy's findings depend on, or None if the files that were
+    read are not known."""
+    if read is None:
         return None
+    used = (path for path in read if path.startswith(f"{ROOT}/") and "/cmake_pch." not in path)
     files = {source, *used, *settings(source)}
     parts = [version, entry["command"], *(f"{file} {digest(file)}" for file in sorted(files))]
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
@@ -93,19 +103,32 @@ def known_clean(record):
 
 
 def arguments(entry):
-    """The command without the names of its source and of its object file."""
+    """The command without the names of its source and of its object file: the macros and folders of headers
+    that it names, and the rest."""
     kept = shlex.split(entry["command"])
     for option in ("-o", "-c"):
         at = kept.index(option)
         del kept[at : at + 2]
-    return kept
+    named = [each for each in kept if each.startswith(("-D", "-I"))]
+    return named, [each for each in kept if each not in named]
 
 
-def groups(stale, entries):
-    """Groups sources that have the same settings and the same compile command, the largest group first."""
+def groups(stale, entries, weights):
+    """Groups sources that can be checked with the same settings and one command, the largest group first.
+    Sources of several targets differ in the macros and folders of headers; they get those of all of them,
+    unless one macro has several values. Sources that read the most come first, so that the largest libraries
+    are in few groups. CLI11 has groups of its own: one check searches all of a group for uses of each of its
+    functions."""
+    values = collections.defaultdict(set)
+    for entry in entries.values():
+        for each in arguments(entry)[0]:
+            values[each.split("=")[0]].add(each)
     alike = collections.defaultdict(list)
-    for source in sorted(stale):
-        alike[settings(source), tuple(arguments(entries[source]))].append(source)
+    for source in sorted(stale, key=lambda source: (-weights[source], source)):
+        named, rest = arguments(entries[source])
+        apart = [each for each in named if len(values[each.split("=")[0]]) > 1]
+        command_line = "#include <CLI/" in pathlib.Path(source).read_text()
+        alike[settings(source), tuple(rest), tuple(apart), command_line].append(source)
     parts = [part for found in alike.values() for part in together.groups(found, GROUP)]
     return sorted(parts, key=lambda part: sum(map(os.path.getsize, part)), reverse=True)
 
@@ -148,7 +171,8 @@ class Tidy:
         source = folder / f"{name}.cpp"
         source.write_text("".join(f'#include "{each}"  // NOLINT\n' for each in sources))
         first = self.entries[sources[0]]
-        command = [*arguments(first), "-o", f"{name}.o", "-c", str(source)]
+        named = dict.fromkeys(each for one in sources for each in arguments(self.entries[one])[0])
+        command = [*arguments(first)[1], *named, "-o", f"{name}.o", "-c", str(source)]
         entry = {"directory": first["directory"], "file": str(source), "arguments": command}
         (folder / name).mkdir(exist_ok=True)
         (folder / name / "compile_commands.json").write_text(json.dumps([entry]))
@@ -178,8 +202,10 @@ def main(tidy, build, everything):
     record = folder / "clean.json"
     known = {} if everything else known_clean(record)
     entries = commands(build)
-    headers = included_headers(build)
-    states = {source: state(source, entry, headers, version) for source, entry in entries.items()}
+    files = read_files(build)
+    read = {source: files.get(object_of(entry)) for source, entry in entries.items()}
+    weights = {source: sum(map(size, paths or ())) for source, paths in read.items()}
+    states = {source: state(source, entry, read[source], version) for source, entry in entries.items()}
     clean = {source: now for source, now in states.items() if now and known.get(source) == now}
     tidying = Tidy(tidy, folder, entries)
     stale = entries.keys() - clean.keys()
@@ -194,7 +220,7 @@ def main(tidy, build, everything):
     # At low priority: tests that run at the same time wait for answers with a deadline.
     os.nice(10)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs = [pool.submit(tidying.look, sources) for sources in groups(stale, entries)]
+        runs = [pool.submit(tidying.look, sources) for sources in groups(stale, entries, weights)]
         for run in concurrent.futures.as_completed(runs):
             for source, done in run.result().items():
                 if done.returncode == 0:

@@ -257,6 +257,12 @@ def test_sources_of_several_folders_with_other_settings_are_checked_apart(tidy, 
         ("#define ROOM 12", "#define ROOM 13", True),
         ("using nlohmann::json;", "using json = nlohmann::ordered_json;", True),
         ("using nlohmann::json;", "using nlohmann::json;", False),
+        ("using Text = std::string;", "using Text = std::string;", False),
+        ("using Text = std::string;", "using Text = const char*;", True),
+        ("void Device::Read() {", "void Device::Read() {", True),
+        ("void binding::Read() {", "void Read() {", True),
+        ("enum Answer {\n    kYes = 0,\n};", "int one = 0;", False),
+        ("int Sum();", 'int two = other->Sum() + other.Sum() + Find("Sum");', False),
         ("int Sum();", "// Sum", False),
         ("int sum = 1;  // limit", "int limit;", False),
         ("void Device::Read() {\n    int count = 1;\n}", "int Read, count;", False),
@@ -271,11 +277,43 @@ def test_a_source_that_mentions_a_name_of_another_source_is_read_apart(work, fir
     assert done.stdout == ("0;1\n" if alone else "0;0\n")
 
 
-def test_a_name_that_the_header_of_a_source_declares_does_not_count(work):
-    (work / "a.h").write_text("int Sum();\n")
-    for name in ("a", "b"):
-        (work / f"{name}.cpp").write_text("int Sum() {\n}\n")
-    assert run(paths.ROOT / "scripts" / "together.py", "9", work / "a.cpp", work / "b.cpp").stdout == "0;0\n"
+@pytest.mark.parametrize(
+    ("header", "first", "second", "alone"),
+    [
+        ("int Sum();", "int Sum() {\n}", "int two = Sum();", False),
+        ("int Sum();", "int Sum() {\n}", '#include "a.h"\nint Sum() {\n}', True),
+        ("int Sum(int);", "int two;", '#include "b.h"\nint three = Sum();', True),
+        ("struct Sum;", "int two;", '#include "b.h"\nint three = Sum();', False),
+        ("int Sum();", "int two;", "static int Sum() {\n}", True),
+        ("", "static int Sum() {\n}", '#include "b.h"\nint three;', True),
+    ],
+)
+def test_names_that_headers_declare_belong_to_all_sources(work, header, first, second, alone):
+    (work / "a.h").write_text(f"{header}\n")
+    (work / "a.cpp").write_text(f'#include "a.h"\n{first}\n')
+    (work / "b.h").write_text("int Sum();\n")
+    (work / "b.cpp").write_text(f"{second}\n")
+    done = run(paths.ROOT / "scripts" / "together.py", "9", work / "a.cpp", work / "b.cpp")
+    assert done.stdout == ("0;1\n" if alone else "0;0\n")
+
+
+def test_sources_with_other_macros_and_folders_are_checked_together(tidy, build, work):
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for entry, option in zip(commands, ("-DFIRST=1 -DBOTH=1", "-Isecond -DBOTH=1"), strict=True):
+        entry["command"] += f" {option}"
+    (build / "compile_commands.json").write_text(json.dumps(commands))
+    note = f'grep -ho "[-][DI][^ \\"]*" "$3/compile_commands.json" >> {work / "looked-at"}\n'
+    (work / "bin" / "clang-tidy").open("a").write(note)
+    assert tidy() == (0, ["a.cpp b.cpp", "-DFIRST=1", "-DBOTH=1", "-Isecond"])
+
+
+def test_sources_that_give_a_macro_different_values_are_checked_apart(tidy, build):
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for number, entry in enumerate(commands):
+        entry["command"] += f" -DNUMBER={number}"
+    (build / "compile_commands.json").write_text(json.dumps(commands))
+    code, looked_at = tidy()
+    assert (code, sorted(looked_at)) == (0, ["a.cpp", "b.cpp"])
 
 
 def test_a_group_of_sources_is_checked_with_the_settings_of_its_folder(tidy, tree, build, work):

@@ -170,16 +170,21 @@ void* malloc(std::size_t size) {
     return Counted(__libc_malloc(size));
 }
 
-void* calloc(std::size_t count, std::size_t size) {
-    if (!GrantsAll(count, size, CALLER)) {
+static void* AllocateCleared(std::size_t count, std::size_t size, const void* caller) {
+    if (!GrantsAll(count, size, caller)) {
         errno = ENOMEM;
         return nullptr;
     }
     return Counted(__libc_calloc(count, size));
 }
 
+void* calloc(std::size_t count, std::size_t size) {
+    return AllocateCleared(count, size, CALLER);
+}
+
+// Does not call calloc, for which some linkers would take this function itself.
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return calloc(count, size);
+    return AllocateCleared(count, size, CALLER);
 }
 
 void* realloc(void* block, std::size_t size) {

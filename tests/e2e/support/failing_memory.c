@@ -6,6 +6,7 @@
 #include <errno.h>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
@@ -20,6 +21,7 @@ struct orders {
     volatile int passed;       /* how many would have, but were libfcgi's */
     volatile int libfcgi;      /* only libfcgi's fail, and only these are counted */
     long held;                 /* blocks of all threads, as a difference only */
+    long bytes;                /* their sizes together, also as a difference only */
 };
 
 static struct orders none;
@@ -85,10 +87,15 @@ static int fails(void) {
     return result;
 }
 
-static void* held(void* block) {
+static void count(void* block, int sign) {
     if (block != NULL) {
-        __atomic_add_fetch(&orders->held, 1, __ATOMIC_RELAXED);
+        __atomic_add_fetch(&orders->held, sign, __ATOMIC_RELAXED);
+        __atomic_add_fetch(&orders->bytes, sign * (long)malloc_usable_size(block), __ATOMIC_RELAXED);
     }
+}
+
+static void* held(void* block) {
+    count(block, 1);
     return block;
 }
 
@@ -108,12 +115,16 @@ void* realloc(void* block, size_t size) {
         free(block);
         return NULL;
     }
-    return fails() ? NULL : __libc_realloc(block, size);
+    if (fails()) {
+        return NULL;
+    }
+    count(block, -1);
+    void* const moved = __libc_realloc(block, size);
+    count(moved == NULL ? block : moved, 1);
+    return moved;
 }
 
 void free(void* block) {
-    if (block != NULL) {
-        __atomic_sub_fetch(&orders->held, 1, __ATOMIC_RELAXED);
-    }
+    count(block, -1);
     __libc_free(block);
 }
