@@ -1,14 +1,12 @@
 #include "bindings/linux/board.h"
 
 #include <sys/eventfd.h>
-#include <sys/inotify.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
@@ -25,9 +23,6 @@ namespace {
 
 constexpr std::uint64_t kSecond = 1'000'000;
 constexpr std::chrono::seconds kRestartAfter{1};
-constexpr std::chrono::seconds kFinishLimit{1};
-/// Nobody waits for the end of another program, as the service manager does for the service's.
-constexpr std::chrono::seconds kToolFinishLimit{30};
 
 /// Blocks signals in the calling thread for as long as it lives. All signals are for the threads of
 /// the product, but for those that a thread raises by its own fault.
@@ -58,8 +53,7 @@ sd_event* NewEvent() {
     return event;
 }
 
-/// Where the service tells what its sources have told. Only the service gets this path: other
-/// programs with this binding would take its place.
+/// Where the service tells what its sources have told; null for nowhere.
 const char* ReportPath() {
     const char* const path = std::getenv("KESTAL_SOURCES");
     return path == nullptr || *path == '\0' ? nullptr : path;
@@ -76,10 +70,19 @@ bool AllKnown(const Sources& sources) {
 
 }  // namespace
 
+BoardLimits LimitsOf(bool isService) {
+    BoardLimits limits;
+    if (isService) {
+        limits.isService = true;
+        limits.firstAnswer = kFirstAnswerLimit;
+        limits.finish = std::chrono::seconds(1);
+    }
+    return limits;
+}
+
 Board::Board(SourceFactory newFactory, BoardLimits newLimits)
     : factory(std::move(newFactory)),
-      renewalLimit(newLimits.renewal),
-      isService(ReportPath() != nullptr),
+      limits(newLimits),
       event(NewEvent()),
       wakeUpDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       snapshots(newLimits.firstAnswer) {
@@ -92,6 +95,7 @@ Board::Board(SourceFactory newFactory, BoardLimits newLimits)
 }
 
 Board::~Board() {
+    finishEnd = std::chrono::steady_clock::now() + limits.finish;
     ending = true;
     WakeUp();
     thread.join();
@@ -163,7 +167,7 @@ void Board::RunOnce() {
     reportServer.reset();
     check.Reset();
     publishing.Reset();
-    documentWatch.Reset();
+    document.End();
     notificationEnd.Reset();
     renewal.Reset();
     dataCall = nullptr;
@@ -174,32 +178,17 @@ void Board::RunOnce() {
 
 void Board::GiveUp() noexcept {
     try {
-        PublishFailure();
+        failed.Note(sources);
+        snapshots.Publish(failed.Answers(), {.document = document.Answers(),
+                                             .outlook = {kNothingToConnect},
+                                             .connection = std::nullopt,
+                                             .isComplete = true,
+                                             .isWhole = false,
+                                             .finish = {}});
     } catch (const std::exception& error) {
         // What the thread has failed for may be missing here, too, such as memory.
         LINUX_LOG(TORU_DBG_ERROR, "the last answers stand until then: %s", error.what());
     }
-}
-
-void Board::NoteFailure() {
-    if (sources.empty()) {
-        return;
-    }
-    Device device = AbsentDevice();
-    for (const auto& source : sources) {
-        source->Recall(device);
-        source->Fail(device, kSourceLost);
-    }
-    failure = std::move(device);
-}
-
-void Board::PublishFailure() {
-    NoteFailure();
-    snapshots.Publish(failure.value_or(AbsentDevice()), {.document = document.device,
-                                                         .outlook = {kNothingToConnect},
-                                                         .connection = std::nullopt,
-                                                         .isComplete = true,
-                                                         .finish = {}});
 }
 
 void Board::Loop() {
@@ -212,8 +201,8 @@ void Board::Loop() {
                                }
                                MakeRequest();
                            });
-    ReadDocument();
-    bus = std::make_unique<Bus>(event.get(), document.settings.silenceSeconds * kSecond);
+    document.Begin(event.get(), [this](const Settings& before) { OnDocument(before); });
+    bus = std::make_unique<Bus>(event.get(), document.GetSettings().silenceSeconds * kSecond);
     if (startsAnew) {
         RenewSources();
     } else {
@@ -236,21 +225,25 @@ void Board::Turn(std::uint64_t limit) {
     }
 }
 
-void Board::FinishRequest() {
+bool Board::IsRequestUnderWay() {
+    const bool isSending = dataCall != nullptr && dataCall->IsSending();
     // The sources of new settings may need a moment to know what makes the request.
-    TurnWhile(kFinishLimit, [this] { return renewal.IsArmed() && snapshots.HasRequest(); });
-    renewal.Reset();
-    MakeRequest();
-    TurnWhile(isService ? kFinishLimit : kToolFinishLimit,
-              [this] { return dataCall != nullptr && dataCall->IsSending(); });
+    return isSending || (renewal.IsArmed() && snapshots.HasRequest());
 }
 
-void Board::TurnWhile(std::chrono::seconds limit, const std::function<bool()>& condition) {
-    constexpr std::uint64_t kStep = kSecond / 10;
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (condition() && std::chrono::steady_clock::now() < end) {
-        Turn(kStep);
+void Board::FinishRequest() {
+    using std::chrono::microseconds;
+    MakeRequest();
+    while (IsRequestUnderWay()) {
+        const auto left =
+            std::chrono::duration_cast<microseconds>(finishEnd - std::chrono::steady_clock::now());
+        if (left <= microseconds(0)) {
+            break;
+        }
+        Turn(static_cast<std::uint64_t>(left.count()));
     }
+    renewal.Reset();
+    MakeRequest();
 }
 
 void Board::MakeRequest() {
@@ -269,45 +262,10 @@ void Board::MakeRequest() {
     }
 }
 
-void Board::ReadDocument() {
-    const std::string path = BoardDocumentPath();
-    const std::filesystem::path file(path);
-    if (!documentWatch.IsArmed()) {
-        try {
-            documentWatch.WatchFolder(event.get(),
-                                      file.has_parent_path() ? file.parent_path().c_str() : ".",
-                                      IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE,
-                                      [this, name = file.filename().string()](const char* changed) {
-                                          if (changed != nullptr && name == changed) {
-                                              ReadDocument();
-                                          }
-                                      });
-        } catch (const std::system_error& error) {
-            LINUX_LOG(TORU_DBG_NOTICE, "%s (changes are not noticed)", error.what());
-        }
-    }
-    BoardDocument read;
-    std::string problem;
-    try {
-        FileStamp stamp;
-        read = ReadBoardDocument(path, ReadFile(path, stamp), document.device.faults);
-    } catch (const std::exception& error) {
-        problem = error.what();
-    }
-    if (!problem.empty()) {
-        if (problem != documentProblem) {
-            LINUX_LOG(TORU_DBG_ERROR, "%s (%s)", problem.c_str(),
-                      documentRead ? "keeping the last good document" : "no document");
-        }
-        documentProblem = problem;
-        return;
-    }
-    documentProblem.clear();
-    documentRead = true;
-    const bool restarts = !sources.empty() && !(read.settings == document.settings);
-    document = std::move(read);
-    hasPlan = document.settings.planBytes != 0;
-    if (restarts) {
+void Board::OnDocument(const Settings& before) {
+    const Settings& settings = document.GetSettings();
+    hasPlan = settings.planBytes != 0;
+    if (!sources.empty() && !(settings == before)) {
         try {
             RenewSources();
         } catch (const std::exception&) {
@@ -321,7 +279,7 @@ void Board::ReadDocument() {
 
 void Board::ServeReports() {
     const char* const path = ReportPath();
-    if (path == nullptr) {
+    if (!limits.isService || path == nullptr) {
         return;
     }
     try {
@@ -336,18 +294,18 @@ void Board::ServeReports() {
 void Board::RenewSources() {
     // Further changes do not make the wait longer.
     if (!renewal.IsArmed()) {
-        renewal.After(event.get(), static_cast<std::uint64_t>(renewalLimit.count()), 0,
+        renewal.After(event.get(), static_cast<std::uint64_t>(limits.renewal.count()), 0,
                       [this] { Publish(); });
     }
     MakeSources();
 }
 
 void Board::MakeSources() {
-    NoteFailure();
+    failed.Note(sources);
     dataCall = nullptr;
     sources.clear();
     sources = factory(*this);
-    failure.reset();
+    failed.Forget();
     for (const auto& source : sources) {
         source->Begin();
     }
@@ -356,7 +314,7 @@ void Board::MakeSources() {
 }
 
 void Board::StartCheck() {
-    check.After(event.get(), document.settings.checkSeconds * kSecond, kSecond, [this] {
+    check.After(event.get(), document.GetSettings().checkSeconds * kSecond, kSecond, [this] {
         // First, so that a source that throws does not end the checks.
         StartCheck();
         bus->Check();
@@ -390,17 +348,18 @@ void Board::Publish() {
         }
     }
     const auto addNotifications = [&](Device& whole) {
-        if (document.device.channels.count(ANS_NOTIFICATION_CHANNEL) == 0) {
+        if (document.Answers().channels.count(ANS_NOTIFICATION_CHANNEL) == 0) {
             AwaitNotificationEnd(notifications.Publish(
-                whole, document.settings, std::chrono::steady_clock::now(), isComplete));
+                whole, document.GetSettings(), std::chrono::steady_clock::now(), isComplete));
         }
     };
     snapshots.Publish(
         std::move(device),
-        {.document = document.device,
+        {.document = document.Answers(),
          .outlook = dataCall == nullptr ? DataOutlook{kNothingToConnect} : dataCall->Outlook(),
          .connection = connection,
          .isComplete = isComplete,
+         .isWhole = isComplete && !bus->IsOutOfReach(),
          .finish = addNotifications});
     // One that has waited for the sources.
     MakeRequest();

@@ -15,14 +15,15 @@
 #include <vector>
 
 #include "bindings/device/device.h"
-#include "bindings/linux/board_document.h"
 #include "bindings/linux/bus/bus.h"
 #include "bindings/linux/event.h"
+#include "bindings/linux/failed_answers.h"
 #include "bindings/linux/notification/notifications.h"
 #include "bindings/linux/report_server.h"
 #include "bindings/linux/snapshots.h"
 #include "bindings/linux/source.h"
 #include "bindings/linux/traffic.h"
+#include "bindings/linux/watched_document.h"
 #include "bindings/posix/files/file_io.h"
 
 namespace binding {
@@ -37,34 +38,49 @@ class DataCall {
     virtual bool IsSending() const = 0;
 };
 
-using Sources = std::vector<std::unique_ptr<Source>>;
 /// Makes the sources of a board; called on its thread, again whenever the settings have changed.
 using SourceFactory = std::function<Sources(Board&)>;
 
-/// For how long a board waits for sources that have not said whether they are there.
+/// What a board is to its program, and for how long it waits.
 struct BoardLimits {
-    /// Before the first snapshot is answered.
-    std::chrono::microseconds firstAnswer = kFirstAnswerLimit;
-    /// After a change of the settings, while what the sources before have told stands.
-    std::chrono::microseconds renewal{1'000'000};
+    /// Whether the program is the service, which is there all the time: only the service remembers
+    /// what the modem has told, and tells what its sources have told. Others have a board for a
+    /// short time.
+    bool isService = false;
+    /// For sources that have not said whether they are there, before the first snapshot is
+    /// answered. A program other than the service often asks once, so that its first answer should
+    /// be the right one.
+    std::chrono::microseconds firstAnswer = std::chrono::seconds(30);
+    /// The same after a change of the settings, while what the sources before have told stands.
+    std::chrono::microseconds renewal = std::chrono::seconds(1);
+    /// At the end, for all that a request which has been accepted needs. Nobody waits for the end
+    /// of a tool, as the service manager does for the service's.
+    std::chrono::microseconds finish = std::chrono::seconds(30);
 };
+
+/// The limits in the service, and in other programs.
+BoardLimits LimitsOf(bool isService);
 
 class Board {
   public:
     /// Starts the thread.
     explicit Board(SourceFactory newFactory, BoardLimits newLimits = {});
-    /// A request that has been accepted is made before, and its answer awaited, by the service for
-    /// a second at most, by others for half a minute: a daemon may refuse what has been asked by
-    /// somebody who is gone, and a modem that must be enabled first is connected only then.
+    /// A request that has been accepted is made before, and its answer awaited, for the limit: a
+    /// daemon may refuse what has been asked by somebody who is gone, and a modem that must be
+    /// enabled first is connected only then.
     ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
 
     // For all threads. The first snapshot is waited for by each function that needs it, until each
-    // source has said whether it is there, but for a second at most.
+    // source has said whether it is there, but for the limit at most.
 
     /// The newest snapshot.
     std::shared_ptr<const Device> Newest();
+
+    /// Whether the newest snapshot has all that there is: each source has said whether it is there,
+    /// and the system bus, if there is one, answers.
+    bool IsWhole() { return snapshots.IsWhole(); }
 
     /// Hand a request over to the board's thread. Return SYS_SUCCESS, or the code with which the
     /// request fails because nothing can be connected.
@@ -76,12 +92,12 @@ class Board {
 
     // For the board's thread.
 
-    /// Whether this is the board of the service. Other programs have one for a short time.
-    bool IsService() const { return isService; }
+    /// Whether this is the board of the service.
+    bool IsService() const { return limits.isService; }
 
     sd_event* Event() const { return event.get(); }
     Bus& SystemBus() { return *bus; }
-    const Settings& GetSettings() const { return document.settings; }
+    const Settings& GetSettings() const { return document.GetSettings(); }
     const Sources& GetSources() const { return sources; }
 
     /// Publishes a new snapshot when the events at hand have been processed.
@@ -103,13 +119,11 @@ class Board {
     void Run();
     void RunOnce();
     void GiveUp() noexcept;
-    void NoteFailure();
-    void PublishFailure();
     void Loop();
     void Turn(std::uint64_t limit);
+    bool IsRequestUnderWay();
     void FinishRequest();
-    void TurnWhile(std::chrono::seconds limit, const std::function<bool()>& condition);
-    void ReadDocument();
+    void OnDocument(const Settings& before);
     void ServeReports();
     void MakeSources();
     void RenewSources();
@@ -119,30 +133,24 @@ class Board {
     void MakeRequest();
 
     SourceFactory factory;
-    std::chrono::microseconds renewalLimit;
-    bool isService;
+    BoardLimits limits;
 
     // Of the board's thread.
     EventPointer event;
     EventSource wakeUp;
     EventSource publishing;
     EventSource check;
-    EventSource documentWatch;
     EventSource notificationEnd;
     /// Armed while the snapshot of the sources before stands.
     EventSource renewal;
     std::unique_ptr<Bus> bus;
     std::unique_ptr<ReportServer> reportServer;
-    BoardDocument document;
-    bool documentRead = false;
+    WatchedDocument document;
     bool startsAnew = false;
-    std::string documentProblem;
     Sources sources;
     /// Why the sources of new settings cannot be made, which ends the loop.
     std::exception_ptr renewalProblem;
-    /// What is answered when the thread fails while there are no sources: that the calls of those
-    /// before fail.
-    std::optional<Device> failure;
+    FailedAnswers failed;
     DataCall* dataCall = nullptr;
     std::optional<TrafficMeter::Connection> connection;
     Notifications notifications;
@@ -150,6 +158,8 @@ class Board {
     // Shared.
     FileDescriptor wakeUpDescriptor;
     std::atomic<bool> ending = false;
+    /// Until when a request may be finished; set before ending is.
+    std::chrono::steady_clock::time_point finishEnd;
     /// Whether notifications depend on the traffic.
     std::atomic<bool> hasPlan = false;
     std::atomic<bool> hasCounted = false;

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "bindings/linux/board.h"
+#include "bindings/linux/board_remark.h"
+#include "bindings/linux/service_program.h"
 #include "bindings/linux/sources.h"
 #include "bindings/posix/session/session_store.h"
 
@@ -28,7 +30,7 @@ class Owner {
         }
     }
 
-    std::unique_ptr<Board> board = std::make_unique<Board>(MakeSources);
+    std::unique_ptr<Board> board = std::make_unique<Board>(MakeSources, LimitsOf(kIsService));
 };
 
 }  // namespace
@@ -49,6 +51,12 @@ int StartDataCall() {
 
 int StopDataCall() {
     return TheBoard().StopDataCall();
+}
+
+std::string BoardRemark() {
+    return TheBoard().IsWhole() ? ""
+                                : "the system bus or a daemon does not answer; what it would tell "
+                                  "counts as absent";
 }
 
 std::string DefaultSessionStorePath() {

@@ -1,5 +1,4 @@
-// Programs of the tests have a longer limit, so it has a file that they link another one in place
-// of.
+// In a file of its own, because the service of the tests is linked with a longer limit instead.
 #include "bindings/linux/snapshots.h"
 
 namespace binding {

@@ -28,7 +28,7 @@ void Listen(int listener, const std::string& path) {
     }
     const FileDescriptor other(ConnectToSocket(path, SOCK_STREAM));
     if (other.Number() >= 0) {
-        // The socket of the service stays the service's when a tool has the same environment.
+        // A service that listens here already keeps its socket.
         errno = EADDRINUSE;
         ThrowSystemError(path);
     }

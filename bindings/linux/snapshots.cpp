@@ -38,6 +38,12 @@ Snapshots::Taken Snapshots::Newest() {
     return {.device = published, .hasCounted = hasCounted};
 }
 
+bool Snapshots::IsWhole() {
+    std::unique_lock lock(mutex);
+    AwaitFirst(lock);
+    return whole;
+}
+
 void Snapshots::AwaitFirst(std::unique_lock<std::mutex>& lock) {
     if (!settled) {
         settling.wait_for(lock, firstAnswerLimit, [this] { return settled; });
@@ -98,6 +104,7 @@ void Snapshots::Publish(Device device, const Publication& publication) {
         publication.finish(device);
     }
     published = std::make_shared<const Device>(std::move(device));
+    whole = publication.isWhole;
     if (!settled && publication.isComplete) {
         settled = true;
         settling.notify_all();

@@ -29,7 +29,7 @@ struct DataOutlook {
     }
 };
 
-/// For how long the first snapshot is waited for: a little less than a second.
+/// For how long the service waits for the first snapshot: a little less than a second.
 extern const std::chrono::milliseconds kFirstAnswerLimit;
 
 class Snapshots {
@@ -45,6 +45,9 @@ class Snapshots {
 
     /// The newest snapshot.
     Taken Newest();
+
+    /// What has been said of the newest snapshot.
+    bool IsWhole();
 
     /// Accepts a request for the data call and lets the newest snapshot tell so, or returns the
     /// code with which it fails. It replaces one that has not been taken yet: what has been asked
@@ -65,6 +68,8 @@ class Snapshots {
         std::optional<TrafficMeter::Connection> connection;
         /// Whether the device is whole, so that nobody needs to wait for more.
         bool isComplete;
+        /// The same, and nothing counts as absent because it could not be asked.
+        bool isWhole;
         /// Adds to the device what follows from the rest of it.
         std::function<void(Device& device)> finish;
     };
@@ -87,6 +92,7 @@ class Snapshots {
     std::mutex mutex;
     std::condition_variable settling;
     bool settled = false;
+    bool whole = false;
     std::shared_ptr<const Device> published;
     Told told;
     DataOutlook outlook;

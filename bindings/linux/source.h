@@ -2,8 +2,10 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 #include "bindings/device/device.h"
 
@@ -77,6 +79,8 @@ class Source {
     std::string lossReason;
     std::int64_t stateSince = 0;
 };
+
+using Sources = std::vector<std::unique_ptr<Source>>;
 
 /// Text of @p state.
 const char* StateName(Source::State state);

@@ -75,7 +75,7 @@ std::string MacText(MacAddress address) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string text;
     for (unsigned int shift = 48; shift > 0; shift -= 8) {
-        const MacAddress byte = address >> (shift - 8) & 0xffU;
+        const auto byte = static_cast<unsigned int>(address >> (shift - 8) & 0xffU);
         text += kDigits[byte >> 4U];
         text += kDigits[byte & 0xfU];
         text += ':';

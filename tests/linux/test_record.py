@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import socket
 import subprocess
 
 import pytest
@@ -32,14 +33,15 @@ def bodies(server):
     return [server.ask(f"/srv/{name}").body for name in ("status", "notification")]
 
 
-def record(lab, file, *arguments):
+def record(lab, file, *arguments, says="", **variables):
     """Records the board as its service sees it."""
     script = lab.folder / "record.run"
     write_program(script, lab, lab.folder, [str(RECORDER)])
-    environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_DEVICE": str(lab.service.device.path)}
+    environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_DEVICE": str(lab.service.device.path), **variables}
     run = subprocess.run([script, "--force", *arguments, file], env=environment, stdin=subprocess.DEVNULL,
                          capture_output=True, text=True, timeout=120)
     assert (run.returncode, run.stdout) == (0, ""), run.stderr
+    assert says in run.stderr
     return json.loads(pathlib.Path(file).read_text())
 
 
@@ -97,6 +99,16 @@ def test_a_board_without_daemons_is_recorded(lab, simulated):
     assert bodies(simulated) == before
 
 
+def test_a_board_whose_bus_is_silent_is_waited_for_and_the_recording_says_so(lab):
+    lab.silence = 2
+    with socket.socket(socket.AF_UNIX) as silent:
+        silent.bind(str(lab.bus.socket))
+        silent.listen()
+        lab.make_service().write()
+        record(lab, lab.folder / "recorded.json",
+               says="the system bus or a daemon does not answer; what it would tell counts as absent\n")
+
+
 def test_a_board_with_a_locked_sim_is_recorded(lab, simulated):
     lab.start_modem()
     lab.start_power()
@@ -142,7 +154,8 @@ def test_a_bundle_without_a_service_says_so(lab):
     lab.start_bus()
     log = lab.folder / "log"
     log.write_text("")
-    report = record(lab, lab.folder / "report.json", "--bundle", "--socket", str(lab.folder / "none"),
-                    "--log", str(log))
+    # The recorder itself does not tell at the place where the service would.
+    report = record(lab, lab.folder / "report.json", "--bundle", "--log", str(log),
+                    KESTAL_SOURCES=str(lab.folder / "none"))
     assert report["sources"] == f"{lab.folder}/none: No such file or directory (does the service run?)"
     assert report["log"] == []

@@ -2,7 +2,7 @@
 # Completes kestal-messages.
 
 _kestal_messages() {
-    local words="--help --version --socket list read"
+    local words="--help --commands --version --socket list read"
     if [ "${COMP_WORDS[COMP_CWORD - 1]}" = read ]; then
         words="unread $("$1" list 2>/dev/null | cut -c3-10)"
     fi

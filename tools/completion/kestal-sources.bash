@@ -2,7 +2,7 @@
 # Completes kestal-sources.
 
 _kestal_sources() {
-    local words="--help --version --socket list show"
+    local words="--help --commands --version --socket list show"
     if [ "${COMP_WORDS[COMP_CWORD - 1]}" = show ]; then
         words=$("$1" list 2>/dev/null | sed 's/ .*//')
     fi

@@ -52,6 +52,9 @@ class Bus {
 
     bool IsConnected() const { return connected; }
 
+    /// Whether there is a bus without a connection to it, because it is silent or refuses.
+    bool IsOutOfReach() const { return hasComplained; }
+
     /// Calls @p changed whenever the connection is made or lost, at once if it stands, and soon if
     /// there is no bus to connect to or it does not answer. Returns what ends that when it is
     /// destroyed.

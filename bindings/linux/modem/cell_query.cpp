@@ -33,6 +33,14 @@ bool IsFinal(const BusError& error) {
     return std::find(kFinal.begin(), kFinal.end(), error.name) != kFinal.end();
 }
 
+/// Why the answer to GetCellInfo tells no cells; no error if it tells them.
+BusError FlawOf(const json& arguments) {
+    const bool isList = arguments.is_array() && !arguments.empty() && arguments.front().is_array();
+    const bool areCells = isList && std::all_of(arguments.front().begin(), arguments.front().end(),
+                                                [](const json& cell) { return cell.is_object(); });
+    return areCells ? BusError() : BusError{"the answer is no list of dictionaries"};
+}
+
 /// What changes when the modem goes to another cell, as far as it tells.
 json NetworkOf(const json& object) {
     const json& properties = Member(object, kModemInterface);
@@ -123,10 +131,11 @@ void CellQuery::SetUpSignal(const json& object) {
 void CellQuery::AskForCells() {
     cellCall = bus.Call(
         kModemManager, modem, kModemInterface, "GetCellInfo", nullptr,
-        [this](const json& arguments, const BusError& error) {
+        [this](const json& arguments, const BusError& answer) {
             cellCall.reset();
+            const BusError error = answer ? answer : FlawOf(arguments);
             if (!error) {
-                cells = arguments.is_array() && !arguments.empty() ? arguments.front() : json();
+                cells = arguments.front();
             } else {
                 cells = nullptr;
                 cellsUnsupported = IsFinal(error);

@@ -66,7 +66,8 @@ class DataConnection final : public DataCall {
     DataAction::Wait limited = DataAction::Wait::nothing;
     EventSource limit;
     Bus::PendingCall call;
-    /// Whether the modem has told that it has no connection, and of none since.
+    /// Whether a connection that the modem tells of would be a new one, because it has told that it
+    /// has none.
     bool wasReady = false;
     /// Whether the last check has found a connection although data is off.
     bool wasConnectedInVain = false;

@@ -1,7 +1,10 @@
 #include "bindings/linux/modem/modem_memory.h"
 
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 #include <sys/inotify.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <system_error>
@@ -10,8 +13,6 @@
 #include "bindings/linux/bus/tree.h"
 #include "bindings/linux/log.h"
 #include "bindings/linux/modem/message_store.h"
-#include "bindings/posix/files/file_io.h"
-#include "bindings/posix/files/file_update.h"
 
 namespace binding {
 
@@ -22,22 +23,36 @@ using nlohmann::json;
 constexpr const char* kDataOff = "dataOff";
 constexpr const char* kSeveralSlots = "severalSlots";
 
+void LogProblem(const char* problem) {
+    LINUX_LOG(TORU_DBG_ERROR, "modem: not remembered: %s", problem);
+}
+
 }  // namespace
 
 ModemMemory::ModemMemory(sd_event* event, std::function<void()> newChanged)
-    : path(StatePath("modem")), changed(std::move(newChanged)) {
+    : path(StatePath("modem")),
+      changed(std::move(newChanged)),
+      written(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      writing(path, [this](const std::string& problem) {
+          if (problem.empty()) {
+              (void)eventfd_write(written.Number(), 1);
+          } else {
+              LogProblem(problem.c_str());
+          }
+      }) {
     const std::filesystem::path file(path);
     try {
         watch.WatchFolder(event, file.parent_path().c_str(), IN_CLOSE_WRITE | IN_MOVED_TO,
                           [this, name = file.filename().string()](const char* entry) {
                               if (entry != nullptr && name == entry) {
-                                  const Known before = known;
-                                  Read();
-                                  if (!(known == before)) {
-                                      changed();
-                                  }
+                                  Refresh();
                               }
                           });
+        writtenWatch.WatchDescriptor(event, written.Number(), EPOLLIN, [this](std::uint32_t) {
+            eventfd_t count = 0;
+            (void)eventfd_read(written.Number(), &count);
+            Refresh();
+        });
     } catch (const std::system_error& error) {
         LINUX_LOG(TORU_DBG_NOTICE, "modem: %s (nothing is remembered)", error.what());
     }
@@ -59,6 +74,18 @@ void ModemMemory::Read() {
     }
 }
 
+void ModemMemory::Refresh() {
+    // What the file lacks as long as it is being changed is known here.
+    if (writing.IsBusy()) {
+        return;
+    }
+    const Known before = known;
+    Read();
+    if (!(known == before)) {
+        changed();
+    }
+}
+
 void ModemMemory::SetDataOff(bool isDataOff) {
     Change([isDataOff](Known& changing) { changing.isDataOff = isDataOff; });
 }
@@ -74,8 +101,8 @@ void ModemMemory::Change(const std::function<void(Known&)>& change) {
         return;
     }
     try {
-        // The loop must wait for nobody who has locked the folder.
-        UpdateFileAtOnce(path, MissingFile::createdForAll, [&change](const std::string& contents) {
+        // The loop must wait neither for the disk nor for somebody who has locked the folder.
+        writing.Ask([change](const std::string& contents) {
             Known stored = Parse(contents);
             change(stored);
             return json({{kDataOff, stored.isDataOff}, {kSeveralSlots, stored.hasSeveralSlots}})
@@ -83,7 +110,7 @@ void ModemMemory::Change(const std::function<void(Known&)>& change) {
                    "\n";
         });
     } catch (const std::exception& error) {
-        LINUX_LOG(TORU_DBG_ERROR, "modem: not remembered: %s", error.what());
+        LogProblem(error.what());
     }
 }
 

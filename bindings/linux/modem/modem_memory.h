@@ -7,11 +7,13 @@
 #include <string>
 
 #include "bindings/linux/event.h"
+#include "bindings/posix/files/background_update.h"
+#include "bindings/posix/files/file_io.h"
 
 namespace binding {
 
 /// It is in a small file of the state directory, which other programs with this binding change,
-/// too, and whose changes are noticed.
+/// too, and whose changes are noticed. What is set counts at once, and is on the disk soon after.
 class ModemMemory {
   public:
     /// Calls @p newChanged when another program has changed the file.
@@ -35,12 +37,16 @@ class ModemMemory {
 
     static Known Parse(const std::string& contents);
     void Read();
+    void Refresh();
     void Change(const std::function<void(Known& known)>& change);
 
     std::string path;
     std::function<void()> changed;
     EventSource watch;
+    EventSource writtenWatch;
     Known known;
+    FileDescriptor written;
+    BackgroundUpdate writing;
 };
 
 }  // namespace binding

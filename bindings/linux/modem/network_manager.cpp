@@ -41,6 +41,9 @@ constexpr const char* kGsm = "gsm";
 /// Microseconds. NetworkManager answers before it connects.
 constexpr std::uint64_t kLimit = 30'000'000;
 
+/// Of complaints.
+constexpr const char* kProfileSettings = "settings of NetworkManager's profiles";
+
 /// NMActiveConnectionState; what follows it ends the connection.
 constexpr std::int64_t kActivated = 2;
 
@@ -114,6 +117,7 @@ void NetworkManager::ReadProfiles(const std::vector<std::string>& paths) {
             ReadProfile(path);
         }
     }
+    SettleComplaint();
 }
 
 void NetworkManager::ReadProfile(const std::string& path) {
@@ -121,6 +125,10 @@ void NetworkManager::ReadProfile(const std::string& path) {
         kService, path, kProfileInterface, "GetSettings", nullptr,
         [this, path](const json& arguments, const BusError& error) {
             const auto kept = questions.extract(path);
+            if (error.isDisconnected) {
+                // That NetworkManager has gone follows.
+                return;
+            }
             OnProfile(path, arguments, error);
             FollowActive();
             changed();
@@ -130,13 +138,15 @@ void NetworkManager::ReadProfile(const std::string& path) {
 
 void NetworkManager::OnProfile(const std::string& path, const json& arguments,
                                const BusError& error) {
-    constexpr const char* kSubject = "settings of NetworkManager's profiles";
     if (error) {
-        profiles[path] = json();
         untold.insert(path);
-        // A profile may have gone meanwhile.
-        if (!error.IsAbsence()) {
-            bus.GetComplaints().Raise(kSubject, path,
+        if (error.IsAbsence()) {
+            // A profile may have gone meanwhile.
+            profiles[path] = json();
+        } else {
+            // What it has told before stands.
+            profiles.try_emplace(path);
+            bus.GetComplaints().Raise(kProfileSettings, path,
                                       "NetworkManager: " + path + ": GetSettings: " + error.Text());
         }
         return;
@@ -145,8 +155,12 @@ void NetworkManager::OnProfile(const std::string& path, const json& arguments,
     const bool isGsm = Text(Member(settings, "connection"), "type") == kGsm;
     profiles[path] = isGsm ? settings : json();
     untold.erase(path);
-    if (untold.empty()) {
-        bus.GetComplaints().Settle(kSubject, path, json::object());
+    SettleComplaint();
+}
+
+void NetworkManager::SettleComplaint() {
+    if (untold.empty() && questions.empty()) {
+        bus.GetComplaints().Settle(kProfileSettings, "", json::object());
     }
 }
 

@@ -60,6 +60,8 @@ class NetworkManager {
     void ReadProfiles(const std::vector<std::string>& paths);
     void ReadProfile(const std::string& path);
     void OnProfile(const std::string& path, const nlohmann::json& arguments, const BusError& error);
+    /// Takes the complaint back if there is no profile any more that is not told.
+    void SettleComplaint();
     void FollowActive();
     std::string ProfilePath() const;
     /// Paths of all active connections, and of that of the profile, which is empty without one.

@@ -69,6 +69,7 @@ void AccessPoint::Connect() {
     }
     socket.emplace(descriptor);
     silent = false;
+    complained = false;
     restarts = 0;
     incoming.WatchDescriptor(event, descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
@@ -157,7 +158,7 @@ void AccessPoint::TakeStatus(std::string_view reply) {
         LINUX_LOG(TORU_DBG_ERROR, "%s: hostapd's answer to STATUS tells no state",
                   place.interface.c_str());
     }
-    complained = !told;
+    complained = complained || !told;
     status = told.value_or(AccessPointStatus());
 }
 

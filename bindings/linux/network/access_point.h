@@ -70,7 +70,7 @@ class AccessPoint {
     Presence presence = Presence::unknown;
     std::string reason;
     AccessPointStatus status;
-    /// Whether the last status could not be read, which has been logged.
+    /// Whether it has been logged that a status could not be read over this socket.
     bool complained = false;
     std::map<MacAddress, Station> stations;
     /// While the list of stations is read: those of it, and those that have joined meanwhile.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 
@@ -117,7 +118,7 @@ std::chrono::seconds QuietTime(const nda_cacheinfo& cache, bool asked) {
     const long ticks = sysconf(_SC_CLK_TCK);
     const std::uint32_t quiet =
         asked ? cache.ndm_confirmed : std::min(cache.ndm_confirmed, cache.ndm_updated);
-    return std::chrono::seconds(quiet / (ticks > 0 ? ticks : 100));
+    return std::chrono::seconds(std::int64_t{quiet} / (ticks > 0 ? ticks : 100));
 }
 
 /// Whether a device in @p state is there. A device that has been quiet for a while is "stale". An

@@ -20,8 +20,8 @@ class GpsReceivers {
     /// Reads one line. Returns whether it changed the status.
     bool Read(std::string_view line);
 
-    /// Forgets all receivers, because the connection is a new one.
-    void Restart() { modes.clear(); }
+    /// Forgets all receivers and what was wrong, because the connection is a new one.
+    void Restart() { *this = GpsReceivers(); }
 
     const GpsFlaws& Flaws() const { return flaws; }
 

@@ -102,6 +102,7 @@ void PositionSource::OnConnected() {
         return;
     }
     connected = true;
+    complained = {};
     traffic.WatchDescriptor(GetBoard().Event(), socket->Number(), EPOLLIN,
                             [this](std::uint32_t /*events*/) { Receive(); });
     Send(kWatch);
@@ -166,7 +167,8 @@ void PositionSource::NoteFlaws() {
     if (flaws.mode && !complained.mode) {
         LINUX_LOG(TORU_DBG_ERROR, "position: the mode that gpsd tells is no number");
     }
-    complained = flaws;
+    // What is wrong now and then does not fill the log.
+    complained = {.line = complained.line || flaws.line, .mode = complained.mode || flaws.mode};
 }
 
 void PositionSource::Disconnect(const std::string& why) {

@@ -36,7 +36,7 @@ class PositionSource : public Source {
     /// The line that has begun.
     std::string line;
     GpsReceivers receivers;
-    /// What has been logged and is still wrong.
+    /// What has been logged of this connection.
     GpsFlaws complained;
     EventSource traffic;
     EventSource limit;

@@ -53,12 +53,22 @@ UpdateState RaucStateAfterItsEnd(const UpdateState& before) {
     return state;
 }
 
+bool AreSlots(const nlohmann::json& slots) {
+    return slots.is_array() &&
+           std::all_of(slots.begin(), slots.end(), [](const nlohmann::json& slot) {
+               return slot.is_array() && slot.size() == 2 && slot[0].is_string() &&
+                      slot[1].is_object();
+           });
+}
+
 std::string LastInstalledVersion(const nlohmann::json& slots) {
+    if (!AreSlots(slots)) {
+        return "";
+    }
     std::string version;
     std::string newest;
-    for (const nlohmann::json& slot : slots.is_array() ? slots : nlohmann::json::array()) {
-        const nlohmann::json properties =
-            slot.is_array() && slot.size() == 2 ? slot[1] : nlohmann::json();
+    for (const nlohmann::json& slot : slots) {
+        const nlohmann::json& properties = slot[1];
         // Times like 2026-11-22T15:04:31Z are in order as texts.
         const std::string time = Text(properties, "installed.timestamp").value_or("");
         if (time > newest) {

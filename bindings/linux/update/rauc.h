@@ -17,8 +17,11 @@ UpdateState NextRaucState(const UpdateState& before, const nlohmann::json& insta
 /// not done, and nobody goes on with it. RAUC itself remembers nothing of it, either.
 UpdateState RaucStateAfterItsEnd(const UpdateState& before);
 
-/// The version that was installed last; empty when RAUC does not know. @p slots is what RAUC's
-/// GetSlotStatus returns: a list of the slots' names and properties.
+/// Whether @p slots is what RAUC's GetSlotStatus returns: a list of the slots' names and
+/// properties.
+bool AreSlots(const nlohmann::json& slots);
+
+/// The version that was installed last; empty when RAUC does not know.
 std::string LastInstalledVersion(const nlohmann::json& slots);
 
 }  // namespace binding

@@ -74,8 +74,10 @@ void RaucSource::AskForVersion() {
         [this](const nlohmann::json& arguments, const BusError& error) {
             if (error) {
                 LINUX_LOG(TORU_DBG_ERROR, "RAUC: GetSlotStatus: %s", error.Text().c_str());
-            } else if (arguments.is_array() && !arguments.empty()) {
-                state.version = LastInstalledVersion(arguments[0]);
+            } else if (arguments.empty() || !AreSlots(arguments.front())) {
+                LINUX_LOG(TORU_DBG_ERROR, "RAUC: GetSlotStatus: the answer is no list of slots");
+            } else {
+                state.version = LastInstalledVersion(arguments.front());
                 Changed();
             }
         },

@@ -119,6 +119,7 @@ void SwupdateProgress::TakeMessages() {
 void SwupdateProgress::Restart() {
     begun.clear();
     greeted = false;
+    problem.clear();
     if (state.status == UpdateStatus::downloading || state.status == UpdateStatus::installing) {
         state = UpdateState();
     }

@@ -68,6 +68,7 @@ void SwupdateSource::Connect() {
     socket.emplace(descriptor);
     retryAfter = 0;
     progress.Restart();
+    complained = false;
     incoming.WatchDescriptor(GetBoard().Event(), descriptor, EPOLLIN,
                              [this](std::uint32_t /*events*/) { Receive(); });
     Present();
@@ -83,7 +84,7 @@ void SwupdateSource::Receive() {
         if (!problem.empty() && !complained) {
             LINUX_LOG(TORU_DBG_ERROR, "swupdate: %s", problem.c_str());
         }
-        complained = !problem.empty();
+        complained = complained || !problem.empty();
         if (isChanged) {
             Changed();
         }

@@ -33,7 +33,7 @@ class SwupdateSource : public Source {
     std::optional<PathWatch> watch;
     std::optional<FileDescriptor> socket;
     SwupdateProgress progress;
-    /// Whether something is wrong with the messages that has been logged.
+    /// Whether it has been logged that something is wrong with the messages of this connection.
     bool complained = false;
     EventSource incoming;
     EventSource connecting;

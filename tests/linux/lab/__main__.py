@@ -71,7 +71,7 @@ def introduce(lab):
     else:
         print(f"\nThe page of the box:\n\n  http://127.0.0.1:{lab.service.port}/")
         print("\nWhat the service has been told by each source:\n")
-        print(f"  KESTAL_SOURCES={lab.service.sources} {SERVICE.parents[1] / 'tools' / 'kestal-sources'}")
+        print(f"  KESTAL_SOURCES={lab.service.sources} {SERVICE.parents[1] / 'tools' / 'kestal-sources'} list")
     print("\nTo ask the daemons themselves:\n")
     print(f"  export DBUS_SYSTEM_BUS_ADDRESS={lab.bus.address}")
     print("  mmcli -m any\n  busctl tree org.freedesktop.ModemManager1")

@@ -1,4 +1,4 @@
-// In place of the binding's own limit, which the daemons of a busy machine may miss.
+// In place of the limit of the shipped service, which the daemons of a busy machine may miss.
 #include "bindings/linux/snapshots.h"
 
 namespace binding {

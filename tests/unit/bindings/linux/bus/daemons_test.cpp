@@ -62,6 +62,19 @@ TEST_F(BoardWithRauc, UpdateDuringWhichItWasKilledHasFailed) {
     EXPECT_EQ(board->Newest()->softwareUpdateStatus.value.status, kFailed);
 }
 
+TEST_F(BoardWithRauc, SlotsThatAreNoneAreLogged) {
+    Does("installing");
+    bus.methods["/ de.pengutronix.rauc.Installer.GetSlotStatus"] = [](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "a(ss)", 1, "rootfs.0", "2.1");
+    };
+    Begin();
+    bus.ChangeProperties(kRauc, "/", "de.pengutronix.rauc.Installer",
+                         {Property("Operation", "s", "idle")});
+    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return testing::Value(Log(), Contains(HasSubstr("GetSlotStatus: the answer is no list")));
+    }));
+}
+
 class BoardThatShares : public BoardOnABus {
   protected:
     static constexpr const char* kSubscribe =

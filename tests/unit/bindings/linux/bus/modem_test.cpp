@@ -1,4 +1,4 @@
-// The modem of a board whose ModemManager is the test.
+// The modem of a board, as ModemManager tells it.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <future>
 
 #include "bindings/device/codes.h"
-#include "tests/unit/bindings/linux/bus/fake_bus.h"
-#include "tests/unit/bindings/linux/services/service_test.h"
+#include "tests/unit/bindings/linux/bus/board_with_a_modem.h"
 
 namespace {
 
@@ -18,111 +18,6 @@ using binding::Device;
 using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-constexpr const char* kService = "org.freedesktop.ModemManager1";
-constexpr const char* kModem = "/org/freedesktop/ModemManager1/Modem/0";
-constexpr const char* kSim = "/org/freedesktop/ModemManager1/SIM/0";
-constexpr const char* kModemInterface = "org.freedesktop.ModemManager1.Modem";
-constexpr const char* kBearer = "/org/freedesktop/ModemManager1/Bearer/0";
-constexpr const char* kBearerInterface = "org.freedesktop.ModemManager1.Bearer";
-constexpr int kFailedState = -1;
-constexpr int kDisabledState = 3;
-constexpr int kRegisteredState = 8;
-constexpr int kConnectedState = 11;
-constexpr const char* kSimple = "org.freedesktop.ModemManager1.Modem.Simple";
-
-class BoardWithAModem : public ServiceTest {
-  protected:
-    BoardWithAModem() : bus(directory / "bus") {
-        environment.Set("KESTAL_SOURCES", directory / "sources");
-        bus.Listen();
-        daemons.emplace_back([this] { bus.Serve(); });
-        bus.properties[kSim + std::string(" org.freedesktop.ModemManager1.Sim")] = {
-            Property("Imsi", "s", "262011234567890")};
-        const auto succeeds = [](sd_bus_message* call) {
-            return sd_bus_reply_method_return(call, "");
-        };
-        bus.methods[Method("Disconnect")] = succeeds;
-        bus.methods[Method("Connect")] = succeeds;
-        bus.methods
-            ["/org/freedesktop/ModemManager1 "
-             "org.freedesktop.DBus.ObjectManager.GetManagedObjects"] =
-            [this](sd_bus_message* call) { return TellObjects(call); };
-    }
-
-    /// The modem has a connection.
-    void Connected() {
-        bus.properties[kBearer + std::string(" ") + kBearerInterface] = {
-            Property("Connected", "b", 1)};
-        modem.front() = Property("State", "i", kConnectedState);
-        modem.push_back(Property("Bearers", "ao", 1, kBearer));
-    }
-
-    /// The connection has ended.
-    void TellReady() {
-        bus.ChangeProperties(kService, kModem, kModemInterface,
-                             {Property("State", "i", kRegisteredState)});
-        bus.ChangeProperties(kService, kBearer, kBearerInterface, {Property("Connected", "b", 0)});
-    }
-
-    /// There is a connection again.
-    void TellConnected() {
-        bus.ChangeProperties(kService, kModem, kModemInterface,
-                             {Property("State", "i", kConnectedState)});
-        bus.ChangeProperties(kService, kBearer, kBearerInterface, {Property("Connected", "b", 1)});
-    }
-
-    std::filesystem::path Memory() const { return directory / "modem"; }
-
-    static std::string Method(const std::string& name) {
-        return std::string(kModem) + " " + kSimple + "." + name;
-    }
-
-    /// ModemManager is on the bus, and has the modem.
-    void StartModemManager() { bus.owners[kService] = ":1.7"; }
-
-    int TellObjects(sd_bus_message* call) const {
-        sd_bus_message* reply = nullptr;
-        int result = sd_bus_message_new_method_return(call, &reply);
-        const auto then = [&](auto step) { result = result < 0 ? result : step(); };
-        then([&] { return sd_bus_message_open_container(reply, 'a', "{oa{sa{sv}}}"); });
-        then([&] { return sd_bus_message_open_container(reply, 'e', "oa{sa{sv}}"); });
-        then([&] { return sd_bus_message_append(reply, "o", kModem); });
-        then([&] { return sd_bus_message_open_container(reply, 'a', "{sa{sv}}"); });
-        then([&] { return sd_bus_message_open_container(reply, 'e', "sa{sv}"); });
-        then([&] { return sd_bus_message_append(reply, "s", kModemInterface); });
-        then([&] { return AppendProperties(reply, modem); });
-        for (int level = 0; level < 4; ++level) {
-            then([&] { return sd_bus_message_close_container(reply); });
-        }
-        then([&] { return sd_bus_send(nullptr, reply, nullptr); });
-        sd_bus_message_unref(reply);
-        return result;
-    }
-
-    void End() {
-        Await(std::async(std::launch::async, [this] { board.reset(); }));
-    }
-
-    bool WaitForStatus(sys_data_connection_status_e status) {
-        return WaitFor([status](const Device& now) {
-            return now.getSIMStatus.value == SYS_SIM_READY &&
-                   now.getCellularDataConnectionStatus.value == status;
-        });
-    }
-
-    bool WaitForDataEnabled(int enabled) {
-        return WaitFor([enabled](const Device& now) {
-            return now.getSIMStatus.value == SYS_SIM_READY &&
-                   now.getCellularDataEnabled.value == enabled;
-        });
-    }
-
-    FakeBus bus;
-    std::vector<FakeBus::Append> modem = {
-        Property("State", "i", 8), Property("UnlockRequired", "u", 1), Property("Sim", "o", kSim),
-        Property("SimSlots", "ao", 2, kSim, "/"), Property("PrimarySimSlot", "u", 1)};
-};
 
 TEST_F(BoardWithAModem, DataThatTheUserHasSwitchedOffStaysOffUntilTheUserConnects) {
     StartModemManager();
@@ -150,7 +45,8 @@ TEST_F(BoardWithAModem, DataThatAnotherProgramSwitchesOffStaysOffWhileItDisconne
     StartModemManager();
     Begin();
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
-    WriteFile(directory / "modem", R"({"dataOff": true})");
+    ASSERT_TRUE(WaitForMemory(R"("severalSlots":true)"));
+    WriteFile(Memory(), R"({"dataOff": true})");
     ASSERT_TRUE(WaitForDataEnabled(0));
     bus.ChangeProperties(kService, kModem, kModemInterface, {Property("State", "i", 9)});
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_DISCONNECTING));
@@ -167,10 +63,9 @@ TEST_F(BoardWithAModem, DataThatIsConnectedIsOffOnlyUntilTheServiceHasCheckedTwi
     StartModemManager();
     Begin();
     ASSERT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
+    ASSERT_TRUE(WaitForMemory(R"("severalSlots":true)"));
     WriteFile(Memory(), R"({"dataOff": true})");
-    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return ReadFile(Memory()).find("\"dataOff\":false") != std::string::npos;
-    }));
+    EXPECT_TRUE(WaitForMemory(R"("dataOff":false)"));
     EXPECT_TRUE(WaitForDataEnabled(1));
 }
 
@@ -190,7 +85,7 @@ TEST_F(BoardWithAModem, DataThatAnotherProgramConnectsIsNotOffAnyMore) {
 }
 
 TEST_F(BoardWithAModem, ProgramThatOnlyReadsRemembersNothing) {
-    environment.Unset("KESTAL_SOURCES");
+    limits.isService = false;
     constexpr const char* kWritten = R"({"dataOff": true, "severalSlots": false})";
     WriteFile(Memory(), kWritten);
     Connected();
@@ -280,6 +175,16 @@ TEST_F(BoardWithCells, AreToldAgainWhenTheModemHasHungForAWhile) {
     EXPECT_THAT(Log(), Contains(HasSubstr("signal is not measured")).Times(1));
 }
 
+TEST_F(BoardWithCells, AreNoneWhenTheAnswerHasAnotherType) {
+    BeginWith([](sd_bus_message* call) {
+        return sd_bus_reply_method_return(call, "as", 1, "cell-type");
+    });
+    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return testing::Value(Log(), Contains(HasSubstr("cells are not told: the answer is no")));
+    }));
+    EXPECT_EQ(Said("modem").at("cells"), false);
+}
+
 TEST_F(BoardWithCells, AreAskedForOnceWhereTheModemHasNone) {
     BeginWith(Fails("org.freedesktop.ModemManager1.Error.Core.Unsupported", "no"));
     ASSERT_TRUE(WaitUntilAsked(kCells, 1));
@@ -301,227 +206,28 @@ TEST_F(BoardWithAModem, DataIsSwitchedOffAlsoWhileSomebodyLocksTheFolder) {
     EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
         return std::count(bus.calls.begin(), bus.calls.end(), Method("Disconnect")) == 1;
     }));
-    EXPECT_THAT(ReadFile(Memory()), HasSubstr("\"dataOff\":true"));
-}
-
-/// NetworkManager has a profile for the modem.
-class BoardWithAProfile : public BoardWithAModem {
-  protected:
-    static constexpr const char* kManager = "org.freedesktop.NetworkManager";
-    static constexpr const char* kManagerPath = "/org/freedesktop/NetworkManager";
-    static constexpr const char* kActive = "/active";
-    static constexpr const char* kActiveInterface =
-        "org.freedesktop.NetworkManager.Connection.Active";
-    static constexpr const char* kGetSettings =
-        "/profile org.freedesktop.NetworkManager.Settings.Connection.GetSettings";
-    static constexpr const char* kActivate =
-        "/org/freedesktop/NetworkManager org.freedesktop.NetworkManager.ActivateConnection";
-
-    BoardWithAProfile() {
-        bus.owners[kManager] = ":1.8";
-        const std::string path = kManagerPath;
-        bus.properties[path + " " + kManager] = {Property("ActiveConnections", "ao", 0)};
-        bus.properties[path + "/Settings " + kManager + ".Settings"] = {
-            Property("Connections", "ao", 1, "/profile")};
-        StartModemManager();
-    }
-
-    /// The settings of the profile, which may be for one network only.
-    static FakeBus::Answer Profile(const std::string& network) {
-        return [network](sd_bus_message* call) {
-            return sd_bus_reply_method_return(call, "a{sa{sv}}", 2, "connection", 1, "type", "s",
-                                              "gsm", "gsm", 1, "network-id", "s", network.c_str());
-        };
-    }
-
-    static std::string GetAll(const std::string& path) {
-        return path + " org.freedesktop.DBus.Properties.GetAll";
-    }
-
-    bool WaitForProfile() {
-        return WaitFor([this](const Device& /*now*/) {
-            return Said("modem").value("networkManager", nlohmann::json()) == true;
-        });
-    }
-};
-
-TEST_F(BoardWithAProfile, AsksAgainForAProfileThatItWasNotTold) {
-    bus.methods[kGetSettings] = Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
-    Begin();
-    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return std::count(bus.calls.begin(), bus.calls.end(), kGetSettings) >= 3;
-    }));
-    EXPECT_THAT(
-        Log(),
-        Contains(HasSubstr("GetSettings: org.freedesktop.DBus.Error.AccessDenied")).Times(1));
-    EXPECT_EQ(Said("modem").at("networkManager"), false);
-    bus.methods[kGetSettings] = [](sd_bus_message* call) {
-        return sd_bus_reply_method_return(call, "a{sa{sv}}", 1, "connection", 1, "type", "s",
-                                          "gsm");
-    };
-    EXPECT_TRUE(WaitFor(
-        [this](const Device& /*now*/) { return Said("modem").at("networkManager") == true; }));
-}
-
-TEST_F(BoardWithAProfile, NoticesWhenTheProfileIsChanged) {
-    settings["checkSeconds"] = 60;
-    const auto isChosen = [](const Device& now) { return now.getModemMnsInfo.value.selected == 1; };
-    bus.methods[kGetSettings] = Profile("");
-    Begin();
-    ASSERT_TRUE(WaitForProfile());
-    EXPECT_FALSE(isChosen(*board->Newest()));
-    bus.methods[kGetSettings] = Profile("26201");
-    bus.Signal(kManager, "/profile", "org.freedesktop.NetworkManager.Settings.Connection",
-               "Updated", [](sd_bus_message*) { return 0; });
-    EXPECT_TRUE(WaitFor(isChosen));
-}
-
-TEST_F(BoardWithAProfile, LeavesTheConnectionToANetworkManagerThatHangs) {
-    settings["silenceSeconds"] = 1;
-    bus.methods[kGetSettings] = Profile("");
-    int unanswered = 0;
-    bus.methods["/ org.freedesktop.DBus.Peer.Ping"] = [&](sd_bus_message* call) {
-        if (sd_bus_message_get_destination(call) != bus.owners.at(kManager)) {
-            return sd_bus_reply_method_return(call, "");
-        }
-        ++unanswered;
-        return 0;
-    };
-    bus.methods[kActivate] = StaysSilent;
-    Begin();
-    ASSERT_TRUE(WaitForProfile());
-    // It is not asked again before the first time has been too long.
-    ASSERT_TRUE(WaitFor([&](const Device& /*now*/) { return unanswered >= 2; }));
-    EXPECT_EQ(Said("modem").at("networkManager"), true);
-    ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
     EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return std::count(bus.calls.begin(), bus.calls.end(), kActivate) == 1;
+        return std::filesystem::exists(Memory()) &&
+               ReadFile(Memory()).find("\"dataOff\":true") != std::string::npos;
     }));
-    EXPECT_THAT(bus.calls, Not(Contains(Method("Connect"))));
-}
-
-TEST_F(BoardWithAProfile, FollowsTheDeviceOfTheConnectionOfAProfileThatItWasToldLate) {
-    bus.methods[kGetSettings] = Fails("org.freedesktop.DBus.Error.AccessDenied", "not for you");
-    bus.properties[std::string(kManagerPath) + " " + kManager] = {
-        Property("ActiveConnections", "ao", 1, kActive)};
-    bus.properties[kActive + std::string(" ") + kActiveInterface] = {
-        Property("Connection", "o", "/profile"), Property("State", "u", 2),
-        Property("Devices", "ao", 1, "/device")};
-    Begin();
-    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return std::count(bus.calls.begin(), bus.calls.end(), GetAll(kActive)) == 1;
-    }));
-    bus.methods[kGetSettings] = Profile("");
-    ASSERT_TRUE(WaitForProfile());
-    EXPECT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return std::count(bus.calls.begin(), bus.calls.end(), GetAll("/device")) == 1;
-    }));
-}
-
-TEST_F(BoardWithAProfile, SaysThatAConnectionHasBeenGivenUpAlsoBeforeTheAnswer) {
-    bus.methods[kGetSettings] = Profile("");
-    bus.properties[kActive + std::string(" ") + kActiveInterface] = {
-        Property("Connection", "o", "/profile"), Property("State", "u", 1),
-        Property("Devices", "ao", 1, "/device")};
-    sd_bus_message* request = nullptr;
-    bus.methods[kActivate] = [&](sd_bus_message* call) {
-        request = sd_bus_message_ref(call);
-        return 0;
-    };
-    Begin();
-    ASSERT_TRUE(WaitForProfile());
-    ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
-    ASSERT_TRUE(WaitFor([&](const Device& /*now*/) { return request != nullptr; }));
-    bus.ChangeProperties(kManager, kManagerPath, kManager,
-                         {Property("ActiveConnections", "ao", 1, kActive)});
-    // The device is asked for when the connection has been read.
-    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
-        return std::count(bus.calls.begin(), bus.calls.end(), GetAll("/device")) == 1;
-    }));
-    bus.ChangeProperties(kManager, kManagerPath, kManager,
-                         {Property("ActiveConnections", "ao", 0)});
-    EXPECT_GE(sd_bus_reply_method_return(request, "o", kActive), 0);
-    sd_bus_message_unref(request);
-    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
-    EXPECT_THAT(Log(), Contains(HasSubstr("not connected: NetworkManager has given up")).Times(1));
-}
-
-/// NetworkManager has answered that it begins a connection.
-class BoardWithABegunConnection : public BoardWithAProfile {
-  protected:
-    BoardWithABegunConnection() {
-        bus.methods[kGetSettings] = Profile("");
-        bus.methods[kActivate] = [](sd_bus_message* call) {
-            return sd_bus_reply_method_return(call, "o", kActive);
-        };
-        // The properties of the connection come when the test says so.
-        bus.methods[GetAll(kActive)] = [this](sd_bus_message* call) {
-            question = sd_bus_message_ref(call);
-            return 0;
-        };
-    }
-    ~BoardWithABegunConnection() override { sd_bus_message_unref(question); }
-    BoardWithABegunConnection(const BoardWithABegunConnection&) = delete;
-    BoardWithABegunConnection& operator=(const BoardWithABegunConnection&) = delete;
-
-    /// Connects, until the service asks what NetworkManager has listed.
-    void Connect() {
-        settings["silenceSeconds"] = 10;
-        settings["checkSeconds"] = 60;
-        Begin();
-        ASSERT_TRUE(WaitForProfile());
-        ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
-        ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
-            return std::count(bus.calls.begin(), bus.calls.end(), kActivate) == 1;
-        }));
-        bus.ChangeProperties(kManager, kManagerPath, kManager,
-                             {Property("ActiveConnections", "ao", 1, kActive)});
-        ASSERT_TRUE(WaitFor([this](const Device& /*now*/) { return question != nullptr; }));
-        // A part of the properties says nothing of the profile.
-        bus.ChangeProperties(kManager, kActive, kActiveInterface, {Property("State", "u", 1)});
-        for (int turn = 0; turn < 10; ++turn) {
-            Serve();
-            (void)Said("modem");
-        }
-        EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTING));
-    }
-
-    sd_bus_message* question = nullptr;
-};
-
-TEST_F(BoardWithABegunConnection, ShowsAtOnceThatItHasBeenGivenUp) {
-    Connect();
-    bus.ChangeProperties(kManager, kManagerPath, kManager,
-                         {Property("ActiveConnections", "ao", 0)});
-    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_READY));
-    EXPECT_THAT(Log(), Contains(HasSubstr("not connected: NetworkManager has given up")).Times(1));
-}
-
-TEST_F(BoardWithABegunConnection, GoesOnWhenItIsToldLate) {
-    Connected();
-    modem.front() = Property("State", "i", kRegisteredState);
-    bus.properties[kBearer + std::string(" ") + kBearerInterface] = {Property("Connected", "b", 0)};
-    Connect();
-    EXPECT_GE(sd_bus_reply_method_return(question, "a{sv}", 2, "Connection", "o", "/profile",
-                                         "State", "u", 1),
-              0);
-    TellConnected();
-    EXPECT_TRUE(WaitForStatus(SYS_DATA_CONNECTION_CONNECTED));
-    EXPECT_THAT(Log(), Not(Contains(HasSubstr("not connected"))));
 }
 
 /// A process that asks for the data call at once, and ends then.
 class ShortProcess : public BoardWithAModem {
   protected:
-    ShortProcess() { environment.Unset("KESTAL_SOURCES"); }
+    ShortProcess() {
+        limits.isService = false;
+        // Only the answer ends it.
+        limits.finish = std::chrono::hours(1);
+    }
 
     int Connect() { return Ask(&binding::Board::StartDataCall); }
 
     int Ask(int (binding::Board::*request)()) {
         StartModemManager();
         Document(nlohmann::json{{"linux", settings}}.dump());
-        return Await(std::async(std::launch::async, [request] {
-            binding::Board shortLived(binding::MakeSources, kNoLimit);
+        return Await(std::async(std::launch::async, [this, request] {
+            binding::Board shortLived(binding::MakeSources, limits);
             return (shortLived.*request)();
         }));
     }
@@ -542,32 +248,23 @@ TEST_F(ShortProcess, EndsWhenItsRequestHasBeenAnswered) {
 
 TEST_F(ShortProcess, WaitsForAModemThatMustBeEnabledFirst) {
     modem.front() = Property("State", "i", kDisabledState);
-    // Longer than the service would wait at its end.
-    constexpr std::chrono::milliseconds kEnabling{1200};
-    sd_bus_message* enable = nullptr;
-    std::chrono::steady_clock::time_point enabled;
     bus.methods[std::string(kModem) + " " + kModemInterface + ".Enable"] =
-        [&](sd_bus_message* call) {
-            enable = sd_bus_message_ref(call);
-            enabled = std::chrono::steady_clock::now() + kEnabling;
-            return 0;
-        };
-    daemons.emplace_back([&] {
-        if (enable != nullptr && std::chrono::steady_clock::now() > enabled) {
-            sd_bus_reply_method_return(enable, "");
-            enable = sd_bus_message_unref(enable);
-        }
-    });
+        [](sd_bus_message* call) { return sd_bus_reply_method_return(call, ""); };
     EXPECT_EQ(Connect(), SYS_SUCCESS);
     EXPECT_THAT(bus.calls, Contains(Method("Connect")));
-    sd_bus_message_unref(enable);
 }
 
-TEST_F(ShortProcess, ThatIsTheServiceEndsAlsoWhenItsRequestIsNotAnswered) {
-    environment.Set("KESTAL_SOURCES", directory / "sources");
+TEST_F(BoardWithAModem, EndsAlsoWhenARequestIsNotAnswered) {
+    limits.finish = std::chrono::milliseconds(1);
     bus.methods[Method("Connect")] = StaysSilent;
-    EXPECT_EQ(Connect(), SYS_SUCCESS);
-    EXPECT_THAT(bus.calls, Contains(Method("Connect")));
+    StartModemManager();
+    Begin();
+    ASSERT_EQ(board->StartDataCall(), SYS_SUCCESS);
+    ASSERT_TRUE(WaitFor([this](const Device& /*now*/) {
+        return std::count(bus.calls.begin(), bus.calls.end(), Method("Connect")) == 1;
+    }));
+    // It would not end otherwise before the call has its own limit.
+    End();
 }
 
 TEST_F(BoardWithAModem, SeveralSlotsAreRememberedWhileThereIsNoModemYet) {

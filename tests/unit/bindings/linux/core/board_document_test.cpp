@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 
 #include "bindings/linux/absent_device.h"
@@ -52,6 +53,16 @@ TEST(BoardDocument, SettingsAreInTheObjectLinux) {
     EXPECT_EQ(document.settings.planBytes, 5'000'000'000U);
     EXPECT_EQ(document.settings.apn, "net");
     EXPECT_EQ(document.settings.bridge, "br0");
+}
+
+TEST(BoardDocument, TheCommentedExampleHasTheDefaults) {
+    std::ifstream file(KESTAL_COMMENTED_SETTINGS);
+    std::string uncommented;
+    for (std::string line; std::getline(file, line);) {
+        const bool isComment = line.find_first_not_of(' ') == line.find("//");
+        uncommented += isComment ? "\n" : line + "\n";
+    }
+    EXPECT_EQ(Read(uncommented).settings, binding::Settings());
 }
 
 TEST(BoardDocument, WhatIsWrongIsToldWithItsLine) {

@@ -36,6 +36,7 @@ class DataCallInSnapshots : public ::testing::Test {
                                               .outlook = outlook,
                                               .connection = connection,
                                               .isComplete = true,
+                                              .isWhole = true,
                                               .finish = {}});
     }
 

@@ -22,9 +22,6 @@
 
 class ServiceTest : public SimulatedDevice {
   protected:
-    /// The first answer has whatever the daemons tell.
-    static constexpr binding::BoardLimits kNoLimit = {.firstAnswer = std::chrono::hours(1)};
-
     ServiceTest() {
         // The machine's own daemons are not those of the test.
         environment.Set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (directory / "bus").string());
@@ -47,7 +44,7 @@ class ServiceTest : public SimulatedDevice {
                 tasks.Join(owner.Event());
                 return binding::MakeSources(owner);
             },
-            kNoLimit);
+            limits);
         // The first snapshot waits for what the daemons answer.
         (void)Await(std::async(std::launch::async, [this] { return board->Newest(); }));
     }
@@ -108,6 +105,9 @@ class ServiceTest : public SimulatedDevice {
         return kinds;
     }
 
+    /// The first answer has whatever the daemons tell. Nobody answers at the end of a test.
+    binding::BoardLimits limits = {.firstAnswer = std::chrono::hours(1),
+                                   .finish = std::chrono::microseconds(0)};
     nlohmann::json settings;
     std::vector<std::function<void()>> daemons;
     BoardTasks tasks;

@@ -2,23 +2,41 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <fstream>
 #include <memory>
 
 #include "bindings/device/codes.h"
 #include "bindings/linux/text.h"
+#include "bindings/posix/log/repeated_lines.h"
 #include "tests/unit/bindings/linux/services/service_test.h"
 
 namespace {
 
 using binding::Device;
 using binding::kSourceLost;
+using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 using Services = ServiceTest;
+
+/// Lets the log hold no line back that comes again.
+class LogOfEveryLine {
+  public:
+    LogOfEveryLine() {
+        binding::SetLogClock([] {
+            static std::atomic<int> lines = 0;
+            return binding::RepeatedLines::TimePoint(std::chrono::hours(++lines));
+        });
+    }
+    ~LogOfEveryLine() { binding::SetLogClock(nullptr); }
+    LogOfEveryLine(const LogOfEveryLine&) = delete;
+    LogOfEveryLine& operator=(const LogOfEveryLine&) = delete;
+};
 
 bool WifiIsOn(const Device& now) {
     return now.getWiFiEnabled.error == 0 && now.getWiFiEnabled.value == 1;
@@ -203,6 +221,7 @@ TEST_F(Services, HostapdThatRefusesToTellOfEventsIsLost) {
 }
 
 TEST_F(Services, StatusOfHostapdThatCannotBeReadIsLoggedOnce) {
+    const LogOfEveryLine all;
     const auto hostapd = Hostapd();
     hostapd->nonsense = "FAIL\n";
     Begin();
@@ -215,6 +234,10 @@ TEST_F(Services, StatusOfHostapdThatCannotBeReadIsLoggedOnce) {
     hostapd->nonsense.clear();
     hostapd->Say("AP-ENABLED ");
     ASSERT_TRUE(WaitFor(WifiIsOn));
+    // One that answers so now and then does not fill the log.
+    hostapd->nonsense = "FAIL\n";
+    hostapd->Say("AP-DISABLED ");
+    ASSERT_TRUE(WaitFor([](const Device& now) { return now.getWiFiEnabled.value == 0; }));
     EXPECT_THAT(Log(),
                 ElementsAre("[LINUX]:[ERROR] - wlan0: hostapd's answer to STATUS tells no state"));
 }
@@ -343,17 +366,26 @@ TEST_F(Position, IsLostWithGpsdUntilItIsBack) {
     EXPECT_EQ(gpsd.connections, 2);
 }
 
-TEST_F(Position, WhatIsWrongWithReportsIsLoggedOnce) {
+TEST_F(Position, WhatIsWrongWithReportsIsLoggedOnceAConnection) {
+    const LogOfEveryLine all;
     const std::string line = "[LINUX]:[ERROR] - position: gpsd sends a line that is no JSON object";
     const std::string mode = "[LINUX]:[ERROR] - position: the mode that gpsd tells is no number";
-    gpsd.greeting +=
-        "nonsense\r\n{\"class\":\"TPV\"\r\n"
-        "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":\"3\"}\r\n"
-        "{\"class\":\"SKY\"}\r\n"
-        "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":null}\r\n";
+    for (int again = 0; again < 3; ++again) {
+        gpsd.greeting +=
+            "nonsense\r\n{\"class\":\"TPV\"\r\n"
+            "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":\"3\"}\r\n"
+            "{\"class\":\"SKY\"}\r\n"
+            "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":null}\r\n"
+            "{\"class\":\"TPV\",\"device\":\"/dev/gps0\",\"mode\":1}\r\n";
+    }
     Begin();
     ASSERT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
     EXPECT_THAT(Log(), ElementsAre(line, mode));
+    gpsd.Drop();
+    ASSERT_TRUE(WaitFor([this](const Device&) { return gpsd.connections == 2; }));
+    EXPECT_TRUE(WaitForStatus(SYS_GPS_SEARCHING));
+    EXPECT_THAT(Log(), Contains(line).Times(2));
+    EXPECT_THAT(Log(), Contains(mode).Times(2));
 }
 
 TEST_F(Position, IsLostWhenGpsdHangs) {
@@ -397,9 +429,15 @@ TEST_F(Services, UpdateIsWhatSwupdateReports) {
     auto swupdate = std::make_unique<FakeServer>(directory / "run" / "progress");
     Use(*swupdate);
     ASSERT_TRUE(WaitFor([&](const Device&) { return swupdate->connections == 1; }));
-    std::string message(2416, '\0');
-    const std::uint32_t failure = 4;
-    std::memcpy(message.data() + 4, &failure, sizeof(failure));
+    const auto messageOf = [](std::uint32_t state) {
+        std::string message(2416, '\0');
+        std::memcpy(message.data() + 4, &state, sizeof(state));
+        return message;
+    };
+    constexpr std::uint32_t kSuccess = 3;
+    constexpr std::uint32_t kFailure = 4;
+    constexpr std::uint32_t kUnknown = 42;
+    const std::string message = messageOf(kFailure);
     // Something else than the greeting, and after it a message that is not understood either.
     swupdate->Say("12345678" + message);
     ASSERT_TRUE(WaitFor([this](const Device&) { return Log().size() == 1; }));
@@ -408,6 +446,16 @@ TEST_F(Services, UpdateIsWhatSwupdateReports) {
     EXPECT_TRUE(
         WaitFor([](const Device& now) { return now.softwareUpdateStatus.value.status == 9; }));
     EXPECT_EQ(board->Newest()->getFotaInstallStatus.value, 3);
+    // What is wrong now and then does not fill the log.
+    swupdate->Say(messageOf(kUnknown));
+    // It is read before the next one comes.
+    for (int turns = 0; turns < 100; ++turns) {
+        (void)Said("swupdate");
+    }
+    swupdate->Say(messageOf(kSuccess));
+    EXPECT_TRUE(
+        WaitFor([](const Device& now) { return now.softwareUpdateStatus.value.status == 8; }));
+    EXPECT_EQ(Log().size(), 1U);
     daemons.clear();
     swupdate.reset();
     EXPECT_TRUE(WaitFor([](const Device& now) {
