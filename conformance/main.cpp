@@ -103,7 +103,7 @@ int Run(const Options& options) {
 int main(int argc, char** argv) {
     try {
         conformance::Options options;
-        CLI::App app("Holds the binding of this device against what platform/ declares",
+        CLI::App app("Tests whether the binding of this device does what platform/ declares.",
                      "kestal-conformance");
         int seconds = static_cast<int>(options.limit.count());
         conformance::Describe(app, options, seconds);

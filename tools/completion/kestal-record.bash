@@ -3,9 +3,11 @@
 
 _kestal_record() {
     local word=${COMP_WORDS[COMP_CWORD]} file quoted
-    local words='--for --every --names --channels --keep-identities --bundle --log --force --socket --version --help'
+    local words
     COMPREPLY=()
     if [[ $word == -* ]]; then
+        # Only the recorder of a Linux board has an option for a socket.
+        words=$("$1" --help 2>/dev/null | sed -n 's/^  \(-h,\)\?\(--[a-z-]*\).*/\2/p')
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
         return
     fi

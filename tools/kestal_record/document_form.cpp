@@ -63,7 +63,7 @@ Json Finished(const Json& recorded, std::vector<std::string>& path,
     if (IsRawText(recorded)) {
         const auto text = recorded.at(kText).get<std::string>();
         const auto room = recorded.at(kRoom).get<std::size_t>();
-        std::string changed = change(path, text);
+        std::string changed = change(path, text, TextLayout::text);
         if (changed.size() > text.size() && changed.size() >= room) {
             // A document with a text that is too long for its field could not be read.
             changed.resize(text.size());
@@ -71,7 +71,7 @@ Json Finished(const Json& recorded, std::vector<std::string>& path,
         return DocumentText(changed, room);
     }
     if (IsBlock(recorded)) {
-        return Json::object({{kBytes, Digits(change(path, BytesOf(recorded)))}});
+        return Json::object({{kBytes, Digits(change(path, BytesOf(recorded), TextLayout::block))}});
     }
     Json result = recorded;
     if (recorded.is_structured()) {
@@ -104,8 +104,8 @@ Json RawText(const std::string& text, std::size_t room) {
 }
 
 Json Finished(const Json& recorded, const TextChange& change) {
-    return Finished(recorded, [&](const std::vector<std::string>& /*path*/,
-                                  const std::string& text) { return change(text); });
+    return Finished(recorded, [&](const std::vector<std::string>& /*path*/, const std::string& text,
+                                  TextLayout /*layout*/) { return change(text); });
 }
 
 Json Finished(const Json& recorded, const PlacedTextChange& change) {

@@ -12,7 +12,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "bindings/posix/files/file_io.h"
 #include "tools/json_output.h"
+#include "tools/kestal_record/text_place.h"
 #include "tools/list_reading.h"
 
 /// The codes that calls of one part of the platform return.
@@ -35,9 +37,9 @@ Json RawText(const std::string& text, std::size_t room);
 using TextChange = std::function<std::string(const std::string&)>;
 Json Finished(const Json& recorded, const TextChange& change);
 
-/// The same with a change that depends on where a text is.
-using PlacedTextChange =
-    std::function<std::string(const std::vector<std::string>& path, const std::string& text)>;
+/// The same with a change that depends on where a text is, and on whether it is a block of bytes.
+using PlacedTextChange = std::function<std::string(const std::vector<std::string>& path,
+                                                   const std::string& text, TextLayout layout)>;
 Json Finished(const Json& recorded, const PlacedTextChange& change);
 
 /// Calls @p visit(path, text) for each raw text and each block of bytes.
@@ -74,13 +76,15 @@ Json AnswersByName(const std::vector<Name>& names, Ask ask) {
 template <typename Record, typename Count, typename Read, typename Describe>
 Json ListAnswer(const std::string& call, const Codes& codes, int bufferNeeded, Read read,
                 Describe describe) {
-    // More than any device has; a longer list is a mistake, and may not fit into memory.
-    constexpr Count kMost = 1'000'000;
+    // More than any device has, or of bytes, than a document can hold; more is a mistake, and may
+    // not fit into memory.
+    constexpr bool kIsBlock = sizeof(Record) == 1;
+    constexpr Count kMost = kIsBlock ? Count{binding::kLargestFile} : Count{1'000'000};
     const auto readSome = [&](Record* buffer, Count* count) {
         const int code = read(buffer, count);
         if (*count > kMost) {
             throw std::runtime_error(call + " says that it has " + std::to_string(*count) +
-                                     " records");
+                                     (kIsBlock ? " bytes" : " records"));
         }
         return code;
     };

@@ -9,7 +9,6 @@
 #include "tools/kestal_record/digits.h"
 #include "tools/kestal_record/document_form.h"
 #include "tools/kestal_record/identity_replacement.h"
-#include "tools/kestal_record/text_place.h"
 
 namespace {
 
@@ -48,6 +47,25 @@ bool IsOnWordBounds(const std::string& text, std::size_t begin, std::size_t leng
     return begins && ends;
 }
 
+bool IsAt(const std::string& text, std::size_t position, const std::string& part,
+          bool ignoresCase) {
+    const auto lower = [](char one) { return std::tolower(static_cast<unsigned char>(one)); };
+    return part.size() <= text.size() - position &&
+           std::equal(part.begin(), part.end(),
+                      text.begin() + static_cast<std::ptrdiff_t>(position),
+                      [&](char one, char other) {
+                          return one == other || (ignoresCase && lower(one) == lower(other));
+                      });
+}
+
+/// @p replacement in place of @p length bytes.
+std::string Fitted(std::string replacement, std::size_t length, TextLayout layout) {
+    if (layout == TextLayout::block) {
+        replacement.resize(length, ' ');
+    }
+    return replacement;
+}
+
 /// Calls @p visit(word) for each word of @p text that may be a MAC address without separators.
 template <typename Visit>
 void VisitMacWords(const std::string& text, Visit visit) {
@@ -77,6 +95,17 @@ void Identities::Learn(const std::string& text, IdentityKind kind) {
 void Identities::LearnFrom(const std::string& text) {
     for (const FoundIdentity& found : FindIdentities(text)) {
         learned.emplace_back(text.substr(found.begin, found.length), found.kind);
+    }
+}
+
+void Identities::LearnFromLog(const std::string& line) {
+    LearnFrom(line);
+    // Whoever has the identifier of a session has the rights of its user.
+    constexpr std::string_view kBefore = "sessionId ";
+    std::size_t begin = 0;
+    while ((begin = line.find(kBefore, begin)) != std::string::npos) {
+        begin += kBefore.size();
+        Learn(line.substr(begin, line.find(' ', begin) - begin), IdentityKind::other);
     }
 }
 
@@ -140,11 +169,12 @@ void Identities::Settle() {
     }
     isSettled = true;
     for (const auto& [text, kind] : learned) {
-        replacements.emplace(text, "");
+        Substitute& substitute = replacements[text];
+        substitute.ignoresCase |= kind == IdentityKind::host || kind == IdentityKind::mac;
         originals.emplace(kind, Canonical(text, kind));
     }
     for (const auto& [text, kind] : learned) {
-        std::string& replacement = replacements.at(text);
+        std::string& replacement = replacements.at(text).text;
         if (replacement.empty()) {
             replacement = Replacement(text, kind, NumberOf(text, kind));
         }
@@ -172,19 +202,19 @@ std::uint64_t Identities::NumberOf(const std::string& text, IdentityKind kind) {
     return numbers[identity] = count;
 }
 
-std::string Identities::Replaced(const std::string& text) {
+std::string Identities::Replaced(const std::string& text, TextLayout layout) {
     Settle();
     if (const auto whole = replacements.find(text); whole != replacements.end()) {
-        return whole->second;
+        return Fitted(whole->second.text, text.size(), layout);
     }
     std::string result;
     std::size_t position = 0;
     while (position < text.size()) {
-        const std::pair<const std::string, std::string>* longest = nullptr;
+        const std::pair<const std::string, Substitute>* longest = nullptr;
         for (const auto& one : replacements) {
             const std::size_t length = one.first.size();
             if ((longest == nullptr || length > longest->first.size()) &&
-                text.compare(position, length, one.first) == 0 &&
+                IsAt(text, position, one.first, one.second.ignoresCase) &&
                 IsOnWordBounds(text, position, length) && !IsCommon(one.first)) {
                 longest = &one;
             }
@@ -192,28 +222,29 @@ std::string Identities::Replaced(const std::string& text) {
         if (longest == nullptr) {
             result += text[position++];
         } else {
-            result += longest->second;
-            position += longest->first.size();
+            const std::size_t length = longest->first.size();
+            result += Fitted(longest->second.text, length, layout);
+            position += length;
         }
     }
     return result;
 }
 
-std::string Identities::ReplacedAt(const Path& path, const std::string& text) {
+std::string Identities::ReplacedAt(const Path& path, const std::string& text, TextLayout layout) {
     switch (PlaceOf(path, text).use) {
         case TextUse::version:
             return text;
         case TextUse::structure:
-            return ReplacedByForm(text);
+            return ReplacedByForm(text, layout);
         case TextUse::identity:
-            return Replaced(text);
+            return Replaced(text, layout);
         case TextUse::other:
             break;
     }
-    return IsCommon(text) ? text : Replaced(text);
+    return IsCommon(text) ? text : Replaced(text, layout);
 }
 
-std::string Identities::ReplacedByForm(const std::string& text) {
+std::string Identities::ReplacedByForm(const std::string& text, TextLayout layout) {
     Settle();
     std::string result;
     std::size_t position = 0;
@@ -221,7 +252,8 @@ std::string Identities::ReplacedByForm(const std::string& text) {
         const std::string identity = text.substr(found.begin, found.length);
         const auto known = replacements.find(identity);
         result += text.substr(position, found.begin - position);
-        result += known == replacements.end() ? identity : known->second;
+        result += known == replacements.end() ? identity
+                                              : Fitted(known->second.text, identity.size(), layout);
         position = found.begin + found.length;
     }
     return result + text.substr(position);

@@ -31,7 +31,7 @@ std::string Padded(std::uint64_t number, std::size_t width, unsigned base = 10) 
     std::string text(width, '0');
     for (auto digit = text.rbegin(); digit != text.rend() && number != 0; ++digit) {
         // cppcheck-suppress zerodivcond ; no base is 0
-        *digit = kDigits[number % base];
+        *digit = kDigits[static_cast<std::size_t>(number % base)];
         number /= base;
     }
     return text;

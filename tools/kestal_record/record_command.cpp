@@ -40,35 +40,6 @@ struct Recording {
     Time length;
 };
 
-/// Looks at the device until the time is over, or until a signal or a full scenario ends that.
-Recording Record(const Order& order, Remarks& remarks) {
-    if (order.length == Time(0)) {
-        return {Timeline(RecordDevice(order.questions, remarks)), Time(0)};
-    }
-    const StopSignals signals;
-    const Clock::time_point begin = Clock::now();
-    const auto passed = [begin] { return std::chrono::floor<Time>(Clock::now() - begin); };
-    Timeline timeline(RecordDevice(order.questions, remarks));
-    Time next = order.interval;
-    while (signals.WaitUntil(begin + std::min(next, order.length))) {
-        const Time now = std::min(passed(), order.length);
-        if (!timeline.Add(now, RecordDevice(order.questions, remarks))) {
-            remarks.insert("the recording ended after " + std::to_string(now.count() / 1000) +
-                           " s, because a scenario cannot hold more changes; --every makes the "
-                           "next one longer");
-            return {std::move(timeline), now};
-        }
-        if (now >= order.length) {
-            return {std::move(timeline), order.length};
-        }
-        // Looks that the device was too slow for are left out.
-        while (next <= passed()) {
-            next += order.interval;
-        }
-    }
-    return {std::move(timeline), std::min(passed(), order.length)};
-}
-
 std::string NowText() {
     const std::time_t now = std::time(nullptr);
     std::tm utc{};
@@ -97,7 +68,7 @@ class Parts {
                 identities.LearnFrom(sources.get<std::string>());
             }
             for (const Json& line : log) {
-                identities.LearnFrom(line.get<std::string>());
+                identities.LearnFromLog(line.get<std::string>());
             }
         }
         title = "A recorded device (" + binding.name + " binding, kestal " + KestalVersion() + ")";
@@ -137,10 +108,10 @@ class Parts {
 
   private:
     Json Document(const Json& recorded) {
-        return Finished(recorded,
-                        [this](const std::vector<std::string>& path, const std::string& text) {
-                            return order.keepsIdentities ? text : identities.ReplacedAt(path, text);
-                        });
+        return Finished(recorded, [this](const std::vector<std::string>& path,
+                                         const std::string& text, TextLayout layout) {
+            return order.keepsIdentities ? text : identities.ReplacedAt(path, text, layout);
+        });
     }
 
     Json Plain(const Json& value) {
@@ -187,6 +158,53 @@ std::string DocumentText(const std::string& file, const Json& document) {
     return text;
 }
 
+std::string EndRemark(Time time, const std::string& why) {
+    return "the recording ended after " + std::to_string(time.count() / 1000) + " s" + why;
+}
+
+/// Looks at the device until the time is over, or until a signal, a full scenario or a look that
+/// fails ends that.
+Recording Record(const Order& order, const RecordedBinding& binding, Remarks& remarks) {
+    std::optional<StopSignals> signals;
+    if (order.length > Time(0)) {
+        signals.emplace();
+    }
+    const Clock::time_point begin = Clock::now();
+    const auto passed = [begin] { return std::chrono::floor<Time>(Clock::now() - begin); };
+    Recording recording = {Timeline(RecordDevice(order.questions, remarks)), Time(0)};
+    if (const std::string remark = binding.remark ? binding.remark() : ""; !remark.empty()) {
+        remarks.insert(remark);
+    }
+    if (signals && !order.isBundle) {
+        // A document that is too long is refused now rather than after the recording.
+        (void)DocumentText(order.file, Parts(order, recording, binding).Device());
+    }
+    Time next = order.interval;
+    while (signals && signals->WaitUntil(begin + std::min(next, order.length))) {
+        recording.length = std::min(passed(), order.length);
+        try {
+            if (!recording.timeline.Add(recording.length, RecordDevice(order.questions, remarks))) {
+                remarks.insert(EndRemark(recording.length,
+                                         ", because a scenario cannot hold more changes; --every "
+                                         "makes the next one longer"));
+                return recording;
+            }
+        } catch (const std::exception& error) {
+            remarks.insert(EndRemark(recording.length, std::string(": ") + error.what()));
+            return recording;
+        }
+        if (recording.length >= order.length) {
+            return recording;
+        }
+        // Looks that the device was too slow for are left out.
+        while (next <= passed()) {
+            next += order.interval;
+        }
+    }
+    recording.length = std::min(passed(), order.length);
+    return recording;
+}
+
 void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
     const Order order = OrderOf(arguments, binding);
     const bool hasScenarioFile = order.length > Time(0) && !order.isBundle;
@@ -198,7 +216,7 @@ void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
         MustHaveLog(order.log);
     }
     Remarks remarks;
-    const Recording recording = Record(order, remarks);
+    const Recording recording = Record(order, binding, remarks);
     Parts parts(order, recording, binding);
     std::vector<NewFile> files;
     if (order.isBundle) {
@@ -210,7 +228,8 @@ void RunRecord(const Arguments& arguments, const RecordedBinding& binding) {
         const std::string file = ScenarioFile(order.file);
         files.push_back({file, DocumentText(file, *parts.Scenario())});
     }
-    WriteFiles(files, order.existing);
+    WriteFiles(files, order.existing,
+               order.keepsIdentities ? Readers::ownerOnly : Readers::asTheUmaskAllows);
     for (const std::string& remark : remarks) {
         (void)std::fprintf(stderr, "%s\n", remark.c_str());
     }

@@ -1,6 +1,7 @@
 // The command that records a device. It uses only platform/, so that it works with any binding.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "tools/tool.h"
@@ -11,6 +12,8 @@ struct RecordedBinding {
     binding::Enumeration codes;
     /// Whether the service tells what its sources have said (a Linux board).
     bool hasSources = false;
+    /// What people should know about what it answers, if it can say that; may be empty.
+    std::function<std::string()> remark = {};
 };
 
 /// The command with the name @p name; a nameless one for a tool that does nothing else.

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The parts of @p text between commas.
+/// The parts of the option's value between commas; none if it is not given.
 std::vector<std::string> Names(const Arguments& arguments, const std::string& option) {
     std::vector<std::string> names;
     if (!arguments.Given(option)) {

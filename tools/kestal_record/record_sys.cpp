@@ -8,6 +8,7 @@
 #include "tools/kestal_record/document_form.h"
 #include "tools/kestal_record/record_device.h"
 #include "tools/kestal_record/usual_names.h"
+#include "tools/sysint_answers.h"
 
 namespace {
 
@@ -31,18 +32,15 @@ Json NetworkSelection(const Codes& codes) {
     int selected = 0;
     int scanStatus = 0;
     const int code = sys_getModemMnsInfo(&allowed, &selected, &scanStatus);
-    return code == codes.success
-               ? Json::object(
-                     {{"allowed", allowed}, {"selected", selected}, {"scanStatus", scanStatus}})
-               : FailureOf(codes, code);
+    return code == codes.success ? DescribedSelection({allowed, selected, scanStatus})
+                                 : FailureOf(codes, code);
 }
 
 Json NrBands(const Codes& codes) {
     int band = 0;
     int second = 0;
     const int code = sys_getCellular5GBand(&band, &second);
-    return code == codes.success ? Json::object({{"band", band}, {"second", second}})
-                                 : FailureOf(codes, code);
+    return code == codes.success ? DescribedBands({band, second}) : FailureOf(codes, code);
 }
 
 Json GroupIdentifier(const Codes& codes, int index) {
@@ -52,11 +50,8 @@ Json GroupIdentifier(const Codes& codes, int index) {
     if (code != codes.success) {
         return FailureOf(codes, code);
     }
-    Json bytes = Json::array();
-    for (const std::uint8_t byte : std::span(gid).first(length)) {
-        bytes.push_back(byte);
-    }
-    return bytes;
+    const auto used = std::span(gid).first(length);
+    return Json(std::vector<std::uint8_t>(used.begin(), used.end()));
 }
 
 Json GuestProfile(const Codes& codes, int profile) {

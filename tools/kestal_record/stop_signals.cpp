@@ -12,11 +12,20 @@
 
 namespace {
 
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
+
 /// Where the handler writes a byte.
 std::atomic<int> writeEnd = -1;
 
 void Stop(int /*signal*/) {
     const int error = errno;
+    // Whichever comes next ends the process.
+    for (const int each : kSignals) {
+        struct sigaction action {};
+        if (sigaction(each, nullptr, &action) == 0 && action.sa_handler == Stop) {
+            (void)std::signal(each, SIG_DFL);
+        }
+    }
     constexpr char kByte = 0;
     (void)!write(writeEnd, &kByte, 1);
     errno = error;
@@ -31,11 +40,14 @@ StopSignals::StopSignals() {
     writeEnd = pipe[1];
     struct sigaction action {};
     action.sa_handler = Stop;
-    // The default action is in force again after the first signal.
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     for (std::size_t index = 0; index < kSignals.size(); ++index) {
-        (void)sigaction(kSignals.at(index), &action, &before.at(index));
+        (void)sigaction(kSignals.at(index), nullptr, &before.at(index));
+        // nohup ignores one so that it does not end the program.
+        if (before.at(index).sa_handler != SIG_IGN) {
+            (void)sigaction(kSignals.at(index), &action, nullptr);
+        }
     }
 }
 

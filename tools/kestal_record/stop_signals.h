@@ -5,8 +5,9 @@
 #include <chrono>
 #include <csignal>
 
-/// While it exists, the first SIGINT, SIGTERM or SIGHUP only ends waiting. A second one ends the
-/// process, for instance when a call of the device hangs. One object at a time.
+/// While it exists, the first SIGINT, SIGTERM or SIGHUP only ends waiting. A second one, of
+/// whichever kind, ends the process, for instance when a call of the device hangs. What the process
+/// has been started to ignore stays ignored. One object at a time.
 class StopSignals {
   public:
     using Time = std::chrono::steady_clock::time_point;
@@ -20,7 +21,6 @@ class StopSignals {
     bool WaitUntil(Time time) const;
 
   private:
-    static constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
-    std::array<struct sigaction, kSignals.size()> before{};
+    std::array<struct sigaction, 3> before{};
     std::array<int, 2> pipe{-1, -1};
 };

@@ -7,6 +7,9 @@
 
 #include "tools/kestal_record/identity_form.h"
 
+/// A text of a field, or a block of bytes with texts at places that must not move.
+enum class TextLayout { text, block };
+
 enum class TextUse {
     identity,   ///< the place is that of an identity
     structure,  ///< what programs know, such as a message id, or the name of an operator

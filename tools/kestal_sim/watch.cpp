@@ -13,6 +13,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -110,7 +111,7 @@ struct Caller {
 
     FileDescriptor socket;
     pid_t process = 0;
-    std::size_t calls = 0;  ///< of the present session
+    std::uint64_t calls = 0;  ///< of the present session
     std::chrono::nanoseconds time{0};
     bool isOpen = true;
 };

@@ -110,7 +110,7 @@ std::string AnswerText(const binding::WatchMessage& message) {
     const Json answer = call.starts_with("webui_") ? DescribedWebuiAnswer(call, message.answer)
                                                    : DescribedSysAnswer(call, message.answer);
     if (answer.is_array()) {
-        return ListText(answer, message.answerSize / EntrySize(call));
+        return ListText(answer, static_cast<std::size_t>(message.answerSize / EntrySize(call)));
     }
     return answer.is_null() ? std::to_string(message.answerSize) + " bytes" : RecordText(answer);
 }

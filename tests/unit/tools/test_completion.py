@@ -1,5 +1,6 @@
 """What bash offers as completion after the names of the tools."""
 
+import re
 import shutil
 import subprocess
 
@@ -65,6 +66,16 @@ def test_options_and_files_of_the_recorder_are_offered(tmp_path):
     assert offered("kestal-sim", "record", "--bu") == ["--bundle"]
     for words in (["kestal-record"], ["kestal-sim", "record"]):
         assert offered(*words, f"{tmp_path}/aft") == [f"{tmp_path}/afternoon.json"]
+
+
+@pytest.mark.parametrize("tool", ["kestal-sources", "kestal-messages"])
+def test_options_of_the_tools_of_a_board_are_offered(tool):
+    assert offered(tool, "--") == ["--help", "--commands", "--version", "--socket"]
+
+
+def test_the_recorder_offers_the_options_that_it_has():
+    told = surroundings.run("kestal-record", "--help").stdout.decode()
+    assert set(offered("kestal-record", "-")) == set(re.findall(r"(?m)^ .*?(--[a-z-]+)", told))
 
 
 def test_other_commands_offer_only_help():

@@ -37,6 +37,31 @@ def test_the_examples_of_the_documentation_are_true(command, output, tmp_path):
     assert done.stdout == output
 
 
+def documents():
+    """The whole JSON documents that the pages show, by page: devices and scenarios."""
+    found = []
+    for name in ("man/kestal-device.5.scd", "man/kestal-scenario.5.scd", "simulator.md", "scenarios.md"):
+        page = (surroundings.ROOT / "docs" / name).read_text()
+        found += [(name, text) for text in re.findall(r"^```(?:json)?\n(\{.*?)^```", page, re.MULTILINE | re.DOTALL)]
+    return found
+
+
+@pytest.mark.parametrize("name", ["man/kestal-device.5.scd", "man/kestal-scenario.5.scd"])
+def test_the_man_page_shows_a_document(name):
+    assert name in [page for page, _ in documents()]
+
+
+@pytest.mark.parametrize("text", [text for _, text in documents()], ids=[page for page, _ in documents()])
+def test_the_documents_of_the_documentation_are_accepted(text, tmp_path):
+    file = tmp_path / "document.json"
+    file.write_text(text)
+    if '"events"' in text:
+        done = surroundings.run("kestal-sim", "play", "--check", file)
+    else:
+        done = surroundings.run("kestal-sim", "status", device=file)
+    assert (done.returncode, done.stderr) == (0, b"")
+
+
 @pytest.fixture
 def device(tmp_path):
     """A copy of the default device, to be changed."""

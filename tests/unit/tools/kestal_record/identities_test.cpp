@@ -56,6 +56,41 @@ TEST(Identities, AnAddressIsReplacedByTheSameHoweverItIsWritten) {
               "fe80::3 fe80::4 fe80::5 2001:db8::6");
 }
 
+TEST(Identities, NamesOfHostsAndMacAddressesAreTheSameInUpperAndLowerCase) {
+    Identities identities;
+    identities.Learn("Annas-Phone", IdentityKind::host);
+    identities.Learn("A483E7129F0B", IdentityKind::mac);
+    identities.Learn("Anna", IdentityKind::network);
+    EXPECT_EQ(identities.Replaced("annas-phone.lan ANNAS-PHONE Annas-Phone"),
+              "host0000001.lan host0000001 host0000001");
+    EXPECT_EQ(identities.Replaced("a483e7129f0b"), "02005E000001");
+    EXPECT_EQ(identities.Replaced("anna Anna"), "anna net1");
+}
+
+TEST(Identities, SessionsAreKnownInTheLog) {
+    Identities identities;
+    identities.LearnFromLog("[KESTAL]:[DEBUG] - GetLoginStatus: sessionId 5f0c+Q== and sessionId ");
+    EXPECT_EQ(identities.Replaced("torusess=5f0c+Q=="), "torusess=identit1");
+}
+
+TEST(Identities, InABlockNothingIsMoved) {
+    Identities identities;
+    identities.LearnFrom("from fd00::7 to fd12:3456:789a::17");
+    identities.Learn("Büro", IdentityKind::network);
+    const std::string block = "\x02 fd00::7\n Büro\x01 fd12:3456:789a::17";
+    const std::string replaced = identities.Replaced(block, TextLayout::block);
+    EXPECT_EQ(replaced, "\x02 2001:db\n net1 \x01 2001:db8::2       ");
+    EXPECT_EQ(identities.Replaced("fd00::7", TextLayout::block), "2001:db");
+    const Json recorded = {
+        {"bytes", HexText(std::vector<std::uint8_t>(block.begin(), block.end()))}};
+    const Json finished =
+        Finished(recorded, [&](const auto& path, const auto& text, TextLayout layout) {
+            return identities.ReplacedAt(path, text, layout);
+        });
+    EXPECT_EQ(finished.at("bytes"),
+              HexText(std::vector<std::uint8_t>(replaced.begin(), replaced.end())));
+}
+
 TEST(Identities, OtherTextsStay) {
     for (const std::string text : {
              "2026-11-22T21:59:05.123Z kestal.cgi[4711]",
