@@ -4,7 +4,9 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 #include "bindings/log.h"
@@ -24,10 +26,20 @@ void CheckLocale(const webui_i18n_settings_t& settings) noexcept {
     checked = settings;
     char language[sizeof(settings.language) + 1] = {};
     std::memcpy(language, settings.language, sizeof(settings.language));
-    const locale_t found = newlocale(LC_MESSAGES_MASK, language, nullptr);
-    if (found != nullptr) {
-        freelocale(found);
-    } else if (errno == ENOENT) {
+    // newlocale would leave the locale as it is, but glibc never frees the search path that it
+    // makes of LOCPATH.
+    const std::unique_ptr<char, decltype(&std::free)> before(
+        strdup(std::setlocale(LC_MESSAGES, nullptr)), &std::free);
+    if (before == nullptr) {
+        return;
+    }
+    errno = 0;
+    const bool found = std::setlocale(LC_MESSAGES, language) != nullptr;
+    const bool missing = !found && errno != ENOMEM;
+    if (found) {
+        (void)std::setlocale(LC_MESSAGES, before.get());
+    }
+    if (missing) {
         BINDING_LOG(
             TORU_DBG_ERROR,
             "the machine has no locale %s: texts stay in the language before it, or untranslated",

@@ -1,6 +1,10 @@
 // The web UI configuration calls: the list protocol, names, failures.
 #include "platform/webui.h"
 
+#include <libintl.h>
+#include <malloc.h>
+
+#include <cstdlib>
 #include <vector>
 
 #include "bindings/device/codes.h"
@@ -201,6 +205,26 @@ TEST_F(Webui, SharesTheSnapshotOfTheSession) {
     EXPECT_EQ(sys_sdkShutdown(), 0);
     EXPECT_EQ(webui_get_i18n_settings(&settings), WEBUI_SUCCESS);
     EXPECT_STREQ(settings.language, "fr_FR");
+}
+
+// The locale for each language is looked for. Sanitizers have another malloc, which mallinfo2 does
+// not describe; they look for leaks themselves.
+TEST_F(Webui, ManyChangesOfTheLanguageLeaveNoMemoryBehind) {
+    ASSERT_EQ(setenv("LOCPATH", "/nonexistent", 1), 0);
+    textdomain("kestal");
+    const auto change = [this](int times) {
+        webui_i18n_settings_t settings{};
+        for (int number = 0; number < times; ++number) {
+            Entry("i18nSettings",
+                  number % 2 == 0 ? R"({"language": "C"})" : R"({"language": "POSIX"})");
+            EXPECT_EQ(webui_get_i18n_settings(&settings), WEBUI_SUCCESS);
+        }
+        return mallinfo2().uordblks;
+    };
+    const std::size_t before = change(10);
+    EXPECT_EQ(change(200), before);
+    textdomain("messages");
+    unsetenv("LOCPATH");
 }
 
 }  // namespace
