@@ -20,6 +20,7 @@ bool ReplaceAll(std::string& text, std::string_view placeholder, std::string_vie
         return false;
     }
     std::string result;
+    result.reserve(text.size() + argument.size());
     std::size_t copied = 0;
     while (found != std::string::npos) {
         result.append(text, copied, found - copied);
