@@ -32,13 +32,13 @@ CDT::CDT(const eValType& type) {
             content = static_cast<void*>(nullptr);
             break;
         case STRING_VAL:
-            content = Text{};
+            content = Text{{}};
             break;
         case STRING_INT_VAL:
-            content = Text{.value = {}, .number = INT_64{0}};
+            content = Text{{}, INT_64{0}};
             break;
         case STRING_REAL_VAL:
-            content = Text{.value = {}, .number = W_FLOAT{0}};
+            content = Text{{}, W_FLOAT{0}};
             break;
         case ARRAY_VAL:
             content = std::make_unique<Array>();
@@ -96,12 +96,15 @@ CDT::CDT(UINT_64 value) : content(static_cast<INT_64>(value)) {}
 CDT::CDT(INT_32 value) : content(INT_64{value}) {}
 CDT::CDT(UINT_32 value) : content(INT_64{value}) {}
 CDT::CDT(W_FLOAT value) : content(value) {}
-CDT::CDT(const std::string& value) : content(Text{value}) {}
+CDT::CDT(const std::string& value) : content(Text{std::string(value)}) {}
 CDT::CDT(std::string&& value) : content(Text{std::move(value)}) {}
 CDT::CDT(CCHAR_P value) : content(Text{ToText(value)}) {}
 CDT::CDT(void* value) : content(value) {}
 
 CDT::~CDT() {
+    if (!HasBranch()) {
+        return;
+    }
     std::unique_ptr<Branch> chain;
     Unhook(chain);
     while (chain) {
@@ -163,7 +166,7 @@ CDT& CDT::operator=(const std::string& value) {
 }
 
 CDT& CDT::operator=(std::string&& value) {
-    content.emplace<Text>().value = std::move(value);
+    content.emplace<Text>(std::move(value));
     return *this;
 }
 

@@ -1,6 +1,7 @@
 #include "Members.hpp"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace CTPP {
@@ -9,7 +10,7 @@ CDT::Key::Key(std::string_view other)
     : copy(std::make_unique_for_overwrite<char[]>(other.size())),
       text(std::string_view(copy.get(), other.copy(copy.get(), other.size()))) {}
 
-CDT::Key::Key(const Key& other) : text(other.text) {
+CDT::Key::Key(const Key& other) : text(other.text), plain(other.plain) {
     if (other.copy) {
         *this = Key(other.text);
     }
@@ -28,17 +29,32 @@ CDT::Members::~Members() {
 
 /// Inlined, because every member of an answer is searched here.
 [[gnu::always_inline]] inline CDT::Members::Place CDT::Members::Locate(const KeyText& key) const {
+    const Position members = Begin();
     std::size_t low = 0;
     std::size_t high = sorted.size();
     while (low < high) {
         const std::size_t middle = (low + high) / 2;
-        if (sorted[middle]->first.Text() < key) {
+        if (members[middle]->first.Text() < key) {
             low = middle + 1;
         } else {
             high = middle;
         }
     }
-    return {.index = low, .found = low < sorted.size() && sorted[low]->first.Text() == key};
+    return {.index = low, .found = low < sorted.size() && members[low]->first.Text() == key};
+}
+
+/// Whatever may throw comes first, so that a failed insertion changes nothing.
+template <class AnyKey>
+CDT& CDT::Members::Insert(std::size_t index, AnyKey&& key) {
+    static_assert(std::is_nothrow_constructible_v<Member, AnyKey>);
+    if (spare == nullptr || sorted.size() == sorted.capacity()) {
+        Grow();
+    }
+    Slot* const slot = spare;
+    spare = slot->next;
+    Member* const member = std::construct_at(&slot->member, std::forward<AnyKey>(key));
+    sorted.insert(sorted.begin() + static_cast<std::ptrdiff_t>(index), member);
+    return member->second;
 }
 
 CDT* CDT::Members::Find(std::string_view key) const {
@@ -53,11 +69,11 @@ CDT& CDT::Members::FindOrInsert(std::string_view key) {
 
 CDT& CDT::Members::FindOrInsert(const LiteralKey& key) {
     const Place place = Locate(key.text);
-    return place.found ? sorted[place.index]->second : Insert(place.index, Key(key));
+    return place.found ? sorted[place.index]->second : Insert(place.index, key);
 }
 
 CDT& CDT::Members::InsertLast(const Key& key) {
-    return Insert(sorted.size(), key);
+    return Insert(sorted.size(), Key(key));
 }
 
 bool CDT::Members::Erase(std::string_view key) {
@@ -74,8 +90,7 @@ bool CDT::Members::Erase(std::string_view key) {
     return place.found;
 }
 
-/// Whatever may throw comes first, so that a failed insertion changes nothing.
-CDT& CDT::Members::Insert(std::size_t index, Key key) {
+void CDT::Members::Grow() {
     if (sorted.size() == sorted.capacity()) {
         sorted.reserve(std::max(first.slots.size(), 4 * sorted.size()));
     }
@@ -85,11 +100,6 @@ CDT& CDT::Members::Insert(std::size_t index, Key key) {
         block->next = std::move(first.next);
         first.next = std::move(block);
     }
-    Slot* const slot = spare;
-    spare = slot->next;
-    Member* const member = std::construct_at(&slot->member, std::move(key));
-    sorted.insert(sorted.begin() + static_cast<std::ptrdiff_t>(index), member);
-    return member->second;
 }
 
 void CDT::Members::AddSlots(Block& block) noexcept {

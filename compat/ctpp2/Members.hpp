@@ -63,7 +63,11 @@ class CDT::Members {
 
     /// Where the member is, or where it has to be inserted.
     Place Locate(const KeyText& key) const;
-    CDT& Insert(std::size_t index, Key key);
+    /// Inserts a member, whose key @p key may be a literal.
+    template <class AnyKey>
+    CDT& Insert(std::size_t index, AnyKey&& key);
+    /// Makes room for one more member.
+    void Grow();
     void AddSlots(Block& block) noexcept;
 
     std::vector<Member*> sorted;

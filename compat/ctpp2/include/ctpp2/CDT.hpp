@@ -89,11 +89,25 @@ class CDT {
       public:
         template <class Array,
                   class = std::enable_if_t<std::same_as<Array, const char[sizeof(Array)]>>>
-        consteval LiteralKey(Array& literal) : text(std::string_view(literal)) {}
+        consteval LiteralKey(Array& literal)
+            : text(std::string_view(literal)), plain(IsPlain(std::string_view(literal))) {}
 
       private:
         friend class CDT;
+
+        static consteval bool IsPlain(std::string_view key) {
+            for (const char character : key) {
+                const bool letter = (character >= 'a' && character <= 'z') ||
+                                    (character >= 'A' && character <= 'Z');
+                if (!letter && character != '_' && !(character >= '0' && character <= '9')) {
+                    return false;
+                }
+            }
+            return true;
+        }
+
         KeyText text;
+        bool plain;
     };
 
     CDT() noexcept;
@@ -224,8 +238,11 @@ class CDT {
     using Number = std::variant<std::monostate, INT_64, W_FLOAT>;
 
     struct Text {
+        explicit Text(std::string&& text, Number read = {}) noexcept
+            : value(std::move(text)), number(read) {}
+
         std::string value;
-        mutable Number number{};
+        mutable Number number;
     };
     struct Branch;
     struct Array;
@@ -239,6 +256,11 @@ class CDT {
 
     static const CDT& Undefined();
 
+    /// Whether the value is an array or a hash.
+    bool HasBranch() const {
+        return std::holds_alternative<ArrayPtr>(content) ||
+               std::holds_alternative<HashPtr>(content);
+    }
     Number ReadNumber() const;
     const Array* GetArray() const;
     const Hash* GetHash() const;
@@ -255,21 +277,25 @@ class CDT {
 /// The key of a member.
 class CDT::Key {
   public:
-    explicit Key(const LiteralKey& literal) noexcept : text(literal.text) {}
+    explicit Key(const LiteralKey& literal) noexcept : text(literal.text), plain(literal.plain) {}
     explicit Key(std::string_view other);
     Key(const Key& other);
     Key(Key&& other) noexcept
         : copy(std::move(other.copy)),
-          text(std::exchange(other.text, KeyText(std::string_view()))) {}
+          text(std::exchange(other.text, KeyText(std::string_view()))),
+          plain(other.plain) {}
     Key& operator=(const Key& other) { return *this = Key(other); }
     Key& operator=(Key&& other) noexcept {
         std::swap(copy, other.copy);
         std::swap(text, other.text);
+        std::swap(plain, other.plain);
         return *this;
     }
     ~Key() = default;
 
     const KeyText& Text() const { return text; }
+    /// Whether the key is known to have only letters, digits and underscores.
+    bool IsPlain() const { return plain; }
     operator std::string() const { return std::string(std::string_view(text)); }
     friend bool operator==(const Key& one, const Key& other) { return one.text == other.text; }
     friend bool operator==(const Key& one, std::string_view other) {
@@ -280,10 +306,12 @@ class CDT::Key {
     /// Empty if the text is a literal.
     std::unique_ptr<char[]> copy;
     KeyText text;
+    bool plain = false;
 };
 
 struct CDT::Member {
-    explicit Member(Key key) noexcept : first(std::move(key)) {}
+    explicit Member(const LiteralKey& key) noexcept : first(key) {}
+    explicit Member(Key&& key) noexcept : first(std::move(key)) {}
 
     const Key first;
     CDT second;
