@@ -101,6 +101,8 @@ must_exist() {
 }
 
 commands=
+# An option that only a simulated device has, if one is given.
+of_simulator=
 while [ $# -gt 0 ]; do
     option=$1
     shift
@@ -109,6 +111,7 @@ while [ $# -gt 0 ]; do
             [ -n "$control" ] || misused "unknown option --control"
             [ "$option" = --control ] || misused "--control needs no value"
             commands=yes
+            of_simulator=$option
             continue
             ;;
         --help | -h)
@@ -130,8 +133,14 @@ while [ $# -gt 0 ]; do
             choose "$option" PORT "$value"
             choose "$option" KESTAL_PORT "$value"
             ;;
-        --device) choose "$option" KESTAL_DEVICE "$value" ;;
-        --scenario) choose "$option" KESTAL_SCENARIO "$value" ;;
+        --device)
+            choose "$option" KESTAL_DEVICE "$value"
+            of_simulator=$option
+            ;;
+        --scenario)
+            choose "$option" KESTAL_SCENARIO "$value"
+            of_simulator=$option
+            ;;
         --page) choose "$option" KESTAL_DOCUMENT_ROOT "$value" ;;
         --origin) choose "$option" KESTAL_PAGE_ORIGIN "$value" ;;
         *) misused "unknown option $option" ;;
@@ -202,6 +211,7 @@ run=${KESTAL_RUN_DIRECTORY:-$work/run}
 named=$shipped/devices/${KESTAL_DEVICE:-default}.json
 [ -z "$simulated" ] || must_exist
 if [ -z "$simulated" ]; then
+    [ -z "$of_simulator" ] || fail "$of_simulator needs a simulated device"
     scenario=none
 elif [ -z "${KESTAL_DEVICE-}" ] || { [ ! -e "$KESTAL_DEVICE" ] && [ -f "$named" ]; }; then
     KESTAL_DEVICE=$work/device.json
@@ -226,7 +236,6 @@ if [ -n "$simulated" ]; then
     export LOCPATH="${LOCPATH:-$locales}"
 fi
 
-[ -z "$commands" ] || [ -n "$simulated" ] || fail "--control needs a simulated device"
 # The web server has the configuration of a device, and what developers of pages need beside it.
 sign_in=
 if [ -z "${KESTAL_CONFIGURATION-}" ]; then

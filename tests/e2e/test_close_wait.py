@@ -8,17 +8,8 @@ import struct
 import pytest
 
 from support import processes, web
+from support.notifications import CHANNEL, notification
 from support.waiting import wait_until
-
-CHANNEL = "zelt.ans.notifications"
-MESSAGE = {
-    "id": "smsReceived",
-    "category": "messaging",
-    "severity": "info",
-    "labelId": "notification_category_messaging_label",
-    "titleId": "notification_sms_received_title",
-    "textId": "notification_sms_received_text",
-}
 
 
 def start(server):
@@ -45,7 +36,7 @@ def test_the_service_does_not_wait(server):
 
 def test_large_answers_are_whole(server):
     count = 10_000
-    server.device.change(msgbus={CHANNEL: [MESSAGE] * count})
+    server.device.change(msgbus={CHANNEL: [notification()] * count})
     for _ in range(3):
         answer = server.ask("/srv/notification")
         assert answer.status == 200
@@ -54,7 +45,7 @@ def test_large_answers_are_whole(server):
 
 def test_a_large_answer_to_a_slow_reader_is_whole(server):
     count = 10_000
-    server.device.change(msgbus={CHANNEL: [MESSAGE] * count})
+    server.device.change(msgbus={CHANNEL: [notification()] * count})
     with web.connect(server.port) as slow:
         slow.sendall(b"GET /srv/notification HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n")
         # The service answers other clients before this client has read a byte.

@@ -77,12 +77,14 @@ class Machine:
         with open(self.settings, "a") as file:
             file.writelines(f"{name}={value}\n" for name, value in values.items())
 
+    def order(self, command, *before):
+        inside = ["nsenter", "--mount", "--pid", "--root", "--wd", "--target", str(self.first)]
+        return [*inside, *before, str(self.shell), str(self.script), command]
+
     def call(self, command, expected=0):
         """What the script prints; it must end with the expected status."""
-        order = ["nsenter", "--mount", "--pid", "--root", "--wd", "--target", str(self.first)]
-        order += [str(self.shell), str(self.script), command]
         environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_TIMEOUT": "of the caller"}
-        done = subprocess.run(order, env=environment, capture_output=True, text=True, timeout=60)
+        done = subprocess.run(self.order(command), env=environment, capture_output=True, text=True, timeout=60)
         assert done.returncode == expected, done.stdout + done.stderr + self.printed()
         return re.sub(r"process \d+", "process N", done.stdout + done.stderr)
 
@@ -165,6 +167,19 @@ def test_a_web_server_that_is_killed_is_started_again(machine):
     wait_until(lambda: len(machine.named("kestal.cgi")) == 1, "the service that was left behind has ended")
     assert machine.call("status") == "kestal: serves, process N\n"
     machine.call("stop")
+
+
+@only_root
+def test_two_starts_at_once_leave_nothing_that_cannot_be_stopped(machine):
+    machine.call("start")
+    first = machine.keeper()
+    # What a second "start" does that has not seen the first one's keeper.
+    second = subprocess.Popen(machine.order("keep", "setsid"), env=paths.CLEAN_ENVIRONMENT)
+    wait_until(lambda: machine.keeper() != first, "the second keeper has told that it runs")
+    machine.call("stop")
+    wait_until(lambda: second.poll() is not None, "the second keeper has ended")
+    wait_until(lambda: not processes.is_alive(first), "the first keeper has ended")
+    assert not machine.named("lighttpd")
 
 
 @only_root

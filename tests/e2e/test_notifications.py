@@ -6,26 +6,14 @@ import json
 import pytest
 
 from support import paths
+from support.notifications import CHANNEL, notification
 
-CHANNEL = "zelt.ans.notifications"
 COUNT_ONE = "01000000"
 # Length of a record.
 RECORD = 464
 
 NO_LOCALE = "the machine has no locale {}: texts stay in the language before it, or untranslated"
 LOGIN = " You may be asked to log in."
-
-
-def notification(snake, **fields):
-    return {
-        "id": "smsReceived",
-        "category": "messaging",
-        "severity": "info",
-        "labelId": "notification_category_messaging_label",
-        "titleId": f"notification_{snake}_title",
-        "textId": f"notification_{snake}_text",
-        **fields,
-    }
 
 
 def publish(service, block):

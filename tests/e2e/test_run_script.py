@@ -306,6 +306,16 @@ def test_a_build_for_a_devices_own_libraries_does_not_mention_the_simulator(run,
     assert not processes.environment(service).keys() & {"LOCPATH", "KESTAL_SESSIONS"}
 
 
+@pytest.mark.parametrize("option", ["--device=roaming", "--scenario=commute", "--control"])
+def test_a_build_for_a_devices_own_libraries_refuses_what_only_a_simulated_device_has(run, work, option):
+    build = work / "vendor"
+    build.mkdir()
+    (build / "CMakeCache.txt").write_text("KESTAL_PLATFORM:STRING=vendor\n")
+    script = run(option, KESTAL_BUILD=str(build))
+    assert script.end() == 1
+    assert f"scripts/run: {option.partition('=')[0]} needs a simulated device\n" in script.output
+
+
 def test_a_build_for_a_devices_own_libraries_has_a_preset_and_leaves_the_release_alone(work):
     source = work / "source"
     source.mkdir()

@@ -109,12 +109,14 @@ def test_stopping_the_web_server_under_load_leaves_no_half_answers(server):
 
 def test_a_responder_whose_web_server_was_killed_goes_on_until_it_is_swept(server):
     responder = server.responder()
+    # What is left of an answer that was being sent.
+    (server.run / "lighttpd-upload-ab12CD").write_text("rest")
     kill_web_server(server)
     assert processes.is_alive(responder)
     subprocess.run([str(paths.LAUNCHER), "sweep"], env=server.environment, check=True)
     wait_for_end(responder)
     assert server.log.count("KESTAL_CGI Server Terminating") == 1
-    assert not list(server.run.glob("responder.sock*"))
+    assert not list(server.run.glob("responder.sock*")) + list(server.run.glob("lighttpd-upload-*"))
 
 
 def test_a_new_web_server_ends_a_stray_responder_and_starts_its_own(server):
