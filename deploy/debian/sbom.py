@@ -38,6 +38,9 @@ TAKEN_IN = {
     "kestal-dev": ["libutfcpp-dev", "nlohmann-json3-dev", "libcli11-dev"],
     "kestal-page": [],
 }
+# Files that localedef has made of the sources in this package.
+LOCALES = "locales"
+LOCALE_FILE = "SYS_LC_MESSAGES"
 
 
 def output(*command):
@@ -84,7 +87,7 @@ def compiled(content):
     return content.startswith((b"\x7fELF", b"!<arch>"))
 
 
-def files_in(deb, folder, licence_of_programs):
+def files_in(deb, folder, licence_of_programs, licence_of_locales):
     subprocess.run(["dpkg-deb", "-x", deb, folder], check=True, timeout=60)
     found = []
     for path in sorted(pathlib.Path(folder).rglob("*")):
@@ -95,6 +98,8 @@ def files_in(deb, folder, licence_of_programs):
         licence, author = "MIT", "2026 the kestal authors"
         if compiled(content):
             licence = licence_of_programs
+        elif path.name == LOCALE_FILE:
+            licence, author = licence_of_locales, "NOASSERTION"
         elif path.suffix == ".copyright":
             # The licence of another work.
             licence = author = "NOASSERTION"
@@ -125,9 +130,14 @@ def document(deb):
     others = [other for other in needed(deb) if other not in siblings]
     packages = {other: of_debian(other, architecture) for other in others}
     packages |= {taken: of_debian(taken) for taken in TAKEN_IN[name]}
-    together = " AND ".join(sorted({"MIT", *(packages[taken]["licenseDeclared"] for taken in TAKEN_IN[name])}))
+    licences = {"MIT", *(packages[taken]["licenseDeclared"] for taken in TAKEN_IN[name])}
+    locales = of_debian(LOCALES)
     with tempfile.TemporaryDirectory() as folder:
-        files = files_in(deb, folder, together)
+        files = files_in(deb, folder, " AND ".join(sorted(licences)), locales["licenseDeclared"])
+    made_of_locales = [entry for entry in files if entry["fileName"].endswith(f"/{LOCALE_FILE}")]
+    if made_of_locales:
+        packages[LOCALES] = locales
+        licences.add(locales["licenseDeclared"])
     sums = sorted(entry["checksums"][0]["checksumValue"] for entry in files)
     digest = hashlib.sha256(deb.read_bytes()).hexdigest()
     ours = {
@@ -142,7 +152,7 @@ def document(deb):
             "packageVerificationCodeValue": hashlib.sha1("".join(sums).encode()).hexdigest()
         },
         "checksums": [{"algorithm": "SHA256", "checksumValue": digest}],
-        "licenseConcluded": together,
+        "licenseConcluded": " AND ".join(sorted(licences)),
         "licenseDeclared": "MIT",
         "copyrightText": "2026 the kestal authors",
     }
@@ -150,6 +160,7 @@ def document(deb):
     relations += [(ours["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in files]
     relations += [(ours["SPDXID"], "DEPENDS_ON", packages[other]["SPDXID"]) for other in others]
     relations += [(ours["SPDXID"], "STATIC_LINK", packages[other]["SPDXID"]) for other in TAKEN_IN[name]]
+    relations += [(entry["SPDXID"], "GENERATED_FROM", locales["SPDXID"]) for entry in made_of_locales]
     for sibling in siblings:
         packages[sibling] = {
             "SPDXID": identifier(f"Package-{sibling}"),
