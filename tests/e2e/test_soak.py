@@ -46,14 +46,14 @@ def leaking(work):
     return {"KESTAL_SOAK_RESPONDER": str(service_with(work / "leaking", LD_PRELOAD=LEAK))}
 
 
-def count_blocks(work, *libraries, **variables):
+def count_blocks(work, *libraries, options=(), **variables):
     """A soak with a device that does not change, because the C library would keep memory for each text that
     appears for the first time. Memory pages are not judged: after so short a warm-up, the web server may
     still need more."""
     memory = Memory(work)
     program = memory.program(*libraries, **variables)
     return soak(
-        work, "--requests", "2000", "--warm-up", "300", "--changes", "0", "--tolerance", "1000",
+        work, "--requests", "2000", "--warm-up", "300", "--changes", "0", "--tolerance", "1000", *options,
         KESTAL_SOAK_RESPONDER=str(program), KESTAL_SOAK_MEMORY=str(memory.path),
     )
 
@@ -72,6 +72,35 @@ def test_a_leak_in_few_requests_is_noticed(work):
     assert report["errors"] == 0
     assert 0 < report["newBlocks"] < 20
     assert report["failures"] == [f"service: holds {report['newBlocks']} more blocks of memory"]
+
+
+LONG = ("--long", "--legs", "5", "--web-servers")
+OF_REQUESTS, OF_SERVERS = "million requests", "hundred killed web servers"
+
+
+def blocks(report, per):
+    """How many blocks the service held again and again during a long soak."""
+    return [count for _, count in report["series"][per]["service: blocks of memory"]["samples"]]
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers replace malloc")
+def test_neither_requests_nor_killed_web_servers_leave_blocks_of_memory_behind(work):
+    report = count_blocks(work, options=(*LONG, "3"))
+    assert [failure for failure in report["failures"] if not failure.startswith("grows: ")] == []
+    assert report["requests"] >= 2000 + 3 * 500
+    assert report["killedWebServers"] == 3
+    for per, samples in ((OF_REQUESTS, 5), (OF_SERVERS, 3)):
+        assert len(blocks(report, per)) == samples
+        assert len(set(blocks(report, per))) == 1
+        assert {count for _, count in report["series"][per]["processes"]["samples"]} == {2}
+
+
+@pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers replace malloc")
+def test_a_leak_in_few_requests_is_noticed_by_a_long_soak(work):
+    report = count_blocks(work, str(LEAK), options=(*LONG, "0"), KESTAL_LEAK_EVERY="50")
+    held = blocks(report, OF_REQUESTS)
+    assert held == sorted(set(held))
+    assert [failure for failure in report["failures"] if failure.startswith("grows: service: blocks of memory")]
 
 
 @pytest.mark.skipif(bool(paths.SANITIZERS), reason="sanitizers do not reuse freed memory")

@@ -1,5 +1,6 @@
 """Changes the device continually while clients send requests."""
 
+import collections
 import contextlib
 import fcntl
 import itertools
@@ -11,12 +12,26 @@ import threading
 from support import paths
 
 LANGUAGES = ["en_US", "de_DE", "fr_FR", "es_ES", "ja_JP", "ar_EG"]
-# The changes that kestal-sim makes, in turn.
-COMMANDS = [
-    [["set", "sys.getBatteryStatus.chargePercent", "9"]],
-    [["fail", "sys.getGPSStatus", "5"], ["heal", "sys.getGPSStatus"]],
-    [["notify", "smsReceived"], ["notify", "--clear"]],
-]
+
+def another_sim(number):
+    """The commands that take the SIM out and put in one that the device has never seen."""
+    return [
+        ["set", "sys.getSIMStatus", "not_found"],
+        ["set", "sys.getSubscriberInfo", json.dumps({"identity": f"31048{number:010}"})],
+        ["set", "sys.getSIMCarrierGID", json.dumps({"0": [number % 256, 17], "1": [186]})],
+        ["set", "sys.getSIMStatus", "ready"],
+    ]
+
+
+# The changes that kestal-sim makes, in turn, as functions of a number that is new each time.
+COMMANDS = {
+    "document edits": lambda number: [["set", "sys.getBatteryStatus.chargePercent", str(number % 100)]],
+    "failing calls": lambda number: [["fail", "sys.getGPSStatus", "5"], ["heal", "sys.getGPSStatus"]],
+    "notifications": lambda number: [["notify", "smsReceived"], ["notify", "--clear"]],
+    "language changes": lambda number: [["set", "webui.i18nSettings.language", LANGUAGES[number % len(LANGUAGES)]]],
+    "SIM swaps": another_sim,
+}
+NUMBERS = itertools.count()
 COMMAND_EVERY = 40
 # Seconds without a change after each round. After so long, the service stops to read the unchanged document,
 # which the soak must cover, too.
@@ -73,7 +88,8 @@ class Changes:
         self.states = states()
         self.count = 0
         self.rounds = 0
-        self.commands = 0
+        self.commands = collections.Counter()
+        """The changes that kestal-sim has made, by kind."""
         self.problems = []
         self.ended = threading.Event()
         self.thread = threading.Thread(target=self._run)
@@ -91,7 +107,7 @@ class Changes:
         if self.interval == 0:
             self.rounds = 1
             return
-        commands = itertools.cycle(COMMANDS)
+        kinds = itertools.cycle(COMMANDS)
         while True:
             for state in self.states:
                 if self.ended.wait(self.interval):
@@ -100,8 +116,10 @@ class Changes:
                 self.count += 1
                 if self.count % COMMAND_EVERY == 0:
                     self._write(self.original)
-                    for command in next(commands):
+                    kind = next(kinds)
+                    for command in COMMANDS[kind](next(NUMBERS)):
                         self._command(command)
+                    self.commands[kind] += 1
             self.rounds += 1
             if self.ended.wait(REST):
                 return
@@ -115,6 +133,5 @@ class Changes:
     def _command(self, arguments):
         environment = {**paths.CLEAN_ENVIRONMENT, "KESTAL_DEVICE": str(self.device.path)}
         run = subprocess.run([str(paths.SIM), *arguments], env=environment, capture_output=True, text=True)
-        self.commands += 1
         if run.returncode != 0:
             self.problems.append(f"kestal-sim {' '.join(arguments)}: {run.stderr.strip()}")

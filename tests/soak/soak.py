@@ -14,6 +14,7 @@ import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
 
+import growth
 import kills
 import memory
 import mix
@@ -21,7 +22,7 @@ import report
 from client import Clients
 from device import Changes
 from support import paths, processes
-from support.memory import held
+from support.memory import Memory, held
 from support.server import Server
 from support.sessions import open_session
 from support.waiting import wait_until
@@ -38,7 +39,7 @@ SERIES = 3
 def arguments():
     parser = argparse.ArgumentParser(prog="scripts/soak", description=__doc__)
     parser.add_argument("--requests", type=int, help="number of requests (default 100000)")
-    parser.add_argument("--seconds", type=float, help="duration, instead of a number of requests")
+    parser.add_argument("--seconds", type=float, help="duration, instead of a number of requests; with --long at most")
     parser.add_argument("--warm-up", type=int, default=5000, help="requests before the measurement (default 5000)")
     parser.add_argument("--processes", type=int, default=1, help="number of client processes (default 1)")
     parser.add_argument("--connections", type=int, default=8, help="connections of each process (default 8)")
@@ -51,10 +52,20 @@ def arguments():
     parser.add_argument(
         "--outage", type=float, default=5.0, help="seconds for which requests may fail after a kill (default 5)"
     )
+    parser.add_argument(
+        "--long",
+        action="store_true",
+        help="judge growth by memory and blocks of memory at rest, between legs of the requests (default 10000000)"
+        " and after web servers were killed",
+    )
+    parser.add_argument("--legs", type=int, default=100, help="into which --long divides the requests (default 100)")
+    parser.add_argument(
+        "--web-servers", type=int, default=100, help="that --long kills after the requests (default 100)"
+    )
     parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="also write the report to this file")
     options = parser.parse_args()
     if options.requests is None:
-        options.requests = 10**12 if options.seconds else 100_000
+        options.requests = 10_000_000 if options.long else 10**12 if options.seconds else 100_000
     return options
 
 
@@ -63,12 +74,15 @@ class Soak:
         self.server = server
         self.options = options
         self.samples = {}
-        self.pids = {"service": server.responder(), "web server": server.process.pid}
+        self.find_processes()
         agent = ("--idle", str(YEAR))
         self.kinds = mix.kinds(
             open_session(server, "127.0.0.1", mix.AGENT, *agent),
             open_session(server, "192.168.1.5", mix.AGENT, *agent),
         )
+
+    def find_processes(self):
+        self.pids = {"service": self.server.responder(), "web server": self.server.process.pid}
 
     def clients(self, requests, seed):
         options = self.options
@@ -121,13 +135,18 @@ class Soak:
         clients.stop()
         return clients.results()
 
-    def run(self):
+    def warmed_up(self):
+        """Puts the device into all its states under load; returns the problems."""
         with Changes(self.server.device, self.options.changes) as warm_up:
             _, problems, _ = self.warm_up(warm_up)
         if not self.is_same():
             sys.exit("the service has ended during the warm-up")
         for problem in warm_up.problems:
             problems[problem] += 1
+        return problems
+
+    def run(self):
+        problems = self.warmed_up()
         # A leak goes on in each series. Other growth ends, such as that of the C library, which keeps memory
         # for each text that appears for the first time.
         for _ in range(SERIES):
@@ -175,7 +194,7 @@ class Soak:
             seconds=seconds,
             slowest=slowest,
             changes=changes.count,
-            commands=changes.commands,
+            commands=changes.commands.total(),
             restarted=not self.is_same(),
             start=start,
             end=after or start,
@@ -203,6 +222,20 @@ def start(server):
     wait_until(lambda: server.ask("/srv/status").status == 200, "the service serves")
 
 
+def count_blocks(folder):
+    """Has the service count its blocks of memory."""
+    memory = Memory(folder)
+    os.environ["KESTAL_SOAK_RESPONDER"] = str(memory.program())
+    os.environ["KESTAL_SOAK_MEMORY"] = str(memory.path)
+
+
+def measure(server, options):
+    if options.kill:
+        return kills.run(server, options.kill, options.outage)
+    soak = Soak(server, options)
+    return growth.run(soak, start, options) if options.long else soak.run()
+
+
 def main():
     options = arguments()
     # Handle these signals even if the caller ignores them, so that the web server ends together with the soak.
@@ -211,16 +244,21 @@ def main():
     folder = pathlib.Path(tempfile.mkdtemp(prefix="kestal-soak-"))
     server = Server(folder)
     server.environment["KESTAL_LOG_LEVEL"] = "5"
+    if options.long and "KESTAL_SOAK_MEMORY" not in os.environ:
+        count_blocks(folder)
     # The tests of the soak itself replace the service by another program.
     if "KESTAL_SOAK_RESPONDER" in os.environ:
         server.environment["KESTAL_RESPONDER"] = os.environ["KESTAL_SOAK_RESPONDER"]
     try:
         start(server)
-        result = kills.run(server, options.kill, options.outage) if options.kill else Soak(server, options).run()
+        result = measure(server, options)
+        failures = result.failures()
         print(result.text())
+        print("\n".join(f"FAILED: {failure}" for failure in failures) or "good")
         if options.json:
-            options.json.write_text(json.dumps(result.data(), indent=2) + "\n")
-        return 0 if result.is_good() else 1
+            data = {"good": not failures, "failures": failures, **result.data()}
+            options.json.write_text(json.dumps(data, indent=2) + "\n")
+        return 1 if failures else 0
     finally:
         server.close()
         if "KESTAL_KEEP" in os.environ:

@@ -8,9 +8,9 @@ import subprocess
 from support.program import service_with
 
 # The shared file begins with the orders of the test and the resulting counts (ORDERS). After them, it has the
-# number of blocks that the service holds (HELD).
+# number of blocks that the service holds, and their bytes (HELD).
 ORDERS = struct.Struct("6i")
-HELD = struct.Struct("q")
+HELD = struct.Struct("2q")
 SOURCE = pathlib.Path(__file__).parent / "failing_memory.c"
 HEALTHY = 1 << 30
 """The number of an allocation that is never reached, so that none fails."""
@@ -48,3 +48,15 @@ def held(path):
     """How many blocks the service holds that shares this file with a Memory. Only differences between
     two calls have a meaning."""
     return HELD.unpack_from(path.read_bytes(), ORDERS.size)[0]
+
+
+def held_bytes(path):
+    """How many bytes these blocks have."""
+    return HELD.unpack_from(path.read_bytes(), ORDERS.size)[1]
+
+
+def forget(path):
+    """Counts from zero again, after a service has ended that shares this file with a Memory."""
+    with path.open("r+b") as file:
+        file.seek(ORDERS.size)
+        file.write(bytes(HELD.size))
