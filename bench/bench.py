@@ -106,7 +106,12 @@ def main():
     parser.add_argument("--quick", action="store_true", help="a rough first look, a minute or two")
     parser.add_argument("--rounds", type=int, default=15, help="how often each is measured (15)")
     parser.add_argument(
-        "--instructions", action="store_true", help="only count instructions: a minute, on any machine"
+        "--instructions",
+        nargs="?",
+        const="",
+        choices=["", "arm64", "armhf"],
+        metavar="arm64 | armhf",
+        help="only count instructions: a minute, on any machine; those of another processor in an emulator",
     )
     parser.add_argument(
         "--small",
@@ -122,8 +127,8 @@ def main():
         help="put the last results into docs/performance.md and its plot, measure nothing",
     )
     arguments = parser.parse_args()
-    if arguments.instructions:
-        print(report.instructions_table(alone(instructions)))
+    if arguments.instructions is not None:
+        print(report.instructions_table({tree_of_build(): alone(instructions)}))
         return
     if arguments.small:
         print(report.small_machine_table(alone(small_machine, arguments.rounds, 30)))

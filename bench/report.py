@@ -80,28 +80,39 @@ def stack_table(stack, connections):
     return table(head, rows)
 
 
-def instructions_table(counted):
+def instructions_table(counted_by_tree):
+    """One column for each answer tree that the service was linked with. The floor has none."""
+    first = next(iter(counted_by_tree.values()))
     rows = [
         [
             name,
-            f"{kinds['service']:,}",
+            *(f"{counted[name]['service']:,}" for counted in counted_by_tree.values()),
             f"{kinds['floor']:,}",
             f"{kinds['service'] / kinds['floor']:.2f}",
             f"{kinds['bytes']:,}",
         ]
-        for name, kinds in counted.items()
+        for name, kinds in first.items()
     ]
-    return table(["answer", "instructions", "the floor's", "floors", "bytes of the answer"], rows)
+    return table(["answer", *map(TREES.get, counted_by_tree), "the floor's", "floors", "bytes of the answer"], rows)
 
 
 def small_machine_table(measured):
-    pages, quarter = measured["pages"], measured["quarter"]
+    pages, quarter, rounds = measured["pages"], measured["quarter"], measured["rounds"]
     rows = [
         [f"ten open pages: {name}, ms of processor time a second", f"{cost:.2f}"] for name, cost in pages.items()
     ]
-    rows.append(["a quarter of a processor: `status`, requests/s", f"{quarter['requestsPerSecond']:,.0f}"])
-    rows.append(["a quarter of a processor: `status`, p99, ms", f"{quarter['p99'] / 1000:.1f}"])
-    return table(["what", "figure"], rows)
+    what = "a quarter of a processor: `status`"
+    if quarter is None:
+        rows.append([what, "refused, other processes ran"])
+    else:
+        rows.append([f"{what}, requests/s", f"{quarter['requestsPerSecond']:,.0f}"])
+        rows.append([f"{what}, p99, ms", f"{quarter['p99'] / 1000:.1f}"])
+        rows.append([f"{what}, other load %, median of {rounds} rounds", f"{100 * quarter['foreign']:.1f}"])
+    load = ", ".join(f"{average:.2f}" for average in measured["loadAverage"])
+    return (
+        f"Ten open pages keep one processor core busy for {sum(pages.values()):.1f} milliseconds a second.\n"
+        f"Load averages of the machine before the start: {load}.\n\n" + table(["what", "figure"], rows)
+    )
 
 
 def without_figures(stack):
@@ -201,7 +212,7 @@ def markdown(results_by_tree):
         targets_table(results_by_tree),
     ]
     parts.append("### Instructions of one request")
-    parts.append(instructions_table(results["instructions"]))
+    parts.append(instructions_table({tree: each["instructions"] for tree, each in results_by_tree.items()}))
     for connections in [8, 1, 32]:
         parts.append(f"### Whole stack, {connections} connection{'s' if connections > 1 else ''}")
         parts.append(stack_table(stack, connections))

@@ -7,19 +7,11 @@ import time
 
 import measuring
 from support import fastcgi, paths, processes
+from support.notifications import CHANNEL, notification
 from support.responder import Responder
 from support.server import Server
 from support.waiting import wait_until
 
-CHANNEL = "zelt.ans.notifications"
-NOTIFICATION = {
-    "id": "smsReceived",
-    "category": "messaging",
-    "severity": "info",
-    "labelId": "notification_category_messaging_label",
-    "titleId": "notification_sms_received_title",
-    "textId": "notification_sms_received_text",
-}
 # Name, target, number of records in the list of notifications.
 OPERATIONS = [
     ("status", "/srv/status", 0),
@@ -45,7 +37,7 @@ def as_on_a_device(environment):
 class Subject:
     """A responder behind a web server of its own with the shipped configuration."""
 
-    def __init__(self, work, name, program, device):
+    def __init__(self, work, name, program, device, **environment):
         self.server = Server(work, name)
         # The launcher passes on only the variables of the service. So for the other responders,
         # KESTAL_DEVICE names the file with the body that they answer.
@@ -54,6 +46,7 @@ class Subject:
             "KESTAL_RESPONDER": str(program),
             "KESTAL_DEVICE": str(device),
             "KESTAL_DOCUMENT_ROOT": str(work),
+            **environment,
         }
         self.server.process = self.server.launch()
         wait_until(self.server.is_up, f"the web server of {name} has started")
@@ -72,7 +65,7 @@ class Row:
         label = name.replace(" ", "").replace(",", "")
         device = work / f"{label}.json"
         document = json.loads(paths.DEFAULT_DEVICE.read_text())
-        document["msgbus"][CHANNEL] = [NOTIFICATION] * records
+        document["msgbus"][CHANNEL] = [notification()] * records
         device.write_text(json.dumps(document))
         service = Subject(work, f"{label}-s", build / "service" / "kestal.cgi", device)
         answer = service.server.ask(target)
