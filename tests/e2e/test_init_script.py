@@ -114,8 +114,10 @@ class Machine:
         return wait_until(lambda: len(found := self.named("lighttpd")) == 1 and found, "there is one web server")[0]
 
     def keeper(self):
+        """Its process id; None while it is about to write its file."""
         inside = self.pidfile.read_text().strip()
-        return next(pid for pid in self.named("sh") if processes.field(pid, "NSpid").split()[-1] == inside)
+        shells = self.named("sh")
+        return next((pid for pid in shells if (processes.field(pid, "NSpid") or "0").split()[-1] == inside), None)
 
     def kill(self, pid):
         os.kill(pid, signal.SIGKILL)
@@ -175,7 +177,7 @@ def test_two_starts_at_once_leave_nothing_that_cannot_be_stopped(machine):
     first = machine.keeper()
     # What a second "start" does that has not seen the first one's keeper.
     second = subprocess.Popen(machine.order("keep", "setsid"), env=paths.CLEAN_ENVIRONMENT)
-    wait_until(lambda: machine.keeper() != first, "the second keeper has told that it runs")
+    wait_until(lambda: machine.keeper() not in (None, first), "the second keeper has told that it runs")
     machine.call("stop")
     wait_until(lambda: second.poll() is not None, "the second keeper has ended")
     wait_until(lambda: not processes.is_alive(first), "the first keeper has ended")

@@ -105,7 +105,7 @@ def test_answers_and_log_are_the_same_while_somebody_watches(make_responder, wat
             watcher.wait_for("  sys_sdkShutdown: done")
         peer.stop()
         # Without times, process ids and addresses of threads.
-        return body, re.sub(r"^\S+ |\[\d+\]|\d{4,}", "", peer.log.text(), flags=re.MULTILINE)
+        return body, re.sub(r"^\S+ |\[\d+\]|\bID:\d+|\d{4,}", "", peer.log.text(), flags=re.MULTILINE)
 
     assert answer_and_log(True) == answer_and_log(False)
 

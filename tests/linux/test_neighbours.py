@@ -242,7 +242,7 @@ def test_an_update_during_which_rauc_is_killed_has_failed(lab):
     lab.update.install(lab.update.bundle())
     lab.service.shows(StatusBarSoftwareUpdateStatus=INSTALLING)
     lab.update.kill()
-    wait_until(lambda: lab.service.said()["rauc: lost: RAUC is gone"] == 1, "the service has noticed", 10)
+    wait_until(lambda: lab.service.said()["rauc: lost: RAUC is gone"] == 1, "the service has noticed")
     lab.update.let_go()
     lab.update.start()
     lab.service.shows(StatusBarSoftwareUpdateStatus=FAILED)

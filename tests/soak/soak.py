@@ -114,7 +114,12 @@ class Soak:
         self.at_rest()
         # The connection is closed before what the answer was made from is freed.
         wait_until(lambda: not processes.runs(self.pids["service"]), "the service waits")
-        return held(pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"]))
+        file = pathlib.Path(os.environ["KESTAL_SOAK_MEMORY"])
+        before, now = None, held(file)
+        while before != now:
+            time.sleep(0.05)
+            before, now = now, held(file)
+        return now
 
     def keep_log_short(self):
         """Empties a long log, like a log rotation that truncates the file."""

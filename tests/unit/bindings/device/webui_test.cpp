@@ -207,10 +207,12 @@ TEST_F(Webui, SharesTheSnapshotOfTheSession) {
     EXPECT_STREQ(settings.language, "fr_FR");
 }
 
-// The locale for each language is looked for. Sanitizers have another malloc, which mallinfo2 does
-// not describe; they look for leaks themselves.
+// The locale for each language is looked for. The C library counts blocks that it keeps for reuse
+// as used, so there may be some more of them; one block for each change would be 32 bytes or more.
+// Sanitizers have another malloc, which mallinfo2 does not describe; they look for leaks
+// themselves.
 TEST_F(Webui, ManyChangesOfTheLanguageLeaveNoMemoryBehind) {
-    ASSERT_EQ(setenv("LOCPATH", "/nonexistent", 1), 0);
+    environment.Set("LOCPATH", "/nonexistent");
     textdomain("kestal");
     const auto change = [this](int times) {
         webui_i18n_settings_t settings{};
@@ -222,9 +224,8 @@ TEST_F(Webui, ManyChangesOfTheLanguageLeaveNoMemoryBehind) {
         return mallinfo2().uordblks;
     };
     const std::size_t before = change(10);
-    EXPECT_EQ(change(200), before);
+    EXPECT_LT(change(200), before + std::size_t{200} * 16);
     textdomain("messages");
-    unsetenv("LOCPATH");
 }
 
 }  // namespace

@@ -165,21 +165,6 @@ TEST_F(DebugLog, TellsTheJournalTheLevelOfALineAndNobodyElse) {
     EXPECT_THAT(ReadFile(directory / "log"), MatchesRegex("20[^<>]* text\n"));
 }
 
-TEST_F(DebugLog, TellsTheJournalTheLevelOfLinesThatWereHeldBack) {
-    const StandardError error;
-    environment.Unset("KESTAL_LOG");
-    environment.Set("JOURNAL_STREAM", StandardErrorName());
-    (void)toru_dbg_start("kestal.cgi");
-    (void)error.Writes();
-    for (int count = 0; count < 2; ++count) {
-        toru_dbg_log("M", TORU_DBG_ERROR, "text");
-    }
-    toru_dbg_stop();
-    EXPECT_THAT(error.Writes(),
-                ElementsAre(MatchesRegex("<3>20[^<>]* text\n"),
-                            MatchesRegex("<3>20[^<>]* text .1 times, last 0 s ago.\n")));
-}
-
 TEST(DebugLogDeathTest, FirstLineNamesTheProgramEvenIfTheCallerDoesNot) {
     // The line is written once in a process, so it needs one of its own.
     testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -453,6 +438,21 @@ TEST_F(DebugLogOfAPermanentFault, HasALineForEachOtherFault) {
     Fail(6);
     Fail(5);
     EXPECT_THAT(Log(), ElementsAre("call failed [5]", "call failed [6]"));
+}
+
+TEST_F(DebugLogOfAPermanentFault, TellsTheJournalTheLevelOfLinesThatWereHeldBack) {
+    const StandardError error;
+    environment.Unset("KESTAL_LOG");
+    environment.Set("JOURNAL_STREAM", StandardErrorName());
+    (void)toru_dbg_start("kestal.cgi");
+    (void)error.Writes();
+    for (int count = 0; count < 2; ++count) {
+        toru_dbg_log("M", TORU_DBG_ERROR, "text");
+    }
+    toru_dbg_stop();
+    EXPECT_THAT(error.Writes(),
+                ElementsAre(MatchesRegex("<3>20[^<>]* text\n"),
+                            MatchesRegex("<3>20[^<>]* text .1 times, last 0 s ago.\n")));
 }
 
 TEST_F(DebugLogOfAPermanentFault, HasOtherLinesInFull) {
