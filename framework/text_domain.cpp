@@ -28,9 +28,9 @@ class Translations {
             changes = _nl_msg_cat_cntr;
         }
         Entry& entry = Find(id);
-        // gettext also finds nothing while memory is short. So it is asked twice for what it does
-        // not find, and twice again whenever the number of uses overflows.
-        if (!entry.found && entry.uses++ < 2) {
+        // gettext also finds nothing while memory is short. So it is asked again, in two of sixteen
+        // uses, for what it does not find.
+        if (!entry.found && entry.uses++ % 16 < 2) {
             const char* const text = dgettext(kTextDomain, entry.id.data());
             entry.found = text != entry.id.data();
             entry.text = text;

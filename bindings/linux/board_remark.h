@@ -5,7 +5,8 @@
 
 namespace binding {
 
-/// Says that the answers lack what daemons would tell, if they do; otherwise the text is empty.
+/// Says so if a source has not said whether it is there, or the system bus does not answer;
+/// otherwise the text is empty.
 /// Waits as a call that answers does.
 std::string BoardRemark();
 

@@ -68,7 +68,7 @@ class Snapshots {
         std::optional<TrafficMeter::Connection> connection;
         /// Whether the device is whole, so that nobody needs to wait for more.
         bool isComplete;
-        /// The same, and nothing counts as absent because it could not be asked.
+        /// The same, and the system bus, if there is one, answers.
         bool isWhole;
         /// Adds to the device what follows from the rest of it.
         std::function<void(Device& device)> finish;

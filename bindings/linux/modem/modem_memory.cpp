@@ -33,11 +33,11 @@ ModemMemory::ModemMemory(sd_event* event, std::function<void()> newChanged)
     : path(StatePath("modem")),
       changed(std::move(newChanged)),
       written(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      writing(path, [this](const std::string& problem) {
-          if (problem.empty()) {
+      writing(path, [this](const char* problem) {
+          if (problem == nullptr) {
               (void)eventfd_write(written.Number(), 1);
           } else {
-              LogProblem(problem.c_str());
+              LogProblem(problem);
           }
       }) {
     const std::filesystem::path file(path);

@@ -13,7 +13,8 @@
 namespace binding {
 
 /// It is in a small file of the state directory, which other programs with this binding change,
-/// too, and whose changes are noticed. What is set counts at once, and is on the disk soon after.
+/// too, and whose changes are noticed. What is set counts at once, and is on the disk soon after;
+/// the destructor waits until it is, however slow the disk.
 class ModemMemory {
   public:
     /// Calls @p newChanged when another program has changed the file.

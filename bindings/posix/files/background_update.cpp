@@ -46,18 +46,27 @@ void BackgroundUpdate::Work() {
             change = std::move(changes.front());
             changes.pop_front();
         }
-        std::string problem;
+        // Kept as it is, because memory for a text of it may be what is missing.
+        std::exception_ptr problem;
         try {
             UpdateFileWithoutLock(path, MissingFile::createdForAll, change);
-        } catch (const std::exception& error) {
-            problem = error.what();
+        } catch (const std::exception&) {
+            problem = std::current_exception();
         }
         {
             const std::scoped_lock lock(mutex);
             isLast = changes.empty();
             isBusy = !isLast;
         }
-        made(problem);
+        if (problem == nullptr) {
+            made(nullptr);
+            continue;
+        }
+        try {
+            std::rethrow_exception(problem);
+        } catch (const std::exception& error) {
+            made(error.what());
+        }
     }
 }
 

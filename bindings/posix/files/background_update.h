@@ -16,8 +16,8 @@ class BackgroundUpdate {
   public:
     using Change = std::function<std::string(const std::string& contents)>;
     /// Called on that thread after each change; @p problem says why it could not be made, and is
-    /// empty if it was.
-    using Made = std::function<void(const std::string& problem)>;
+    /// null if it was. Must not throw.
+    using Made = std::function<void(const char* problem)>;
 
     /// A file that does not exist counts as empty and gets the mode that the umask leaves.
     BackgroundUpdate(std::string newPath, Made newMade);

@@ -50,12 +50,13 @@ bool TryToReplace(const std::filesystem::path& target, MissingFile missing,
     if (locked) {
         directory.Lock(parent);
     }
+    // First, so that a file that somebody makes meanwhile counts as a change.
+    FileStamp stamp = StampOf(target);
     struct stat original = {};
     const bool exists = stat(target.c_str(), &original) == 0;
     if (!exists && (errno != ENOENT || missing == MissingFile::fails)) {
         ThrowSystemError(target);
     }
-    FileStamp stamp = StampOf(target);
     const std::string before = exists ? ReadFile(target, stamp) : std::string();
     const std::string after = change(before);
     if (exists && after == before) {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <system_error>
 
 namespace binding {
 
@@ -35,7 +36,7 @@ std::filesystem::path TargetOf(const std::string& path) {
 Replacement::Replacement(const std::filesystem::path& newTarget, mode_t mode)
     : target(newTarget), file(Create(newTarget, mode, name)) {
     if (file.Number() < 0) {
-        ThrowSystemError(name);
+        ThrowSystemError(target);
     }
 }
 
@@ -51,7 +52,7 @@ void Replacement::Write(std::string_view contents) const {
         if (count > 0) {
             contents.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno != EINTR) {
-            ThrowSystemError(name);
+            ThrowSystemError(target);
         }
     }
 }
@@ -62,7 +63,7 @@ void Replacement::CopyOwnerAndMode(const struct stat& original) const {
     const int given = fchown(file.Number(), original.st_uid, original.st_gid);
     static_cast<void>(given);
     if (fchmod(file.Number(), original.st_mode & 07777U) != 0) {
-        ThrowSystemError(name);
+        ThrowSystemError(target);
     }
 }
 
@@ -84,15 +85,21 @@ void Replacement::BecomeTarget() {
     if (link(name.c_str(), target.c_str()) == 0) {
         return;
     }
-    if (errno != EPERM && errno != EOPNOTSUPP) {
+    if (errno == EEXIST) {
         ThrowSystemError(target);
     }
-    // A memory stick without links: the name is taken first, so that nobody else has it.
+    // File systems without links say so in different ways. The name is taken first, so that nobody
+    // else has it.
     const FileDescriptor taken(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (taken.Number() < 0) {
         ThrowSystemError(target);
     }
-    ReplaceTarget();
+    try {
+        ReplaceTarget();
+    } catch (const std::system_error&) {
+        (void)unlink(target.c_str());
+        throw;
+    }
 }
 
 }  // namespace binding

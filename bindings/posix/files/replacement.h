@@ -34,7 +34,8 @@ class Replacement {
 
     void ReplaceTarget();
 
-    /// The same unless there is a target: then it fails with EEXIST.
+    /// The same unless there is a target: then it fails with EEXIST. When it fails, it leaves no
+    /// target of its own.
     void BecomeTarget();
 
   private:

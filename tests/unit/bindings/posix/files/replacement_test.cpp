@@ -6,34 +6,48 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 #include "tests/support/scratch.h"
 
 namespace {
 
-/// Of a file system that knows no links.
-bool hasNoLinks = false;
+/// With which calls fail; 0 if they do not.
+int linkError = 0;
+int renameError = 0;
 
 }  // namespace
 
 /// Takes the place of the C library's.
 extern "C" int link(const char* from, const char* to) noexcept {
-    if (hasNoLinks) {
-        errno = EPERM;
+    if (linkError != 0) {
+        errno = linkError;
         return -1;
     }
     return static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+/// Takes the place of the C library's.
+extern "C" int rename(const char* from, const char* to) noexcept {
+    if (renameError != 0) {
+        errno = renameError;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 
 namespace {
 
 using binding::Replacement;
 
-class NewFileWithLinks : public SimulatedDevice, public testing::WithParamInterface<bool> {
+class NewFileWithLinks : public SimulatedDevice, public testing::WithParamInterface<int> {
   protected:
-    NewFileWithLinks() { hasNoLinks = !GetParam(); }
-    ~NewFileWithLinks() override { hasNoLinks = false; }
+    NewFileWithLinks() { linkError = GetParam(); }
+    ~NewFileWithLinks() override {
+        linkError = 0;
+        renameError = 0;
+    }
 
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
@@ -65,6 +79,22 @@ TEST_P(NewFileWithLinks, BecomesAnotherOnlyIfThereIsNone) {
     EXPECT_THAT(Names(), testing::ElementsAre("file"));
 }
 
-INSTANTIATE_TEST_SUITE_P(ReplacementTest, NewFileWithLinks, testing::Bool());
+TEST_P(NewFileWithLinks, LeavesNothingBehindIfItCannotBecomeTheTarget) {
+    std::filesystem::create_directory(file.parent_path());
+    const bool needsRename = GetParam() != 0;
+    renameError = ENOSPC;
+    {
+        Replacement replacement(file, 0600);
+        replacement.Write("text");
+        if (needsRename) {
+            EXPECT_THROW(replacement.BecomeTarget(), std::system_error);
+        } else {
+            replacement.BecomeTarget();
+        }
+    }
+    EXPECT_EQ(Names().empty(), needsRename);
+}
+
+INSTANTIATE_TEST_SUITE_P(ReplacementTest, NewFileWithLinks, testing::Values(0, EPERM, ENOSYS));
 
 }  // namespace
