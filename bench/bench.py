@@ -61,11 +61,13 @@ def program_size(work):
 
 
 def measure(arguments):
-    rounds, seconds = (2, 1) if arguments.quick else (arguments.rounds, 2)
+    rounds, seconds = (2, 1) if arguments.quick else (arguments.rounds, arguments.seconds)
     work = pathlib.Path(tempfile.mkdtemp(prefix="kestal-bench-"))
     try:
         results = {
             "commit": commit(),
+            "rounds": rounds,
+            "seconds": seconds,
             "loadAverage": os.getloadavg(),
             "programBytes": program_size(work),
             "instructions": instructions.measure(work, BUILD, say),
@@ -105,6 +107,7 @@ def main():
     parser = argparse.ArgumentParser(prog="scripts/bench", description="Measures the service.")
     parser.add_argument("--quick", action="store_true", help="a rough first look, a minute or two")
     parser.add_argument("--rounds", type=int, default=15, help="how often each is measured (15)")
+    parser.add_argument("--seconds", type=int, default=2, help="how long each load of a round lasts (2)")
     parser.add_argument(
         "--instructions",
         nargs="?",

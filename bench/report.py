@@ -207,7 +207,8 @@ def markdown(results_by_tree):
     stack, inside = results["stack"], results["inProcess"]
     load = ", ".join(f"{average:.2f}" for average in results["loadAverage"])
     parts = [
-        f"Commit {results['commit']}; load averages of the machine before the start: {load}.",
+        f"Commit {results['commit']}, {results['rounds']} rounds, in which wrk sends requests for {results['seconds']} s"
+        f" each time; load averages of the machine before the start: {load}.",
         "### Targets",
         targets_table(results_by_tree),
     ]
