@@ -4,7 +4,7 @@ usage: figures.py measure FOLDER RELEASE ARCHITECTURE [EMULATOR]
        figures.py document FOLDER PAGE
 
 The first measures the packages in FOLDER, for another architecture in the emulator, and writes FOLDER/figures.json.
-The second puts all FOLDER/*/figures.json into PAGE.
+The second puts all FOLDER/*/figures.json into PAGE, whose rows of other packages stay.
 """
 
 import json
@@ -98,11 +98,18 @@ def measure(folder, release, architecture, *emulator):
     (folder / "figures.json").write_text(json.dumps(figures, indent=1) + "\n")
 
 
-def row(figures):
+def built_from(folder):
+    """The commit, or the release, of the packages in a folder."""
+    version = next(folder.glob("*.changes")).name.split("_")[1]
+    return re.sub(r"\+deb\d+$", "", re.sub(r"^.*~git[\d.]*\.(\w{7}).*", r"\1", version))
+
+
+def row(figures, version):
     times = figures["firstAnswerMilliseconds"]
     ratios = [service / bare for service, bare in zip(times["service"], times["bare"])]
     return [
         f"Debian {figures['release']}, {figures['architecture']}",
+        version,
         f"{figures['packageBytes'] / 1024:,.0f}",
         f"{figures['boardBytes'] / 1024:,.0f}",
         f"{figures['installedKiB']:,}",
@@ -114,15 +121,22 @@ def row(figures):
 
 
 def document(folder, page):
-    found = [json.loads(path.read_text()) for path in pathlib.Path(folder).glob("*/figures.json")]
-    found.sort(key=lambda figures: (-int(figures["release"]), figures["architecture"]))
-    head = ["release", "`kestal`", "all three", "installed", "program", "PSS", "first answer, in bares", "ran on"]
-    table = report.table(head, [row(figures) for figures in found])
-    marks = re.compile(r"(<!-- packages -->\n).*?(<!-- end of packages -->)", re.DOTALL)
     path = pathlib.Path(page)
-    text, count = marks.subn(lambda marked: f"{marked[1]}\n{table}\n\n{marked[2]}", path.read_text())
-    assert count == 1, f"no marks in {page}"
-    path.write_text(text)
+    text = path.read_text()
+    marked = re.search(r"(?s)(?<=<!-- packages -->\n).*?(?=<!-- end of packages -->)", text)
+    assert marked, f"no marks in {page}"
+    kept = re.findall(r"(?m)^\| (Debian \d+, \w+) *\|(.*)\|$", marked[0])
+    rows = {name: [name, *(cell.strip() for cell in cells.split("|"))] for name, cells in kept}
+    for file in pathlib.Path(folder).glob("*/figures.json"):
+        new = row(json.loads(file.read_text()), built_from(file.parent))
+        rows[new[0]] = new
+    # The newest release first.
+    rows = sorted(rows.values(), key=lambda cells: (-int(re.search(r"\d+", cells[0])[0]), cells[0]))
+    head = [
+        *("release", "built from", "`kestal`", "all three", "installed", "program", "PSS"),
+        *("first answer, in bares", "ran on"),
+    ]
+    path.write_text(f"{text[: marked.start()]}\n{report.table(head, rows)}\n\n{text[marked.end() :]}")
 
 
 {"measure": measure, "document": document}[sys.argv[1]](*sys.argv[2:])

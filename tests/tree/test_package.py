@@ -67,7 +67,12 @@ def test_a_release_has_the_version_of_its_tag(made):
     assert calls == [f"13 deploy/debian/build 13 armhf 1.2.3+deb13 {SECONDS} 1"]
 
 
+# Of the packages, by release of Debian.
+VERSIONS = {"12": "1.2.3", "13": "1.2.3~git20260131.123456.12345abcdef0"}
+
+
 def test_the_table_has_a_row_for_each_release_and_architecture(tmp_path):
+    """Also for those whose packages are not here, which it had before."""
     for release, architecture, size in (("12", "amd64", 1), ("13", "armhf", 3), ("13", "amd64", 2)):
         figures = {
             "release": release, "architecture": architecture, "emulated": architecture != "amd64",
@@ -78,14 +83,17 @@ def test_the_table_has_a_row_for_each_release_and_architecture(tmp_path):
         folder = tmp_path / f"{release}-{architecture}"
         folder.mkdir()
         (folder / "figures.json").write_text(json.dumps(figures))
+        (folder / f"kestal_{VERSIONS[release]}+deb{release}_{architecture}.changes").touch()
     page = tmp_path / "page.md"
-    page.write_text("before\n<!-- packages -->\nold\n<!-- end of packages -->\nafter\n")
+    page.write_text("| Debian 11, amd64 | not a row |\n<!-- packages -->\nold\n| Debian 12, amd64 | old |\n"
+                    "| Debian 12, arm64 | 1.2.0 | 9 | | | | 8 | | |\n<!-- end of packages -->\nafter\n")
     figures_program = tree.ROOT / "deploy" / "debian" / "figures.py"
     subprocess.run(["/usr/bin/python3", figures_program, "document", tmp_path, page], check=True, timeout=60,
                    env={"PATH": os.environ["PATH"], "PYTHONDONTWRITEBYTECODE": "1"})
     lines = page.read_text().splitlines()
     rows = [[cell.strip() for cell in line.split("|")[1:-1]] for line in lines if line.startswith("| Debian")]
-    assert [row[:2] + row[5:6] for row in rows] == [
-        ["Debian 13, amd64", "2", "7"], ["Debian 13, armhf", "3", ""], ["Debian 12, amd64", "1", "7"]]
-    assert rows[1][6:] == ["2.0 (2.0 to 2.0)", "qemu-user"]
-    assert (lines[0], lines[-1], "old" in lines) == ("before", "after", False)
+    assert [row[:3] + row[6:7] for row in rows[1:]] == [
+        ["Debian 13, amd64", "12345ab", "2", "7"], ["Debian 13, armhf", "12345ab", "3", ""],
+        ["Debian 12, amd64", "1.2.3", "1", "7"], ["Debian 12, arm64", "1.2.0", "9", "8"]]
+    assert rows[2][7:] == ["2.0 (2.0 to 2.0)", "qemu-user"]
+    assert (lines[0], lines[-1], "old" in lines) == ("| Debian 11, amd64 | not a row |", "after", False)
