@@ -4,7 +4,7 @@
 usage: join_sboms.py VERSION FOLDER   the folder has kestal-VERSION.tar.gz and the packages' SBOMs, *.spdx.json;
                                       it gets kestal-VERSION.spdx.json (SPDX 2.3)
 
-The files in the packages stay in the packages' own SBOMs.
+The files in the packages stay in the packages' own SBOMs; what a file was made from, its package was made from.
 """
 
 import hashlib
@@ -67,8 +67,9 @@ def join(version, folder):
             names[package["SPDXID"]] = entry["SPDXID"]
             packages[entry["SPDXID"]] = entry
         relations.add((names[own["SPDXID"]], "GENERATED_FROM", archive["SPDXID"]))
+        elements = names | {file["SPDXID"]: names[own["SPDXID"]] for file in document["files"]}
         relations |= {
-            (names[told["spdxElementId"]], told["relationshipType"], names[told["relatedSpdxElement"]])
+            (elements[told["spdxElementId"]], told["relationshipType"], names[told["relatedSpdxElement"]])
             for told in document["relationships"]
             if told["relatedSpdxElement"] in names
         }

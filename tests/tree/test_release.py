@@ -26,6 +26,7 @@ def write(name, kind, needs):
            "packageFileName": file, "filesAnalyzed": True, "packageVerificationCode": {}}
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own), (own, "CONTAINS", "SPDXRef-File-1")]
     relations += [(own, "DEPENDS_ON", other) for other in needs]
+    relations += [("SPDXRef-File-1", "GENERATED_FROM", other) for other in needs if other["name"] == "libc6"]
     identifier = lambda element: element if isinstance(element, str) else element["SPDXID"]
     relations = [{"spdxElementId": identifier(one), "relationshipType": kind, "relatedSpdxElement": identifier(other)}
                  for one, kind, other in relations]
@@ -194,7 +195,7 @@ def test_a_release_has_the_packages_and_one_sbom_of_all(made):
         expected |= {("all", "DESCRIBES", deb), (deb, "GENERATED_FROM", "kestal-1.2.3.tar.gz")}
     for number, kind in (("13", "amd64"), ("13", "arm64"), ("12", "amd64")):
         own = f"kestal_1.2.3+deb{number}_{kind}.deb"
-        expected |= {(own, "DEPENDS_ON", f"libc6 {number}"),
+        expected |= {(own, "DEPENDS_ON", f"libc6 {number}"), (own, "GENERATED_FROM", f"libc6 {number}"),
                      (own, "DEPENDS_ON", f"kestal-page_1.2.3+deb{number}_all.deb")}
     assert relations == expected
     assert not any("packageVerificationCode" in entry or entry.get("filesAnalyzed") for entry in packages.values())
